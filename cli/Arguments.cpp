@@ -1,0 +1,52 @@
+#include "cli/Arguments.h"
+
+#include "cli/StandardStreams.h"
+#include "core/FileReader.h"
+
+#include <QFile>
+
+namespace Arguments {
+
+WrongUse::WrongUse(const QString &message)
+    : std::runtime_error(message.toStdString())
+{
+}
+
+QString toText(const std::string &argument)
+{
+    return QString::fromStdString(argument);
+}
+
+QString toPath(const std::string &argument)
+{
+    return QFile::decodeName(argument.c_str());
+}
+
+QByteArray readInput(const std::string &argument)
+{
+    return argument == "-" ? StandardStreams::readAll() : FileReader::readAll(toPath(argument));
+}
+
+void Output::addPath(CLI::App &command)
+{
+    command.add_option("-o,--output", path, "结果写入此文件（整体替换；缺省为标准输出）")->type_name("文件");
+}
+
+void Output::addJson(CLI::App &command)
+{
+    command.add_flag("--json", json, "输出机器可读的 JSON");
+}
+
+void Output::addProgress(CLI::App &command)
+{
+    command.add_flag("--progress", progress, "始终在标准错误上显示进度");
+    command.add_flag("-q,--quiet", quiet, "不显示进度");
+}
+
+void Output::report(const QString &line) const
+{
+    if (!quiet && (progress || StandardStreams::errorIsTerminal()))
+        StandardStreams::writeError(line.toUtf8());
+}
+
+} // namespace Arguments

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <CLI/App.hpp>
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+/// The options that commands share, and what their words mean.
+namespace Arguments {
+
+/// A command line that cannot be meant: exit status 2. The message is Chinese.
+class WrongUse : public std::runtime_error
+{
+public:
+    explicit WrongUse(const QString &message);
+};
+
+QString toText(const std::string &argument);  ///< Text of the command line, which is UTF-8.
+QString toPath(const std::string &argument);  ///< A file name of the command line.
+
+/// The bytes of an input: of the file, or of standard input for "-". @throws PlatformError, Cancelled
+QByteArray readInput(const std::string &argument);
+
+/// Where a result goes and how much is said about it.
+struct Output
+{
+    std::string path; ///< Empty for standard output.
+    bool json = false;
+    bool progress = false;
+    bool quiet = false;
+
+    void addPath(CLI::App &command);     ///< -o, --output
+    void addJson(CLI::App &command);     ///< --json
+    void addProgress(CLI::App &command); ///< --progress, -q, --quiet
+
+    /// Says one line on standard error, if it is a terminal or progress was asked for.
+    void report(const QString &line) const;
+};
+
+} // namespace Arguments

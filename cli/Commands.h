@@ -1,0 +1,17 @@
+#pragma once
+
+#include <CLI/App.hpp>
+
+#include <functional>
+
+/// The commands. Each function adds one with its options and help; `run` is set to its work once it is chosen. The work
+/// throws ConversionError, PlatformError, Cancelled or Arguments::WrongUse.
+namespace Commands {
+
+using Work = std::function<void()>;
+
+void addSettings(CLI::App &app, Work &run);
+void addSrt(CLI::App &app, Work &run);
+void addTitles(CLI::App &app, Work &run);
+
+} // namespace Commands

@@ -1,0 +1,56 @@
+#include "cli/Commands.h"
+#include "cli/Result.h"
+#include "fcp/FCPXML.h"
+
+#include <QDir>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace Commands {
+
+namespace {
+
+struct SettingsArguments
+{
+    std::string input;
+    Arguments::Output output;
+};
+
+QString summary(const Options &options)
+{
+    return u"名称：%1\n帧率：%2\n画面：%3 × %4\n字号：%5\n"_s.arg(options.name, options.rate.label)
+        .arg(options.width)
+        .arg(options.height)
+        .arg(options.fontSize);
+}
+
+void runSettings(const SettingsArguments &arguments)
+{
+    const XmlDocument document = arguments.input == "-"
+        ? FCPXML::document(Arguments::readInput(arguments.input), QDir::currentPath())
+        : FCPXML::document(Arguments::toPath(arguments.input));
+    const Options options = FCPXML::settings(Options(), document);
+    Result::deliver(
+        arguments.output, [&](Utf8Writer &out) { out.text(summary(options)); },
+        [&](JsonWriter &json) { writeOptions(json, options); });
+}
+
+} // namespace
+
+void addSettings(CLI::App &app, Work &run)
+{
+    auto *const command = app.add_subcommand("settings", "显示与项目匹配的导出设置");
+    const auto arguments = std::make_shared<SettingsArguments>();
+    command->add_option("project", arguments->input, "项目（.fcpxml 或 .fcpxmld），- 表示标准输入")
+        ->required()
+        ->type_name("PROJECT");
+    arguments->output.addPath(*command);
+    arguments->output.addJson(*command);
+    arguments->output.addProgress(*command);
+    command->footer("示例：\n  lintora-cli settings 粗剪.fcpxmld --json > 样式.json");
+    command->callback([&run, arguments] { run = [arguments] { runSettings(*arguments); }; });
+}
+
+} // namespace Commands

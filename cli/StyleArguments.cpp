@@ -1,0 +1,157 @@
+#include "cli/StyleArguments.h"
+
+#include "cli/Arguments.h"
+#include "core/FileReader.h"
+#include "core/JsonReader.h"
+
+#include <QLocale>
+#include <QStringList>
+
+#include <CLI/Option.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Colours of eight bits a channel, in the form of the record: "1 0.501961 0 1".
+QString colorFromHex(const QString &text)
+{
+    const QByteArray channels = QByteArray::fromHex(text.mid(1).toLatin1());
+    QStringList parts;
+    for (const char channel : channels) {
+        // Six digits tell all 256 levels apart, and are what Final Cut Pro writes.
+        parts += QString::number(double(static_cast<quint8>(channel)) / 255, 'g', 6);
+    }
+    if (parts.size() == 3)
+        parts += u"1"_s;
+    return parts.join(u' ');
+}
+
+bool isHexColor(const QString &text)
+{
+    return text.startsWith(u'#') && (text.size() == 7 || text.size() == 9)
+        && std::all_of(text.begin() + 1, text.end(), [](QChar c) { return QStringView(u"0123456789abcdefABCDEF").contains(c); });
+}
+
+bool isRecordColor(const QString &text)
+{
+    const QStringList parts = text.split(u' ');
+    return parts.size() == 4 && std::all_of(parts.begin(), parts.end(), [](const QString &part) {
+        bool isNumber = false;
+        const double value = part.toDouble(&isNumber);
+        return isNumber && value >= 0 && value <= 1;
+    });
+}
+
+QString readColor(const std::string &argument)
+{
+    const QString text = Arguments::toText(argument);
+    if (isHexColor(text))
+        return colorFromHex(text);
+    if (!isRecordColor(text))
+        throw Arguments::WrongUse(u"颜色无效：%1（应为 \"1 1 1 1\" 或 #RRGGBB[AA]）"_s.arg(text));
+    return text;
+}
+
+FrameRate readRate(const std::string &argument)
+{
+    const QString label = Arguments::toText(argument);
+    QStringList labels;
+    for (const FrameRate &rate : FrameRate::all()) {
+        if (rate.label == label)
+            return rate;
+        labels += rate.label;
+    }
+    throw Arguments::WrongUse(u"帧率无效：%1（可用：%2）"_s.arg(label, labels.join(u"、")));
+}
+
+void applySize(const std::string &argument, Options &options)
+{
+    const QString text = Arguments::toText(argument);
+    const QStringList parts = text.split(u'x', Qt::KeepEmptyParts, Qt::CaseInsensitive);
+    bool isWidth = false;
+    bool isHeight = false;
+    if (parts.size() == 2) {
+        options.width = parts[0].toLongLong(&isWidth);
+        options.height = parts[1].toLongLong(&isHeight);
+    }
+    if (!isWidth || !isHeight)
+        throw Arguments::WrongUse(u"画面尺寸无效：%1（应为 宽x高，例如 1920x1080）"_s.arg(text));
+}
+
+template <class Value>
+void replace(Value &field, const std::optional<Value> &given)
+{
+    if (given)
+        field = *given;
+}
+
+} // namespace
+
+void StyleArguments::add(CLI::App &command)
+{
+    const std::string group = "标题样式";
+    const auto add = [&](const char *name, auto &value, const char *type, const char *description) {
+        command.add_option(name, value, description)->type_name(type)->group(group);
+    };
+    const auto addSwitch = [&](const char *name, std::optional<bool> &value, const char *description) {
+        command.add_flag(name, value, description)->group(group);
+    };
+    add("--options", m_optionsFile, "文件", "样式记录（settings --json 的输出）");
+    add("--rate", m_rate, "帧率", "23.976、24、25、29.97、30、50、59.94 或 60");
+    add("--size", m_size, "宽x高", "画面尺寸，例如 1920x1080");
+    add("--font", m_font, "名称", "字体");
+    add("--face", m_face, "名称", "字重，例如 Semibold");
+    add("--font-size", m_fontSize, "磅", "字号");
+    add("--color", m_color, "颜色", "文字颜色：\"1 1 1 1\" 或 #RRGGBB[AA]");
+    addSwitch("--stroke,!--no-stroke", m_stroke, "是否描边");
+    add("--stroke-width", m_strokeWidth, "0-20", "描边宽度");
+    add("--stroke-color", m_strokeColor, "颜色", "描边颜色");
+    addSwitch("--shadow,!--no-shadow", m_shadow, "是否加阴影");
+    add("--shadow-blur", m_shadowBlur, "0-30", "阴影模糊半径");
+    add("--shadow-color", m_shadowColor, "颜色", "阴影颜色");
+    add("--bottom", m_bottom, "0-40", "距画面底部的百分比");
+    add("--shift", m_shift, "毫秒", "全部字幕的时间偏移，可为负");
+    add("--name", m_name, "名称", "项目名称");
+    add("--role", m_role, "角色", "标题角色");
+}
+
+Options StyleArguments::applied(Options base) const
+{
+    Options options = std::move(base);
+    if (m_optionsFile) {
+        const QByteArray bytes = FileReader::readAll(Arguments::toPath(*m_optionsFile));
+        JsonReader json(bytes);
+        options = readOptions(json);
+        json.finish();
+    }
+    if (m_rate)
+        options.rate = readRate(*m_rate);
+    if (m_size)
+        applySize(*m_size, options);
+    if (m_font)
+        options.font = Arguments::toText(*m_font);
+    if (m_face)
+        options.fontFace = Arguments::toText(*m_face);
+    replace(options.fontSize, m_fontSize);
+    if (m_color)
+        options.fontColor = readColor(*m_color);
+    replace(options.strokeEnabled, m_stroke);
+    replace(options.strokeWidth, m_strokeWidth);
+    if (m_strokeColor)
+        options.strokeColor = readColor(*m_strokeColor);
+    replace(options.shadowEnabled, m_shadow);
+    replace(options.shadowBlur, m_shadowBlur);
+    if (m_shadowColor)
+        options.shadowColor = readColor(*m_shadowColor);
+    replace(options.bottomPercent, m_bottom);
+    replace(options.shiftMS, m_shift);
+    if (m_name)
+        options.name = Arguments::toText(*m_name);
+    if (m_role)
+        options.titleRole = Arguments::toText(*m_role);
+    return options;
+}

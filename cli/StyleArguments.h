@@ -1,0 +1,38 @@
+#pragma once
+
+#include "fcp/Options.h"
+
+#include <CLI/App.hpp>
+
+#include <optional>
+#include <string>
+
+/// The options of a command that shape the titles.
+class StyleArguments
+{
+public:
+    void add(CLI::App &command);
+
+    /// `base` with what was given put in: first the record of --options, then the single options.
+    /// @throws Arguments::WrongUse for a value that is none; PlatformError when the record cannot be read.
+    Options applied(Options base) const;
+
+private:
+    std::optional<std::string> m_optionsFile;
+    std::optional<std::string> m_rate;
+    std::optional<std::string> m_size;
+    std::optional<std::string> m_font;
+    std::optional<std::string> m_face;
+    std::optional<double> m_fontSize;
+    std::optional<std::string> m_color;
+    std::optional<bool> m_stroke;
+    std::optional<double> m_strokeWidth;
+    std::optional<std::string> m_strokeColor;
+    std::optional<bool> m_shadow;
+    std::optional<double> m_shadowBlur;
+    std::optional<std::string> m_shadowColor;
+    std::optional<double> m_bottom;
+    std::optional<qint64> m_shift;
+    std::optional<std::string> m_name;
+    std::optional<std::string> m_role;
+};

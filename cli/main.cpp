@@ -1,0 +1,129 @@
+#include "cli/Arguments.h"
+#include "cli/Commands.h"
+#include "cli/Interrupt.h"
+#include "cli/StandardStreams.h"
+#include "core/Cancelled.h"
+#include "core/ConversionError.h"
+#include "core/PlatformError.h"
+
+#include <QCoreApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
+
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum ExitStatus
+{
+    done = 0,
+    refused = 1,
+    wrongUse = 2,
+    cancelled = 130
+};
+
+void translate(CLI::App &app)
+{
+    const auto formatter = app.get_formatter();
+    for (const auto &[english, chinese] : {std::pair("Usage", "用法"), std::pair("OPTIONS", "选项"),
+                                           std::pair("Options", "选项"), std::pair("SUBCOMMAND", "命令"),
+                                           std::pair("Subcommands", "命令"), std::pair("Positionals", "参数"),
+                                           std::pair("REQUIRED", "（必需）"), std::pair("TEXT", "文字")})
+        formatter->label(english, chinese);
+    formatter->column_width(32);
+}
+
+void addCommands(CLI::App &app, Commands::Work &run)
+{
+    app.require_subcommand(1);
+    app.set_help_flag("-h,--help", "显示帮助");
+    app.set_version_flag("--version", "lintora-cli " LINTORA_VERSION, "显示版本");
+    app.footer("示例：\n  lintora-cli titles 访谈.srt -o 访谈.fcpxml --rate 25\n\n每个命令的选项：lintora-cli 命令 --help");
+    translate(app);
+    Commands::addSrt(app, run);
+    Commands::addTitles(app, run);
+    Commands::addSettings(app, run);
+    for (CLI::App *const command : app.get_subcommands({}))
+        command->get_option("--help")->description("显示帮助");
+}
+
+/// What is wrong with the command line, in Chinese.
+QString explain(const CLI::ParseError &error)
+{
+    const QString detail = QString::fromUtf8(error.what());
+    const std::string kind = error.get_name();
+    if (kind == "RequiredError")
+        return u"缺少命令或参数：%1"_s.arg(detail);
+    if (kind == "ExtrasError")
+        return u"不认识的参数：%1"_s.arg(detail.mid(detail.indexOf(u": ") + 2));
+    if (kind == "ArgumentMismatch")
+        return u"选项缺少值：%1"_s.arg(detail);
+    return u"参数无效：%1"_s.arg(detail);
+}
+
+ExitStatus sayWrongUse(const QString &message)
+{
+    StandardStreams::writeError((message + u"\n用法见 lintora-cli --help 或 lintora-cli 命令 --help"_s).toUtf8());
+    return wrongUse;
+}
+
+/// Descriptions of failed file operations are Chinese where Qt's translations are installed.
+void loadTranslations(QTranslator &translator)
+{
+    if (translator.load(u"qtbase_zh_CN"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&translator);
+}
+
+ExitStatus run(int argc, char **argv)
+{
+    Commands::Work work;
+    CLI::App app("Lintora（VELMORA 字幕助手）命令行", "lintora-cli");
+    addCommands(app, work);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success &request) {
+        // Help and version are results like any other: a full disk must not go unnoticed.
+        std::ostringstream text;
+        app.exit(request, text, text);
+        StandardStreams::write(text.str());
+        StandardStreams::finish();
+        return done;
+    } catch (const CLI::ParseError &error) {
+        return sayWrongUse(explain(error));
+    }
+    work();
+    StandardStreams::finish();
+    return done;
+}
+
+ExitStatus guarded(int argc, char **argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const Arguments::WrongUse &error) {
+        return sayWrongUse(QString::fromUtf8(error.what()));
+    } catch (const Cancelled &) {
+        return cancelled;
+    } catch (const std::bad_alloc &) {
+        StandardStreams::writeError("内存不足。");
+    } catch (const std::exception &error) {
+        // ConversionError and PlatformError carry the sentence for the user.
+        StandardStreams::writeError(error.what());
+    }
+    return refused;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    StandardStreams::reserve();
+    Interrupt::watch();
+    const QCoreApplication application(argc, argv);
+    QTranslator translator;
+    loadTranslations(translator);
+    return guarded(argc, argv);
+}

@@ -1,0 +1,14 @@
+#include "core/ConversionError.h"
+
+using namespace Qt::StringLiterals;
+
+ConversionError::ConversionError(const QString &message)
+    : m_message(message)
+    , m_utf8(message.toUtf8())
+{
+}
+
+ConversionError ConversionError::aboutCue(qint64 number, QStringView problem)
+{
+    return ConversionError(u"第 %1%2"_s.arg(number).arg(problem));
+}

@@ -1,0 +1,234 @@
+#include "fcp/FCPXML.h"
+
+#include "core/ConversionError.h"
+#include "core/FileReader.h"
+#include "fcp/NewDocument.h"
+#include "fcp/TitleConnection.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace FCPXML {
+
+namespace {
+
+[[noreturn]] void throwMissingStructure()
+{
+    throw ConversionError(u"项目 XML 缺少必要结构。"_s);
+}
+
+/// A "src" value as an absolute URL, unchanged where it has a scheme.
+QByteArray absoluteSource(const QByteArray &value, const QUrl &folder)
+{
+    const QUrl url = QUrl(QString::fromUtf8(value), QUrl::TolerantMode);
+    if (value.isEmpty() || !url.scheme().isEmpty())
+        return value;
+    // "12:30.mov" is no valid URL but a file's name.
+    const QUrl relative = url.isValid() ? url : QUrl(u"./"_s + QString::fromUtf8(value), QUrl::TolerantMode);
+    return folder.resolved(relative).toEncoded();
+}
+
+void resolveSources(const XmlDocument &document, const QString &folder)
+{
+    const QUrl base = QUrl::fromLocalFile(QFileInfo(folder).absoluteFilePath() + u'/');
+    for (xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
+        const auto source = Xml::attribute(element, "src");
+        if (!source)
+            continue;
+        const QByteArray absolute = absoluteSource(*source, base);
+        if (absolute != *source)
+            Xml::setAttribute(element, "src", absolute);
+    }
+}
+
+/// The "format" resource of that id, null when there is none. Compared in code: ids come from outside and never become part
+/// of a query.
+const xmlNode *findFormat(const XmlDocument &document, const QByteArray &id)
+{
+    for (const xmlNode *const resources : Xml::Children(document.root())) {
+        if (!Xml::isElement(resources, "resources"))
+            continue;
+        for (const xmlNode *const format : Xml::Children(resources)) {
+            if (Xml::isElement(format, "format") && Xml::attribute(format, "id") == id)
+                return format;
+        }
+    }
+    return nullptr;
+}
+
+const xmlNode *sequenceFormat(const XmlDocument &document, const xmlNode *sequence)
+{
+    const auto id = sequence ? Xml::attribute(sequence, "format") : std::nullopt;
+    return id ? findFormat(document, *id) : nullptr;
+}
+
+std::optional<Rational> timeAttribute(const xmlNode *element, QByteArrayView name)
+{
+    const auto text = Xml::attribute(element, name);
+    return text ? Rational::parseTime(*text) : std::nullopt;
+}
+
+bool hasFrameDuration(const FrameRate &rate, const xmlNode *format)
+{
+    static const Rational tolerance(1, 10'000'000); // seconds
+    const auto duration = timeAttribute(format, "frameDuration");
+    if (!duration)
+        return false;
+    try {
+        const Rational difference = *duration - rate.frameDuration();
+        return difference < tolerance && -difference < tolerance;
+    } catch (const RationalOverflow &) {
+        return false;
+    }
+}
+
+qint64 sizeAttribute(const xmlNode *format, QByteArrayView name, qint64 fallback)
+{
+    bool isNumber = false;
+    const qint64 value = Xml::attribute(format, name).value_or(QByteArray()).toLongLong(&isNumber);
+    return isNumber ? value : fallback;
+}
+
+/// Appends the title effect to the resources and returns its id.
+QByteArray addEffect(xmlNode *resources, Identifiers &ids)
+{
+    const QByteArray id = "subeffect" + QByteArray::number(ids.next("subeffect"));
+    xmlNode *const effect = xmlNewChild(resources, nullptr, reinterpret_cast<const xmlChar *>("effect"), nullptr);
+    if (!effect)
+        throw std::bad_alloc();
+    Xml::setAttribute(effect, "id", id);
+    Xml::setAttribute(effect, "name", "基本字幕");
+    Xml::setAttribute(effect, "uid", uid.toByteArray());
+    return id;
+}
+
+void checkLength(const std::vector<TitleGrid::Title> &titles, const Rational &duration, const FrameRate &rate)
+{
+    static const Rational tolerance(1, 1'000); // seconds
+    const auto last = std::max_element(titles.begin(), titles.end(),
+                                       [](const auto &a, const auto &b) { return a.endFrame < b.endFrame; });
+    if (Rational(last->endFrame) * rate.frameDuration() > duration + tolerance)
+        throw ConversionError(u"字幕超出项目时长，请检查音频版本或时间偏移。"_s);
+}
+
+/// A base document that passed its checks, with the effect in place.
+TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titles, const QList<Subtitle> &cues,
+                     const Options &options)
+{
+    xmlNode *const project = FCPXML::project(base);
+    // Final Cut Pro takes a project without these for a new one and leaves the old one alone.
+    Xml::removeAttribute(project, "uid");
+    Xml::removeAttribute(project, "modDate");
+    Identifiers ids(base);
+    xmlNode *const resources = Xml::child(base.root(), "resources");
+    const xmlNode *const sequence = Xml::child(project, "sequence");
+    const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
+    const auto duration = sequence ? timeAttribute(sequence, "duration") : std::nullopt;
+    if (!resources || !spine || !duration)
+        throwMissingStructure();
+    const xmlNode *const format = sequenceFormat(base, sequence);
+    if (!format || !hasFrameDuration(options.rate, format))
+        throw ConversionError(u"字幕帧率与项目不一致，请重新选择项目 XML。"_s);
+    const auto start = Rational::parseTime(Xml::attribute(sequence, "tcStart").value_or("0s"));
+    if (!start)
+        throwMissingStructure();
+    checkLength(titles, *duration, options.rate);
+    Xml::setAttribute(project, "name", options.name.toUtf8());
+    const QByteArray effectID = addEffect(resources, ids);
+    return TitleConnection::connect({.tree = std::move(base),
+                                     .spine = spine,
+                                     .projectStart = *start,
+                                     .ids = ids,
+                                     .effectID = effectID,
+                                     .indentation = -1},
+                                    titles, cues, options);
+}
+
+} // namespace
+
+XmlDocument document(const QString &path)
+{
+    const QFileInfo given(path);
+    const bool isBundle = given.suffix().compare(u"fcpxmld", Qt::CaseInsensitive) == 0;
+    const QString file = isBundle ? path + u"/Info.fcpxml"_s : path;
+    const auto bytes = FileReader::readUpTo(file, largestFile);
+    if (!bytes)
+        throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
+    return document(*bytes, QFileInfo(file).absolutePath());
+}
+
+XmlDocument document(QByteArrayView bytes, const QString &folder)
+{
+    if (bytes.size() > largestFile)
+        throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
+    XmlDocument result = XmlDocument::parse(bytes, u"不支持含外部实体的 XML。");
+    resolveSources(result, folder);
+    return result;
+}
+
+xmlNode *project(const XmlDocument &document)
+{
+    std::vector<xmlNode *> found;
+    const auto collect = [&](const xmlNode *parent) {
+        for (xmlNode *const child : Xml::Children(parent)) {
+            if (Xml::isElement(child, "project"))
+                found.push_back(child);
+        }
+    };
+    const auto collectFromEvents = [&](const xmlNode *parent) {
+        for (const xmlNode *const child : Xml::Children(parent)) {
+            if (Xml::isElement(child, "event"))
+                collect(child);
+        }
+    };
+    const xmlNode *const root = document.root();
+    if (Xml::isElement(root, "fcpxml")) {
+        collect(root);
+        collectFromEvents(root);
+        for (const xmlNode *const child : Xml::Children(root)) {
+            if (Xml::isElement(child, "library"))
+                collectFromEvents(child);
+        }
+    }
+    if (found.size() != 1)
+        throw ConversionError(u"请选择只包含一个项目的 FCPXML。"_s);
+    return found.front();
+}
+
+Options settings(Options options, const XmlDocument &document)
+{
+    const xmlNode *const project = FCPXML::project(document);
+    const xmlNode *const format = sequenceFormat(document, Xml::child(project, "sequence"));
+    if (!format)
+        throw ConversionError(u"找不到项目画面格式。"_s);
+    const auto rates = FrameRate::all();
+    const auto rate = std::find_if(rates.begin(), rates.end(),
+                                   [&](const FrameRate &each) { return hasFrameDuration(each, format); });
+    if (rate == rates.end())
+        throw ConversionError(u"项目帧率暂不支持。"_s);
+    options.rate = *rate;
+    options.width = sizeAttribute(format, "width", 3840);
+    options.height = sizeAttribute(format, "height", 2160);
+    options.fontSize = double(options.height) / 45;
+    const auto name = Xml::attribute(project, "name");
+    options.name = (name ? QString::fromUtf8(*name) : u"项目"_s) + u"_字幕版"_s;
+    return options;
+}
+
+TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options)
+{
+    if (!base)
+        return NewDocument::project(cues, options);
+    const auto titles = TitleGrid::place(cues, options);
+    try {
+        return extend(*std::move(base), titles, cues, options);
+    } catch (const RationalOverflow &) {
+        throwMissingStructure();
+    }
+}
+
+} // namespace FCPXML

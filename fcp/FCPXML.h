@@ -1,0 +1,41 @@
+#pragma once
+
+#include "fcp/TitleDocument.h"
+
+#include <optional>
+
+/// Final Cut Pro's interchange documents: titles written, the user's projects read.
+///
+/// Times of documents are exact rationals, titles lie on the frame grid. No external entity is ever loaded.
+namespace FCPXML {
+
+/// The effect behind every title, Final Cut Pro's Basic Title.
+inline constexpr QByteArrayView uid =
+    ".../Titles.localized/Bumper:Opener.localized/Basic Title.localized/Basic Title.moti";
+
+/// Files up to this size are read, in bytes.
+inline constexpr qint64 largestFile = 16 * 1024 * 1024;
+
+/// Reads a project file, or the "Info.fcpxml" of a bundle ("fcpxmld"). "src" values without a scheme become absolute file
+/// URLs, resolved against the file's folder.
+/// @throws PlatformError when it cannot be read or is no XML.
+/// @throws ConversionError "FCPXML 文件过大，请分段导入。" or "不支持含外部实体的 XML。"
+XmlDocument document(const QString &path);
+
+/// The same for the bytes of a document that lies in `folder`.
+XmlDocument document(QByteArrayView bytes, const QString &folder);
+
+/// The one project of a document.
+/// @throws ConversionError "请选择只包含一个项目的 FCPXML。" when there is none, or several.
+xmlNode *project(const XmlDocument &document);
+
+/// `options` with frame rate, frame size, font size (height ÷ 45) and name taken from the document's project.
+/// @throws ConversionError as project does, "找不到项目画面格式。" or "项目帧率暂不支持。"
+Options settings(Options options, const XmlDocument &document);
+
+/// A document with one Basic Title for each cue: into `base`, the user's own project, which takes the options' name and keeps
+/// everything else; or, without a base, a new document of version 1.10 with one project.
+/// @throws ConversionError with the sentence that says what is wrong; nothing is written then.
+TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options);
+
+} // namespace FCPXML

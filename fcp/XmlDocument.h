@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <libxml/tree.h>
+
+#include <memory>
+#include <optional>
+
+/// One XML document in memory, the owner of its nodes. Moved, never copied.
+class XmlDocument
+{
+public:
+    /// Parses a whole document in any encoding that libxml2 knows. Nothing outside the bytes is ever loaded, and no entity
+    /// is expanded: a document that declares one is refused.
+    /// @throws ConversionError `entityRefusal` when the bytes, read as text, contain "<!ENTITY", or an entity is declared.
+    /// @throws PlatformError with the line and libxml2's words when the document is not well-formed.
+    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal);
+
+    xmlDoc *get() const { return m_document.get(); }
+    xmlNode *root() const { return xmlDocGetRootElement(m_document.get()); }
+
+private:
+    struct Free
+    {
+        void operator()(xmlDoc *document) const { xmlFreeDoc(document); }
+    };
+
+    explicit XmlDocument(xmlDoc *document)
+        : m_document(document)
+    {
+    }
+
+    std::unique_ptr<xmlDoc, Free> m_document;
+};
+
+/// What our readers ask of libxml2's nodes. Names and values are UTF-8; names are those of elements and attributes outside any
+/// namespace, as FCPXML has them.
+namespace Xml {
+
+bool isElement(const xmlNode *node, QByteArrayView name);
+
+/// The element's name, empty for any other node.
+QByteArrayView elementName(const xmlNode *node);
+
+std::optional<QByteArray> attribute(const xmlNode *element, QByteArrayView name);
+void setAttribute(xmlNode *element, const char *name, const QByteArray &value);
+void removeAttribute(xmlNode *element, const char *name);
+
+/// The first child element of that name, null when there is none.
+xmlNode *child(const xmlNode *element, QByteArrayView name);
+
+/// The next element among the siblings after `node`, which may be null.
+xmlNode *firstElement(xmlNode *node);
+
+/// The element children of a node, in document order: `for (xmlNode *clip : Xml::Children(spine))`.
+class Children
+{
+public:
+    explicit Children(const xmlNode *parent)
+        : m_first(parent ? firstElement(parent->children) : nullptr)
+    {
+    }
+
+    struct Iterator
+    {
+        xmlNode *node;
+        xmlNode *operator*() const { return node; }
+        Iterator &operator++()
+        {
+            node = firstElement(node->next);
+            return *this;
+        }
+        bool operator==(const Iterator &) const = default;
+    };
+
+    Iterator begin() const { return {m_first}; }
+    Iterator end() const { return {nullptr}; }
+
+private:
+    xmlNode *m_first;
+};
+
+/// The element that follows `element` in document order within `root`, null after the last one. Needs no stack, so that
+/// depth costs nothing.
+xmlNode *nextElement(const xmlNode *element, const xmlNode *root);
+
+} // namespace Xml
