@@ -21,7 +21,7 @@ namespace {
 // The grammar, as patterns over the text (\s is Unicode's white space, \d is [0-9]):
 //
 //   blocks      are separated by   \n[ \t]*\n+
-//   time line   ^\s*(\d{1,3}):([0-5]\d):([0-5]\d)[,.](\d{3})\s*-->\s*(\d{1,3}):([0-5]\d):([0-5]\d)[,.](\d{3})(?:\s+.*)?$
+//   time line ^\s*(\d{1,3}):([0-5]\d):([0-5]\d)[,.](\d{3})\s*-->\s*(\d{1,3}):([0-5]\d):([0-5]\d)[,.](\d{3})(?:\s+.*)?$
 //   tags        (?i)</?(?:b|i|u|font)(?:\s+[^>]*)?>
 //
 // The scanner below reads the same language straight from UTF-8, ten times as fast as the patterns; the tests hold it
@@ -85,8 +85,7 @@ public:
     explicit LineScanner(QByteArrayView line)
         : m_at(line.begin())
         , m_end(line.end())
-    {
-    }
+    {}
 
     bool atEnd() const { return m_at == m_end; }
 
@@ -186,8 +185,8 @@ bool isSequenceNumber(QByteArrayView line)
         // Line breaks are no part of the trimmed set here, unlike all other white space.
         const qsizetype length = Utf8::trailingSpace(line);
         const QByteArrayView last = line.last(length);
-        const bool isBreak = last == "\x0B" || last == "\x0C" || last == "\xC2\x85" || last == "\xE2\x80\xA8"
-            || last == "\xE2\x80\xA9";
+        const bool isBreak =
+            last == "\x0B" || last == "\x0C" || last == "\xC2\x85" || last == "\xE2\x80\xA8" || last == "\xE2\x80\xA9";
         if (length == 0 || isBreak)
             break;
         line.chop(length);
@@ -202,16 +201,16 @@ bool isSequenceNumber(QByteArrayView line)
     return error == std::errc() && stop == line.end();
 }
 
-/// The length of the formatting tag at `at`, 0 when there is none. `noClose` remembers that no ">" follows, so that text
-/// full of "<b " is read once and not again and again.
+/// The length of the formatting tag at `at`, 0 when there is none. `noClose` remembers that no ">" follows, so that
+/// text full of "<b " is read once and not again and again.
 qsizetype tagLength(const char *at, const char *end, bool &noClose)
 {
     const char *p = at + 1;
     if (p != end && *p == '/')
         ++p;
     const auto startsWith = [&](QByteArrayView name) {
-        return end - p >= name.size()
-            && std::equal(name.begin(), name.end(), p, [](char a, char b) { return a == (b | 0x20); });
+        return end - p >= name.size() &&
+               std::equal(name.begin(), name.end(), p, [](char a, char b) { return a == (b | 0x20); });
     };
     if (startsWith("font"))
         p += 4;
@@ -276,8 +275,7 @@ public:
         : m_begin(text.begin())
         , m_at(text.begin())
         , m_end(text.end())
-    {
-    }
+    {}
 
     QList<Subtitle> parse()
     {

@@ -53,8 +53,7 @@ qsizetype sequenceLength(const char *p, const char *end)
         const quint8 second = byteAt(p + 1);
         const bool overlong = lead == 0xF0 && second < 0x90;
         const bool beyond = lead == 0xF4 && second > 0x8F;
-        const bool complete =
-            isContinuation(second) && isContinuation(byteAt(p + 2)) && isContinuation(byteAt(p + 3));
+        const bool complete = isContinuation(second) && isContinuation(byteAt(p + 2)) && isContinuation(byteAt(p + 3));
         return complete && !overlong && !beyond ? 4 : 0;
     }
     return 0;
@@ -169,8 +168,9 @@ qsizetype leadingSpace(QByteArrayView valid)
     if (lead == 0xC2)
         return byteAt(p + 1) == 0x85 || byteAt(p + 1) == 0xA0 ? 2 : 0;
     if (lead == 0xE1 || lead == 0xE2 || lead == 0xE3) {
-        const char32_t character = static_cast<char32_t>(lead & 0x0F) << 12
-            | static_cast<char32_t>(byteAt(p + 1) & 0x3F) << 6 | static_cast<char32_t>(byteAt(p + 2) & 0x3F);
+        const char32_t character = static_cast<char32_t>(lead & 0x0F) << 12 |
+                                   static_cast<char32_t>(byteAt(p + 1) & 0x3F) << 6 |
+                                   static_cast<char32_t>(byteAt(p + 2) & 0x3F);
         return QChar::isSpace(character) ? 3 : 0;
     }
     return 0;

@@ -37,9 +37,9 @@ bool mentionsEntity(QByteArrayView bytes)
     if (bytes.contains(declaration))
         return true;
     // Only texts that are not one byte a character hold zeros.
-    return bytes.contains('\0')
-        && (bytes.contains(widened(declaration, 2, 0)) || bytes.contains(widened(declaration, 2, 1))
-            || bytes.contains(widened(declaration, 4, 0)) || bytes.contains(widened(declaration, 4, 3)));
+    return bytes.contains('\0') &&
+           (bytes.contains(widened(declaration, 2, 0)) || bytes.contains(widened(declaration, 2, 1)) ||
+            bytes.contains(widened(declaration, 4, 0)) || bytes.contains(widened(declaration, 4, 3)));
 }
 
 void refuseEntity(void *context, const xmlChar * /*name*/, int /*type*/, const xmlChar * /*publicId*/,
