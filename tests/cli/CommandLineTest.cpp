@@ -119,6 +119,9 @@ TEST_F(CommandLineTest, files_that_cannot_be_read_or_written_are_named_by_the_pl
         EXPECT_GT(outcome.error.size(), 5);
     }
     EXPECT_EQ(names(), before);
+    // Bytes that the decoder of four-byte characters chokes on.
+    const QString broken = file(u"broken.fcpxml"_s, QByteArray::fromHex("fffe00003c000000dbdbdbdb"));
+    EXPECT_EQ(CommandLine::run({u"settings"_s, broken}).error.count('\n'), 1) << "and libraries keep silent";
     for (const char *const redirection : {">/dev/full", ">&-", "--json >/dev/full", "--json >&-"}) {
         const auto outcome = CommandLine::shell(u"exec \"$CLI\" srt %1 %2"_s.arg(in, QLatin1StringView(redirection)));
         EXPECT_EQ(outcome.status, 1) << redirection;
