@@ -94,9 +94,9 @@ qint64 sizeAttribute(const xmlNode *format, QByteArrayView name, qint64 fallback
 }
 
 /// Appends the title effect to the resources and returns its id.
-QByteArray addEffect(xmlNode *resources, Identifiers &ids)
+QByteArray addEffect(xmlNode *resources, const Identifiers &ids)
 {
-    const QByteArray id = "subeffect" + QByteArray::number(ids.next("subeffect"));
+    const QByteArray id = "subeffect" + QByteArray::number(ids.counter("subeffect").next());
     xmlNode *const effect = xmlNewChild(resources, nullptr, reinterpret_cast<const xmlChar *>("effect"), nullptr);
     if (!effect)
         throw std::bad_alloc();
@@ -123,7 +123,7 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
     // Final Cut Pro takes a project without these for a new one and leaves the old one alone.
     Xml::removeAttribute(project, "uid");
     Xml::removeAttribute(project, "modDate");
-    Identifiers ids(base);
+    const Identifiers ids(base);
     xmlNode *const resources = Xml::child(base.root(), "resources");
     const xmlNode *const sequence = Xml::child(project, "sequence");
     const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
@@ -142,7 +142,7 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
     return TitleConnection::connect({.tree = std::move(base),
                                      .spine = spine,
                                      .projectStart = *start,
-                                     .ids = ids,
+                                     .styles = ids.counter("substyle"),
                                      .effectID = effectID,
                                      .indentation = -1},
                                     titles, cues, options);

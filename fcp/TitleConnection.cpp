@@ -89,7 +89,7 @@ TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles
                         .title = {.text = title.text,
                                   .offsetFrame = connectionFrame(title, *clip, options.rate),
                                   .frames = title.endFrame - title.startFrame,
-                                  .styleNumber = target.ids.next("substyle")}});
+                                  .styleNumber = target.styles.next()}});
     }
     // Titles come by time, clips nearly always too; where clips overlap, those of one clip are brought together here.
     std::stable_sort(hung.begin(), hung.end(), [](const Hung &a, const Hung &b) { return a.clip < b.clip; });

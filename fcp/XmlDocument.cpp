@@ -89,8 +89,9 @@ XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal)
     bool declaresEntity = false;
     parser->_private = &declaresEntity;
     parser->sax->entityDecl = refuseEntity;
-    XmlDocument document(xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
-                                           XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    XmlDocument document(
+        xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
+                          XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (declaresEntity)
         throw ConversionError(entityRefusal.toString());
     if (!document.get() || !parser->wellFormed || !document.root())
