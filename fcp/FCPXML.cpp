@@ -86,13 +86,6 @@ bool hasFrameDuration(const FrameRate &rate, const xmlNode *format)
     }
 }
 
-qint64 sizeAttribute(const xmlNode *format, QByteArrayView name, qint64 fallback)
-{
-    bool isNumber = false;
-    const qint64 value = Xml::attribute(format, name).value_or(QByteArray()).toLongLong(&isNumber);
-    return isNumber ? value : fallback;
-}
-
 /// Appends the title effect to the resources and returns its id.
 QByteArray addEffect(xmlNode *resources, const Identifiers &ids)
 {
@@ -211,8 +204,8 @@ Options settings(Options options, const XmlDocument &document)
     if (rate == rates.end())
         throw ConversionError(u"项目帧率暂不支持。"_s);
     options.rate = *rate;
-    options.width = sizeAttribute(format, "width", 3840);
-    options.height = sizeAttribute(format, "height", 2160);
+    options.width = Xml::integerAttribute(format, "width").value_or(3840);
+    options.height = Xml::integerAttribute(format, "height").value_or(2160);
     options.fontSize = double(options.height) / 45;
     const auto name = Xml::attribute(project, "name");
     options.name = (name ? QString::fromUtf8(*name) : u"项目"_s) + u"_字幕版"_s;

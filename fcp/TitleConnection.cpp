@@ -45,13 +45,8 @@ const xmlNode *insertionPoint(const xmlNode *clip)
 quint64 freeLane(const XmlDocument &document)
 {
     qint64 highest = 0;
-    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
-        bool isNumber = false;
-        const auto lane = Xml::attribute(element, "lane");
-        const qint64 value = lane ? lane->toLongLong(&isNumber) : 0;
-        if (isNumber)
-            highest = std::max(highest, value);
-    }
+    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root()))
+        highest = std::max(highest, Xml::integerAttribute(element, "lane").value_or(0));
     return static_cast<quint64>(highest) + 1;
 }
 

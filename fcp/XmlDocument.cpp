@@ -6,6 +6,7 @@
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 
+#include <charconv>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -126,6 +127,19 @@ std::optional<QByteArray> attribute(const xmlNode *element, QByteArrayView name)
         return QByteArray(plainChars(whole.get()));
     }
     return std::nullopt;
+}
+
+std::optional<qint64> integerAttribute(const xmlNode *element, QByteArrayView name)
+{
+    const auto text = attribute(element, name);
+    if (!text)
+        return std::nullopt;
+    // from_chars takes neither blanks nor a plus, which the form allows once.
+    const QByteArrayView digits =
+        text->startsWith('+') && !text->startsWith("+-") ? QByteArrayView(*text).sliced(1) : *text;
+    qint64 value = 0;
+    const auto [stop, error] = std::from_chars(digits.begin(), digits.end(), value);
+    return error == std::errc() && stop == digits.end() ? std::optional(value) : std::nullopt;
 }
 
 void setAttribute(xmlNode *element, const char *name, const QByteArray &value)
