@@ -2,6 +2,7 @@
 
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
+#include "fcp/XmlGuard.h"
 
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
@@ -23,32 +24,41 @@ const char *plainChars(const xmlChar *text)
     return reinterpret_cast<const char *>(text);
 }
 
-/// `text` as UTF-16 or UTF-32 would store it, the low byte at `position` of each `width` bytes.
-QByteArray widened(QByteArrayView text, int width, int position)
+/// What makes us stop the parser, which the document itself may not forbid.
+enum class Refusal
 {
-    QByteArray result(text.size() * width, '\0');
-    for (qsizetype i = 0; i < text.size(); ++i)
-        result[i * width + position] = text[i];
-    return result;
-}
+    none,
+    entity,          ///< Declares an entity, or refers to one that is not predefined.
+    defaultAttribute ///< Declares an attribute's default, which one line could put into a million elements.
+};
 
-bool mentionsEntity(QByteArrayView bytes)
+void refuse(void *context, Refusal reason)
 {
-    static constexpr QByteArrayView declaration = "<!ENTITY";
-    if (bytes.contains(declaration))
-        return true;
-    // Only texts that are not one byte a character hold zeros.
-    return bytes.contains('\0') &&
-           (bytes.contains(widened(declaration, 2, 0)) || bytes.contains(widened(declaration, 2, 1)) ||
-            bytes.contains(widened(declaration, 4, 0)) || bytes.contains(widened(declaration, 4, 3)));
+    auto *const parser = static_cast<xmlParserCtxt *>(context);
+    *static_cast<Refusal *>(parser->_private) = reason;
+    xmlStopParser(parser);
 }
 
 void refuseEntity(void *context, const xmlChar * /*name*/, int /*type*/, const xmlChar * /*publicId*/,
                   const xmlChar * /*systemId*/, xmlChar * /*content*/)
 {
-    auto *const parser = static_cast<xmlParserCtxt *>(context);
-    *static_cast<bool *>(parser->_private) = true;
-    xmlStopParser(parser);
+    refuse(context, Refusal::entity);
+}
+
+void refuseReference(void *context, const xmlChar * /*name*/)
+{
+    refuse(context, Refusal::entity);
+}
+
+void declareAttribute(void *context, const xmlChar *element, const xmlChar *name, int type, int presence,
+                      const xmlChar *value, xmlEnumeration *values)
+{
+    if (value) {
+        xmlFreeEnumeration(values);
+        refuse(context, Refusal::defaultAttribute);
+    } else {
+        xmlSAX2AttributeDecl(context, element, name, type, presence, value, values);
+    }
 }
 
 /// Errors of character decoders go to standard error, past the parser's own handling, unless somebody else takes them.
@@ -66,37 +76,50 @@ private:
     xmlStructuredErrorFunc m_handler = xmlStructuredError;
 };
 
-QString parserMessage(xmlParserCtxt *parser)
+PlatformError parseError(const QString &description)
+{
+    return PlatformError(u"XML 无法解析：%1"_s.arg(description));
+}
+
+PlatformError parserError(xmlParserCtxt *parser)
 {
     const xmlError *const error = xmlCtxtGetLastError(parser);
     if (!error || !error->message)
-        return u"XML 无法解析。"_s;
-    return u"XML 第 "_s + QString::number(error->line) + u" 行："_s + QString::fromUtf8(error->message).trimmed();
+        return parseError(u"内容不完整。"_s);
+    // Some of libxml2's descriptions take two lines.
+    return parseError(
+        u"第 %1 行，%2"_s.arg(QString::number(error->line), QString::fromUtf8(error->message).simplified()));
 }
 
 } // namespace
 
 XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal)
 {
-    if (mentionsEntity(bytes))
+    if (XmlGuard::mentionsEntity(bytes))
         throw ConversionError(entityRefusal.toString());
     if (bytes.size() > std::numeric_limits<int>::max())
-        throw PlatformError(u"XML 无法解析。"_s);
+        throw parseError(u"文件过大。"_s);
+    if (XmlGuard::hasOverlongTag(bytes))
+        throw parseError(u"一个元素的属性过多。"_s);
     const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> parser(xmlNewParserCtxt(), xmlFreeParserCtxt);
     if (!parser)
         throw std::bad_alloc();
     const SilentErrors silent;
     // The text search above knows the encodings of one, two and four bytes; the parser knows them all.
-    bool declaresEntity = false;
-    parser->_private = &declaresEntity;
+    auto refusal = Refusal::none;
+    parser->_private = &refusal;
     parser->sax->entityDecl = refuseEntity;
+    parser->sax->reference = refuseReference;
+    parser->sax->attributeDecl = declareAttribute;
     XmlDocument document(
         xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
                           XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
-    if (declaresEntity)
+    if (refusal == Refusal::entity)
         throw ConversionError(entityRefusal.toString());
+    if (refusal == Refusal::defaultAttribute)
+        throw parseError(u"不支持文档自带的属性默认值。"_s);
     if (!document.get() || !parser->wellFormed || !document.root())
-        throw PlatformError(parserMessage(parser.get()));
+        throw parserError(parser.get());
     return document;
 }
 
@@ -117,14 +140,8 @@ std::optional<QByteArray> attribute(const xmlNode *element, QByteArrayView name)
     for (const xmlAttr *each = element->properties; each; each = each->next) {
         if (each->ns || QByteArrayView(plainChars(each->name)) != name)
             continue;
-        // Nearly always one text node; references to entities that are not predefined stand in nodes of their own.
-        const xmlNode *const value = each->children;
-        if (!value)
-            return QByteArray("");
-        if (!value->next && value->type == XML_TEXT_NODE)
-            return QByteArray(plainChars(value->content));
-        const std::unique_ptr<xmlChar, decltype(xmlFree)> whole(xmlNodeListGetString(element->doc, value, 1), xmlFree);
-        return QByteArray(plainChars(whole.get()));
+        // One text node, for documents that refer to entities are refused.
+        return each->children ? QByteArray(plainChars(each->children->content)) : QByteArray("");
     }
     return std::nullopt;
 }

@@ -13,10 +13,12 @@ class XmlDocument
 {
 public:
     /// Parses a whole document in any encoding that libxml2 knows. Nothing outside the bytes is ever loaded, and no
-    /// entity is expanded: a document that declares one is refused.
-    /// @throws ConversionError `entityRefusal` when the bytes, read as text, contain "<!ENTITY", or an entity is
-    /// declared.
-    /// @throws PlatformError with the line and libxml2's words when the document is not well-formed.
+    /// entity is expanded: a document that declares one, or refers to one that is not predefined, is refused.
+    /// @throws ConversionError `entityRefusal` for such a document, and when the bytes, read as text, contain
+    /// "<!ENTITY".
+    /// @throws PlatformError with the line and libxml2's words when the document is not well-formed; and when it has a
+    /// tag of more than 250 attributes, or defaults for attributes, with which a small file could keep the parser busy
+    /// for hours.
     static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal);
 
     xmlDoc *get() const { return m_document.get(); }
@@ -56,7 +58,7 @@ void removeAttribute(xmlNode *element, const char *name);
 /// The first child element of that name, null when there is none.
 xmlNode *child(const xmlNode *element, QByteArrayView name);
 
-/// The next element among the siblings after `node`, which may be null.
+/// The first element among `node`, which may be null, and the siblings after it.
 xmlNode *firstElement(xmlNode *node);
 
 /// The element children of a node, in document order: `for (xmlNode *clip : Xml::Children(spine))`.

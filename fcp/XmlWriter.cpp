@@ -71,11 +71,6 @@ void XmlWriter::writeNode(const xmlNode *node)
         }
         m_out.bytes("?>");
         break;
-    case XML_ENTITY_REF_NODE:
-        m_out.bytes("&");
-        m_out.bytes(view(node->name));
-        m_out.bytes(";");
-        break;
     case XML_DTD_NODE:
         writeDoctype(reinterpret_cast<xmlDtd *>(const_cast<xmlNode *>(node))); // NOLINT: libxml2's way of a subclass
         break;
@@ -100,7 +95,8 @@ void XmlWriter::writeElement(const xmlNode *element)
         m_out.bytes(" ");
         writeName(attribute->ns, attribute->name);
         m_out.bytes("=\"");
-        writeAttributeValue(attribute->children);
+        if (attribute->children)
+            XmlText::writeAttribute(view(attribute->children->content), m_out);
         m_out.bytes("\"");
     }
     const bool insertion = hasInsertion(element);
@@ -128,14 +124,4 @@ void XmlWriter::writeName(const xmlNs *space, const xmlChar *name)
         m_out.bytes(":");
     }
     m_out.bytes(view(name));
-}
-
-void XmlWriter::writeAttributeValue(const xmlNode *value)
-{
-    for (; value; value = value->next) {
-        if (value->type == XML_ENTITY_REF_NODE)
-            writeNode(value);
-        else
-            XmlText::writeAttribute(view(value->content), m_out);
-    }
 }

@@ -35,7 +35,6 @@ private:
     void writeNode(const xmlNode *node);
     void writeElement(const xmlNode *element);
     void writeName(const xmlNs *space, const xmlChar *name);
-    void writeAttributeValue(const xmlNode *value);
 
     Utf8Writer &m_out;
 };
