@@ -4,6 +4,7 @@
 #include "fcp/ConformRate.h"
 
 #include <algorithm>
+#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -62,26 +63,45 @@ Storyline::Storyline(const xmlNode *spine, const Rational &projectStart, const F
     }
     if (m_clips.empty())
         throw ConversionError(u"项目主时间线没有可连接的片段。"_s);
-    const auto overlaps = [](const Clip &a, const Clip &b) {
-        return b.firstFrame < a.endFrame || a.endFrame < a.firstFrame;
+    coverTimeline();
+}
+
+/// Sweeps over the clips' begins and ends. Overlapping clips do not come from Final Cut Pro; of those the first one in
+/// the document holds the titles.
+void Storyline::coverTimeline()
+{
+    struct Edge
+    {
+        qint64 frame;
+        size_t clip;
+        bool begins;
     };
-    m_ordered = std::adjacent_find(m_clips.begin(), m_clips.end(), overlaps) == m_clips.end();
+    std::vector<Edge> edges;
+    edges.reserve(m_clips.size() * 2);
+    for (size_t i = 0; i < m_clips.size(); ++i) {
+        if (m_clips[i].firstFrame < m_clips[i].endFrame) {
+            edges.push_back({.frame = m_clips[i].firstFrame, .clip = i, .begins = true});
+            edges.push_back({.frame = m_clips[i].endFrame, .clip = i, .begins = false});
+        }
+    }
+    std::sort(edges.begin(), edges.end(), [](const Edge &a, const Edge &b) { return a.frame < b.frame; });
+    std::set<size_t> open;
+    for (const Edge &edge : edges) {
+        if (edge.begins)
+            open.insert(edge.clip);
+        else
+            open.erase(edge.clip);
+        const Clip *const holder = open.empty() ? nullptr : &m_clips[*open.begin()];
+        if (!m_stretches.empty() && m_stretches.back().firstFrame == edge.frame)
+            m_stretches.back().clip = holder;
+        else
+            m_stretches.push_back({.firstFrame = edge.frame, .clip = holder});
+    }
 }
 
 const Storyline::Clip *Storyline::clipAt(qint64 timelineFrame) const
 {
-    const auto holds = [&](const Clip &clip) {
-        return clip.firstFrame <= timelineFrame && timelineFrame < clip.endFrame;
-    };
-    auto clip = m_clips.begin();
-    if (m_ordered) {
-        clip = std::upper_bound(clip, m_clips.end(), timelineFrame,
-                                [](qint64 frame, const Clip &each) { return frame < each.firstFrame; });
-        if (clip != m_clips.begin())
-            --clip;
-        return clip != m_clips.end() && holds(*clip) ? &*clip : nullptr;
-    }
-    // Overlapping clips do not come from Final Cut Pro; the first one in the document holds the title.
-    clip = std::find_if(clip, m_clips.end(), holds);
-    return clip == m_clips.end() ? nullptr : &*clip;
+    const auto next = std::upper_bound(m_stretches.begin(), m_stretches.end(), timelineFrame,
+                                       [](qint64 frame, const Stretch &each) { return frame < each.firstFrame; });
+    return next == m_stretches.begin() ? nullptr : std::prev(next)->clip;
 }

@@ -38,6 +38,17 @@ public:
     const Clip *clipAt(qint64 timelineFrame) const;
 
 private:
-    std::vector<Clip> m_clips; ///< In document order.
-    bool m_ordered = true;     ///< Whether each clip begins where the one before it ends, or later.
+    Q_DISABLE_COPY_MOVE(Storyline)
+
+    /// A part of the timeline that one clip holds, up to where the next stretch begins.
+    struct Stretch
+    {
+        qint64 firstFrame;
+        const Clip *clip; ///< In m_clips; null where there is none.
+    };
+
+    void coverTimeline();
+
+    std::vector<Clip> m_clips;        ///< In document order.
+    std::vector<Stretch> m_stretches; ///< Ascending.
 };

@@ -220,6 +220,18 @@ TEST(ProjectTitles, at_a_cut_belong_to_the_clip_that_begins_there)
     EXPECT_EQ(offsetOf(project, 10'000), "250/25s");
 }
 
+TEST(ProjectTitles, where_clips_overlap_hang_on_the_first_one)
+{
+    Project project;
+    project.spine = "<gap offset='5s' start='100s' duration='5s'/><clip offset='0s' duration='20s'/>"
+                    "<gap offset='6s' start='500s' duration='50s'/>";
+    EXPECT_EQ(offsetOf(project, 4'960), "124/25s");
+    EXPECT_EQ(offsetOf(project, 7'000), "2550/25s");
+    EXPECT_EQ(offsetOf(project, 10'000), "250/25s");
+    EXPECT_EQ(offsetOf(project, 20'000), "12850/25s");
+    EXPECT_EQ(refusal(project, {at(56'000, 56'040, 3)}), "第 3 条字幕起点不在主时间线片段内。");
+}
+
 TEST(ProjectTitles, follow_the_pace_of_a_conformed_clip)
 {
     struct Row
@@ -288,6 +300,8 @@ TEST(ProjectTitles, refuse_a_project_that_cannot_carry_them)
         }
     };
     EXPECT_EQ(with("<project name", "<project/><project name"), "请选择只包含一个项目的 FCPXML。");
+    EXPECT_EQ(with("<sequence format='r1' duration", "<sequence format='r9' duration"),
+              "字幕帧率与项目不一致，请重新选择项目 XML。");
     EXPECT_EQ(with("duration='100s' tcStart", "tcStart"), structure);
     EXPECT_EQ(with("duration='100s' tcStart", "duration='long' tcStart"), structure);
     EXPECT_EQ(with("tcStart='0s'", "tcStart='00:00:00:00'"), structure);
