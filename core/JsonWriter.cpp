@@ -3,7 +3,6 @@
 #include <QLocale>
 
 #include <algorithm>
-
 #include <cmath>
 
 JsonWriter::JsonWriter(Utf8Writer &out)

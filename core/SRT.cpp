@@ -22,6 +22,7 @@ namespace {
 //
 //   blocks      are separated by   \n[ \t]*\n+
 //   time line ^\s*(\d{1,3}):([0-5]\d):([0-5]\d)[,.](\d{3})\s*-->\s*(\d{1,3}):([0-5]\d):([0-5]\d)[,.](\d{3})(?:\s+.*)?$
+//               (. is any character: lines end at line feeds alone)
 //   tags        (?i)</?(?:b|i|u|font)(?:\s+[^>]*)?>
 //
 // The scanner below reads the same language straight from UTF-8, ten times as fast as the patterns; the tests hold it

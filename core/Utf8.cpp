@@ -161,6 +161,7 @@ QString decode(QByteArrayView valid)
     text.squeeze();
     return text;
 }
+
 char *encode(QStringView text, char *out)
 {
     const char16_t *p = text.utf16();

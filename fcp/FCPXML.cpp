@@ -5,6 +5,7 @@
 #include "fcp/NewDocument.h"
 #include "fcp/TitleConnection.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -137,7 +138,7 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
                                      .projectStart = *start,
                                      .styles = ids.counter("substyle"),
                                      .effectID = effectID,
-                                     .indentation = -1},
+                                     .indentation = std::nullopt},
                                     titles, cues, options);
 }
 
@@ -145,9 +146,10 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
 
 XmlDocument document(const QString &path)
 {
-    const QFileInfo given(path);
+    // Shells complete the name of a bundle, which is a folder, with a slash.
+    const QFileInfo given(QDir::cleanPath(path));
     const bool isBundle = given.suffix().compare(u"fcpxmld", Qt::CaseInsensitive) == 0;
-    const QString file = isBundle ? path + u"/Info.fcpxml"_s : path;
+    const QString file = isBundle ? given.filePath() + u"/Info.fcpxml"_s : path;
     const auto bytes = FileReader::readUpTo(file, largestFile);
     if (!bytes)
         throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);

@@ -1,6 +1,7 @@
 #include "fcp/NewDocument.h"
 
 #include "core/ConversionError.h"
+#include "fcp/FCPXML.h"
 #include "fcp/TitleConnection.h"
 
 #include <algorithm>
@@ -9,42 +10,48 @@ namespace NewDocument {
 
 namespace {
 
-// The frames of the two documents; what depends on the options is filled in. Blanks stand as they are written.
+// The two documents share their head and their sequence. What depends on the options is filled in; blanks stand as
+// written.
 
-constexpr QByteArrayView projectFrame = R"xml(<?xml version="1.0" encoding="UTF-8"?>
+constexpr QByteArrayView head = R"xml(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE fcpxml>
 <fcpxml version="1.10">
     <resources>
         <format id="r1" frameDuration="" width="" height="" colorSpace="1-1-1 (Rec. 709)"/>
-        <effect id="subeffect1" name="基本字幕" uid=".../Titles.localized/Bumper:Opener.localized/Basic Title.localized/Basic Title.moti"/>
-    </resources>
+        <effect id="subeffect1" name="基本字幕" uid=""/>
+)xml";
+
+constexpr QByteArrayView sequence =
+    R"xml(            <sequence format="r1" duration="" tcStart="0s" tcFormat="NDF" audioLayout="stereo" audioRate="48k">
+                <spine>
+                    <gap name="字幕底层" offset="0s" start="0s" duration=""/>
+                </spine>
+            </sequence>
+)xml";
+
+/// Blanks before a title, which stands inside the gap.
+constexpr int titleIndentation = 24;
+
+QByteArray projectFrame()
+{
+    return head.toByteArray() + R"xml(    </resources>
     <event name="Lintora">
         <project name="">
-            <sequence format="r1" duration="" tcStart="0s" tcFormat="NDF" audioLayout="stereo" audioRate="48k">
-                <spine>
-                    <gap name="字幕底层" offset="0s" start="0s" duration=""/>
-                </spine>
-            </sequence>
-        </project>
+)xml" + sequence.toByteArray() +
+           R"xml(        </project>
     </event>
 </fcpxml>)xml";
+}
 
-constexpr QByteArrayView clipFrame = R"xml(<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE fcpxml>
-<fcpxml version="1.10">
-    <resources>
-        <format id="r1" frameDuration="" width="" height="" colorSpace="1-1-1 (Rec. 709)"/>
-        <effect id="subeffect1" name="基本字幕" uid=".../Titles.localized/Bumper:Opener.localized/Basic Title.localized/Basic Title.moti"/>
-        <media id="lintoraMedia" name="">
-            <sequence format="r1" duration="" tcStart="0s" tcFormat="NDF" audioLayout="stereo" audioRate="48k">
-                <spine>
-                    <gap name="字幕底层" offset="0s" start="0s" duration=""/>
-                </spine>
-            </sequence>
-        </media>
+QByteArray clipFrame()
+{
+    return head.toByteArray() + R"xml(        <media id="lintoraMedia" name="">
+)xml" + sequence.toByteArray() +
+           R"xml(        </media>
     </resources>
     <ref-clip name="" ref="lintoraMedia" start="0s" duration=""/>
 </fcpxml>)xml";
+}
 
 /// Fills in the options and the length, and finds the storyline.
 const xmlNode *complete(const XmlDocument &tree, const Options &options, qint64 frames)
@@ -57,6 +64,8 @@ const xmlNode *complete(const XmlDocument &tree, const Options &options, qint64 
             Xml::setAttribute(element, "frameDuration", options.rate.time(1));
             Xml::setAttribute(element, "width", QByteArray::number(options.width));
             Xml::setAttribute(element, "height", QByteArray::number(options.height));
+        } else if (name == "effect") {
+            Xml::setAttribute(element, "uid", FCPXML::uid.toByteArray());
         } else if (name == "project" || name == "media" || name == "ref-clip") {
             Xml::setAttribute(element, "name", options.name.toUtf8());
         } else if (name == "spine") {
@@ -68,7 +77,7 @@ const xmlNode *complete(const XmlDocument &tree, const Options &options, qint64 
     return spine;
 }
 
-TitleDocument build(QByteArrayView frame, int indentation, const QList<Subtitle> &cues, const Options &options)
+TitleDocument build(const QByteArray &frame, const QList<Subtitle> &cues, const Options &options)
 {
     const auto titles = TitleGrid::place(cues, options);
     const auto longest = std::max_element(titles.begin(), titles.end(),
@@ -81,7 +90,7 @@ TitleDocument build(QByteArrayView frame, int indentation, const QList<Subtitle>
                                      .projectStart = 0,
                                      .styles = ids.counter("substyle"),
                                      .effectID = "subeffect1",
-                                     .indentation = indentation},
+                                     .indentation = titleIndentation},
                                     titles, cues, options);
 }
 
@@ -89,12 +98,12 @@ TitleDocument build(QByteArrayView frame, int indentation, const QList<Subtitle>
 
 TitleDocument project(const QList<Subtitle> &cues, const Options &options)
 {
-    return build(projectFrame, 24, cues, options);
+    return build(projectFrame(), cues, options);
 }
 
 TitleDocument clip(const QList<Subtitle> &cues, const Options &options)
 {
-    return build(clipFrame, 24, cues, options);
+    return build(clipFrame(), cues, options);
 }
 
 } // namespace NewDocument

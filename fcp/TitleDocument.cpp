@@ -58,9 +58,9 @@ QByteArray textStyle(const Options &options)
 TitlePattern makePattern(const TitleDocument::Content &content)
 {
     const Options &options = content.options;
-    const int indentation = content.indentation;
+    const std::optional<int> indentation = content.indentation;
     const auto lineBreak = [&](int depth) {
-        return indentation < 0 ? QByteArray() : '\n' + QByteArray(indentation + 4 * depth, ' ');
+        return indentation ? '\n' + QByteArray(*indentation + 4 * depth, ' ') : QByteArray();
     };
     const QByteArray inner = lineBreak(1);
     return {

@@ -4,6 +4,7 @@
 #include "fcp/Options.h"
 #include "fcp/XmlDocument.h"
 
+#include <optional>
 #include <vector>
 
 class Utf8Writer;
@@ -35,12 +36,12 @@ class TitleDocument
 public:
     struct Content
     {
-        XmlDocument tree;     ///< All but the titles.
-        QList<Subtitle> cues; ///< Keeps alive what the titles' texts look into.
-        Options options;      ///< What the titles look like. Checked.
-        QByteArray effectID;  ///< Of the title effect in the tree's resources.
-        quint64 lane;         ///< Of all titles.
-        int indentation;      ///< Blanks before a title; negative when nothing may stand between the titles.
+        XmlDocument tree;               ///< All but the titles.
+        QList<Subtitle> cues;           ///< Keeps alive what the titles' texts look into.
+        Options options;                ///< What the titles look like. Checked.
+        QByteArray effectID;            ///< Of the title effect in the tree's resources.
+        quint64 lane;                   ///< Of all titles.
+        std::optional<int> indentation; ///< Blanks before a title; absent when nothing may stand between titles.
         std::vector<ConnectedTitle> titles;
         std::vector<TitleRun> runs; ///< In any order, a clip once.
     };

@@ -1,7 +1,5 @@
 #include "fcp/FrameRate.h"
 
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
 #include "tests/support/Generator.h"
 
 #include <gtest/gtest.h>

@@ -151,6 +151,8 @@ TEST(ProjectFile, bundles_limits_and_bad_files)
     const XmlDocument bundle = FCPXML::document(folder.filePath(u"项目.fcpxmld"_s));
     EXPECT_TRUE(Xml::attribute(bundle.root()->children, "src")->endsWith("%E9%A1%B9%E7%9B%AE.fcpxmld/a.mov"));
 
+    EXPECT_NO_THROW(FCPXML::document(folder.filePath(u"项目.fcpxmld/"_s))) << "as shells complete it";
+
     const auto reading = [](const QString &path) { return refusal([&] { FCPXML::document(path); }); };
 
     // Comments of more than ten million characters are beyond the parser; several make up the size.
