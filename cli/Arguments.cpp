@@ -2,11 +2,20 @@
 
 #include "cli/StandardStreams.h"
 #include "core/FileReader.h"
+#include "core/PlatformError.h"
+#include "fcp/FCPXML.h"
 
+#include <QDir>
 #include <QFile>
-#include <QFileInfo>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
 
 namespace Arguments {
+
+const CLI::Validator
+    notEmpty([](const std::string &value) { return value.empty() ? std::string("不能为空") : std::string(); }, "");
 
 WrongUse::WrongUse(const QString &message)
     : std::runtime_error(message.toStdString())
@@ -24,16 +33,42 @@ QString toPath(const std::string &argument)
 
 QByteArray readInput(const std::string &argument)
 {
+    return readInput(argument, std::numeric_limits<qint64>::max());
+}
+
+QByteArray readInput(const std::string &argument, qint64 limit)
+{
+    const bool unlimited = limit == std::numeric_limits<qint64>::max();
+    std::optional<QByteArray> bytes;
     if (argument == "-")
-        return StandardStreams::readAll();
-    const QFileInfo file(toPath(argument));
-    const bool isPipe = file.exists() && !file.isFile() && !file.isDir();
-    return isPipe ? StandardStreams::readPipe(file.filePath()) : FileReader::readAll(file.filePath());
+        bytes = StandardStreams::readUpTo(limit);
+    else if (StandardStreams::isPipe(toPath(argument)))
+        bytes = StandardStreams::readPipe(toPath(argument), limit);
+    else if (unlimited)
+        bytes = FileReader::readAll(toPath(argument));
+    else
+        bytes = FileReader::readUpTo(toPath(argument), limit);
+    if (!bytes)
+        throw PlatformError(u"文件过大：%1"_s.arg(toPath(argument)));
+    return *std::move(bytes);
+}
+
+XmlDocument readProject(const std::string &argument)
+{
+    if (argument != "-" && !StandardStreams::isPipe(toPath(argument)))
+        return FCPXML::document(toPath(argument));
+    // One byte over the limit is enough for the refusal to be the document's own.
+    const auto bytes = argument == "-" ? StandardStreams::readUpTo(FCPXML::largestFile)
+                                       : StandardStreams::readPipe(toPath(argument), FCPXML::largestFile);
+    return FCPXML::document(bytes.value_or(QByteArray(FCPXML::largestFile + 1, ' ')), QDir::currentPath());
 }
 
 void Output::addPath(CLI::App &command)
 {
-    command.add_option("-o,--output", path, "结果写入此文件（整体替换；缺省为标准输出）")->type_name("文件");
+    command.add_option("-o,--output", path, "结果写入此文件（整体替换；缺省为标准输出）")
+        ->type_name("文件")
+        ->check(notEmpty)
+        ->take_last();
 }
 
 void Output::addJson(CLI::App &command)

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "fcp/XmlDocument.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <CLI/App.hpp>
+#include <CLI/Validators.hpp>
 
 #include <optional>
 #include <stdexcept>
@@ -24,6 +27,16 @@ QString toPath(const std::string &argument); ///< A file name of the command lin
 
 /// The bytes of an input: of the file or pipe, or of standard input for "-". @throws PlatformError, Cancelled
 QByteArray readInput(const std::string &argument);
+
+/// The same for an input that must not be larger than `limit` bytes. @throws PlatformError when it is
+QByteArray readInput(const std::string &argument, qint64 limit);
+
+/// The project document of an input, whose relative sources are resolved against the file's folder, or against the
+/// current one for standard input and pipes. @throws PlatformError, ConversionError, Cancelled
+XmlDocument readProject(const std::string &argument);
+
+/// Refuses an empty value, which comes from a variable that was never set, as a wrong use.
+extern const CLI::Validator notEmpty;
 
 /// Where a result goes and how much is said about it.
 struct Output

@@ -6,24 +6,37 @@
 
 namespace Result {
 
-void write(const Arguments::Output &output, const std::function<void(Utf8Writer &)> &content)
+namespace {
+
+/// Writes `content`; `beforeCommit` may still fail and leave an output file as it was.
+void write(const Arguments::Output &output, const std::function<void(Utf8Writer &)> &content,
+           const std::function<void()> &beforeCommit)
 {
-    if (output.path.empty()) {
-        Utf8Writer out(StandardStreams::write);
+    const QString path = Arguments::toPath(output.path);
+    const auto writeTo = [&](const Utf8Writer::Sink &sink) {
+        Utf8Writer out(sink);
         content(out);
         out.finish();
-        return;
-    }
-    AtomicFile file(Arguments::toPath(output.path));
-    Utf8Writer out([&](QByteArrayView block) {
+    };
+    if (path.isEmpty()) {
+        writeTo(StandardStreams::write);
+    } else if (StandardStreams::isPipe(path)) {
+        const StandardStreams::Pipe pipe(path);
+        writeTo([&](QByteArrayView block) { pipe.write(block); });
+        beforeCommit();
+    } else {
+        AtomicFile file(path);
+        writeTo([&](QByteArrayView block) {
+            Interrupt::check();
+            file.write(block);
+        });
+        beforeCommit();
         Interrupt::check();
-        file.write(block);
-    });
-    content(out);
-    out.finish();
-    Interrupt::check();
-    file.commit();
+        file.commit();
+    }
 }
+
+} // namespace
 
 void writeJson(const std::function<void(JsonWriter &)> &content)
 {
@@ -34,13 +47,22 @@ void writeJson(const std::function<void(JsonWriter &)> &content)
     out.finish();
 }
 
+void write(const Arguments::Output &output, const std::function<void(Utf8Writer &)> &content)
+{
+    write(output, content, [] {});
+}
+
 void deliver(const Arguments::Output &output, const std::function<void(Utf8Writer &)> &content,
              const std::function<void(JsonWriter &)> &json)
 {
-    if (!output.json || !output.path.empty())
-        write(output, content);
-    if (output.json)
-        writeJson(json);
+    const auto sayJson = [&] {
+        if (output.json)
+            writeJson(json);
+    };
+    if (output.json && output.path.empty())
+        sayJson();
+    else
+        write(output, content, sayJson);
 }
 
 } // namespace Result

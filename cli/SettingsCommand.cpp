@@ -2,7 +2,7 @@
 #include "cli/Result.h"
 #include "fcp/FCPXML.h"
 
-#include <QDir>
+#include <QLocale>
 
 #include <memory>
 
@@ -20,17 +20,15 @@ struct SettingsArguments
 
 QString summary(const Options &options)
 {
-    return u"名称：%1\n帧率：%2\n画面：%3 × %4\n字号：%5\n"_s.arg(options.name, options.rate.label)
-        .arg(options.width)
-        .arg(options.height)
-        .arg(options.fontSize);
+    // One replacement for all, so that a name with "%1" in it stays a name.
+    return u"名称：%1\n帧率：%2\n画面：%3 × %4\n字号：%5\n"_s.arg(
+        options.name, options.rate.label, QString::number(options.width), QString::number(options.height),
+        QString::number(options.fontSize, 'f', QLocale::FloatingPointShortest));
 }
 
 void runSettings(const SettingsArguments &arguments)
 {
-    const XmlDocument document = arguments.input == "-"
-                                     ? FCPXML::document(Arguments::readInput(arguments.input), QDir::currentPath())
-                                     : FCPXML::document(Arguments::toPath(arguments.input));
+    const XmlDocument document = Arguments::readProject(arguments.input);
     const Options options = FCPXML::settings(Options(), document);
     Result::deliver(
         arguments.output, [&](Utf8Writer &out) { out.text(summary(options)); },
@@ -45,7 +43,8 @@ void addSettings(CLI::App &app, Work &run)
     const auto arguments = std::make_shared<SettingsArguments>();
     command->add_option("project", arguments->input, "项目（.fcpxml 或 .fcpxmld），- 表示标准输入")
         ->required()
-        ->type_name("PROJECT");
+        ->type_name("PROJECT")
+        ->check(Arguments::notEmpty);
     arguments->output.addPath(*command);
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);

@@ -31,7 +31,10 @@ void addSrt(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("srt", "读取、检查并写出 SRT 字幕");
     const auto arguments = std::make_shared<SrtArguments>();
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")
+        ->required()
+        ->type_name("IN.srt")
+        ->check(Arguments::notEmpty);
     arguments->output.addPath(*command);
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);

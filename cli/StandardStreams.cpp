@@ -4,6 +4,7 @@
 #include "core/PlatformError.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QScopeGuard>
 
 #include <fcntl.h>
@@ -44,7 +45,8 @@ qsizetype pieceSize(int descriptor)
     return isFile ? 1024 * 1024 : PIPE_BUF;
 }
 
-QByteArray readAll(int descriptor)
+/// Everything up to the end, absent when it is more than `limit` bytes.
+std::optional<QByteArray> readUpTo(int descriptor, qint64 limit)
 {
     QByteArray bytes;
     QByteArray piece(256 * 1024, Qt::Uninitialized);
@@ -57,7 +59,31 @@ QByteArray readAll(int descriptor)
             return bytes;
         if (size > 0)
             bytes.append(piece.constData(), size);
+        if (bytes.size() > limit)
+            return std::nullopt;
     }
+}
+
+void writeAll(int descriptor, QByteArrayView bytes)
+{
+    const qsizetype piece = pieceSize(descriptor);
+    while (!bytes.isEmpty()) {
+        waitFor(descriptor, POLLOUT);
+        const auto size = ::write(descriptor, bytes.data(), static_cast<size_t>(std::min(piece, bytes.size())));
+        if (size < 0 && errno != EINTR && errno != EAGAIN)
+            throwSystemError();
+        if (size > 0)
+            bytes = bytes.sliced(size);
+    }
+}
+
+/// Opens without waiting for the other end of a pipe, so that the wait for it can be interrupted.
+int openPipe(const QString &path, int mode)
+{
+    const int descriptor = open(QFile::encodeName(path).constData(), mode | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (descriptor < 0)
+        throwSystemError();
+    return descriptor;
 }
 
 } // namespace
@@ -72,32 +98,41 @@ void reserve()
     close(descriptor);
 }
 
-QByteArray readAll()
+bool isPipe(const QString &path)
 {
-    return readAll(STDIN_FILENO);
+    const QFileInfo file(path);
+    return file.exists() && !file.isFile() && !file.isDir();
 }
 
-QByteArray readPipe(const QString &path)
+std::optional<QByteArray> readUpTo(qint64 limit)
 {
-    // Opened without waiting for the other end, so that the wait for it can be interrupted too.
-    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0)
-        throwSystemError();
+    return readUpTo(STDIN_FILENO, limit);
+}
+
+std::optional<QByteArray> readPipe(const QString &path, qint64 limit)
+{
+    const int descriptor = openPipe(path, O_RDONLY);
     const auto closing = qScopeGuard([&] { close(descriptor); });
-    return readAll(descriptor);
+    return readUpTo(descriptor, limit);
 }
 
 void write(QByteArrayView bytes)
 {
-    const qsizetype piece = pieceSize(STDOUT_FILENO);
-    while (!bytes.isEmpty()) {
-        waitFor(STDOUT_FILENO, POLLOUT);
-        const auto size = ::write(STDOUT_FILENO, bytes.data(), static_cast<size_t>(std::min(piece, bytes.size())));
-        if (size < 0 && errno != EINTR && errno != EAGAIN)
-            throwSystemError();
-        if (size > 0)
-            bytes = bytes.sliced(size);
-    }
+    writeAll(STDOUT_FILENO, bytes);
+}
+
+Pipe::Pipe(const QString &path)
+    : m_descriptor(openPipe(path, O_WRONLY))
+{}
+
+Pipe::~Pipe()
+{
+    close(m_descriptor);
+}
+
+void Pipe::write(QByteArrayView bytes) const
+{
+    writeAll(m_descriptor, bytes);
 }
 
 void finish()

@@ -1,20 +1,20 @@
 #include "cli/StyleArguments.h"
 
 #include "cli/Arguments.h"
-#include "core/FileReader.h"
 #include "core/JsonReader.h"
 
-#include <QLocale>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <CLI/Option.hpp>
 
 #include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr qint64 largestRecord = 1024 * 1024; // bytes
 
 /// Colours of eight bits a channel, in the form of the record: "1 0.501961 0 1".
 QString colorFromHex(const QString &text)
@@ -37,13 +37,18 @@ bool isHexColor(const QString &text)
                        [](QChar c) { return QStringView(u"0123456789abcdefABCDEF").contains(c); });
 }
 
+/// Plain decimal notation, "-12.5": neither a locale's comma nor an exponent, hexadecimal or octal.
+bool isDecimal(QStringView text)
+{
+    static const QRegularExpression decimal(u"\\A[+-]?(?:[0-9]+(?:\\.[0-9]*)?|\\.[0-9]+)\\z"_s);
+    return decimal.match(text).hasMatch();
+}
+
 bool isRecordColor(const QString &text)
 {
     const QStringList parts = text.split(u' ');
     return parts.size() == 4 && std::all_of(parts.begin(), parts.end(), [](const QString &part) {
-               bool isNumber = false;
-               const double value = part.toDouble(&isNumber);
-               return isNumber && value >= 0 && value <= 1;
+               return isDecimal(part) && !part.startsWith(u'+') && part.toDouble() >= 0 && part.toDouble() <= 1;
            });
 }
 
@@ -69,22 +74,40 @@ FrameRate readRate(const std::string &argument)
     throw Arguments::WrongUse(u"帧率无效：%1（可用：%2）"_s.arg(label, labels.join(u"、")));
 }
 
+double readNumber(const std::string &argument)
+{
+    const QString text = Arguments::toText(argument);
+    if (!isDecimal(text))
+        throw Arguments::WrongUse(u"数值无效：%1"_s.arg(text));
+    return text.toDouble();
+}
+
+qint64 readInteger(const QString &text)
+{
+    bool isNumber = false;
+    const qint64 value = text.toLongLong(&isNumber);
+    if (!isNumber || !isDecimal(text) || text.contains(u'.'))
+        throw Arguments::WrongUse(u"整数无效：%1"_s.arg(text));
+    return value;
+}
+
 void applySize(const std::string &argument, Options &options)
 {
     const QString text = Arguments::toText(argument);
     const QStringList parts = text.split(u'x', Qt::KeepEmptyParts, Qt::CaseInsensitive);
-    bool isWidth = false;
-    bool isHeight = false;
-    if (parts.size() == 2) {
-        options.width = parts[0].toLongLong(&isWidth);
-        options.height = parts[1].toLongLong(&isHeight);
-    }
-    if (!isWidth || !isHeight)
+    if (parts.size() != 2)
         throw Arguments::WrongUse(u"画面尺寸无效：%1（应为 宽x高，例如 1920x1080）"_s.arg(text));
+    options.width = readInteger(parts[0]);
+    options.height = readInteger(parts[1]);
 }
 
-template <class Value>
-void replace(Value &field, const std::optional<Value> &given)
+void replace(double &field, const std::optional<std::string> &given)
+{
+    if (given)
+        field = readNumber(*given);
+}
+
+void replace(bool &field, const std::optional<bool> &given)
 {
     if (given)
         field = *given;
@@ -96,10 +119,10 @@ void StyleArguments::add(CLI::App &command)
 {
     const std::string group = "标题样式";
     const auto add = [&](const char *name, auto &value, const char *type, const char *description) {
-        command.add_option(name, value, description)->type_name(type)->group(group);
+        command.add_option(name, value, description)->type_name(type)->group(group)->take_last();
     };
     const auto addSwitch = [&](const char *name, std::optional<bool> &value, const char *description) {
-        command.add_flag(name, value, description)->group(group);
+        command.add_flag(name, value, description)->group(group)->take_last();
     };
     add("--options", m_optionsFile, "文件", "样式记录（settings --json 的输出）");
     add("--rate", m_rate, "帧率", "23.976、24、25、29.97、30、50、59.94 或 60");
@@ -124,7 +147,7 @@ Options StyleArguments::applied(Options base) const
 {
     Options options = std::move(base);
     if (m_optionsFile) {
-        const QByteArray bytes = FileReader::readAll(Arguments::toPath(*m_optionsFile));
+        const QByteArray bytes = Arguments::readInput(*m_optionsFile, largestRecord);
         JsonReader json(bytes);
         options = readOptions(json);
         json.finish();
@@ -149,7 +172,8 @@ Options StyleArguments::applied(Options base) const
     if (m_shadowColor)
         options.shadowColor = readColor(*m_shadowColor);
     replace(options.bottomPercent, m_bottom);
-    replace(options.shiftMS, m_shift);
+    if (m_shift)
+        options.shiftMS = readInteger(Arguments::toText(*m_shift));
     if (m_name)
         options.name = Arguments::toText(*m_name);
     if (m_role)

@@ -6,8 +6,6 @@
 #include "fcp/FCPXML.h"
 #include "fcp/NewDocument.h"
 
-#include <QDir>
-
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -31,9 +29,7 @@ TitleDocument makeDocument(const TitlesArguments &arguments, const QList<Subtitl
         return NewDocument::clip(cues, arguments.style.applied(Options()));
     if (arguments.base.empty())
         return FCPXML::convert(cues, std::nullopt, arguments.style.applied(Options()));
-    XmlDocument base = arguments.base == "-"
-                           ? FCPXML::document(Arguments::readInput(arguments.base), QDir::currentPath())
-                           : FCPXML::document(Arguments::toPath(arguments.base));
+    XmlDocument base = Arguments::readProject(arguments.base);
     const Options options = arguments.style.applied(FCPXML::settings(Options(), base));
     return FCPXML::convert(cues, std::move(base), options);
 }
@@ -57,9 +53,15 @@ void addTitles(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("titles", "把 SRT 字幕变成 Final Cut Pro 标题（FCPXML）");
     const auto arguments = std::make_shared<TitlesArguments>();
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")
+        ->required()
+        ->type_name("IN.srt")
+        ->check(Arguments::notEmpty);
     arguments->output.addPath(*command);
-    command->add_option("--base", arguments->base, "把标题连接到此项目（.fcpxml 或 .fcpxmld）")->type_name("项目");
+    command->add_option("--base", arguments->base, "把标题连接到此项目（.fcpxml 或 .fcpxmld）")
+        ->type_name("项目")
+        ->check(Arguments::notEmpty)
+        ->take_last();
     command->add_flag("--clip", arguments->clip, "生成拖放用的片段文档");
     arguments->output.addProgress(*command);
     arguments->style.add(*command);

@@ -52,7 +52,7 @@ QString explain(const CLI::ParseError &error)
     case CLI::ExitCodes::ExtrasError:
         return u"不认识的参数：%1"_s.arg(culprit);
     case CLI::ExitCodes::ArgumentMismatch:
-        return u"选项缺少值：%1"_s.arg(detail.section(u':', 0, 0));
+        return u"值的个数不对：%1"_s.arg(detail.section(u':', 0, 0));
     default:
         return u"参数无效：%1"_s.arg(culprit);
     }
@@ -93,9 +93,19 @@ ExitStatus run(int argc, char **argv)
     return done;
 }
 
+/// Text that is no UTF-8 would be changed on its way into a document, and a file name would name another file.
+void checkEncoding(int argc, char **argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        if (!QUtf8StringView(argv[i]).isValidUtf8())
+            throw Arguments::WrongUse(u"第 %1 个参数不是有效的 UTF-8"_s.arg(i));
+    }
+}
+
 ExitStatus guarded(int argc, char **argv)
 {
     try {
+        checkEncoding(argc, argv);
         return run(argc, argv);
     } catch (const Arguments::WrongUse &error) {
         return sayWrongUse(QString::fromUtf8(error.what()));
@@ -117,6 +127,8 @@ int main(int argc, char **argv)
     StandardStreams::reserve();
     Interrupt::watch();
     const QCoreApplication application(argc, argv);
+    // A library's warning must not stand beside the one sentence that the user is told.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     QTranslator translator;
     loadTranslations(translator);
     return guarded(argc, argv);

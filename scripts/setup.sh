@@ -7,7 +7,7 @@ set -euo pipefail
 debian_packages() {
     case $1 in
     build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libcli11-dev ;;
-    test) echo libgtest-dev libgmock-dev ;;
+    test) echo libgtest-dev libgmock-dev locales ;;
     ci) echo git clang-format clang-tidy ccache ;;
     bench) echo libbenchmark-dev ;;
     fuzz) echo clang libclang-rt-14-dev ;;
