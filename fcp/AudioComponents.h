@@ -1,0 +1,33 @@
+#pragma once
+
+#include "fcp/TimeRange.h"
+
+#include <libxml/tree.h>
+
+#include <QByteArrayView>
+
+#include <vector>
+
+/// The components of a clip's sound (its channels, or its roles) as far as the document lists them.
+///
+/// A plan plays a file's sound whole: one component that is on lets all of them sound.
+class AudioComponents
+{
+public:
+    explicit AudioComponents(const xmlNode *clip);
+
+    bool areMuted() const;    ///< Some are listed, and none of them is on.
+    bool haveEffects() const; ///< One that is on has an enabled audio filter.
+
+    /// The factor of the loudest component that is on; 1 where none is listed. `sound` is the clip's range in its own
+    /// time.
+    double volume(const TimeRange &sound) const;
+
+    /// Whether a "sync-clip" lists components of that source ("storyline" or "connected"), and none of them is on.
+    bool isSourceMuted(QByteArrayView source) const;
+
+private:
+    const xmlNode *m_clip;
+    std::vector<const xmlNode *> m_on;
+    bool m_listed = false;
+};
