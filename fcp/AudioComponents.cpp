@@ -12,6 +12,14 @@ bool isComponent(const xmlNode *element)
     return Xml::isElement(element, "audio-channel-source") || Xml::isElement(element, "audio-role-source");
 }
 
+std::vector<const xmlNode *> childrenOf(const xmlNode *component)
+{
+    std::vector<const xmlNode *> children;
+    for (const xmlNode *const child : Xml::Children(component))
+        children.push_back(child);
+    return children;
+}
+
 bool isOn(const xmlNode *component)
 {
     return Xml::attribute(component, "active") != "0" && Xml::attribute(component, "enabled") != "0";
@@ -28,10 +36,9 @@ bool hasFilter(const xmlNode *component)
 
 } // namespace
 
-AudioComponents::AudioComponents(const xmlNode *clip)
-    : m_clip(clip)
+AudioComponents::AudioComponents(const std::vector<const xmlNode *> &children)
 {
-    for (const xmlNode *const child : Xml::Children(clip)) {
+    for (const xmlNode *const child : children) {
         if (!isComponent(child))
             continue;
         m_listed = true;
@@ -56,20 +63,6 @@ double AudioComponents::volume(const TimeRange &sound) const
         return 1;
     double loudest = 0;
     for (const xmlNode *const component : m_on)
-        loudest = std::max(loudest, ClipVolume::product(component, sound));
+        loudest = std::max(loudest, ClipVolume::product(childrenOf(component), sound));
     return loudest;
-}
-
-bool AudioComponents::isSourceMuted(QByteArrayView source) const
-{
-    bool muted = false;
-    for (const xmlNode *const child : Xml::Children(m_clip)) {
-        if (!Xml::isElement(child, "sync-source") || Xml::attribute(child, "sourceID") != source)
-            continue;
-        const AudioComponents components(child);
-        if (!components.m_on.empty())
-            return false;
-        muted |= components.areMuted();
-    }
-    return muted;
 }

@@ -4,8 +4,6 @@
 
 #include <libxml/tree.h>
 
-#include <QByteArrayView>
-
 #include <vector>
 
 /// The components of a clip's sound (its channels, or its roles) as far as the document lists them.
@@ -14,20 +12,16 @@
 class AudioComponents
 {
 public:
-    explicit AudioComponents(const xmlNode *clip);
+    /// Takes the components among the children of a clip, or of a source of a synchronized clip.
+    explicit AudioComponents(const std::vector<const xmlNode *> &children);
 
     bool areMuted() const;    ///< Some are listed, and none of them is on.
     bool haveEffects() const; ///< One that is on has an enabled audio filter.
 
-    /// The factor of the loudest component that is on; 1 where none is listed. `sound` is the clip's range in its own
-    /// time.
+    /// The factor of the loudest component that is on; 1 where none is. `sound` is the clip's range in its own time.
     double volume(const TimeRange &sound) const;
 
-    /// Whether a "sync-clip" lists components of that source ("storyline" or "connected"), and none of them is on.
-    bool isSourceMuted(QByteArrayView source) const;
-
 private:
-    const xmlNode *m_clip;
     std::vector<const xmlNode *> m_on;
     bool m_listed = false;
 };

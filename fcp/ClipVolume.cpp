@@ -7,7 +7,6 @@
 #include <limits>
 #include <map>
 #include <numeric>
-#include <vector>
 
 namespace ClipVolume {
 
@@ -81,10 +80,10 @@ double factor(const xmlNode *adjustVolume, const TimeRange &sound)
     return level ? fromDecibels(*level) : 1;
 }
 
-double product(const xmlNode *clip, const TimeRange &sound)
+double product(const std::vector<const xmlNode *> &children, const TimeRange &sound)
 {
     double result = 1;
-    for (const xmlNode *const each : Xml::Children(clip)) {
+    for (const xmlNode *const each : children) {
         if (Xml::isElement(each, "adjust-volume"))
             result *= factor(each, sound);
     }

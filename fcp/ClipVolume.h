@@ -7,6 +7,7 @@
 #include <QByteArrayView>
 
 #include <optional>
+#include <vector>
 
 /// How loud a clip is played, as a linear factor: 1 leaves the sound as it is.
 namespace ClipVolume {
@@ -15,8 +16,8 @@ namespace ClipVolume {
 /// holds for most of `sound`, the clip's range in its own time; fades are passed over. 1 where no level can be read.
 double factor(const xmlNode *adjustVolume, const TimeRange &sound);
 
-/// The product of all "adjust-volume" children of `clip`.
-double product(const xmlNode *clip, const TimeRange &sound);
+/// The product of all "adjust-volume" elements among the children of a clip or of a component.
+double product(const std::vector<const xmlNode *> &children, const TimeRange &sound);
 
 /// The factor of a level in decibels: levels above 24 count as 24, levels below −96 as −96.
 double fromDecibels(double level);

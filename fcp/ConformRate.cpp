@@ -54,16 +54,16 @@ bool isNtsc(const Rational &rate)
 
 Rational pace(const xmlNode *clip, const Rational &frameDuration)
 {
-    const auto source = sourceRate(clip);
+    const xmlNode *const conform = Xml::child(clip, "conform-rate");
+    const auto source = conform ? sourceRate(conform) : std::nullopt;
     return source ? pace(*source, frameDuration) : Rational(1);
 }
 
-std::optional<Rational> sourceRate(const xmlNode *clip)
+std::optional<Rational> sourceRate(const xmlNode *conformRate)
 {
-    const xmlNode *const conform = Xml::child(clip, "conform-rate");
-    if (!conform || Xml::attribute(conform, "scaleEnabled") == "0")
+    if (Xml::attribute(conformRate, "scaleEnabled") == "0")
         return std::nullopt;
-    return namedRate(Xml::attribute(conform, "srcFrameRate").value_or(QByteArray()));
+    return namedRate(Xml::attribute(conformRate, "srcFrameRate").value_or(QByteArray()));
 }
 
 Rational pace(const Rational &sourceRate, const Rational &frameDuration)

@@ -7,6 +7,7 @@
 #include "fcp/DocumentTime.h"
 #include "fcp/MediaResources.h"
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -21,7 +22,7 @@ struct KindName
     Kind kind;
 };
 
-std::optional<Kind> kindOf(const xmlNode *element)
+std::optional<Kind> kindOf(QByteArrayView name)
 {
     static constexpr std::array kinds{
         KindName{"asset-clip", Kind::Reference}, KindName{"video", Kind::Picture},
@@ -32,7 +33,6 @@ std::optional<Kind> kindOf(const xmlNode *element)
         KindName{"mc-clip", Kind::Picture},      KindName{"spine", Kind::Storyline},
         KindName{"audition", Kind::Audition},
     };
-    const QByteArrayView name = Xml::elementName(element);
     for (const KindName &each : kinds) {
         if (each.name == name)
             return each.kind;
@@ -41,10 +41,31 @@ std::optional<Kind> kindOf(const xmlNode *element)
 }
 
 /// Something that plays a resource for a while, in a form that is not among the known ones.
-bool isUnknownClip(const xmlNode *element)
+bool isUnknownClip(const xmlNode *element, QByteArrayView name)
 {
-    return Xml::attribute(element, "ref") && Xml::attribute(element, "duration") &&
-           Xml::attribute(element, "enabled") != "0";
+    return name.endsWith("clip") && Xml::attribute(element, "enabled") != "0";
+}
+
+/// Whether a child of a clip tells how the clip sounds. Projects hold a hundred times as many that do not.
+bool isAdjustment(QByteArrayView name)
+{
+    static constexpr std::array<QByteArrayView, 7> names{"adjust-volume", "conform-rate",         "timeMap",
+                                                         "filter-audio",  "audio-channel-source", "audio-role-source",
+                                                         "sync-source"};
+    return std::ranges::find(names, name) != names.end();
+}
+
+/// A title, say, on which nothing hangs that could sound.
+bool isSilentLeaf(const xmlNode *element, Kind kind)
+{
+    if (kind != Kind::Picture || Xml::isElement(element, "mc-clip"))
+        return false;
+    for (const xmlNode *const child : Xml::Children(element)) {
+        const QByteArrayView name = Xml::elementName(child);
+        if (kindOf(name) || isUnknownClip(child, name))
+            return false;
+    }
+    return true;
 }
 
 bool isConnected(const xmlNode *element)
@@ -59,18 +80,24 @@ std::optional<Rational> lenientTime(const xmlNode *element, QByteArrayView attri
     return text ? Rational::parseTime(*text) : std::nullopt;
 }
 
-void readChildren(StoryElement &story)
+/// Fills the children that can carry sound, and returns those that adjust the element's own.
+std::vector<const xmlNode *> readChildren(StoryElement &story)
 {
+    // In a storyline and in an audition even a silent one says where, or what, its neighbours are.
+    const bool isOrdered = story.kind == Kind::Storyline || story.kind == Kind::Audition;
+    std::vector<const xmlNode *> adjustments;
     for (const xmlNode *const child : Xml::Children(story.element)) {
-        if (kindOf(child))
-            story.children.push_back(child);
-        else if (Xml::isElement(child, "timeMap"))
-            story.retimed = true;
-        else if (Xml::isElement(child, "filter-audio"))
-            story.hasEffects |= Xml::attribute(child, "enabled") != "0";
-        else if (isUnknownClip(child))
+        const QByteArrayView name = Xml::elementName(child);
+        if (const auto kind = kindOf(name)) {
+            if (isOrdered || !isSilentLeaf(child, *kind))
+                story.children.push_back(child);
+        } else if (isAdjustment(name)) {
+            adjustments.push_back(child);
+        } else if (isUnknownClip(child, name)) {
             throw ConversionError(u"此复合或多机位结构暂不能直接读取，请先在 FCP 导出音频。"_s);
+        }
     }
+    return adjustments;
 }
 
 void readTimes(StoryElement &story)
@@ -83,20 +110,46 @@ void readTimes(StoryElement &story)
     story.contentStart = DocumentTime::read(story.element, "tcStart");
 }
 
-void readVolume(StoryElement &story, const AudioComponents &components)
+/// A "sync-source" lists the components of the storyline of a synchronized clip, or of what is connected to it.
+void readSource(StoryElement &story, const xmlNode *source)
 {
+    std::vector<const xmlNode *> components;
+    for (const xmlNode *const child : Xml::Children(source))
+        components.push_back(child);
+    const bool muted = AudioComponents(components).areMuted();
+    const auto id = Xml::attribute(source, "sourceID");
+    story.storylineMuted |= muted && id == "storyline";
+    story.connectedMuted |= muted && id == "connected";
+}
+
+void readAdjustments(StoryElement &story, const std::vector<const xmlNode *> &adjustments)
+{
+    for (const xmlNode *const each : adjustments) {
+        if (Xml::isElement(each, "timeMap"))
+            story.retimed = true;
+        else if (Xml::isElement(each, "filter-audio"))
+            story.hasEffects |= Xml::attribute(each, "enabled") != "0";
+        else if (Xml::isElement(each, "conform-rate"))
+            story.sourceRate = ConformRate::sourceRate(each);
+        else if (Xml::isElement(each, "sync-source"))
+            readSource(story, each);
+    }
     const Rational begin = story.soundStart.value_or(story.start);
     const auto length = story.soundDuration ? story.soundDuration : story.duration;
     const TimeRange sound{.begin = begin, .end = length ? std::optional(begin + *length) : std::nullopt};
-    story.volume = ClipVolume::product(story.element, sound) * components.volume(sound);
+    const AudioComponents components(adjustments);
+    story.muted |= components.areMuted();
+    story.hasEffects |= components.haveEffects();
+    story.volume = ClipVolume::product(adjustments, sound) * components.volume(sound);
 }
 
 } // namespace
 
 StoryElement StoryElement::read(const xmlNode *element, const MediaResources &resources)
 {
-    StoryElement story{
-        .element = element, .kind = kindOf(element).value_or(Kind::Picture), .connected = isConnected(element)};
+    StoryElement story{.element = element,
+                       .kind = kindOf(Xml::elementName(element)).value_or(Kind::Picture),
+                       .connected = isConnected(element)};
     if (Xml::attribute(element, "enabled") == "0") {
         story.enabled = false;
         story.offset = lenientTime(element, "offset");
@@ -106,23 +159,17 @@ StoryElement StoryElement::read(const xmlNode *element, const MediaResources &re
     story.muted = Xml::attribute(element, "srcEnable") == "video";
     if (!story.muted && Xml::isElement(element, "mc-clip"))
         throw ConversionError(u"多机位片段请先在 FCP 导出音频，再生成字幕。"_s);
-    readChildren(story);
+    const auto adjustments = readChildren(story);
     readTimes(story);
-    story.sourceRate = ConformRate::sourceRate(element);
     story.frameDuration = resources.frameDuration(element);
     story.resource = resources.find(element, "ref");
-    const AudioComponents components(element);
-    story.muted |= components.areMuted();
-    story.storylineMuted = components.isSourceMuted("storyline");
-    story.connectedMuted = components.isSourceMuted("connected");
-    story.hasEffects |= components.haveEffects();
-    readVolume(story, components);
+    readAdjustments(story, adjustments);
     return story;
 }
 
 bool StoryElement::isStory(const xmlNode *element)
 {
-    return kindOf(element).has_value();
+    return kindOf(Xml::elementName(element)).has_value();
 }
 
 QString StoryElement::name() const
