@@ -12,10 +12,10 @@ bool isComponent(const xmlNode *element)
     return Xml::isElement(element, "audio-channel-source") || Xml::isElement(element, "audio-role-source");
 }
 
-std::vector<const xmlNode *> childrenOf(const xmlNode *component)
+std::vector<const xmlNode *> childrenOf(const xmlNode *parent)
 {
     std::vector<const xmlNode *> children;
-    for (const xmlNode *const child : Xml::Children(component))
+    for (const xmlNode *const child : Xml::Children(parent))
         children.push_back(child);
     return children;
 }
@@ -46,6 +46,10 @@ AudioComponents::AudioComponents(const std::vector<const xmlNode *> &children)
             m_on.push_back(child);
     }
 }
+
+AudioComponents::AudioComponents(const xmlNode *parent)
+    : AudioComponents(childrenOf(parent))
+{}
 
 bool AudioComponents::areMuted() const
 {

@@ -14,6 +14,7 @@ class AudioComponents
 public:
     /// Takes the components among the children of a clip, or of a source of a synchronized clip.
     explicit AudioComponents(const std::vector<const xmlNode *> &children);
+    explicit AudioComponents(const xmlNode *parent);
 
     bool areMuted() const;    ///< Some are listed, and none of them is on.
     bool haveEffects() const; ///< One that is on has an enabled audio filter.

@@ -78,7 +78,7 @@ const StoryElement &AudioWalk::story(const xmlNode *element)
 std::optional<Rational> AudioWalk::length(const StoryElement &story)
 {
     if (story.kind == Kind::Audition)
-        return story.children.empty() ? std::nullopt : length(this->story(story.children.front()));
+        return story.content.empty() ? std::nullopt : length(this->story(story.content.front()));
     if (story.duration || !story.resource)
         return story.duration;
     if (Xml::isElement(story.resource, "asset"))
@@ -95,6 +95,18 @@ Rational AudioWalk::storylineEnd(const StorySequence &sequence)
     return end;
 }
 
+/// Whether an element has sound of its own, as far as it and its resource tell. One whose resource is missing might
+/// have.
+bool AudioWalk::canSound(const StoryElement &story)
+{
+    if (story.kind != Kind::Reference || !story.resource)
+        return story.kind != Kind::Picture;
+    if (Xml::isElement(story.resource, "asset"))
+        return m_resources.asset(story.resource).hasSound;
+    // An "audio" of an effect is a generated tone, which nobody speaks.
+    return !Xml::isElement(story.resource, "effect") || !Xml::isElement(story.element, "audio");
+}
+
 /// Calls `visitor` with each item of a storyline and its offset. An item that states none begins where the one before
 /// it ends.
 template <class Visitor>
@@ -102,7 +114,7 @@ void AudioWalk::forEachItem(const xmlNode *spine, const Rational &begin, Visitor
 {
     Rational offset = begin;
     const StoryElement *previous = nullptr;
-    for (const xmlNode *const item : story(spine).children) {
+    for (const xmlNode *const item : story(spine).content) {
         const StoryElement &current = story(item);
         if (current.offset)
             offset = *current.offset;
@@ -125,20 +137,20 @@ void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Plac
     if (story.kind == Kind::Audition) {
         Place active = place;
         ++active.nesting;
-        if (!story.children.empty())
-            visit(story.children.front(), offset, active);
+        if (!story.content.empty())
+            visit(story.content.front(), offset, active);
         return;
     }
-    const bool sounds = story.kind != Kind::Picture && !story.muted && !place.muted;
-    if (!sounds && story.children.empty())
+    const bool sounds = !story.muted && !place.muted && canSound(story);
+    if (!sounds && story.content.empty() && story.connected.empty())
         return;
     m_found.hasAudioEffects |= sounds && story.hasEffects;
     const TimeMap own = ownTimes(story, offset, place);
     if (sounds && story.retimed)
-        skipRetimed(story);
+        m_found.skippedRetimedAudio.append(story.name());
     else if (sounds)
         play(story, own, place);
-    else if (story.kind == Kind::Picture && !story.retimed)
+    else if (!story.muted && !story.retimed && (story.kind == Kind::Picture || !place.muted))
         visitContent(story, own, place);
     visitConnected(story, own, place);
 }
@@ -161,24 +173,19 @@ void AudioWalk::visitConnected(const StoryElement &story, const TimeMap &own, co
     outer.times = own;
     outer.muted = place.connectedMuted;
     ++outer.nesting;
-    for (const xmlNode *const child : story.children) {
-        const StoryElement &connected = this->story(child);
-        if (connected.connected)
-            visit(child, connected.offset.value_or(0), outer);
-    }
+    for (const xmlNode *const child : story.connected)
+        visit(child, this->story(child).offset.value_or(0), outer);
 }
 
 void AudioWalk::visitContent(const StoryElement &story, const TimeMap &own, const Place &place)
 {
-    std::optional<Place> inner;
-    for (const xmlNode *const child : story.children) {
+    if (story.content.empty())
+        return;
+    const Place inner = inside(story, own, place);
+    for (const xmlNode *const child : story.content) {
         const StoryElement &content = this->story(child);
-        if (content.connected)
-            continue;
-        if (!inner)
-            inner = inside(story, own, place);
         const Rational begin = content.kind == Kind::Storyline ? story.contentStart.value_or(0) : Rational(0);
-        visit(child, content.offset.value_or(begin), *inner);
+        visit(child, content.offset.value_or(begin), inner);
     }
 }
 
@@ -192,16 +199,14 @@ void AudioWalk::play(const StoryElement &story, const TimeMap &own, const Place 
         playAsset(story, own, place);
     else if (Xml::isElement(story.resource, "media"))
         playCompound(story, own, place);
-    else if (!Xml::isElement(story.resource, "effect") || !Xml::isElement(story.element, "audio"))
-        throwStructure(); // An "audio" of an effect is a generated tone, which nobody speaks.
+    else
+        throwStructure();
     visitContent(story, own, place);
 }
 
 void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const Place &place)
 {
     const MediaAsset &asset = m_resources.asset(story.resource);
-    if (!asset.hasSound)
-        return;
     const TimeRange sound = soundRange(story, own, place);
     const TimeRange audible = sound.cutTo(place.window);
     if (isTooShort(audible))
@@ -235,14 +240,6 @@ void AudioWalk::playCompound(const StoryElement &story, const TimeMap &own, cons
     inner.frameDuration = sequence.frameDuration;
     forEachItem(sequence.spine, sequence.start,
                 [&](const xmlNode *item, const Rational &offset) { visit(item, offset, inner); });
-}
-
-void AudioWalk::skipRetimed(const StoryElement &story)
-{
-    const bool isSilent = story.kind == Kind::Reference && story.resource && !Xml::isElement(story.resource, "media") &&
-                          !m_resources.asset(story.resource).hasSound;
-    if (!isSilent)
-        m_found.skippedRetimedAudio.append(story.name());
 }
 
 void AudioWalk::add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain)

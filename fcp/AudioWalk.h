@@ -78,9 +78,9 @@ private:
     void play(const StoryElement &story, const TimeMap &own, const Place &place);
     void playAsset(const StoryElement &story, const TimeMap &own, const Place &place);
     void playCompound(const StoryElement &story, const TimeMap &own, const Place &place);
-    void skipRetimed(const StoryElement &story);
     void add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain);
 
+    bool canSound(const StoryElement &story);
     TimeMap ownTimes(const StoryElement &story, const Rational &offset, const Place &place) const;
     TimeRange soundRange(const StoryElement &story, const TimeMap &own, const Place &place);
     Place inside(const StoryElement &story, const TimeMap &own, const Place &place);

@@ -47,7 +47,7 @@ ClipSelection ClipSelection::lay(const std::vector<const xmlNode *> &elements, A
         selection.origin = selection.clips.empty() ? offset : std::min(selection.origin, offset);
         end = std::max(end.value_or(offset), offset + *length);
         selection.clips.push_back({.element = element, .offset = offset});
-        if (!story.connected)
+        if (!story.isConnected)
             storyline.push_back({.begin = offset, .end = offset + *length});
     }
     if (overlap(std::move(storyline)))

@@ -21,10 +21,9 @@ const xmlNode *MediaResources::find(const xmlNode *element, QByteArrayView attri
 std::optional<Rational> MediaResources::frameDuration(const xmlNode *element) const
 {
     const xmlNode *const format = find(element, "format");
-    auto duration = format ? DocumentTime::read(format, "frameDuration") : std::nullopt;
-    if (duration && *duration <= 0)
-        duration.reset();
-    return duration;
+    const auto text = format ? Xml::attribute(format, "frameDuration") : std::nullopt;
+    const auto duration = text ? Rational::parseTime(*text) : std::nullopt;
+    return duration && *duration > 0 ? duration : std::nullopt;
 }
 
 StorySequence MediaResources::readSequence(const xmlNode *sequence) const

@@ -30,7 +30,6 @@ public:
 
     /// Seconds that a frame lasts in the format to which `element` refers by "format", above 0; absent when it does not
     /// tell.
-    /// @throws ConversionError "FCP 时间值无效。"
     std::optional<Rational> frameDuration(const xmlNode *element) const;
 
     /// @throws ConversionError "FCP 时间值无效。"

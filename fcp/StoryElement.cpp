@@ -89,8 +89,10 @@ std::vector<const xmlNode *> readChildren(StoryElement &story)
     for (const xmlNode *const child : Xml::Children(story.element)) {
         const QByteArrayView name = Xml::elementName(child);
         if (const auto kind = kindOf(name)) {
-            if (isOrdered || !isSilentLeaf(child, *kind))
-                story.children.push_back(child);
+            if (isOrdered)
+                story.content.push_back(child);
+            else if (!isSilentLeaf(child, *kind))
+                (isConnected(child) ? story.connected : story.content).push_back(child);
         } else if (isAdjustment(name)) {
             adjustments.push_back(child);
         } else if (isUnknownClip(child, name)) {
@@ -113,10 +115,7 @@ void readTimes(StoryElement &story)
 /// A "sync-source" lists the components of the storyline of a synchronized clip, or of what is connected to it.
 void readSource(StoryElement &story, const xmlNode *source)
 {
-    std::vector<const xmlNode *> components;
-    for (const xmlNode *const child : Xml::Children(source))
-        components.push_back(child);
-    const bool muted = AudioComponents(components).areMuted();
+    const bool muted = AudioComponents(source).areMuted();
     const auto id = Xml::attribute(source, "sourceID");
     story.storylineMuted |= muted && id == "storyline";
     story.connectedMuted |= muted && id == "connected";
@@ -149,7 +148,7 @@ StoryElement StoryElement::read(const xmlNode *element, const MediaResources &re
 {
     StoryElement story{.element = element,
                        .kind = kindOf(Xml::elementName(element)).value_or(Kind::Picture),
-                       .connected = isConnected(element)};
+                       .isConnected = ::isConnected(element)};
     if (Xml::attribute(element, "enabled") == "0") {
         story.enabled = false;
         story.offset = lenientTime(element, "offset");

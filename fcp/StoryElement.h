@@ -33,7 +33,7 @@ struct StoryElement
     const xmlNode *element = nullptr;
     Kind kind = Kind::Picture;
     bool enabled = true;         ///< Of a disabled element only the times below are read.
-    bool connected = false;      ///< Stands on a lane of its own instead of being content of its parent.
+    bool isConnected = false;    ///< Stands on a lane of its own instead of being content of its parent.
     bool muted = false;          ///< Its own sound is switched off.
     bool retimed = false;        ///< Has a speed change.
     bool hasEffects = false;     ///< Has an enabled audio filter.
@@ -49,9 +49,10 @@ struct StoryElement
     std::optional<Rational> sourceRate = {};    ///< As ConformRate::sourceRate.
     std::optional<Rational> frameDuration = {}; ///< Seconds, of its own format; absent when that does not tell.
 
-    double volume = 1;                          ///< Linear factor.
-    const xmlNode *resource = nullptr;          ///< What its "ref" names; null when there is no such thing.
-    std::vector<const xmlNode *> children = {}; ///< The elements in it that can carry sound.
+    double volume = 1;                           ///< Linear factor.
+    const xmlNode *resource = nullptr;           ///< What its "ref" names; null when there is no such thing.
+    std::vector<const xmlNode *> content = {};   ///< What in it can carry sound: its own, a part of it ...
+    std::vector<const xmlNode *> connected = {}; ///< ... and what hangs on it.
 
     /// @throws ConversionError when a time cannot be read, when it is a multicam clip, or when something stands in it
     /// that cannot be placed.

@@ -143,6 +143,10 @@ INSTANTIATE_TEST_SUITE_P(
                                                  {tag("title ref=title lane=1 offset=3605s start=50s duration=5s",
                                                       {tag("asset-clip ref=talk lane=1 offset=52s duration=1s")})})}),
                              {u"17: talk 0 + 1"_s}},
+                      // Some writers leave the lane out: what is content of a host is cut to it.
+                      Placed{"clip_without_a_lane",
+                             connected({tag("asset-clip ref=talk offset=118s start=7s duration=30s")}),
+                             {u"28: talk 7 + 2"_s}},
                       Placed{"audition",
                              connected({tag("audition lane=1 offset=105s", {tag("asset-clip ref=talk duration=3s")})}),
                              {u"15: talk 0 + 3"_s}}),

@@ -203,6 +203,15 @@ TEST(AudioPlan, tells_of_audio_filters_that_are_on)
     EXPECT_TRUE(has({tag("audio-channel-source srcCh=1", {tag("filter-audio ref=filter")})}));
 }
 
+TEST(AudioPlan, does_not_read_the_content_of_a_retimed_or_muted_clip)
+{
+    const Tag unreadable = tag("mc-clip ref=none offset=0s duration=9s");
+    const Tag hanging = tag("asset-clip ref=talk lane=1 offset=3s duration=2s");
+    for (const Tag &clip : {tag("clip offset=0s duration=9s", {tag("timeMap"), unreadable, hanging}),
+                            tag("sync-clip offset=0s duration=9s srcEnable=video", {unreadable, hanging})})
+        EXPECT_EQ(planText(project("60s", {clip})), QStringList{u"3: talk 0 + 2"_s});
+}
+
 TEST(AudioPlan, counts_each_retimed_clip_once_and_keeps_what_hangs_on_it)
 {
     const Tag timeMap = tag("timeMap", {tag("timept time=0s value=0s"), tag("timept time=9s value=18s")});

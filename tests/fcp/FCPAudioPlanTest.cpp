@@ -88,8 +88,9 @@ TEST(FCPAudioPlan, carries_the_settings_of_the_project)
 
 TEST(FCPAudioPlan, has_no_settings_where_the_rate_is_unknown_or_unsupported_and_sounds_all_the_same)
 {
-    for (const char *const format : {"unrated", "p48", "none", "talk"}) {
-        const FCPAudioPlan plan = planOf(sequence(QByteArray("sequence duration=20s format=") + format, {talk}));
+    for (const char *const format : {"unrated", "p48", "none", "talk", "broken"}) {
+        const FCPAudioPlan plan = planOf(sequence(QByteArray("sequence duration=20s format=") + format, {talk},
+                                                  {tag("format id=broken frameDuration=25")}));
         EXPECT_FALSE(plan.settings) << format;
         EXPECT_EQ(planText(plan), QStringList{u"0: talk 0 + 9"_s}) << format;
     }
