@@ -25,13 +25,14 @@ bool isOn(const xmlNode *component)
     return Xml::attribute(component, "active") != "0" && Xml::attribute(component, "enabled") != "0";
 }
 
+bool isActiveFilter(const xmlNode *child)
+{
+    return Xml::isElement(child, "filter-audio") && Xml::attribute(child, "enabled") != "0";
+}
+
 bool hasFilter(const xmlNode *component)
 {
-    for (const xmlNode *const child : Xml::Children(component)) {
-        if (Xml::isElement(child, "filter-audio") && Xml::attribute(child, "enabled") != "0")
-            return true;
-    }
-    return false;
+    return std::ranges::any_of(childrenOf(component), isActiveFilter);
 }
 
 } // namespace

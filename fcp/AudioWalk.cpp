@@ -253,7 +253,7 @@ void AudioWalk::add(const MediaAsset &asset, const TimeRange &piece, const TimeM
                              .gain = gain});
 }
 
-TimeMap AudioWalk::ownTimes(const StoryElement &story, const Rational &offset, const Place &place) const
+TimeMap AudioWalk::ownTimes(const StoryElement &story, const Rational &offset, const Place &place)
 {
     TimeMap own{.local = story.start, .plan = place.times.toPlan(offset), .scale = place.scale};
     if (!story.sourceRate)

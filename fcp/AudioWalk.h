@@ -81,7 +81,7 @@ private:
     void add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain);
 
     bool canSound(const StoryElement &story);
-    TimeMap ownTimes(const StoryElement &story, const Rational &offset, const Place &place) const;
+    static TimeMap ownTimes(const StoryElement &story, const Rational &offset, const Place &place);
     TimeRange soundRange(const StoryElement &story, const TimeMap &own, const Place &place);
     Place inside(const StoryElement &story, const TimeMap &own, const Place &place);
 

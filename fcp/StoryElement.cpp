@@ -60,12 +60,14 @@ bool isSilentLeaf(const xmlNode *element, Kind kind)
 {
     if (kind != Kind::Picture || Xml::isElement(element, "mc-clip"))
         return false;
-    for (const xmlNode *const child : Xml::Children(element)) {
+    const auto canSound = [](const xmlNode *child) {
         const QByteArrayView name = Xml::elementName(child);
-        if (kindOf(name) || isUnknownClip(child, name))
-            return false;
-    }
-    return true;
+        return kindOf(name) || isUnknownClip(child, name);
+    };
+    const xmlNode *child = Xml::firstElement(element->children);
+    while (child && !canSound(child))
+        child = Xml::firstElement(child->next);
+    return !child;
 }
 
 bool isConnected(const xmlNode *element)
