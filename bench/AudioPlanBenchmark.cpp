@@ -2,6 +2,10 @@
 //
 // Both documents have 250 clips that sound. "material" is filled as real projects are, with bookmarks, metadata,
 // markers, keywords and titles; "markup" with nothing but small elements, which is as many as that size holds.
+//
+// Medians of CPU time on two busy cores, in runs of 7 and of 9 rounds: material 267 and 287 ms against 254 and 241 ms
+// (1.05 and 1.19 times), markup 378 and 377 ms against 323 and 349 ms (1.17 and 1.08 times). The walk alone, over a
+// tree in memory, takes 24 and 41 ms.
 
 #include "fcp/FCPAudioPlan.h"
 #include "fcp/FCPXML.h"

@@ -17,10 +17,9 @@ class AudioWalk
 {
 public:
     static constexpr int deepestCompound = 24;
-    static constexpr int deepestNesting = 256;   ///< Of elements, so that the stack of any thread suffices.
-    static constexpr int mostVisits = 1'000'000; ///< Of elements.
-    static constexpr qsizetype mostSegments =
-        250; ///< Of a plan. One more is collected, to show that there are too many.
+    static constexpr int deepestNesting = 256;     ///< Of elements, so that the stack of any thread suffices.
+    static constexpr int mostVisits = 1'000'000;   ///< Of elements.
+    static constexpr qsizetype mostSegments = 250; ///< One more is collected, to show that there are too many.
 
     struct Found
     {
