@@ -10,6 +10,7 @@ namespace Commands {
 
 using Work = std::function<void()>;
 
+void addPlan(CLI::App &app, Work &run);
 void addSettings(CLI::App &app, Work &run);
 void addSrt(CLI::App &app, Work &run);
 void addTitles(CLI::App &app, Work &run);

@@ -15,7 +15,7 @@ struct SourceRate
 };
 
 /// The values that the published document type allows.
-std::optional<Rational> sourceRate(QByteArrayView name)
+std::optional<Rational> namedRate(QByteArrayView name)
 {
     static const std::array rates{
         SourceRate{"23.98", {24'000, 1'001}},
@@ -55,17 +55,25 @@ bool isNtsc(const Rational &rate)
 Rational pace(const xmlNode *clip, const Rational &frameDuration)
 {
     const xmlNode *const conform = Xml::child(clip, "conform-rate");
-    if (!conform || Xml::attribute(conform, "scaleEnabled") == "0")
-        return 1;
-    const auto source = sourceRate(Xml::attribute(conform, "srcFrameRate").value_or(QByteArray()));
-    if (!source)
-        return 1;
+    const auto source = conform ? sourceRate(conform) : std::nullopt;
+    return source ? pace(*source, frameDuration) : Rational(1);
+}
+
+std::optional<Rational> sourceRate(const xmlNode *conformRate)
+{
+    if (Xml::attribute(conformRate, "scaleEnabled") == "0")
+        return std::nullopt;
+    return namedRate(Xml::attribute(conformRate, "srcFrameRate").value_or(QByteArray()));
+}
+
+Rational pace(const Rational &sourceRate, const Rational &frameDuration)
+{
     const Rational timeline = Rational(1) / frameDuration;
-    if (isFilmLike(*source) && isFilmLike(timeline))
-        return timeline / *source;
-    if (isNtsc(*source) == isNtsc(timeline))
+    if (isFilmLike(sourceRate) && isFilmLike(timeline))
+        return timeline / sourceRate;
+    if (isNtsc(sourceRate) == isNtsc(timeline))
         return 1;
-    return isNtsc(*source) ? Rational(1'001, 1'000) : Rational(1'000, 1'001);
+    return isNtsc(sourceRate) ? Rational(1'001, 1'000) : Rational(1'000, 1'001);
 }
 
 } // namespace ConformRate

@@ -165,7 +165,7 @@ XmlDocument document(QByteArrayView bytes, const QString &folder)
     return result;
 }
 
-xmlNode *project(const XmlDocument &document)
+std::vector<xmlNode *> projects(const XmlDocument &document)
 {
     std::vector<xmlNode *> found;
     const auto collect = [&](const xmlNode *parent) {
@@ -189,6 +189,12 @@ xmlNode *project(const XmlDocument &document)
                 collectFromEvents(child);
         }
     }
+    return found;
+}
+
+xmlNode *project(const XmlDocument &document)
+{
+    const auto found = projects(document);
     if (found.size() != 1)
         throw ConversionError(u"请选择只包含一个项目的 FCPXML。"_s);
     return found.front();
@@ -200,6 +206,12 @@ Options settings(Options options, const XmlDocument &document)
     const xmlNode *const format = sequenceFormat(document, Xml::child(project, "sequence"));
     if (!format)
         throw ConversionError(u"找不到项目画面格式。"_s);
+    const auto name = Xml::attribute(project, "name");
+    return settings(std::move(options), format, name ? QString::fromUtf8(*name) : u"项目"_s);
+}
+
+Options settings(Options options, const xmlNode *format, const QString &name)
+{
     const auto rates = FrameRate::all();
     const auto rate =
         std::find_if(rates.begin(), rates.end(), [&](const FrameRate &each) { return hasFrameDuration(each, format); });
@@ -209,8 +221,7 @@ Options settings(Options options, const XmlDocument &document)
     options.width = Xml::integerAttribute(format, "width").value_or(3840);
     options.height = Xml::integerAttribute(format, "height").value_or(2160);
     options.fontSize = double(options.height) / 45;
-    const auto name = Xml::attribute(project, "name");
-    options.name = (name ? QString::fromUtf8(*name) : u"项目"_s) + u"_字幕版"_s;
+    options.name = name + u"_字幕版"_s;
     return options;
 }
 

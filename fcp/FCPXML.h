@@ -3,6 +3,7 @@
 #include "fcp/TitleDocument.h"
 
 #include <optional>
+#include <vector>
 
 /// Final Cut Pro's interchange documents: titles written, the user's projects read.
 ///
@@ -25,6 +26,9 @@ XmlDocument document(const QString &path);
 /// The same for the bytes of a document that lies in `folder`.
 XmlDocument document(QByteArrayView bytes, const QString &folder);
 
+/// The projects of a document: under its root, its events or the events of its library.
+std::vector<xmlNode *> projects(const XmlDocument &document);
+
 /// The one project of a document.
 /// @throws ConversionError "请选择只包含一个项目的 FCPXML。" when there is none, or several.
 xmlNode *project(const XmlDocument &document);
@@ -32,6 +36,10 @@ xmlNode *project(const XmlDocument &document);
 /// `options` with frame rate, frame size, font size (height ÷ 45) and name taken from the document's project.
 /// @throws ConversionError as project does, "找不到项目画面格式。" or "项目帧率暂不支持。"
 Options settings(Options options, const XmlDocument &document);
+
+/// The same for a timeline of that name with `format`, a "format" resource.
+/// @throws ConversionError "项目帧率暂不支持。"
+Options settings(Options options, const xmlNode *format, const QString &name);
 
 /// A document with one Basic Title for each cue: into `base`, the user's own project, which takes the options' name and
 /// keeps everything else; or, without a base, a new document of version 1.10 with one project.

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "fcp/Rational.h"
+
+#include <QString>
+
+#include <libxml/tree.h>
+
+#include <optional>
+#include <vector>
+
+class MediaResources;
+
+/// One element of a timeline as far as its sound is concerned, read once: compound clips show the same element many
+/// times.
+///
+/// ```
+///   parent's time   |----------|-- offset .. offset + duration --|
+///   own time                   |-- start ... start + duration ---|
+/// ```
+struct StoryElement
+{
+    enum class Kind
+    {
+        Reference, ///< Sounds by the resource to which it refers: "asset-clip", "ref-clip", "audio".
+        Container, ///< Sounds by what it contains: "clip", "sync-clip".
+        Picture,   ///< Makes no sound: "video", "title", "gap" and the like, and a multicam clip of which only the
+                   ///< picture is used.
+        Storyline, ///< A "spine".
+        Audition,  ///< A choice, of which the first child is the one in use.
+    };
+
+    const xmlNode *element = nullptr;
+    Kind kind = Kind::Picture;
+    bool enabled = true;         ///< Of a disabled element only the times below are read.
+    bool isConnected = false;    ///< Stands on a lane of its own instead of being content of its parent.
+    bool muted = false;          ///< Its own sound is switched off.
+    bool retimed = false;        ///< Has a speed change.
+    bool hasEffects = false;     ///< Has an enabled audio filter.
+    bool storylineMuted = false; ///< In a "sync-clip", the sound of its content is switched off ...
+    bool connectedMuted = false; ///< ... or that of what is connected to its content.
+
+    std::optional<Rational> offset = {};        ///< Seconds of the parent's time.
+    Rational start = {};                        ///< Seconds of its own time.
+    std::optional<Rational> duration = {};      ///< Seconds of the timeline on which it lies.
+    std::optional<Rational> soundStart = {};    ///< Own time; absent when the sound begins with the picture.
+    std::optional<Rational> soundDuration = {}; ///< Own time; absent when the sound lasts as long as the picture.
+    std::optional<Rational> contentStart = {};  ///< "tcStart": where its time begins.
+    std::optional<Rational> sourceRate = {};    ///< As ConformRate::sourceRate.
+    std::optional<Rational> frameDuration = {}; ///< Seconds, of its own format; absent when that does not tell.
+
+    double volume = 1;                           ///< Linear factor.
+    const xmlNode *resource = nullptr;           ///< What its "ref" names; null when there is no such thing.
+    std::vector<const xmlNode *> content = {};   ///< What in it can carry sound: its own, a part of it ...
+    std::vector<const xmlNode *> connected = {}; ///< ... and what hangs on it.
+
+    /// @throws ConversionError when a time cannot be read, when it is a multicam clip, or when something stands in it
+    /// that cannot be placed.
+    static StoryElement read(const xmlNode *element, const MediaResources &resources);
+
+    /// Whether the element is one of the kinds above.
+    static bool isStory(const xmlNode *element);
+
+    QString name() const; ///< Empty when it has none.
+};
