@@ -10,16 +10,16 @@ class Generator
 public:
     explicit Generator(quint32 seed)
         : m_engine(seed)
-    {
-    }
+    {}
 
-    /// A whole number from `lowest` to `highest`, both included. (The standard's distributions differ between libraries.)
+    /// A whole number from `lowest` to `highest`, both included. (The standard's distributions differ between
+    /// libraries.)
     qint64 number(qint64 lowest, qint64 highest);
 
     bool chance(int percent) { return number(1, 100) <= percent; }
 
     template <class List>
-    const auto &pick(const List &list)
+    auto pick(const List &list)
     {
         return list[static_cast<decltype(std::size(list))>(number(0, qint64(std::size(list)) - 1))];
     }
