@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QStringList>
+
+#include <array>
+#include <vector>
+
+/// A list of filler words, made ready for looking through many cues.
+///
+/// All words are literal. Where several begin at one place, the one with the most characters is tried first, and of
+/// equally long ones the first of the list. The time taken is linear in the text, whatever the words are.
+class FillerWords
+{
+public:
+    explicit FillerWords(const QStringList &words);
+
+    bool isEmpty() const { return m_words.empty(); }
+
+    /// `text` without filler words, trimmed. Nothing at all when the cue is but laughter (with 哈哈 among the words) or
+    /// the exclamation 哎呦我去 (with 哎呦 or 哎哟). A filler word that makes up a clause takes its clause mark along.
+    /// Without words the text stays as it stands, untrimmed.
+    QString removedFrom(const QString &text) const;
+
+private:
+    bool mayHoldWords(QStringView text) const;
+    bool isWholeExclamation(QStringView text) const;
+    bool removeClauses(QString &text) const;
+    void removeEverywhere(QString &text) const;
+
+    template <class Accept>
+    qsizetype firstWordAt(QStringView text, qsizetype at, Accept &&accept) const;
+
+    std::vector<QString> m_words;         ///< By the low byte of their first unit, then by rank.
+    std::array<quint32, 257> m_firstWord; ///< Where the words of a low byte begin in m_words.
+    bool m_holdsEmptyWord = false;
+    bool m_knowsLaughter = false;
+    bool m_knowsExclamation = false;
+};
