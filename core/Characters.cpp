@@ -123,7 +123,15 @@ qsizetype count(QStringView text)
 
 bool isLonger(QStringView text, qsizetype limit)
 {
-    return text.size() > limit && count(text) > limit;
+    if (text.size() <= limit)
+        return false;
+    // A text that is far too long is not read to its end.
+    Cursor at(text);
+    for (qsizetype characters = 0; characters <= limit; ++characters) {
+        if (!at.next())
+            return false;
+    }
+    return true;
 }
 
 Cursor::Cursor(QStringView text)

@@ -10,8 +10,8 @@ class QTextBoundaryFinder;
 /// What the text tools mean by a character, a letter, a mark or a blank: Unicode's own sets, in one place.
 ///
 /// A "scalar" is a Unicode code point; a lone surrogate counts as one that belongs to no set. A "character" is what the
-/// reader sees as one, a grapheme cluster: 👨‍👩‍👧, é in two scalars, a Hangul syllable in jamo and CR LF are one
-/// each.
+/// reader sees as one, a grapheme cluster: 👨‍👩‍👧, é in two scalars, a Hangul syllable in jamo and CR LF are
+/// one each.
 namespace Characters {
 
 bool isSpace(char32_t scalar);   ///< White_Space: blanks, U+00A0, U+3000, and all that ends a line.
