@@ -44,7 +44,26 @@ const std::vector<CommonSubsequence::Pair> &CommonSubsequence::find(std::span<co
     });
     for (size_t left = suffix; left > 0; --left)
         m_pairs.push_back({static_cast<qint32>(first.size() - left), static_cast<qint32>(second.size() - left)});
+    straighten(first, second);
     return m_pairs;
+}
+
+/// Brings pairs into step with the pair before where an equal key stands there too. Coming from the end, the search
+/// pairs the last of several equal keys, which may stand in a passage that only one sequence has.
+void CommonSubsequence::straighten(std::span<const Key> first, std::span<const Key> second)
+{
+    // What is in step with the end stays there.
+    const auto endStep = static_cast<qint32>(second.size()) - static_cast<qint32>(first.size());
+    auto loose = m_pairs.end();
+    while (loose != m_pairs.begin() && (loose - 1)->second - (loose - 1)->first == endStep)
+        --loose;
+    qint32 step = 0;
+    for (auto pair = m_pairs.begin(); pair != loose; ++pair) {
+        const qint32 inStep = pair->first + step;
+        if (inStep < pair->second && second[static_cast<size_t>(inStep)] == first[static_cast<size_t>(pair->first)])
+            pair->second = inStep;
+        step = pair->second - pair->first;
+    }
 }
 
 /// Appends the pairs from back to front.

@@ -23,14 +23,15 @@ public:
     /// Keys are below `keyCount`.
     explicit CommonSubsequence(Key keyCount);
 
-    /// Positions of equal keys, ascending in both sequences. Of equally long subsequences it is the one that holds the
-    /// common beginning and the common end, and from there pairs the last equal keys. Valid until the next call.
+    /// Positions of equal keys, ascending in both sequences. Of equally long subsequences it is one that holds the
+    /// common beginning and the common end, and stays in step with them where it can. Valid until the next call.
     const std::vector<Pair> &find(std::span<const Key> first, std::span<const Key> second);
 
 private:
     void findBetween(std::span<const Key> rows, std::span<const Key> columns);
     void markColumns(std::span<const Key> columns);
     void fillRows(std::span<const Key> rows);
+    void straighten(std::span<const Key> first, std::span<const Key> second);
 
     std::vector<Pair> m_pairs;
     std::vector<quint32> m_slotOfKey; ///< Where a key's columns are in m_columnsOfSlot; 0 for a key without columns.

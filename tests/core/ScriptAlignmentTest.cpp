@@ -145,6 +145,14 @@ TEST(ScriptAlignment, wrong_text_is_not_selected)
     EXPECT_EQ(moved.matchedCount(), 4);
     EXPECT_EQ(moved.unmatchedPassages, QStringList{second});
 
+    // The misheard cue before a paragraph that was never spoken keeps to its own words, not to the same ones in there.
+    const QStringList misheard = {u"大家好欢迎来到今天的节木的"_s, u"我们聊一聊城市里的老房子"_s};
+    EXPECT_EQ(
+        rows(match(
+            u"大家好，欢迎来到今天的节目的。广告之后是精彩的内容。这是多么美好的世界。我们聊一聊城市里的老房子。"_s,
+            misheard)),
+        "大家好，欢迎来到今天的节目的。 0.92 + | 我们聊一聊城市里的老房子。 1 +");
+
     // Numbers in digits, homophones throughout, another sentence of the same frame.
     EXPECT_EQ(rows(match(u"公司在2024年成立了。我们走吧。"_s, {u"公司在二零二四年成立"_s, u"我们走吧"_s})),
               "公司在2024年成立 0.6 | 我们走吧。 1 +");

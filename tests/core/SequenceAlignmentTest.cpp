@@ -92,6 +92,21 @@ TEST(CommonSubsequence, is_as_long_as_the_tables)
     }
 }
 
+TEST(CommonSubsequence, stays_in_step_with_the_ends)
+{
+    const auto partners = [](const Keys &first, const Keys &second) {
+        CommonSubsequence subsequence(100);
+        std::vector<qint32> found;
+        for (const auto [inFirst, inSecond] : subsequence.find(first, second))
+            found.push_back(inSecond);
+        return found;
+    };
+    // A misheard key (91 for 1), then keys that stand once more in a passage of the second sequence alone.
+    EXPECT_EQ(partners({91, 2, 3, 4}, {1, 2, 3, 50, 2, 51, 3, 52, 4}), (std::vector<qint32>{1, 2, 8}));
+    EXPECT_EQ(partners({4, 2, 3, 91}, {4, 50, 2, 51, 3, 52, 2, 3, 1}), (std::vector<qint32>{0, 6, 7}));
+    EXPECT_EQ(partners({91, 2, 92}, {50, 51, 2, 52, 2, 53, 2, 54}), (std::vector<qint32>{6}));
+}
+
 TEST(SequenceAlignment, pairs_a_longest_common_subsequence_where_there_are_no_anchors)
 {
     Generator generator(7);
