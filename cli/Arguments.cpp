@@ -1,9 +1,13 @@
 #include "cli/Arguments.h"
 
 #include "cli/StandardStreams.h"
+#include "core/ConversionError.h"
 #include "core/FileReader.h"
 
 #include <QFile>
+#include <QStringConverter>
+
+using namespace Qt::StringLiterals;
 
 namespace Arguments {
 
@@ -25,6 +29,18 @@ QString toPath(const std::string &argument)
 QByteArray readInput(const std::string &argument)
 {
     return argument == "-" ? StandardStreams::readAll() : FileReader::readAll(toPath(argument));
+}
+
+QString readText(const std::string &argument)
+{
+    const QByteArray bytes = readInput(argument);
+    const auto encoding = QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8);
+    QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
+    QString text = decoder(bytes);
+    if (decoder.hasError())
+        throw ConversionError(u"文本编码不支持。请先另存为 UTF-8 或 UTF-16。"_s);
+    text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
+    return text;
 }
 
 void Output::addPath(CLI::App &command)

@@ -25,6 +25,10 @@ QString toPath(const std::string &argument);  ///< A file name of the command li
 /// The bytes of an input: of the file, or of standard input for "-". @throws PlatformError, Cancelled
 QByteArray readInput(const std::string &argument);
 
+/// The text of such an input: UTF-8, or what its byte order mark says. Line breaks become line feeds.
+/// @throws ConversionError when it is not text; PlatformError, Cancelled
+QString readText(const std::string &argument);
+
 /// Where a result goes and how much is said about it.
 struct Output
 {
