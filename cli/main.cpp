@@ -45,6 +45,10 @@ void addCommands(CLI::App &app, Commands::Work &run)
     translate(app);
     Commands::addSrt(app, run);
     Commands::addTitles(app, run);
+    Commands::addClean(app, run);
+    Commands::addReplace(app, run);
+    Commands::addSeparate(app, run);
+    Commands::addAlign(app, run);
     Commands::addSettings(app, run);
     for (CLI::App *const command : app.get_subcommands({}))
         command->get_option("--help")->description("显示帮助");
