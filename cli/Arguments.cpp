@@ -13,8 +13,7 @@ namespace Arguments {
 
 WrongUse::WrongUse(const QString &message)
     : std::runtime_error(message.toStdString())
-{
-}
+{}
 
 QString toText(const std::string &argument)
 {

@@ -19,8 +19,8 @@ public:
     explicit WrongUse(const QString &message);
 };
 
-QString toText(const std::string &argument);  ///< Text of the command line, which is UTF-8.
-QString toPath(const std::string &argument);  ///< A file name of the command line.
+QString toText(const std::string &argument); ///< Text of the command line, which is UTF-8.
+QString toPath(const std::string &argument); ///< A file name of the command line.
 
 /// The bytes of an input: of the file, or of standard input for "-". @throws PlatformError, Cancelled
 QByteArray readInput(const std::string &argument);

@@ -29,8 +29,8 @@ QString summary(const Options &options)
 void runSettings(const SettingsArguments &arguments)
 {
     const XmlDocument document = arguments.input == "-"
-        ? FCPXML::document(Arguments::readInput(arguments.input), QDir::currentPath())
-        : FCPXML::document(Arguments::toPath(arguments.input));
+                                     ? FCPXML::document(Arguments::readInput(arguments.input), QDir::currentPath())
+                                     : FCPXML::document(Arguments::toPath(arguments.input));
     const Options options = FCPXML::settings(Options(), document);
     Result::deliver(
         arguments.output, [&](Utf8Writer &out) { out.text(summary(options)); },

@@ -5,7 +5,8 @@
 /// Standard input, output and error, with waits that Ctrl-C ends and errors that are not lost.
 namespace StandardStreams {
 
-/// Makes sure that descriptors 0 to 2 are taken, so that no file opened later stands in for a closed stream. Once, at start.
+/// Makes sure that descriptors 0 to 2 are taken, so that no file opened later stands in for a closed stream. Once, at
+/// start.
 void reserve();
 
 /// All of standard input. @throws PlatformError, Cancelled

@@ -32,18 +32,19 @@ QString colorFromHex(const QString &text)
 
 bool isHexColor(const QString &text)
 {
-    return text.startsWith(u'#') && (text.size() == 7 || text.size() == 9)
-        && std::all_of(text.begin() + 1, text.end(), [](QChar c) { return QStringView(u"0123456789abcdefABCDEF").contains(c); });
+    return text.startsWith(u'#') && (text.size() == 7 || text.size() == 9) &&
+           std::all_of(text.begin() + 1, text.end(),
+                       [](QChar c) { return QStringView(u"0123456789abcdefABCDEF").contains(c); });
 }
 
 bool isRecordColor(const QString &text)
 {
     const QStringList parts = text.split(u' ');
     return parts.size() == 4 && std::all_of(parts.begin(), parts.end(), [](const QString &part) {
-        bool isNumber = false;
-        const double value = part.toDouble(&isNumber);
-        return isNumber && value >= 0 && value <= 1;
-    });
+               bool isNumber = false;
+               const double value = part.toDouble(&isNumber);
+               return isNumber && value >= 0 && value <= 1;
+           });
 }
 
 QString readColor(const std::string &argument)

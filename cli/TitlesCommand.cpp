@@ -32,8 +32,8 @@ TitleDocument makeDocument(const TitlesArguments &arguments, const QList<Subtitl
     if (arguments.base.empty())
         return FCPXML::convert(cues, std::nullopt, arguments.style.applied(Options()));
     XmlDocument base = arguments.base == "-"
-        ? FCPXML::document(Arguments::readInput(arguments.base), QDir::currentPath())
-        : FCPXML::document(Arguments::toPath(arguments.base));
+                           ? FCPXML::document(Arguments::readInput(arguments.base), QDir::currentPath())
+                           : FCPXML::document(Arguments::toPath(arguments.base));
     const Options options = arguments.style.applied(FCPXML::settings(Options(), base));
     return FCPXML::convert(cues, std::move(base), options);
 }

@@ -1,5 +1,6 @@
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
+#include "cli/HelpFormatter.h"
 #include "cli/Interrupt.h"
 #include "cli/StandardStreams.h"
 #include "core/Cancelled.h"
@@ -11,7 +12,6 @@
 #include <QTranslator>
 
 #include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 
 using namespace Qt::StringLiterals;
 
@@ -25,24 +25,15 @@ enum ExitStatus
     cancelled = 130
 };
 
-void translate(CLI::App &app)
-{
-    const auto formatter = app.get_formatter();
-    for (const auto &[english, chinese] : {std::pair("Usage", "用法"), std::pair("OPTIONS", "选项"),
-                                           std::pair("Options", "选项"), std::pair("SUBCOMMAND", "命令"),
-                                           std::pair("Subcommands", "命令"), std::pair("Positionals", "参数"),
-                                           std::pair("REQUIRED", "（必需）"), std::pair("TEXT", "文字")})
-        formatter->label(english, chinese);
-    formatter->column_width(32);
-}
-
 void addCommands(CLI::App &app, Commands::Work &run)
 {
     app.require_subcommand(1);
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.option_defaults()->group("选项");
     app.set_help_flag("-h,--help", "显示帮助");
     app.set_version_flag("--version", "lintora-cli " LINTORA_VERSION, "显示版本");
-    app.footer("示例：\n  lintora-cli titles 访谈.srt -o 访谈.fcpxml --rate 25\n\n每个命令的选项：lintora-cli 命令 --help");
-    translate(app);
+    app.footer(
+        "示例：\n  lintora-cli titles 访谈.srt -o 访谈.fcpxml --rate 25\n\n每个命令的选项：lintora-cli 命令 --help");
     Commands::addSrt(app, run);
     Commands::addTitles(app, run);
     Commands::addClean(app, run);
@@ -51,21 +42,24 @@ void addCommands(CLI::App &app, Commands::Work &run)
     Commands::addAlign(app, run);
     Commands::addSettings(app, run);
     for (CLI::App *const command : app.get_subcommands({}))
-        command->get_option("--help")->description("显示帮助");
+        command->group("命令")->set_help_flag("-h,--help", "显示帮助");
 }
 
-/// What is wrong with the command line, in Chinese.
+/// What is wrong with the command line, in Chinese. The library's own words are English and end with the culprit.
 QString explain(const CLI::ParseError &error)
 {
     const QString detail = QString::fromUtf8(error.what());
-    const std::string kind = error.get_name();
-    if (kind == "RequiredError")
-        return u"缺少命令或参数：%1"_s.arg(detail);
-    if (kind == "ExtrasError")
-        return u"不认识的参数：%1"_s.arg(detail.mid(detail.indexOf(u": ") + 2));
-    if (kind == "ArgumentMismatch")
-        return u"选项缺少值：%1"_s.arg(detail);
-    return u"参数无效：%1"_s.arg(detail);
+    const QString culprit = detail.mid(detail.lastIndexOf(u": ") + 1).trimmed();
+    switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {
+    case CLI::ExitCodes::RequiredError:
+        return detail.startsWith(u"A subcommand") ? u"缺少命令"_s : u"缺少参数：%1"_s.arg(detail.section(u' ', 0, 0));
+    case CLI::ExitCodes::ExtrasError:
+        return u"不认识的参数：%1"_s.arg(culprit);
+    case CLI::ExitCodes::ArgumentMismatch:
+        return u"选项缺少值：%1"_s.arg(detail.section(u':', 0, 0));
+    default:
+        return u"参数无效：%1"_s.arg(culprit);
+    }
 }
 
 ExitStatus sayWrongUse(const QString &message)

@@ -9,15 +9,15 @@ class QFileDevice;
 
 /// A file that is replaced whole or not at all.
 ///
-/// The new content is written beside the target, synced to the disk and renamed over it by commit(). Without commit() the
-/// target stays as it was and the half-written file is removed. A symbolic link stays a link: what it points to is replaced.
-/// An existing target keeps its permissions. What is no regular file (a terminal, a pipe, /dev/full) cannot be replaced
-/// and is written to as it stands.
+/// The new content is written beside the target, synced to the disk and renamed over it by commit(). Without commit()
+/// the target stays as it was and the half-written file is removed. A symbolic link stays a link: what it points to is
+/// replaced. An existing target keeps its permissions. What is no regular file (a terminal, a pipe, /dev/full) cannot
+/// be replaced and is written to as it stands.
 class AtomicFile
 {
 public:
-    /// @throws PlatformError when the target cannot be replaced: its folder is missing or not writable, it is read-only,
-    /// it is a folder.
+    /// @throws PlatformError when the target cannot be replaced: its folder is missing or not writable, it is
+    /// read-only, it is a folder.
     explicit AtomicFile(const QString &path);
     ~AtomicFile();
     Q_DISABLE_COPY_MOVE(AtomicFile)

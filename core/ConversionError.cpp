@@ -5,8 +5,7 @@ using namespace Qt::StringLiterals;
 ConversionError::ConversionError(const QString &message)
     : m_message(message)
     , m_utf8(message.toUtf8())
-{
-}
+{}
 
 ConversionError ConversionError::aboutCue(qint64 number, QStringView problem)
 {

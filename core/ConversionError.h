@@ -6,8 +6,8 @@
 
 /// A refusal in the words that the user sees.
 ///
-/// The message is a finished Simplified Chinese sentence with its closing 。; whoever waits for the result shows it as it
-/// stands. There are no error codes. Errors of the platform (files, XML, network) are PlatformError instead.
+/// The message is a finished Simplified Chinese sentence with its closing 。; whoever waits for the result shows it as
+/// it stands. There are no error codes. Errors of the platform (files, XML, network) are PlatformError instead.
 class ConversionError : public std::exception
 {
 public:

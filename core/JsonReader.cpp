@@ -3,7 +3,6 @@
 #include "core/PlatformError.h"
 #include "core/Utf8.h"
 
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>

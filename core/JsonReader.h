@@ -28,8 +28,8 @@ public:
     QString readText(); ///< Escapes resolved. A lone surrogate is an error.
     bool readNull();    ///< Whether the next value is null, which is then passed over. Any other value stays.
 
-    /// Reads an object. `field` is called at each value with its key and reads it or leaves it to be passed over. The view
-    /// of the key is valid until the value is read.
+    /// Reads an object. `field` is called at each value with its key and reads it or leaves it to be passed over. The
+    /// view of the key is valid until the value is read.
     /// @throws PlatformError naming the first of `required` that is missing.
     template <class Field>
     void readObject(std::initializer_list<QByteArrayView> required, Field &&field);

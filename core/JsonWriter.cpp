@@ -8,8 +8,7 @@
 
 JsonWriter::JsonWriter(Utf8Writer &out)
     : m_out(out)
-{
-}
+{}
 
 JsonWriter &JsonWriter::key(QByteArrayView name)
 {
@@ -47,7 +46,8 @@ void JsonWriter::text(QStringView value)
     beginValue();
     m_out.bytes("\"");
     while (!value.isEmpty()) {
-        const auto *const special = std::find_if(value.begin(), value.end(), [](QChar c) { return c < u' ' || c == u'"' || c == u'\\'; });
+        const auto *const special =
+            std::find_if(value.begin(), value.end(), [](QChar c) { return c < u' ' || c == u'"' || c == u'\\'; });
         m_out.text(value.first(special - value.begin()));
         value = value.sliced(special - value.begin());
         if (value.isEmpty())

@@ -4,8 +4,9 @@
 
 #include <vector>
 
-/// Writes JSON whose bytes are a function of the values alone: compact, keys in the order of their bytes, text unescaped
-/// but for what JSON forbids, doubles in their shortest form that reads back the same (whole ones without ".0").
+/// Writes JSON whose bytes are a function of the values alone: compact, keys in the order of their bytes, text
+/// unescaped but for what JSON forbids, doubles in their shortest form that reads back the same (whole ones without
+/// ".0").
 ///
 /// The caller names keys in ascending order; a slip is an assertion. Values are written in the order of the calls:
 /// `json.key("id").integer(1)`.
@@ -29,7 +30,7 @@ private:
     void beginValue();
 
     Utf8Writer &m_out;
-    bool m_comma = false;          ///< Whether a value stands before the next one.
+    bool m_comma = false;           ///< Whether a value stands before the next one.
     std::vector<QByteArray> m_keys; ///< The last key of each open object, for the assertion on their order.
 };
 

@@ -3,5 +3,4 @@
 PlatformError::PlatformError(const QString &description)
     : m_description(description)
     , m_utf8(description.toUtf8())
-{
-}
+{}

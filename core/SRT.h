@@ -8,8 +8,8 @@ class Utf8Writer;
 
 /// SubRip text in and out.
 ///
-/// The reader is strict: the first bad cue ends the call, so that the user can mend the file. Every cue that it returns can
-/// be written into a title: no control character that XML forbids, no formatting tag, no character entity is left.
+/// The reader is strict: the first bad cue ends the call, so that the user can mend the file. Every cue that it returns
+/// can be written into a title: no control character that XML forbids, no formatting tag, no character entity is left.
 namespace SRT {
 
 /// Reads the file at `path`: UTF-16 when it begins with FF FE or FE FF, else UTF-8.
@@ -21,8 +21,8 @@ QList<Subtitle> read(const QString &path);
 /// @throws ConversionError "字幕编码不支持。请先另存为 UTF-8 或 UTF-16。", or as parse does.
 QList<Subtitle> decode(QByteArray bytes);
 
-/// Reads every cue of `text`, in file order. Cues are numbered 1, 2, 3 …, whatever numbers the text gives them. They are
-/// not sorted, and may overlap.
+/// Reads every cue of `text`, in file order. Cues are numbered 1, 2, 3 …, whatever numbers the text gives them. They
+/// are not sorted, and may overlap.
 /// @throws ConversionError naming the cue, in the words the user sees.
 QList<Subtitle> parse(QStringView text);
 
@@ -30,8 +30,8 @@ QList<Subtitle> parse(QStringView text);
 /// field carries its own minus sign.
 QString stamp(qint64 milliseconds);
 
-/// The whole SRT text: cues numbered from 1, separated by an empty line, every line ended by a line feed. Text is written
-/// as it stands. Nothing is lost but the cues' own ids.
+/// The whole SRT text: cues numbered from 1, separated by an empty line, every line ended by a line feed. Text is
+/// written as it stands. Nothing is lost but the cues' own ids.
 QString serialize(const QList<Subtitle> &cues);
 
 /// The same as UTF-8, written block by block. Calls out.finish() at the end.

@@ -8,8 +8,8 @@ class JsonWriter;
 
 /// One cue: what is shown, and when.
 ///
-/// Times count from the beginning of the timeline. The interval is half-open, [start, end): neighbours may touch. A valid
-/// cue has end > start; a list of cues is in display and export order and need not be sorted by time.
+/// Times count from the beginning of the timeline. The interval is half-open, [start, end): neighbours may touch. A
+/// valid cue has end > start; a list of cues is in display and export order and need not be sorted by time.
 struct Subtitle
 {
     qint64 id = 0;    ///< Cue number. Readers count from 1; most tools keep it.

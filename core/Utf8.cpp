@@ -53,8 +53,7 @@ qsizetype sequenceLength(const char *p, const char *end)
         const quint8 second = byteAt(p + 1);
         const bool overlong = lead == 0xF0 && second < 0x90;
         const bool beyond = lead == 0xF4 && second > 0x8F;
-        const bool complete =
-            isContinuation(second) && isContinuation(byteAt(p + 2)) && isContinuation(byteAt(p + 3));
+        const bool complete = isContinuation(second) && isContinuation(byteAt(p + 2)) && isContinuation(byteAt(p + 3));
         return complete && !overlong && !beyond ? 4 : 0;
     }
     return 0;
@@ -81,39 +80,22 @@ char *put(char32_t character, char *out)
     return out;
 }
 
-} // namespace
-
-Survey survey(QByteArrayView bytes)
+/// Passes over characters of U+1000 to U+CFFF and U+E000 to U+EFFF, in which Chinese lies: three bytes that need no
+/// look at their neighbours.
+const char *skipCommonTriples(const char *p, const char *end)
 {
-    Survey result;
-    const char *p = bytes.begin();
-    const char *const end = bytes.end();
-    while ((p = skipAscii(p, end)) != end) {
-        // Text of one script comes in runs: stay here until the next ASCII byte.
-        do {
-            const qsizetype length = sequenceLength(p, end);
-            if (length == 0) {
-                result.valid = false;
-                return result;
-            }
-            if (byteAt(p) == 0xEF && byteAt(p + 1) == 0xBB && byteAt(p + 2) == 0xBF)
-                result.hasMark = true;
-            p += length;
-        } while (p != end && byteAt(p) >= 0x80);
+    while (end - p >= 4) {
+        const quint8 lead = byteAt(p);
+        if (lead <= 0xE0 || lead >= 0xEF || lead == 0xED || !isContinuation(byteAt(p + 1)) ||
+            !isContinuation(byteAt(p + 2)))
+            break;
+        p += 3;
     }
-    return result;
+    return p;
 }
 
-QString decode(QByteArrayView valid)
+char16_t *decodeTo(char16_t *out, QByteArrayView valid)
 {
-    qsizetype units = 0;
-    for (const char c : valid) {
-        const auto byte = static_cast<quint8>(c);
-        units += isContinuation(byte) ? 0 : 1;
-        units += byte >= 0xF0 ? 1 : 0;
-    }
-    QString text(units, Qt::Uninitialized);
-    auto *out = reinterpret_cast<char16_t *>(text.data());
     const char *p = valid.begin();
     const char *const end = valid.end();
     while (p != end) {
@@ -135,9 +117,50 @@ QString decode(QByteArrayView valid)
             p += 4;
         }
     }
-    return text;
+    return out;
 }
 
+} // namespace
+
+Survey survey(QByteArrayView bytes)
+{
+    Survey result;
+    const char *p = bytes.begin();
+    const char *const end = bytes.end();
+    while ((p = skipAscii(p, end)) != end) {
+        // Text of one script comes in runs: stay here until the next ASCII byte.
+        do {
+            p = skipCommonTriples(p, end);
+            if (p == end || byteAt(p) < 0x80)
+                break;
+            const qsizetype length = sequenceLength(p, end);
+            if (length == 0) {
+                result.valid = false;
+                return result;
+            }
+            if (byteAt(p) == 0xEF && byteAt(p + 1) == 0xBB && byteAt(p + 2) == 0xBF)
+                result.hasMark = true;
+            p += length;
+        } while (p != end && byteAt(p) >= 0x80);
+    }
+    return result;
+}
+
+QString decode(QByteArrayView valid)
+{
+    // A text never has more UTF-16 units than bytes. Short ones, nearly all, go through warm memory on the stack, and
+    // the string is made when its length is known.
+    constexpr qsizetype shortText = 512;
+    if (valid.size() <= shortText) {
+        char16_t units[shortText];
+        return QString(reinterpret_cast<const QChar *>(units), decodeTo(units, valid) - units);
+    }
+    QString text(valid.size(), Qt::Uninitialized);
+    auto *const units = reinterpret_cast<char16_t *>(text.data());
+    text.truncate(decodeTo(units, valid) - units);
+    text.squeeze();
+    return text;
+}
 char *encode(QStringView text, char *out)
 {
     const char16_t *p = text.utf16();
@@ -165,12 +188,15 @@ qsizetype leadingSpace(QByteArrayView valid)
     const quint8 lead = byteAt(p);
     if (lead < 0x80)
         return lead == ' ' || (lead >= '\t' && lead <= '\r') ? 1 : 0;
+    if (lead > 0xE3)
+        return 0;
     // Only these four lead bytes begin a white space character above U+007F.
     if (lead == 0xC2)
         return byteAt(p + 1) == 0x85 || byteAt(p + 1) == 0xA0 ? 2 : 0;
     if (lead == 0xE1 || lead == 0xE2 || lead == 0xE3) {
-        const char32_t character = static_cast<char32_t>(lead & 0x0F) << 12
-            | static_cast<char32_t>(byteAt(p + 1) & 0x3F) << 6 | static_cast<char32_t>(byteAt(p + 2) & 0x3F);
+        const char32_t character = static_cast<char32_t>(lead & 0x0F) << 12 |
+                                   static_cast<char32_t>(byteAt(p + 1) & 0x3F) << 6 |
+                                   static_cast<char32_t>(byteAt(p + 2) & 0x3F);
         return QChar::isSpace(character) ? 3 : 0;
     }
     return 0;
@@ -179,6 +205,8 @@ qsizetype leadingSpace(QByteArrayView valid)
 qsizetype trailingSpace(QByteArrayView valid)
 {
     qsizetype at = valid.size();
+    if (at > 0 && byteAt(valid.data() + at - 1) < 0x80)
+        return leadingSpace(valid.last(1));
     while (at > 0 && isContinuation(byteAt(valid.data() + at - 1)))
         --at;
     return at > 0 ? leadingSpace(valid.sliced(at - 1)) : 0;

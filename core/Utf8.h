@@ -8,7 +8,7 @@ namespace Utf8 {
 
 struct Survey
 {
-    bool valid = true;    ///< Well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF, nothing cut off.
+    bool valid = true; ///< Well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF, nothing cut off.
     bool hasMark = false; ///< Holds U+FEFF somewhere. Meaningful when valid.
 };
 
@@ -18,13 +18,17 @@ Survey survey(QByteArrayView bytes);
 QString decode(QByteArrayView valid);
 
 /// Room that encode needs for `units` UTF-16 code units.
-constexpr qsizetype encodedRoom(qsizetype units) { return units * 3; }
+constexpr qsizetype encodedRoom(qsizetype units)
+{
+    return units * 3;
+}
 
-/// Writes `text` at `out`, which has encodedRoom(text.size()) bytes, and returns the end. A lone surrogate becomes U+FFFD.
+/// Writes `text` at `out`, which has encodedRoom(text.size()) bytes, and returns the end. A lone surrogate becomes
+/// U+FFFD.
 char *encode(QStringView text, char *out);
 
-/// Length in bytes of the white space character at the front or the back of `valid`, 0 when there is none. White space is
-/// Unicode's White_Space property, line breaks included, as in QStringView::trimmed.
+/// Length in bytes of the white space character at the front or the back of `valid`, 0 when there is none. White space
+/// is Unicode's White_Space property, line breaks included, as in QStringView::trimmed.
 qsizetype leadingSpace(QByteArrayView valid);
 qsizetype trailingSpace(QByteArrayView valid);
 

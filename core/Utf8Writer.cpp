@@ -9,8 +9,7 @@
 Utf8Writer::Utf8Writer(Sink sink)
     : m_sink(std::move(sink))
     , m_block(new char[static_cast<size_t>(blockSize)])
-{
-}
+{}
 
 void Utf8Writer::bytes(QByteArrayView utf8)
 {

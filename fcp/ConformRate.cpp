@@ -18,13 +18,20 @@ struct SourceRate
 std::optional<Rational> sourceRate(QByteArrayView name)
 {
     static const std::array rates{
-        SourceRate{"23.98", {24'000, 1'001}}, SourceRate{"24", 24},
-        SourceRate{"25", 25},                 SourceRate{"29.97", {30'000, 1'001}},
-        SourceRate{"30", 30},                 SourceRate{"47.95", {48'000, 1'001}},
-        SourceRate{"48", 48},                 SourceRate{"50", 50},
-        SourceRate{"59.94", {60'000, 1'001}}, SourceRate{"60", 60},
-        SourceRate{"90", 90},                 SourceRate{"100", 100},
-        SourceRate{"119.88", {120'000, 1'001}}, SourceRate{"120", 120},
+        SourceRate{"23.98", {24'000, 1'001}},
+        SourceRate{"24", 24},
+        SourceRate{"25", 25},
+        SourceRate{"29.97", {30'000, 1'001}},
+        SourceRate{"30", 30},
+        SourceRate{"47.95", {48'000, 1'001}},
+        SourceRate{"48", 48},
+        SourceRate{"50", 50},
+        SourceRate{"59.94", {60'000, 1'001}},
+        SourceRate{"60", 60},
+        SourceRate{"90", 90},
+        SourceRate{"100", 100},
+        SourceRate{"119.88", {120'000, 1'001}},
+        SourceRate{"120", 120},
     };
     for (const SourceRate &each : rates) {
         if (each.name == name)

@@ -45,8 +45,8 @@ void resolveSources(const XmlDocument &document, const QString &folder)
     }
 }
 
-/// The "format" resource of that id, null when there is none. Compared in code: ids come from outside and never become part
-/// of a query.
+/// The "format" resource of that id, null when there is none. Compared in code: ids come from outside and never become
+/// part of a query.
 const xmlNode *findFormat(const XmlDocument &document, const QByteArray &id)
 {
     for (const xmlNode *const resources : Xml::Children(document.root())) {
@@ -206,8 +206,8 @@ Options settings(Options options, const XmlDocument &document)
     if (!format)
         throw ConversionError(u"找不到项目画面格式。"_s);
     const auto rates = FrameRate::all();
-    const auto rate = std::find_if(rates.begin(), rates.end(),
-                                   [&](const FrameRate &each) { return hasFrameDuration(each, format); });
+    const auto rate =
+        std::find_if(rates.begin(), rates.end(), [&](const FrameRate &each) { return hasFrameDuration(each, format); });
     if (rate == rates.end())
         throw ConversionError(u"项目帧率暂不支持。"_s);
     options.rate = *rate;

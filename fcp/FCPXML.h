@@ -16,8 +16,8 @@ inline constexpr QByteArrayView uid =
 /// Files up to this size are read, in bytes.
 inline constexpr qint64 largestFile = 16 * 1024 * 1024;
 
-/// Reads a project file, or the "Info.fcpxml" of a bundle ("fcpxmld"). "src" values without a scheme become absolute file
-/// URLs, resolved against the file's folder.
+/// Reads a project file, or the "Info.fcpxml" of a bundle ("fcpxmld"). "src" values without a scheme become absolute
+/// file URLs, resolved against the file's folder.
 /// @throws PlatformError when it cannot be read or is no XML.
 /// @throws ConversionError "FCPXML 文件过大，请分段导入。" or "不支持含外部实体的 XML。"
 XmlDocument document(const QString &path);
@@ -33,8 +33,8 @@ xmlNode *project(const XmlDocument &document);
 /// @throws ConversionError as project does, "找不到项目画面格式。" or "项目帧率暂不支持。"
 Options settings(Options options, const XmlDocument &document);
 
-/// A document with one Basic Title for each cue: into `base`, the user's own project, which takes the options' name and keeps
-/// everything else; or, without a base, a new document of version 1.10 with one project.
+/// A document with one Basic Title for each cue: into `base`, the user's own project, which takes the options' name and
+/// keeps everything else; or, without a base, a new document of version 1.10 with one project.
 /// @throws ConversionError with the sentence that says what is wrong; nothing is written then.
 TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options);
 

@@ -21,8 +21,8 @@ struct FrameRate
     /// The eight rates that we support, in the order of the picker: 23.976, 24, 25, 29.97, 30, 50, 59.94, 60.
     static std::span<const FrameRate> all();
 
-    /// The frame nearest to a time: milliseconds × numerator ÷ (denominator × 1000), halves away from zero. Absent when no
-    /// 64-bit integer holds it.
+    /// The frame nearest to a time: milliseconds × numerator ÷ (denominator × 1000), halves away from zero. Absent when
+    /// no 64-bit integer holds it.
     std::optional<qint64> frame(qint64 milliseconds) const;
 
     /// The time of a frame count as FCPXML writes it, never reduced: "1001/24000s", "90/30s".

@@ -5,8 +5,8 @@
 #include <QHash>
 #include <QSet>
 
-/// Hands out "id" values that a document does not use yet: a prefix and a number counted from 1. They depend only on the ids
-/// that the document already has.
+/// Hands out "id" values that a document does not use yet: a prefix and a number counted from 1. They depend only on
+/// the ids that the document already has.
 class Identifiers
 {
 public:

@@ -45,9 +45,9 @@ std::optional<Digits> readDecimal(QByteArrayView text)
         if (c < '0' || c > '9')
             return std::nullopt;
         any = true;
-        if (__builtin_mul_overflow(digits.value, qint64(10), &digits.value)
-            || __builtin_add_overflow(digits.value, qint64(c - '0'), &digits.value)
-            || (point && __builtin_mul_overflow(digits.scale, qint64(10), &digits.scale)))
+        if (__builtin_mul_overflow(digits.value, qint64(10), &digits.value) ||
+            __builtin_add_overflow(digits.value, qint64(c - '0'), &digits.value) ||
+            (point && __builtin_mul_overflow(digits.scale, qint64(10), &digits.scale)))
             return std::nullopt;
     }
     return any ? std::optional(digits) : std::nullopt;
@@ -57,8 +57,7 @@ std::optional<Digits> readDecimal(QByteArrayView text)
 
 RationalOverflow::RationalOverflow()
     : std::overflow_error("a rational number beyond 64 bits")
-{
-}
+{}
 
 Rational::Rational(qint64 numerator, qint64 denominator)
 {

@@ -6,8 +6,8 @@
 #include <optional>
 #include <stdexcept>
 
-/// A result that 64-bit numerators and denominators cannot hold. Never reaches the user: whoever reads a document or places
-/// a cue turns it into the sentence that names what is wrong.
+/// A result that 64-bit numerators and denominators cannot hold. Never reaches the user: whoever reads a document or
+/// places a cue turns it into the sentence that names what is wrong.
 class RationalOverflow : public std::overflow_error
 {
 public:
@@ -16,20 +16,16 @@ public:
 
 /// An exact number, reduced, with a denominator above 0. Seconds of a document, or frames.
 ///
-/// Intermediate products have 128 bits: documents carry numerators beyond 2^32 over denominators of 10^9. Arithmetic throws
-/// RationalOverflow when the reduced result does not fit; comparison never fails.
+/// Intermediate products have 128 bits: documents carry numerators beyond 2^32 over denominators of 10^9. Arithmetic
+/// throws RationalOverflow when the reduced result does not fit; comparison never fails.
 class Rational
 {
 public:
-    constexpr Rational() = default;
-    constexpr Rational(qint64 whole) // NOLINT(google-explicit-constructor): a whole number is a rational
-        : m_numerator(whole)
-    {
-    }
-    Rational(qint64 numerator, qint64 denominator); ///< `denominator` is not 0.
+    Rational() = default;
+    Rational(qint64 numerator, qint64 denominator = 1); ///< `denominator` is not 0. A whole number is a rational.
 
-    /// Reads a time of FCPXML: "1001/30000s", "3600s", "23.4s", each with an optional sign. Absent when it is none, or when
-    /// it does not fit.
+    /// Reads a time of FCPXML: "1001/30000s", "3600s", "23.4s", each with an optional sign. Absent when it is none, or
+    /// when it does not fit.
     static std::optional<Rational> parseTime(QByteArrayView text);
 
     qint64 numerator() const { return m_numerator; }

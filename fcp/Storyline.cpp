@@ -46,8 +46,8 @@ qint64 Storyline::Clip::localFrame(qint64 timelineFrame) const
 Storyline::Storyline(const xmlNode *spine, const Rational &projectStart, const FrameRate &rate)
 {
     for (xmlNode *const element : Xml::Children(spine)) {
-        if (Xml::isElement(element, "transition") || !Xml::attribute(element, "offset")
-            || !Xml::attribute(element, "duration"))
+        if (Xml::isElement(element, "transition") || !Xml::attribute(element, "offset") ||
+            !Xml::attribute(element, "duration"))
             continue;
         try {
             m_clips.push_back(readClip(element, projectStart, rate));
@@ -57,13 +57,17 @@ Storyline::Storyline(const xmlNode *spine, const Rational &projectStart, const F
     }
     if (m_clips.empty())
         throw ConversionError(u"项目主时间线没有可连接的片段。"_s);
-    const auto overlaps = [](const Clip &a, const Clip &b) { return b.firstFrame < a.endFrame || a.endFrame < a.firstFrame; };
+    const auto overlaps = [](const Clip &a, const Clip &b) {
+        return b.firstFrame < a.endFrame || a.endFrame < a.firstFrame;
+    };
     m_ordered = std::adjacent_find(m_clips.begin(), m_clips.end(), overlaps) == m_clips.end();
 }
 
 const Storyline::Clip *Storyline::clipAt(qint64 timelineFrame) const
 {
-    const auto holds = [&](const Clip &clip) { return clip.firstFrame <= timelineFrame && timelineFrame < clip.endFrame; };
+    const auto holds = [&](const Clip &clip) {
+        return clip.firstFrame <= timelineFrame && timelineFrame < clip.endFrame;
+    };
     auto clip = m_clips.begin();
     if (m_ordered) {
         clip = std::upper_bound(clip, m_clips.end(), timelineFrame,

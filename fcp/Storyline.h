@@ -30,8 +30,8 @@ public:
     };
 
     /// Reads the clips of `spine`. `projectStart` is the time of the timeline's frame 0 in seconds.
-    /// @throws ConversionError "项目 XML 缺少必要结构。" when a time cannot be read, "项目主时间线没有可连接的片段。" when there is
-    /// no clip.
+    /// @throws ConversionError "项目 XML 缺少必要结构。" when a time cannot be read, "项目主时间线没有可连接的片段。"
+    /// when there is no clip.
     Storyline(const xmlNode *spine, const Rational &projectStart, const FrameRate &rate);
 
     /// The clip in which `timelineFrame` starts, the later one at a cut. Null when there is none.

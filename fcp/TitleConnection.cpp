@@ -15,10 +15,20 @@ namespace {
 /// What the published element order puts after connected items, in any kind of storyline clip.
 bool followsConnectedItems(const xmlNode *element)
 {
-    static constexpr std::array<QByteArrayView, 14> names{
-        "marker",          "chapter-marker",       "rating",            "keyword",      "analysis-marker",
-        "hidden-clip-marker", "audio-channel-source", "audio-role-source", "sync-source",  "filter-video",
-        "filter-video-mask", "filter-audio",       "metadata",          "reserved"};
+    static constexpr std::array<QByteArrayView, 14> names{"marker",
+                                                          "chapter-marker",
+                                                          "rating",
+                                                          "keyword",
+                                                          "analysis-marker",
+                                                          "hidden-clip-marker",
+                                                          "audio-channel-source",
+                                                          "audio-role-source",
+                                                          "sync-source",
+                                                          "filter-video",
+                                                          "filter-video-mask",
+                                                          "filter-audio",
+                                                          "metadata",
+                                                          "reserved"};
     return std::find(names.begin(), names.end(), Xml::elementName(element)) != names.end();
 }
 

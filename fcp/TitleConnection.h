@@ -15,12 +15,13 @@ struct Target
     Rational projectStart; ///< Seconds; the timeline time of frame 0.
     Identifiers &ids;      ///< Of `tree`.
     QByteArray effectID;
-    int indentation;       ///< As in TitleDocument.
+    int indentation; ///< As in TitleDocument.
 };
 
-/// Every title goes to the clip in which it starts, on a lane above all lanes of the document. `titles` look into `cues`.
-/// @throws ConversionError when there is no clip, or naming the first cue that finds none, or "字幕连接位置位于变速主片段。请先将
-/// 项目制作为复合片段，再导出 XML。"
+/// Every title goes to the clip in which it starts, on a lane above all lanes of the document. `titles` look into
+/// `cues`.
+/// @throws ConversionError when there is no clip, or naming the first cue that finds none, or
+/// "字幕连接位置位于变速主片段。请先将 项目制作为复合片段，再导出 XML。"
 TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles, const QList<Subtitle> &cues,
                       const Options &options);
 

@@ -42,15 +42,16 @@ struct TitlePattern
 
 QByteArray textStyle(const Options &options)
 {
-    QByteArray style = "<text-style font=\"" + attributeText(options.font) + "\" fontFace=\""
-        + attributeText(options.fontFace.value_or(u"Regular"_s)) + "\" fontSize=\"" + decimal(options.fontSize)
-        + "\" fontColor=\"" + attributeText(options.fontColor) + "\" alignment=\"center\"";
+    QByteArray style = "<text-style font=\"" + attributeText(options.font) + "\" fontFace=\"" +
+                       attributeText(options.fontFace.value_or(u"Regular"_s)) + "\" fontSize=\"" +
+                       decimal(options.fontSize) + "\" fontColor=\"" + attributeText(options.fontColor) +
+                       "\" alignment=\"center\"";
     if (options.strokeEnabled)
-        style += " strokeColor=\"" + attributeText(options.strokeColor) + "\" strokeWidth=\""
-            + decimal(options.strokeWidth) + '"';
+        style += " strokeColor=\"" + attributeText(options.strokeColor) + "\" strokeWidth=\"" +
+                 decimal(options.strokeWidth) + '"';
     if (options.shadowEnabled)
-        style += " shadowColor=\"" + attributeText(options.shadowColor)
-            + "\" shadowOffset=\"2 -2\" shadowBlurRadius=\"" + decimal(options.shadowBlur) + '"';
+        style += " shadowColor=\"" + attributeText(options.shadowColor) +
+                 "\" shadowOffset=\"2 -2\" shadowBlurRadius=\"" + decimal(options.shadowBlur) + '"';
     return style + "/>";
 }
 
@@ -67,15 +68,16 @@ TitlePattern makePattern(const TitleDocument::Content &content)
         .lastIndent = lineBreak(-1),
         .toOffset = "\" ref=\"" + content.effectID + "\" lane=\"" + QByteArray::number(content.lane) + "\" offset=\"",
         .endOfTime = '/' + QByteArray::number(options.rate.numerator) + 's',
-        .toStyleReference = "\" role=\"" + attributeText(options.titleRole.value_or(u"titles.字幕"_s)) + "\">" + inner
-            + "<param name=\"Position\" key=\"9999/999166631/999166633/1/100/101\" value=\"0 0\"/>" + inner
-            + "<param name=\"Alignment\" key=\"9999/999166631/999166633/2/354/999169573/401\" value=\"1 (Center)\"/>"
-            + inner + "<text><text-style ref=\"substyle",
+        .toStyleReference =
+            "\" role=\"" + attributeText(options.titleRole.value_or(u"titles.字幕"_s)) + "\">" + inner +
+            "<param name=\"Position\" key=\"9999/999166631/999166633/1/100/101\" value=\"0 0\"/>" + inner +
+            "<param name=\"Alignment\" key=\"9999/999166631/999166633/2/354/999169573/401\" value=\"1 (Center)\"/>" +
+            inner + "<text><text-style ref=\"substyle",
         // Nothing may be added inside the text-style of a text: every byte of it is shown.
         .toStyleDefinition = "</text-style></text>" + inner + "<text-style-def id=\"substyle",
-        .toEnd = "\">" + lineBreak(2) + textStyle(options) + inner + "</text-style-def>" + inner
-            + "<adjust-transform position=\"0 " + decimal(options.bottomPercent - 50) + "\"/>" + lineBreak(0)
-            + "</title>",
+        .toEnd = "\">" + lineBreak(2) + textStyle(options) + inner + "</text-style-def>" + inner +
+                 "<adjust-transform position=\"0 " + decimal(options.bottomPercent - 50) + "\"/>" + lineBreak(0) +
+                 "</title>",
     };
 }
 
@@ -86,8 +88,7 @@ public:
         : XmlWriter(out)
         , m_content(content)
         , m_pattern(makePattern(content))
-    {
-    }
+    {}
 
 protected:
     bool hasInsertion(const xmlNode *element) const override { return element->_private != nullptr; }

@@ -28,19 +28,19 @@ struct TitleRun
 
 /// A complete FCPXML document: a small tree, and titles that are written into it on the way out.
 ///
-/// The tree never holds the titles, which are ninety-nine hundredths of the document; that makes writing ten times as fast
-/// and keeps memory at the size of the cues.
+/// The tree never holds the titles, which are ninety-nine hundredths of the document; that makes writing ten times as
+/// fast and keeps memory at the size of the cues.
 class TitleDocument
 {
 public:
     struct Content
     {
-        XmlDocument tree;      ///< All but the titles.
-        QList<Subtitle> cues;  ///< Keeps alive what the titles' texts look into.
-        Options options;       ///< What the titles look like. Checked.
-        QByteArray effectID;   ///< Of the title effect in the tree's resources.
-        quint64 lane;          ///< Of all titles.
-        int indentation;       ///< Blanks before a title; negative when nothing may stand between the titles.
+        XmlDocument tree;     ///< All but the titles.
+        QList<Subtitle> cues; ///< Keeps alive what the titles' texts look into.
+        Options options;      ///< What the titles look like. Checked.
+        QByteArray effectID;  ///< Of the title effect in the tree's resources.
+        quint64 lane;         ///< Of all titles.
+        int indentation;      ///< Blanks before a title; negative when nothing may stand between the titles.
         std::vector<ConnectedTitle> titles;
         std::vector<TitleRun> runs; ///< In any order, a clip once.
     };

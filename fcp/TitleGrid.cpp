@@ -38,9 +38,10 @@ bool areWritable(const Options &options)
 
 void checkOptions(const Options &options)
 {
-    const bool valid = std::isfinite(options.fontSize) && options.fontSize > 0 && isBetween(options.strokeWidth, 0, 20)
-        && isBetween(options.shadowBlur, 0, 30) && isBetween(options.bottomPercent, 0, 40) && options.width >= 1
-        && options.height >= 1 && isUsable(options.rate) && areWritable(options);
+    const bool valid = std::isfinite(options.fontSize) && options.fontSize > 0 &&
+                       isBetween(options.strokeWidth, 0, 20) && isBetween(options.shadowBlur, 0, 30) &&
+                       isBetween(options.bottomPercent, 0, 40) && options.width >= 1 && options.height >= 1 &&
+                       isUsable(options.rate) && areWritable(options);
     if (!valid)
         throw ConversionError(u"画面或字体设置无效。"_s);
 }
@@ -55,8 +56,8 @@ Title placeCue(const Subtitle &cue, const Options &options)
         throw ConversionError::aboutCue(cue.id, u" 条字幕含无效控制字符。");
     qint64 start = 0;
     qint64 end = 0;
-    if (__builtin_add_overflow(cue.start, options.shiftMS, &start)
-        || __builtin_add_overflow(cue.end, options.shiftMS, &end))
+    if (__builtin_add_overflow(cue.start, options.shiftMS, &start) ||
+        __builtin_add_overflow(cue.end, options.shiftMS, &end))
         throw invalid();
     const auto startFrame = options.rate.frame(start);
     const auto endFrame = options.rate.frame(end);
@@ -88,8 +89,10 @@ std::vector<Title> place(const QList<Subtitle> &cues, const Options &options)
 
 bool isWritable(qint64 frames, const FrameRate &rate)
 {
+    constexpr qint64 headroom = 1'000'000;
+    constexpr qint64 largest = std::numeric_limits<qint64>::max() / headroom;
     qint64 ticks = 0;
-    return !__builtin_mul_overflow(frames, rate.denominator, &ticks);
+    return !__builtin_mul_overflow(frames, rate.denominator, &ticks) && ticks <= largest && ticks >= -largest;
 }
 
 } // namespace TitleGrid

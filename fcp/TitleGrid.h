@@ -16,12 +16,13 @@ struct Title
     qint64 endFrame;   ///< Above startFrame: a title lasts a frame at least.
 };
 
-/// The titles of `cues`, sorted by start frame; cues that start on the same frame keep their order. Every frame number can be
-/// written as a time of the rate. `cues` must outlive the result.
+/// The titles of `cues`, sorted by start frame; cues that start on the same frame keep their order. Every frame number
+/// can be written as a time of the rate. `cues` must outlive the result.
 /// @throws ConversionError "请先打开 SRT。", "画面或字体设置无效。", or about the first cue that cannot be written.
 std::vector<Title> place(const QList<Subtitle> &cues, const Options &options);
 
-/// Whether `frames` can be written as a time of `rate`.
+/// Whether `frames` can be written as a time of `rate` and still be reckoned with to the microsecond. That is ten years
+/// at the least.
 bool isWritable(qint64 frames, const FrameRate &rate);
 
 } // namespace TitleGrid

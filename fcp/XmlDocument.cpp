@@ -37,9 +37,9 @@ bool mentionsEntity(QByteArrayView bytes)
     if (bytes.contains(declaration))
         return true;
     // Only texts that are not one byte a character hold zeros.
-    return bytes.contains('\0')
-        && (bytes.contains(widened(declaration, 2, 0)) || bytes.contains(widened(declaration, 2, 1))
-            || bytes.contains(widened(declaration, 4, 0)) || bytes.contains(widened(declaration, 4, 3)));
+    return bytes.contains('\0') &&
+           (bytes.contains(widened(declaration, 2, 0)) || bytes.contains(widened(declaration, 2, 1)) ||
+            bytes.contains(widened(declaration, 4, 0)) || bytes.contains(widened(declaration, 4, 3)));
 }
 
 void refuseEntity(void *context, const xmlChar * /*name*/, int /*type*/, const xmlChar * /*publicId*/,
@@ -49,6 +49,21 @@ void refuseEntity(void *context, const xmlChar * /*name*/, int /*type*/, const x
     *static_cast<bool *>(parser->_private) = true;
     xmlStopParser(parser);
 }
+
+/// Errors of character decoders go to standard error, past the parser's own handling, unless somebody else takes them.
+class SilentErrors
+{
+public:
+    SilentErrors() { xmlSetStructuredErrorFunc(nullptr, ignore); }
+    ~SilentErrors() { xmlSetStructuredErrorFunc(m_context, m_handler); }
+    Q_DISABLE_COPY_MOVE(SilentErrors)
+
+private:
+    static void ignore(void * /*context*/, xmlError * /*error*/) {}
+
+    void *m_context = xmlStructuredErrorContext;
+    xmlStructuredErrorFunc m_handler = xmlStructuredError;
+};
 
 QString parserMessage(xmlParserCtxt *parser)
 {
@@ -69,6 +84,7 @@ XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal)
     const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> parser(xmlNewParserCtxt(), xmlFreeParserCtxt);
     if (!parser)
         throw std::bad_alloc();
+    const SilentErrors silent;
     // The text search above knows the encodings of one, two and four bytes; the parser knows them all.
     bool declaresEntity = false;
     parser->_private = &declaresEntity;

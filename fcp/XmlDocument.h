@@ -12,9 +12,10 @@
 class XmlDocument
 {
 public:
-    /// Parses a whole document in any encoding that libxml2 knows. Nothing outside the bytes is ever loaded, and no entity
-    /// is expanded: a document that declares one is refused.
-    /// @throws ConversionError `entityRefusal` when the bytes, read as text, contain "<!ENTITY", or an entity is declared.
+    /// Parses a whole document in any encoding that libxml2 knows. Nothing outside the bytes is ever loaded, and no
+    /// entity is expanded: a document that declares one is refused.
+    /// @throws ConversionError `entityRefusal` when the bytes, read as text, contain "<!ENTITY", or an entity is
+    /// declared.
     /// @throws PlatformError with the line and libxml2's words when the document is not well-formed.
     static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal);
 
@@ -29,14 +30,13 @@ private:
 
     explicit XmlDocument(xmlDoc *document)
         : m_document(document)
-    {
-    }
+    {}
 
     std::unique_ptr<xmlDoc, Free> m_document;
 };
 
-/// What our readers ask of libxml2's nodes. Names and values are UTF-8; names are those of elements and attributes outside any
-/// namespace, as FCPXML has them.
+/// What our readers ask of libxml2's nodes. Names and values are UTF-8; names are those of elements and attributes
+/// outside any namespace, as FCPXML has them.
 namespace Xml {
 
 bool isElement(const xmlNode *node, QByteArrayView name);
@@ -60,8 +60,7 @@ class Children
 public:
     explicit Children(const xmlNode *parent)
         : m_first(parent ? firstElement(parent->children) : nullptr)
-    {
-    }
+    {}
 
     struct Iterator
     {

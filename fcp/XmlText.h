@@ -7,16 +7,16 @@ class Utf8Writer;
 /// Text that goes into an XML document.
 namespace XmlText {
 
-/// Whether XML 1.0 can carry every character of `text`: no control characters but tab, line feed and carriage return, no
-/// U+FFFE, U+FFFF, no lone surrogate.
+/// Whether XML 1.0 can carry every character of `text`: no control characters but tab, line feed and carriage return,
+/// no U+FFFE, U+FFFF, no lone surrogate.
 bool isWritable(QStringView text);
 
 /// Writes `text` as element content: & < > and carriage returns as references, line feeds and tabs as they stand.
 void writeContent(QStringView text, Utf8Writer &out);
 void writeContent(QByteArrayView utf8, Utf8Writer &out);
 
-/// Writes `text` as the inside of a double-quoted attribute: quotes, tabs and line breaks as references too, which a reader
-/// would otherwise turn into blanks.
+/// Writes `text` as the inside of a double-quoted attribute: quotes, tabs and line breaks as references too, which a
+/// reader would otherwise turn into blanks.
 void writeAttribute(QStringView text, Utf8Writer &out);
 void writeAttribute(QByteArrayView utf8, Utf8Writer &out);
 

@@ -52,8 +52,9 @@ void XmlWriter::writeNode(const xmlNode *node)
         XmlText::writeContent(view(node->content), m_out);
         break;
     case XML_CDATA_SECTION_NODE:
+        // Neighbouring sections are one node in the tree, which may so hold what would end a section.
         m_out.bytes("<![CDATA[");
-        m_out.bytes(view(node->content));
+        m_out.bytes(view(node->content).toByteArray().replace("]]>", "]]]]><![CDATA[>"));
         m_out.bytes("]]>");
         break;
     case XML_COMMENT_NODE:

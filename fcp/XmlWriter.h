@@ -7,15 +7,14 @@ class Utf8Writer;
 /// Writes a parsed document as UTF-8, with nothing changed that canonical XML (with comments) would show: elements,
 /// attributes, comments, processing instructions, CDATA sections, white space and the order of all of them.
 ///
-/// A subclass may write content of its own that the tree does not hold, which is how ten thousand titles get into a document
-/// without a tree of a hundred thousand nodes.
+/// A subclass may write content of its own that the tree does not hold, which is how ten thousand titles get into a
+/// document without a tree of a hundred thousand nodes.
 class XmlWriter
 {
 public:
     explicit XmlWriter(Utf8Writer &out)
         : m_out(out)
-    {
-    }
+    {}
     virtual ~XmlWriter() = default;
     Q_DISABLE_COPY_MOVE(XmlWriter)
 

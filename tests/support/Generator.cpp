@@ -10,8 +10,8 @@ qint64 Generator::number(qint64 lowest, qint64 highest)
 
 QString Generator::speech(int fewest, int most)
 {
-    static constexpr QStringView characters =
-        u"的一是在不了有和人这中大为上个国我以要他时来用们生到作地于出就分对成会可主发年动同工也能下过子说产种面而方后多定行学法所民得经";
+    static constexpr QStringView characters = u"的一是在不了有和人这中大为上个国我以要他时来用们生到作地于出就分对成会"
+                                              u"可主发年动同工也能下过子说产种面而方后多定行学法所民得经";
     QString text;
     for (qint64 left = number(fewest, most); left > 0; --left)
         text += pick(characters);

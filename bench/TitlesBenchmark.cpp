@@ -1,0 +1,45 @@
+// Title documents in process. Measured on 2 cores (Release, g++ 12), median of 9 repetitions, cues from Corpus::cues.
+//
+//   MEASURED_TITLES
+
+#include "bench/Corpus.h"
+#include "core/Utf8Writer.h"
+#include "fcp/FCPXML.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+void writeTo(benchmark::State &state, const TitleDocument &document)
+{
+    qsizetype size = 0;
+    Utf8Writer out([&](QByteArrayView block) { size += block.size(); });
+    document.write(out);
+    state.counters["MB"] = double(size) / 1e6;
+}
+
+void standalone(benchmark::State &state)
+{
+    const QList<Subtitle> cues = Corpus::cues(state.range(0));
+    for (auto _ : state)
+        writeTo(state, FCPXML::convert(cues, std::nullopt, {}));
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+/// Everything from the project's bytes to the document's, for a project of 2,000 clips.
+void intoProject(benchmark::State &state)
+{
+    const QList<Subtitle> cues = Corpus::cues(state.range(0));
+    const QByteArray base = Corpus::project(2'000, state.range(0));
+    for (auto _ : state) {
+        XmlDocument document = FCPXML::document(base, QStringLiteral("/"));
+        const Options options = FCPXML::settings({}, document);
+        writeTo(state, FCPXML::convert(cues, std::move(document), options));
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+} // namespace
+
+BENCHMARK(standalone)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(intoProject)->Arg(10'000)->Unit(benchmark::kMillisecond);

@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# Brings in what is missing to build Lintora, and says so. Does nothing, quickly, when all is there.
+#
+#   scripts/setup.sh build|test|ci|bench|fuzz …
+set -euo pipefail
+
+debian_packages() {
+    case $1 in
+    build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libcli11-dev ;;
+    test) echo libgtest-dev libgmock-dev ;;
+    ci) echo git clang-format clang-tidy ccache ;;
+    bench) echo libbenchmark-dev ;;
+    fuzz) echo clang libclang-rt-14-dev ;;
+    *) echo "setup: 不认识的用途：$1" >&2 && return 2 ;;
+    esac
+}
+
+brew_packages() {
+    case $1 in
+    build) echo cmake ninja pkg-config qt libxml2 cli11 ;;
+    test) echo googletest ;;
+    ci) echo clang-format llvm ccache ;;
+    bench) echo google-benchmark ;;
+    fuzz) echo llvm ;;
+    *) echo "setup: 不认识的用途：$1" >&2 && return 2 ;;
+    esac
+}
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+wanted=()
+for purpose in "$@"; do
+    if command -v apt-get >/dev/null; then
+        packages=$(debian_packages "$purpose")
+    elif command -v brew >/dev/null; then
+        packages=$(brew_packages "$purpose")
+    else
+        echo "setup: 需要 apt（Debian/Ubuntu）或 Homebrew（macOS）" >&2
+        exit 1
+    fi
+    read -ra words <<<"$packages"
+    wanted+=("${words[@]}")
+done
+
+missing=()
+if command -v apt-get >/dev/null; then
+    installed=$(dpkg-query -W -f '${binary:Package} ${db:Status-Status}\n' | sed -n 's/:[a-z0-9]* installed$//p; s/ installed$//p')
+    for package in "${wanted[@]}"; do
+        grep -qxF -- "$package" <<<"$installed" || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || exit 0
+    echo "安装缺少的软件包：${missing[*]}"
+    as_root apt-get -o DPkg::Lock::Timeout=550 -q update
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=550 -qq install --yes --no-install-recommends "${missing[@]}"
+else
+    for package in "${wanted[@]}"; do
+        brew list --versions "$package" >/dev/null 2>&1 || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || exit 0
+    echo "安装缺少的软件包：${missing[*]}"
+    brew install "${missing[@]}"
+fi
