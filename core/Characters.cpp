@@ -66,11 +66,6 @@ bool isBlank(char32_t scalar)
     return scalar == U'\t' || QChar::category(scalar) == QChar::Separator_Space;
 }
 
-bool isNewline(char32_t scalar)
-{
-    return (scalar >= 0x0A && scalar <= 0x0D) || scalar == 0x85 || scalar == 0x2028 || scalar == 0x2029;
-}
-
 bool isLetter(char32_t scalar)
 {
     return isIn(letters | marks, scalar);
@@ -84,11 +79,6 @@ bool isLetterOrDigit(char32_t scalar)
 bool isAlphanumeric(char32_t scalar)
 {
     return isIn(letters | marks | numbers, scalar);
-}
-
-bool isPunctuation(char32_t scalar)
-{
-    return QChar::isPunct(scalar);
 }
 
 QChar::Script script(char32_t scalar)

@@ -10,17 +10,35 @@ class QTextBoundaryFinder;
 /// What the text tools mean by a character, a letter, a mark or a blank: Unicode's own sets, in one place.
 ///
 /// A "scalar" is a Unicode code point; a lone surrogate counts as one that belongs to no set. A "character" is what the
-/// reader sees as one, a grapheme cluster: 👨‍👩‍👧, é in two scalars, a Hangul syllable in jamo and CR LF are
-/// one each.
+/// reader sees as one, a grapheme cluster: 👨‍👩‍👧, é in two scalars, a Hangul syllable in jamo and CR LF
+/// are one each.
 namespace Characters {
 
-bool isSpace(char32_t scalar);   ///< White_Space: blanks, U+00A0, U+3000, and all that ends a line.
-bool isBlank(char32_t scalar);   ///< White space within a line: a tab, or general category Zs.
-bool isNewline(char32_t scalar); ///< U+000A to U+000D, U+0085, U+2028, U+2029.
-bool isLetter(char32_t scalar);  ///< General categories L and M. Ideographs are letters; 〇, ① and ㋐ are none.
+bool isSpace(char32_t scalar); ///< White_Space: blanks, U+00A0, U+3000, and all that ends a line.
+bool isBlank(char32_t scalar); ///< White space within a line: a tab, or general category Zs.
+
+/// U+000A to U+000D, U+0085, U+2028, U+2029.
+constexpr bool isNewline(char32_t scalar)
+{
+    return (scalar >= 0x0A && scalar <= 0x0D) || scalar == 0x85 || scalar == 0x2028 || scalar == 0x2029;
+}
+
+/// An ideograph of the block that most Chinese text is written in. Asked first, it spares the look-up of a category.
+constexpr bool isCommonIdeograph(char32_t scalar)
+{
+    return scalar >= 0x4E00 && scalar <= 0x9FA5;
+}
+
+bool isLetter(char32_t scalar); ///< General categories L and M. Ideographs are letters; 〇, ① and ㋐ are none.
 bool isLetterOrDigit(char32_t scalar); ///< General categories L and N.
 bool isAlphanumeric(char32_t scalar);  ///< General categories L, M and N.
-bool isPunctuation(char32_t scalar);   ///< General category P: 、《》…— too, but neither ~ nor $.
+
+/// General category P: 、《》…— too, but neither ~ nor $.
+inline bool isPunctuation(char32_t scalar)
+{
+    return !isCommonIdeograph(scalar) && QChar::isPunct(scalar);
+}
+
 QChar::Script script(char32_t scalar); ///< The Script property. ー and marks belong to no single script.
 
 QStringView trimmedBlanks(QStringView text); ///< `text` without blanks at both ends.

@@ -84,7 +84,6 @@ QString FillerWords::removedFrom(const QString &text) const
     return std::move(rest).trimmed();
 }
 
-/// A quick look that most cues do not pass.
 bool FillerWords::mayHoldWords(QStringView text) const
 {
     // The words of the whole-cue rules are in no list but together with a word that begins with the same character.
@@ -174,6 +173,7 @@ void FillerWords::removeEverywhere(QString &text) const
 {
     const QStringView before = text;
     QString after;
+    after.reserve(before.size());
     qsizetype copied = 0;
     for (qsizetype at = 0; at < before.size();) {
         const qsizetype word = firstWordAt(before, at, [](qsizetype) { return true; });

@@ -14,15 +14,15 @@ class FillerWords
 public:
     explicit FillerWords(const QStringList &words);
 
-    bool isEmpty() const { return m_words.empty(); }
-
     /// `text` without filler words, trimmed. Nothing at all when the cue is but laughter (with 哈哈 among the words) or
     /// the exclamation 哎呦我去 (with 哎呦 or 哎哟). A filler word that makes up a clause takes its clause mark along.
     /// Without words the text stays as it stands, untrimmed.
     QString removedFrom(const QString &text) const;
 
-private:
+    /// A quick look that spares most texts the rest: if false, removedFrom does nothing but trim.
     bool mayHoldWords(QStringView text) const;
+
+private:
     bool isWholeExclamation(QStringView text) const;
     bool removeClauses(QString &text) const;
     void removeEverywhere(QString &text) const;

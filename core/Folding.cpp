@@ -44,6 +44,8 @@ QString withoutAccents(const QString &decomposed)
 
 QString folded(QStringView character)
 {
+    if (character.size() == 1 && Characters::isCommonIdeograph(character.front().unicode()))
+        return character.toString();
     const QString decomposed = ofUsualWidth(character).normalized(QString::NormalizationForm_D);
     return withoutAccents(decomposed).toCaseFolded().normalized(QString::NormalizationForm_C);
 }

@@ -3,7 +3,10 @@
 #include "core/Characters.h"
 #include "core/ConversionError.h"
 
+#include <QVarLengthArray>
+
 #include <algorithm>
+#include <span>
 
 using namespace Qt::StringLiterals;
 
@@ -47,12 +50,25 @@ public:
         return -1;
     }
 
-    qsizetype size() const { return m_rest.size() + 1; }
-
 private:
     QStringView m_rest;
     QChar m_first;
 };
+
+/// `text` with `length` units at each of `hits` replaced.
+QString replaced(QStringView text, std::span<const qsizetype> hits, qsizetype length, QStringView replacement)
+{
+    QString result(text.size() + qsizetype(hits.size()) * (replacement.size() - length), Qt::Uninitialized);
+    QChar *out = result.data();
+    qsizetype copied = 0;
+    for (const qsizetype hit : hits) {
+        out = std::copy(text.begin() + copied, text.begin() + hit, out);
+        out = std::copy(replacement.begin(), replacement.end(), out);
+        copied = hit + length;
+    }
+    std::copy(text.begin() + copied, text.end(), out);
+    return result;
+}
 
 } // namespace
 
@@ -62,22 +78,17 @@ QList<KeywordMatch> matches(const QList<Subtitle> &items, const QString &query, 
     if (query.isEmpty() || !isWithinLimits(query, replacement))
         return found;
     const Finder finder(query);
+    QVarLengthArray<qsizetype, 64> hits;
     for (qsizetype i = 0; i < items.size(); ++i) {
         const QString &text = items[i].text;
-        qsizetype at = finder.find(text, 0);
-        if (at < 0)
-            continue;
-        KeywordMatch match{.id = i, .cue = items[i], .after = {}, .occurrences = 0};
-        match.after.reserve(text.size() + std::max<qsizetype>(replacement.size() - query.size(), 0));
-        qsizetype copied = 0;
-        for (; at >= 0; at = finder.find(text, copied)) {
-            match.after += QStringView(text).sliced(copied, at - copied);
-            match.after += replacement;
-            copied = at + finder.size();
-            ++match.occurrences;
-        }
-        match.after += QStringView(text).sliced(copied);
-        found.append(std::move(match));
+        hits.clear();
+        for (qsizetype at = finder.find(text, 0); at >= 0; at = finder.find(text, at + query.size()))
+            hits.append(at);
+        if (!hits.isEmpty())
+            found.append({.id = i,
+                          .cue = items[i],
+                          .after = replaced(text, hits, query.size(), replacement),
+                          .occurrences = hits.size()});
     }
     return found;
 }

@@ -23,6 +23,11 @@ struct Line
     bool hasLetters = false;
 };
 
+bool isAsciiLetter(char32_t scalar)
+{
+    return (scalar >= U'a' && scalar <= U'z') || (scalar >= U'A' && scalar <= U'Z');
+}
+
 bool isForeign(QChar::Script script)
 {
     switch (script) {
@@ -45,15 +50,21 @@ Line classified(QStringView text)
     bool isHan = false;
     bool isLatin = false;
     for (const char32_t scalar : Characters::Scalars(text)) {
-        if (!Characters::isLetter(scalar))
-            continue;
-        line.hasLetters = true;
-        const QChar::Script script = Characters::script(scalar);
-        if (isForeign(script))
-            return line;
-        isHan = isHan || script == QChar::Script_Han;
-        isLatin = isLatin || script == QChar::Script_Latin;
+        // The two that nearly all text is made of need no look-up.
+        if (Characters::isCommonIdeograph(scalar)) {
+            isHan = true;
+        } else if (scalar < 0x80) {
+            isLatin = isLatin || isAsciiLetter(scalar);
+        } else if (Characters::isLetter(scalar)) {
+            line.hasLetters = true;
+            const QChar::Script script = Characters::script(scalar);
+            if (isForeign(script))
+                return line;
+            isHan = isHan || script == QChar::Script_Han;
+            isLatin = isLatin || script == QChar::Script_Latin;
+        }
     }
+    line.hasLetters = line.hasLetters || isHan || isLatin;
     if (isHan)
         line.group = Group::chinese;
     else if (isLatin)
@@ -104,10 +115,9 @@ public:
             if (line.group != group)
                 continue;
             if (text)
-                *text += u'\n';
+                text->append(u'\n').append(line.text);
             else
-                text.emplace();
-            *text += line.text;
+                text = line.text.toString();
         }
         return text;
     }

@@ -30,6 +30,12 @@ bool holdsLetterOrDigit(QStringView text)
     return std::any_of(scalars.begin(), scalars.end(), Characters::isLetterOrDigit);
 }
 
+bool holdsPunctuation(QStringView text)
+{
+    const Characters::Scalars scalars(text);
+    return std::any_of(scalars.begin(), scalars.end(), Characters::isPunctuation);
+}
+
 QString withoutPunctuation(QStringView text)
 {
     QString rest;
@@ -57,7 +63,7 @@ public:
         if (m_switches.removePunctuation)
             addClauses(cue);
         else
-            addPiece(cue.start, cue.end, cue.text);
+            addPiece(cue.start, cue.end, cue.text, cue);
     }
 
     QList<Subtitle> take() { return std::move(m_cleaned); }
@@ -93,26 +99,28 @@ private:
         for (const Clause &clause : clauses) {
             before += clause.length;
             const qint64 end = timeAfter(before);
-            const bool isWhole = clauses.size() == 1;
-            addPiece(start, end, isWhole ? cue.text : text.sliced(clause.begin, clause.end - clause.begin).toString());
+            addPiece(start, end, text.sliced(clause.begin, clause.end - clause.begin), cue);
             start = end;
         }
     }
 
-    /// Adds the piece unless nothing of it is left. (Taking the text over by value spares a copy of what stays the
-    /// same.)
-    void addPiece(qint64 start, qint64 end, QString text)
+    /// Adds `piece` of `cue` unless nothing of it is left. Most pieces stay as they are and are copied only once, or
+    /// not at all when they are the whole cue.
+    void addPiece(qint64 start, qint64 end, QStringView piece, const Subtitle &cue)
     {
         if (start >= end)
             return;
-        if (m_switches.removeFillers)
-            text = m_fillers.removedFrom(text);
-        if (m_switches.removePunctuation)
-            text = withoutPunctuation(text);
-        text = std::move(text).trimmed();
-        if (!holdsLetterOrDigit(text))
+        QString changed;
+        if (m_switches.removeFillers && m_fillers.mayHoldWords(piece))
+            piece = changed = m_fillers.removedFrom(piece.toString());
+        if (m_switches.removePunctuation && holdsPunctuation(piece))
+            piece = changed = withoutPunctuation(piece);
+        piece = piece.trimmed();
+        if (!holdsLetterOrDigit(piece))
             return;
-        m_cleaned.append({.id = m_cleaned.size() + 1, .start = start, .end = end, .text = std::move(text)});
+        const bool isWholeCue = piece.data() == cue.text.constData() && piece.size() == cue.text.size();
+        m_cleaned.append(
+            {.id = m_cleaned.size() + 1, .start = start, .end = end, .text = isWholeCue ? cue.text : piece.toString()});
     }
 
     Switches m_switches;
