@@ -86,6 +86,13 @@ QChar::Script script(char32_t scalar)
     return QChar::script(scalar);
 }
 
+QStringView trimmed(QStringView text)
+{
+    const bool isTrimmed =
+        text.isEmpty() || (isCommonIdeograph(text.front().unicode()) && isCommonIdeograph(text.back().unicode()));
+    return isTrimmed ? text : text.trimmed();
+}
+
 QStringView trimmedBlanks(QStringView text)
 {
     // All blanks are single code units.

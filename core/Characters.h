@@ -41,6 +41,7 @@ inline bool isPunctuation(char32_t scalar)
 
 QChar::Script script(char32_t scalar); ///< The Script property. ー and marks belong to no single script.
 
+QStringView trimmed(QStringView text);       ///< `text` without white space at both ends.
 QStringView trimmedBlanks(QStringView text); ///< `text` without blanks at both ends.
 
 /// Whether `text` holds a scalar below U+0020 other than tab and line feed, which no XML document can carry.

@@ -69,19 +69,20 @@ FillerWords::FillerWords(const QStringList &words)
         m_firstWord[i] += m_firstWord[i - 1];
 }
 
-QString FillerWords::removedFrom(const QString &text) const
+QString FillerWords::removedFrom(QStringView text) const
 {
     if (m_words.empty() && !m_holdsEmptyWord)
-        return text;
-    QString rest = text;
-    if (mayHoldWords(text)) {
-        if (isWholeExclamation(QStringView(text).trimmed()))
-            return {};
-        while (removeClauses(rest))
-            continue;
-        removeEverywhere(rest);
+        return text.toString();
+    if (!mayHoldWords(text))
+        return text.trimmed().toString();
+    if (isWholeExclamation(text.trimmed()))
+        return {};
+    QString rest;
+    while (auto shorter = withoutClauses(text)) {
+        rest = *std::move(shorter);
+        text = rest;
     }
-    return std::move(rest).trimmed();
+    return withoutWords(text).trimmed();
 }
 
 bool FillerWords::mayHoldWords(QStringView text) const
@@ -121,13 +122,12 @@ qsizetype FillerWords::firstWordAt(QStringView text, qsizetype at, Accept &&acce
     return 0;
 }
 
-/// One round of the clause rule over the whole of `text`. False when nothing was found.
-bool FillerWords::removeClauses(QString &text) const
+/// One round of the clause rule over the whole of `text`. Absent when nothing was found.
+std::optional<QString> FillerWords::withoutClauses(QStringView text) const
 {
-    const QStringView before = text;
-    const qsizetype size = before.size();
-    if (std::none_of(before.begin(), before.end(), SubtitleCleanup::isClauseMark))
-        return false;
+    const qsizetype size = text.size();
+    if (std::none_of(text.begin(), text.end(), SubtitleCleanup::isClauseMark))
+        return std::nullopt;
 
     // Where a match that goes on at a place would end, behind its clause mark; -1 for nowhere. `afterBlanks` has no
     // words left to take, `afterWords` at least one, `afterAny` as many as there are. From back to front each place is
@@ -137,11 +137,11 @@ bool FillerWords::removeClauses(QString &text) const
     qsizetype afterBlanks = -1;
     afterWords[size] = afterAny[size] = -1;
     for (qsizetype at = size - 1; at >= 0; --at) {
-        if (SubtitleCleanup::isClauseMark(before[at]))
+        if (SubtitleCleanup::isClauseMark(text[at]))
             afterBlanks = at + 1;
-        else if (!isBlank(before[at]))
+        else if (!isBlank(text[at]))
             afterBlanks = -1;
-        const qsizetype word = firstWordAt(before, at, [&](qsizetype length) { return afterAny[at + length] >= 0; });
+        const qsizetype word = firstWordAt(text, at, [&](qsizetype length) { return afterAny[at + length] >= 0; });
         afterWords[at] = word > 0 ? afterAny[at + word] : m_holdsEmptyWord ? afterBlanks : -1;
         afterAny[at] = word > 0 ? afterAny[at + word] : afterBlanks;
     }
@@ -149,7 +149,7 @@ bool FillerWords::removeClauses(QString &text) const
     // White space in front is taken greedily, but given back where a word begins with it.
     const auto matchEnd = [&](qsizetype at) {
         qsizetype wordsAt = at;
-        while (wordsAt != size && before[wordsAt].isSpace())
+        while (wordsAt != size && text[wordsAt].isSpace())
             ++wordsAt;
         while (wordsAt > at && afterWords[wordsAt] < 0)
             --wordsAt;
@@ -159,30 +159,26 @@ bool FillerWords::removeClauses(QString &text) const
     after.reserve(size);
     qsizetype at = std::max<qsizetype>(matchEnd(0), 0);
     while (at != size) {
-        const bool isMark = SubtitleCleanup::isClauseMark(before[at]);
-        after += before[at];
+        const bool isMark = SubtitleCleanup::isClauseMark(text[at]);
+        after += text[at];
         const qsizetype end = isMark ? matchEnd(at + 1) : -1;
         at = end >= 0 ? end : at + 1;
     }
-    const bool found = after.size() != size;
-    text = std::move(after);
-    return found;
+    return after.size() != size ? std::optional(std::move(after)) : std::nullopt;
 }
 
-void FillerWords::removeEverywhere(QString &text) const
+QString FillerWords::withoutWords(QStringView text) const
 {
-    const QStringView before = text;
     QString after;
-    after.reserve(before.size());
+    after.reserve(text.size());
     qsizetype copied = 0;
-    for (qsizetype at = 0; at < before.size();) {
-        const qsizetype word = firstWordAt(before, at, [](qsizetype) { return true; });
+    for (qsizetype at = 0; at < text.size();) {
+        const qsizetype word = firstWordAt(text, at, [](qsizetype) { return true; });
         if (word > 0) {
-            after += before.sliced(copied, at - copied);
+            after += text.sliced(copied, at - copied);
             copied = at + word;
         }
         at += std::max<qsizetype>(word, 1);
     }
-    if (copied > 0)
-        text = after += before.sliced(copied);
+    return after += text.sliced(copied);
 }

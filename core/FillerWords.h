@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <array>
+#include <optional>
 #include <vector>
 
 /// A list of filler words, made ready for looking through many cues.
@@ -17,15 +18,15 @@ public:
     /// `text` without filler words, trimmed. Nothing at all when the cue is but laughter (with 哈哈 among the words) or
     /// the exclamation 哎呦我去 (with 哎呦 or 哎哟). A filler word that makes up a clause takes its clause mark along.
     /// Without words the text stays as it stands, untrimmed.
-    QString removedFrom(const QString &text) const;
+    QString removedFrom(QStringView text) const;
 
     /// A quick look that spares most texts the rest: if false, removedFrom does nothing but trim.
     bool mayHoldWords(QStringView text) const;
 
 private:
     bool isWholeExclamation(QStringView text) const;
-    bool removeClauses(QString &text) const;
-    void removeEverywhere(QString &text) const;
+    std::optional<QString> withoutClauses(QStringView text) const;
+    QString withoutWords(QStringView text) const;
 
     template <class Accept>
     qsizetype firstWordAt(QStringView text, qsizetype at, Accept &&accept) const;

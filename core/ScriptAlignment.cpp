@@ -44,7 +44,7 @@ public:
         return known;
     }
 
-    Key count() const { return static_cast<Key>(m_keys.size()) + 1; } ///< All keys are below.
+    Key count() const { return m_last + 1; } ///< All keys are below.
 
 private:
     static constexpr Key unknown = ~Key(0);
@@ -54,14 +54,17 @@ private:
         const Characters::Scalars scalars(character);
         if (std::none_of(scalars.begin(), scalars.end(), Characters::isAlphanumeric))
             return 0;
-        Key &key = m_keys[Folding::folded(character)];
+        const QString folded = Folding::folded(character);
+        Key &key = folded.size() == 1 ? m_ofFoldedUnit[folded.front().unicode()] : m_ofFolded[folded];
         if (key == 0)
-            key = static_cast<Key>(m_keys.size());
+            key = ++m_last;
         return key;
     }
 
     std::vector<Key> m_ofUnit = std::vector<Key>(0x10000, unknown);
-    QHash<QString, Key> m_keys;
+    std::vector<Key> m_ofFoldedUnit = std::vector<Key>(0x10000, 0);
+    QHash<QString, Key> m_ofFolded; ///< Of those that are longer.
+    Key m_last = 0;
 };
 
 /// The characters of a text that count. (As parallel lists: the search reads the keys alone.)

@@ -112,15 +112,25 @@ private:
             return;
         QString changed;
         if (m_switches.removeFillers && m_fillers.mayHoldWords(piece))
-            piece = changed = m_fillers.removedFrom(piece.toString());
+            piece = changed = m_fillers.removedFrom(piece);
         if (m_switches.removePunctuation && holdsPunctuation(piece))
             piece = changed = withoutPunctuation(piece);
-        piece = piece.trimmed();
+        piece = Characters::trimmed(piece);
         if (!holdsLetterOrDigit(piece))
             return;
-        const bool isWholeCue = piece.data() == cue.text.constData() && piece.size() == cue.text.size();
-        m_cleaned.append(
-            {.id = m_cleaned.size() + 1, .start = start, .end = end, .text = isWholeCue ? cue.text : piece.toString()});
+        m_cleaned.append({.id = m_cleaned.size() + 1, .start = start, .end = end, .text = {}});
+        QString &text = m_cleaned.back().text;
+        if (isAllOf(piece, cue.text))
+            text = cue.text;
+        else if (isAllOf(piece, changed))
+            text = std::move(changed);
+        else
+            text = piece.toString();
+    }
+
+    static bool isAllOf(QStringView piece, const QString &text)
+    {
+        return piece.data() == text.constData() && piece.size() == text.size();
     }
 
     Switches m_switches;
