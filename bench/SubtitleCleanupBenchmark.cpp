@@ -11,7 +11,7 @@
 //
 // The corpus is spokenCues: Chinese speech of one to four clauses, a filler word before every third clause, an
 // exclamation or laughter now and then. "chain" is the same work done by one regular expression after the other. The
-// hostile list has a hundred words of 60 characters that contain each other, on a cue of 4,000 characters that is
+// hostile list has a hundred words, nearly all of 60 characters, that begin alike, on a cue that is
 // nearly made of them.
 
 #include "core/SubtitleCleanup.h"

@@ -14,7 +14,7 @@ namespace LanguageSeparation {
 
 namespace {
 
-constexpr std::array groups = {Group::chinese, Group::english, Group::unassigned};
+constexpr std::array allGroups = {Group::chinese, Group::english, Group::unassigned};
 
 struct Line
 {
@@ -182,18 +182,18 @@ Group classify(QStringView line)
 
 QList<GroupedCues> split(const QList<Subtitle> &items)
 {
-    std::array<QList<Subtitle>, groups.size()> cues;
+    std::array<QList<Subtitle>, allGroups.size()> cues;
     for (const Subtitle &cue : items) {
         const Lines lines(cue.text);
-        for (size_t i = 0; i < groups.size(); ++i) {
-            if (auto text = lines.joined(groups[i]))
+        for (size_t i = 0; i < allGroups.size(); ++i) {
+            if (auto text = lines.joined(allGroups[i]))
                 cues[i].append({.id = cue.id, .start = cue.start, .end = cue.end, .text = *std::move(text)});
         }
     }
     QList<GroupedCues> result;
-    for (size_t i = 0; i < groups.size(); ++i) {
+    for (size_t i = 0; i < allGroups.size(); ++i) {
         if (!cues[i].isEmpty())
-            result.append({.group = groups[i], .items = std::move(cues[i])});
+            result.append({.group = allGroups[i], .items = std::move(cues[i])});
     }
     return result;
 }
