@@ -27,14 +27,11 @@ const std::vector<CommonSubsequence::Pair> &CommonSubsequence::find(std::span<co
     for (size_t i = 0; i < prefix; ++i)
         m_pairs.push_back({static_cast<qint32>(i), static_cast<qint32>(i)});
     // The shorter sequence goes across: the masks of its keys take room by the square of its length.
-    const auto rows = firstMiddle.first(firstMiddle.size() - suffix);
-    const auto columns = secondMiddle.first(secondMiddle.size() - suffix);
+    const auto firstRest = firstMiddle.first(firstMiddle.size() - suffix);
+    const auto secondRest = secondMiddle.first(secondMiddle.size() - suffix);
+    const bool turned = firstRest.size() < secondRest.size();
     const auto between = static_cast<std::ptrdiff_t>(m_pairs.size());
-    const bool turned = rows.size() < columns.size();
-    if (turned)
-        findBetween(columns, rows);
-    else
-        findBetween(rows, columns);
+    findBetween(turned ? secondRest : firstRest, turned ? firstRest : secondRest);
     std::reverse(m_pairs.begin() + between, m_pairs.end());
     std::for_each(m_pairs.begin() + between, m_pairs.end(), [&](Pair &pair) {
         if (turned)
