@@ -106,6 +106,15 @@ void titles(benchmark::State &state)
     measure(state, {LINTORA_CLI, "titles", corpusFile(state.range(0)), "-o", output("out.fcpxml")});
 }
 
+void titlesIntoProject(benchmark::State &state, Corpus::Clips clips)
+{
+    const QByteArray base = output("base.fcpxml");
+    QFile file(QFile::decodeName(base));
+    if (!file.open(QIODevice::WriteOnly) || file.write(Corpus::project(clips, state.range(0))) < 0 || !file.flush())
+        state.SkipWithError("the project cannot be written");
+    measure(state, {LINTORA_CLI, "titles", corpusFile(state.range(0)), "--base", base, "-o", output("out.fcpxml")});
+}
+
 void nothing(benchmark::State &state)
 {
     measure(state, {LINTORA_CLI, "--version"});
@@ -116,4 +125,12 @@ void nothing(benchmark::State &state)
 BENCHMARK(nothing)->Arg(0)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(ffmpegCopy)->RangeMultiplier(10)->Range(10'000, 1'000'000)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(srt)->RangeMultiplier(10)->Range(10'000, 1'000'000)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(titlesIntoProject, bareClips, Corpus::Clips::bare)
+    ->Arg(10'000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(titlesIntoProject, fullClips, Corpus::Clips::full)
+    ->Arg(10'000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(titles)->Arg(10'000)->Arg(100'000)->UseManualTime()->Unit(benchmark::kMillisecond);

@@ -27,10 +27,10 @@ void standalone(benchmark::State &state)
 }
 
 /// Everything from the project's bytes to the document's, for a project of 2,000 clips.
-void intoProject(benchmark::State &state)
+void intoProject(benchmark::State &state, Corpus::Clips clips)
 {
     const QList<Subtitle> cues = Corpus::cues(state.range(0));
-    const QByteArray base = Corpus::project(2'000, state.range(0));
+    const QByteArray base = Corpus::project(clips, state.range(0));
     for (auto _ : state) {
         XmlDocument document = FCPXML::document(base, QStringLiteral("/"));
         const Options options = FCPXML::settings({}, document);
@@ -42,4 +42,5 @@ void intoProject(benchmark::State &state)
 } // namespace
 
 BENCHMARK(standalone)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(intoProject)->Arg(10'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(intoProject, bareClips, Corpus::Clips::bare)->Arg(10'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(intoProject, fullClips, Corpus::Clips::full)->Arg(10'000)->Unit(benchmark::kMillisecond);

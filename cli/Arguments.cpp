@@ -5,6 +5,7 @@
 #include "core/FileReader.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QStringConverter>
 
 using namespace Qt::StringLiterals;
@@ -27,7 +28,11 @@ QString toPath(const std::string &argument)
 
 QByteArray readInput(const std::string &argument)
 {
-    return argument == "-" ? StandardStreams::readAll() : FileReader::readAll(toPath(argument));
+    if (argument == "-")
+        return StandardStreams::readAll();
+    const QFileInfo file(toPath(argument));
+    const bool isPipe = file.exists() && !file.isFile() && !file.isDir();
+    return isPipe ? StandardStreams::readPipe(file.filePath()) : FileReader::readAll(file.filePath());
 }
 
 QString readText(const std::string &argument)

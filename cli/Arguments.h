@@ -22,7 +22,7 @@ public:
 QString toText(const std::string &argument); ///< Text of the command line, which is UTF-8.
 QString toPath(const std::string &argument); ///< A file name of the command line.
 
-/// The bytes of an input: of the file, or of standard input for "-". @throws PlatformError, Cancelled
+/// The bytes of an input: of the file or pipe, or of standard input for "-". @throws PlatformError, Cancelled
 QByteArray readInput(const std::string &argument);
 
 /// The text of such an input: UTF-8, or what its byte order mark says. Line breaks become line feeds.

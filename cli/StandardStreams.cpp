@@ -3,6 +3,9 @@
 #include "cli/Interrupt.h"
 #include "core/PlatformError.h"
 
+#include <QFile>
+#include <QScopeGuard>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -41,29 +44,47 @@ qsizetype pieceSize(int descriptor)
     return isFile ? 1024 * 1024 : PIPE_BUF;
 }
 
-} // namespace
-
-void reserve()
-{
-    // Opened for reading, so that writing to a stream that was closed fails as it should.
-    while (open("/dev/null", O_RDONLY) <= STDERR_FILENO)
-        continue;
-}
-
-QByteArray readAll()
+QByteArray readAll(int descriptor)
 {
     QByteArray bytes;
     QByteArray piece(256 * 1024, Qt::Uninitialized);
     for (;;) {
-        waitFor(STDIN_FILENO, POLLIN);
-        const auto size = ::read(STDIN_FILENO, piece.data(), static_cast<size_t>(piece.size()));
-        if (size < 0 && errno != EINTR)
+        waitFor(descriptor, POLLIN);
+        const auto size = ::read(descriptor, piece.data(), static_cast<size_t>(piece.size()));
+        if (size < 0 && errno != EINTR && errno != EAGAIN)
             throwSystemError();
         if (size == 0)
             return bytes;
         if (size > 0)
             bytes.append(piece.constData(), size);
     }
+}
+
+} // namespace
+
+void reserve()
+{
+    // Opened for reading, so that writing to a stream that was closed fails as it should.
+    int descriptor = 0;
+    do
+        descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    close(descriptor);
+}
+
+QByteArray readAll()
+{
+    return readAll(STDIN_FILENO);
+}
+
+QByteArray readPipe(const QString &path)
+{
+    // Opened without waiting for the other end, so that the wait for it can be interrupted too.
+    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        throwSystemError();
+    const auto closing = qScopeGuard([&] { close(descriptor); });
+    return readAll(descriptor);
 }
 
 void write(QByteArrayView bytes)

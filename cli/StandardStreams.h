@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 /// Standard input, output and error, with waits that Ctrl-C ends and errors that are not lost.
 namespace StandardStreams {
@@ -11,6 +12,9 @@ void reserve();
 
 /// All of standard input. @throws PlatformError, Cancelled
 QByteArray readAll();
+
+/// All that a pipe or another device at `path` gives until its end. @throws PlatformError, Cancelled
+QByteArray readPipe(const QString &path);
 
 /// Writes all of `bytes` to standard output. @throws PlatformError, Cancelled
 void write(QByteArrayView bytes);

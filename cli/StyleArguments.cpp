@@ -49,7 +49,7 @@ bool isRecordColor(const QString &text)
 
 QString readColor(const std::string &argument)
 {
-    const QString text = Arguments::toText(argument);
+    QString text = Arguments::toText(argument);
     if (isHexColor(text))
         return colorFromHex(text);
     if (!isRecordColor(text))

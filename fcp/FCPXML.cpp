@@ -86,17 +86,10 @@ bool hasFrameDuration(const FrameRate &rate, const xmlNode *format)
     }
 }
 
-qint64 sizeAttribute(const xmlNode *format, QByteArrayView name, qint64 fallback)
-{
-    bool isNumber = false;
-    const qint64 value = Xml::attribute(format, name).value_or(QByteArray()).toLongLong(&isNumber);
-    return isNumber ? value : fallback;
-}
-
 /// Appends the title effect to the resources and returns its id.
-QByteArray addEffect(xmlNode *resources, Identifiers &ids)
+QByteArray addEffect(xmlNode *resources, const Identifiers &ids)
 {
-    const QByteArray id = "subeffect" + QByteArray::number(ids.next("subeffect"));
+    const QByteArray id = "subeffect" + QByteArray::number(ids.counter("subeffect").next());
     xmlNode *const effect = xmlNewChild(resources, nullptr, reinterpret_cast<const xmlChar *>("effect"), nullptr);
     if (!effect)
         throw std::bad_alloc();
@@ -123,7 +116,7 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
     // Final Cut Pro takes a project without these for a new one and leaves the old one alone.
     Xml::removeAttribute(project, "uid");
     Xml::removeAttribute(project, "modDate");
-    Identifiers ids(base);
+    const Identifiers ids(base);
     xmlNode *const resources = Xml::child(base.root(), "resources");
     const xmlNode *const sequence = Xml::child(project, "sequence");
     const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
@@ -142,7 +135,7 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
     return TitleConnection::connect({.tree = std::move(base),
                                      .spine = spine,
                                      .projectStart = *start,
-                                     .ids = ids,
+                                     .styles = ids.counter("substyle"),
                                      .effectID = effectID,
                                      .indentation = -1},
                                     titles, cues, options);
@@ -211,8 +204,8 @@ Options settings(Options options, const XmlDocument &document)
     if (rate == rates.end())
         throw ConversionError(u"项目帧率暂不支持。"_s);
     options.rate = *rate;
-    options.width = sizeAttribute(format, "width", 3840);
-    options.height = sizeAttribute(format, "height", 2160);
+    options.width = Xml::integerAttribute(format, "width").value_or(3840);
+    options.height = Xml::integerAttribute(format, "height").value_or(2160);
     options.fontSize = double(options.height) / 45;
     const auto name = Xml::attribute(project, "name");
     options.name = (name ? QString::fromUtf8(*name) : u"项目"_s) + u"_字幕版"_s;

@@ -1,5 +1,13 @@
 #include "fcp/Identifiers.h"
 
+qint64 Identifiers::Counter::next()
+{
+    do
+        ++m_last;
+    while (m_taken.contains(m_last));
+    return m_last;
+}
+
 Identifiers::Identifiers(const XmlDocument &document)
 {
     for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
@@ -8,11 +16,17 @@ Identifiers::Identifiers(const XmlDocument &document)
     }
 }
 
-qint64 Identifiers::next(const QByteArray &prefix)
+Identifiers::Counter Identifiers::counter(QByteArrayView prefix) const
 {
-    qint64 &number = m_last[prefix];
-    do
-        ++number;
-    while (m_used.contains(prefix + QByteArray::number(number)));
-    return number;
+    QSet<qint64> taken;
+    for (const QByteArray &id : m_used) {
+        if (!id.startsWith(prefix))
+            continue;
+        const QByteArray digits = id.sliced(prefix.size());
+        const qint64 number = digits.toLongLong();
+        // "007" and "+7" are other ids than 7.
+        if (QByteArray::number(number) == digits)
+            taken.insert(number);
+    }
+    return Counter(std::move(taken));
 }

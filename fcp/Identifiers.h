@@ -2,20 +2,32 @@
 
 #include "fcp/XmlDocument.h"
 
-#include <QHash>
 #include <QSet>
 
-/// Hands out "id" values that a document does not use yet: a prefix and a number counted from 1. They depend only on
-/// the ids that the document already has.
+/// The "id" values that a document uses, and counters that pass them by.
 class Identifiers
 {
 public:
+    /// Counts 1, 2, 3 … and leaves out the numbers with which the prefix is an id already.
+    class Counter
+    {
+    public:
+        explicit Counter(QSet<qint64> taken)
+            : m_taken(std::move(taken))
+        {}
+
+        qint64 next();
+
+    private:
+        QSet<qint64> m_taken;
+        qint64 m_last = 0;
+    };
+
     explicit Identifiers(const XmlDocument &document);
 
-    /// The number after `prefix` of the next free id, which is then taken.
-    qint64 next(const QByteArray &prefix);
+    /// A new counter for ids of `prefix` and a number. What it hands out depends only on the document.
+    Counter counter(QByteArrayView prefix) const;
 
 private:
     QSet<QByteArray> m_used;
-    QHash<QByteArray, qint64> m_last; ///< The number handed out last for a prefix.
 };

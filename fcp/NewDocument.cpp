@@ -75,11 +75,11 @@ TitleDocument build(QByteArrayView frame, int indentation, const QList<Subtitle>
                                           [](const auto &a, const auto &b) { return a.endFrame < b.endFrame; });
     XmlDocument tree = XmlDocument::parse(frame, {});
     const xmlNode *const spine = complete(tree, options, longest->endFrame);
-    Identifiers ids(tree);
+    const Identifiers ids(tree);
     return TitleConnection::connect({.tree = std::move(tree),
                                      .spine = spine,
                                      .projectStart = 0,
-                                     .ids = ids,
+                                     .styles = ids.counter("substyle"),
                                      .effectID = "subeffect1",
                                      .indentation = indentation},
                                     titles, cues, options);

@@ -40,6 +40,11 @@ Storyline::Clip readClip(xmlNode *element, const Rational &projectStart, const F
 
 qint64 Storyline::Clip::localFrame(qint64 timelineFrame) const
 {
+    // On the grid and at the timeline's own pace, as nearly always, frames are simply counted on.
+    qint64 sum = 0;
+    if (pace == Rational(1) && origin.denominator() == 1 &&
+        !__builtin_add_overflow(origin.numerator(), timelineFrame, &sum))
+        return sum;
     return (origin + Rational(timelineFrame) * pace).rounded();
 }
 

@@ -45,13 +45,8 @@ const xmlNode *insertionPoint(const xmlNode *clip)
 quint64 freeLane(const XmlDocument &document)
 {
     qint64 highest = 0;
-    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
-        bool isNumber = false;
-        const auto lane = Xml::attribute(element, "lane");
-        const qint64 value = lane ? lane->toLongLong(&isNumber) : 0;
-        if (isNumber)
-            highest = std::max(highest, value);
-    }
+    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root()))
+        highest = std::max(highest, Xml::integerAttribute(element, "lane").value_or(0));
     return static_cast<quint64>(highest) + 1;
 }
 
@@ -89,7 +84,7 @@ TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles
                         .title = {.text = title.text,
                                   .offsetFrame = connectionFrame(title, *clip, options.rate),
                                   .frames = title.endFrame - title.startFrame,
-                                  .styleNumber = target.ids.next("substyle")}});
+                                  .styleNumber = target.styles.next()}});
     }
     // Titles come by time, clips nearly always too; where clips overlap, those of one clip are brought together here.
     std::stable_sort(hung.begin(), hung.end(), [](const Hung &a, const Hung &b) { return a.clip < b.clip; });

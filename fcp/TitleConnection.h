@@ -11,9 +11,9 @@ namespace TitleConnection {
 struct Target
 {
     XmlDocument tree;
-    const xmlNode *spine;  ///< The primary storyline, inside `tree`.
-    Rational projectStart; ///< Seconds; the timeline time of frame 0.
-    Identifiers &ids;      ///< Of `tree`.
+    const xmlNode *spine;        ///< The primary storyline, inside `tree`.
+    Rational projectStart;       ///< Seconds; the timeline time of frame 0.
+    Identifiers::Counter styles; ///< Numbers of the titles' text styles.
     QByteArray effectID;
     int indentation; ///< As in TitleDocument.
 };

@@ -28,12 +28,14 @@ bool isUsable(const FrameRate &rate)
 
 bool areWritable(const Options &options)
 {
-    for (const QString &text : {options.name, options.font, options.fontColor, options.strokeColor, options.shadowColor,
-                                options.titleRole.value_or(QString()), options.fontFace.value_or(QString())}) {
-        if (!XmlText::isWritable(text))
-            return false;
-    }
-    return true;
+    const QString texts[] = {options.name,
+                             options.font,
+                             options.fontColor,
+                             options.strokeColor,
+                             options.shadowColor,
+                             options.titleRole.value_or(QString()),
+                             options.fontFace.value_or(QString())};
+    return std::all_of(std::begin(texts), std::end(texts), XmlText::isWritable);
 }
 
 void checkOptions(const Options &options)

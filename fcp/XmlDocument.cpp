@@ -6,6 +6,7 @@
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 
+#include <charconv>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -89,8 +90,9 @@ XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal)
     bool declaresEntity = false;
     parser->_private = &declaresEntity;
     parser->sax->entityDecl = refuseEntity;
-    XmlDocument document(xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
-                                           XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    XmlDocument document(
+        xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
+                          XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (declaresEntity)
         throw ConversionError(entityRefusal.toString());
     if (!document.get() || !parser->wellFormed || !document.root())
@@ -125,6 +127,19 @@ std::optional<QByteArray> attribute(const xmlNode *element, QByteArrayView name)
         return QByteArray(plainChars(whole.get()));
     }
     return std::nullopt;
+}
+
+std::optional<qint64> integerAttribute(const xmlNode *element, QByteArrayView name)
+{
+    const auto text = attribute(element, name);
+    if (!text)
+        return std::nullopt;
+    // from_chars takes neither blanks nor a plus, which the form allows once.
+    const QByteArrayView digits =
+        text->startsWith('+') && !text->startsWith("+-") ? QByteArrayView(*text).sliced(1) : *text;
+    qint64 value = 0;
+    const auto [stop, error] = std::from_chars(digits.begin(), digits.end(), value);
+    return error == std::errc() && stop == digits.end() ? std::optional(value) : std::nullopt;
 }
 
 void setAttribute(xmlNode *element, const char *name, const QByteArray &value)

@@ -45,6 +45,11 @@ bool isElement(const xmlNode *node, QByteArrayView name);
 QByteArrayView elementName(const xmlNode *node);
 
 std::optional<QByteArray> attribute(const xmlNode *element, QByteArrayView name);
+
+/// The attribute as a decimal integer: an optional sign and digits, within 64 bits. Absent when it is missing or
+/// anything else.
+std::optional<qint64> integerAttribute(const xmlNode *element, QByteArrayView name);
+
 void setAttribute(xmlNode *element, const char *name, const QByteArray &value);
 void removeAttribute(xmlNode *element, const char *name);
 
@@ -75,7 +80,7 @@ public:
     };
 
     Iterator begin() const { return {m_first}; }
-    Iterator end() const { return {nullptr}; }
+    static Iterator end() { return {nullptr}; }
 
 private:
     xmlNode *m_first;

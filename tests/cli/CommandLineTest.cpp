@@ -298,3 +298,14 @@ TEST_F(CommandLineTest, a_reader_that_stops_reading_does_not_hold_an_interrupt_u
     EXPECT_EQ(outcome.status, 130);
     EXPECT_EQ(outcome.error, "");
 }
+
+TEST_F(CommandLineTest, a_pipe_is_read_to_its_end_and_waiting_for_it_can_be_interrupted)
+{
+    const QString pipe = path(u"pipe"_s);
+    const auto read = CommandLine::shell(
+        u"mkfifo '%1'; (sleep 0.2; printf '00:00:01,000 --> 00:00:02,000\\n'; sleep 0.2; printf 'A\\n') > '%1' & "
+        u"exec \"$CLI\" srt '%1'"_s.arg(pipe));
+    expectOutcome(read, 0, goodSrt, {});
+    const auto interrupted = CommandLine::shell(u"timeout --preserve-status -s INT 1 \"$CLI\" srt '%1'"_s.arg(pipe));
+    expectOutcome(interrupted, 130, {}, {});
+}

@@ -263,7 +263,7 @@ TEST(ProjectTitles, lie_above_every_lane_and_under_ids_of_their_own)
     };
     EXPECT_EQ(laneWith("2 7 -3"), "8");
     EXPECT_EQ(laneWith("-1 -2"), "1");
-    EXPECT_EQ(laneWith("x 1.5 99999999999999999999 +3"), "4");
+    EXPECT_EQ(laneWith("x 1.5 99999999999999999999 +3 5x +-9 0x11"), "4");
     EXPECT_EQ(laneWith("9223372036854775807"), "9223372036854775808");
 
     Project taken;
