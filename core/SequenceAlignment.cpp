@@ -131,10 +131,10 @@ std::vector<Anchor> longestAscending(const std::vector<Anchor> &anchors)
     }
     std::vector<Anchor> chain(tops.size());
     size_t at = tops.empty() ? 0 : tops.back();
-    for (auto link = chain.rbegin(); link != chain.rend(); ++link) {
-        *link = anchors[at];
+    std::for_each(chain.rbegin(), chain.rend(), [&](Anchor &link) {
+        link = anchors[at];
         at = previous[at];
-    }
+    });
     return chain;
 }
 
