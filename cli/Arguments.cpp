@@ -1,12 +1,14 @@
 #include "cli/Arguments.h"
 
 #include "cli/StandardStreams.h"
+#include "core/ConversionError.h"
 #include "core/FileReader.h"
 #include "core/PlatformError.h"
 #include "fcp/FCPXML.h"
 
 #include <QDir>
 #include <QFile>
+#include <QStringConverter>
 
 #include <limits>
 
@@ -61,6 +63,18 @@ XmlDocument readProject(const std::string &argument)
     const auto bytes = argument == "-" ? StandardStreams::readUpTo(FCPXML::largestFile)
                                        : StandardStreams::readPipe(toPath(argument), FCPXML::largestFile);
     return FCPXML::document(bytes.value_or(QByteArray(FCPXML::largestFile + 1, ' ')), QDir::currentPath());
+}
+
+QString readText(const std::string &argument)
+{
+    const QByteArray bytes = readInput(argument);
+    const auto encoding = QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8);
+    QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
+    QString text = decoder(bytes);
+    if (decoder.hasError())
+        throw ConversionError(u"文本编码不支持。请先另存为 UTF-8 或 UTF-16。"_s);
+    text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
+    return text;
 }
 
 void Output::addPath(CLI::App &command)

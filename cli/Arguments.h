@@ -37,6 +37,9 @@ XmlDocument readProject(const std::string &argument);
 
 /// Refuses an empty value, which comes from a variable that was never set, as a wrong use.
 extern const CLI::Validator notEmpty;
+/// The text of such an input: UTF-8, or what its byte order mark says. Line breaks become line feeds.
+/// @throws ConversionError when it is not text; PlatformError, Cancelled
+QString readText(const std::string &argument);
 
 /// Where a result goes and how much is said about it.
 struct Output

@@ -10,7 +10,11 @@ namespace Commands {
 
 using Work = std::function<void()>;
 
+void addAlign(CLI::App &app, Work &run);
+void addClean(CLI::App &app, Work &run);
 void addPlan(CLI::App &app, Work &run);
+void addReplace(CLI::App &app, Work &run);
+void addSeparate(CLI::App &app, Work &run);
 void addSettings(CLI::App &app, Work &run);
 void addSrt(CLI::App &app, Work &run);
 void addTitles(CLI::App &app, Work &run);

@@ -1,0 +1,97 @@
+#include "cli/Commands.h"
+#include "cli/Interrupt.h"
+#include "cli/Result.h"
+#include "core/AtomicFile.h"
+#include "core/ConversionError.h"
+#include "core/LanguageSeparation.h"
+#include "core/PlatformError.h"
+#include "core/SRT.h"
+
+#include <QDir>
+
+#include <cerrno>
+#include <memory>
+#include <optional>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace Commands {
+
+namespace {
+
+using LanguageSeparation::GroupedCues;
+
+struct SeparateArguments
+{
+    std::string input;
+    std::optional<std::string> folder;
+    Arguments::Output output;
+};
+
+/// Writes one SRT file a group. No file is replaced before all are written.
+void writeFiles(const QDir &folder, const QList<GroupedCues> &groups)
+{
+    if (!folder.mkpath(u"."_s))
+        throw PlatformError(qt_error_string(errno));
+    std::vector<std::unique_ptr<AtomicFile>> files;
+    for (const auto &[group, items] : groups) {
+        AtomicFile &file = *files.emplace_back(
+            std::make_unique<AtomicFile>(folder.filePath(LanguageSeparation::label(group) + u".srt"_s)));
+        Utf8Writer out([&](QByteArrayView block) {
+            Interrupt::check();
+            file.write(block);
+        });
+        SRT::serialize(items, out);
+    }
+    Interrupt::check();
+    for (const auto &file : files)
+        file->commit();
+}
+
+void writeGroups(JsonWriter &json, const QList<GroupedCues> &groups)
+{
+    json.beginArray();
+    for (const auto &[group, items] : groups) {
+        json.beginObject();
+        json.key("group").text(LanguageSeparation::rawValue(group));
+        json.key("items");
+        writeSubtitles(json, items);
+        json.key("label").text(LanguageSeparation::label(group));
+        json.endObject();
+    }
+    json.endArray();
+}
+
+void runSeparate(const SeparateArguments &arguments)
+{
+    const QList<Subtitle> cues = SRT::decode(Arguments::readInput(arguments.input));
+    const QList<GroupedCues> groups = LanguageSeparation::split(cues);
+    if (!LanguageSeparation::holdsBothLanguages(groups))
+        throw ConversionError(LanguageSeparation::nothingToSeparate());
+    if (arguments.folder || !arguments.output.json)
+        writeFiles(QDir(Arguments::toPath(arguments.folder.value_or("."))), groups);
+    if (arguments.output.json)
+        Result::writeJson([&](JsonWriter &json) { writeGroups(json, groups); });
+    for (const auto &[group, items] : groups)
+        arguments.output.report(u"%1：%2 条字幕"_s.arg(LanguageSeparation::label(group)).arg(items.size()));
+}
+
+} // namespace
+
+void addSeparate(CLI::App &app, Work &run)
+{
+    auto *const command = app.add_subcommand("separate", "把双语字幕按语言分开，每种语言一个 SRT 文件");
+    const auto arguments = std::make_shared<SeparateArguments>();
+    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    command
+        ->add_option("--into", arguments->folder,
+                     "在此文件夹写入 中文.srt、English.srt、待归类.srt（缺省为当前文件夹；只有 --json 时不写文件）")
+        ->type_name("文件夹");
+    arguments->output.addJson(*command);
+    arguments->output.addProgress(*command);
+    command->footer("示例：\n  lintora-cli separate 双语.srt --into 分离");
+    command->callback([&run, arguments] { run = [arguments] { runSeparate(*arguments); }; });
+}
+
+} // namespace Commands
