@@ -1,0 +1,72 @@
+#include "store/StylePresetStore.h"
+
+#include "core/AtomicFile.h"
+#include "core/ConversionError.h"
+#include "core/FileReader.h"
+#include "core/JsonReader.h"
+#include "core/JsonWriter.h"
+#include "store/Locations.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+ConversionError tooLarge()
+{
+    return ConversionError(u"样式预设文件过大。"_s);
+}
+
+void check(const QList<SubtitleStylePreset> &presets)
+{
+    QSet<QUuid> ids;
+    for (const SubtitleStylePreset &preset : presets)
+        ids.insert(preset.id);
+    if (presets.size() > StylePresetStore::mostPresets || ids.size() < presets.size())
+        throw ConversionError(u"样式预设数量或编号无效。"_s);
+    for (const SubtitleStylePreset &preset : presets)
+        preset.validate();
+}
+
+} // namespace
+
+StylePresetStore::StylePresetStore()
+    : m_file(Locations::stylePresets())
+{}
+
+StylePresetStore::StylePresetStore(const QString &file)
+    : m_file(file)
+{}
+
+QList<SubtitleStylePreset> StylePresetStore::load() const
+{
+    const QFileInfo file(m_file);
+    if (!file.exists() && !file.isSymLink())
+        return {};
+    const std::optional<QByteArray> bytes = FileReader::readUpTo(m_file, sizeLimit);
+    if (!bytes)
+        throw tooLarge();
+    JsonReader json(*bytes);
+    QList<SubtitleStylePreset> presets = readSubtitleStylePresets(json);
+    json.finish();
+    check(presets);
+    return presets;
+}
+
+void StylePresetStore::save(const QList<SubtitleStylePreset> &presets) const
+{
+    if (presets.size() > mostPresets)
+        throw ConversionError(u"最多可保存 100 个样式预设。"_s);
+    check(presets);
+    const QByteArray bytes = jsonBytes([&](JsonWriter &json) { writeSubtitleStylePresets(json, presets); });
+    if (bytes.size() > sizeLimit)
+        throw tooLarge();
+    load();
+    QDir().mkpath(QFileInfo(m_file).path());
+    AtomicFile file(m_file);
+    file.write(bytes);
+    file.commit();
+}
