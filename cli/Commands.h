@@ -10,6 +10,8 @@ namespace Commands {
 
 using Work = std::function<void()>;
 
+void addPresets(CLI::App &app, Work &run);
+void addSession(CLI::App &app, Work &run);
 void addSettings(CLI::App &app, Work &run);
 void addSrt(CLI::App &app, Work &run);
 void addTitles(CLI::App &app, Work &run);

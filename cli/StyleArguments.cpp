@@ -3,6 +3,7 @@
 #include "cli/Arguments.h"
 #include "core/FileReader.h"
 #include "core/JsonReader.h"
+#include "store/StylePresetStore.h"
 
 #include <QLocale>
 #include <QStringList>
@@ -83,6 +84,12 @@ void applySize(const std::string &argument, Options &options)
         throw Arguments::WrongUse(u"画面尺寸无效：%1（应为 宽x高，例如 1920x1080）"_s.arg(text));
 }
 
+Options applyPreset(const std::string &argument, const Options &options)
+{
+    const QList<SubtitleStylePreset> presets = StylePresetStore().load();
+    return SubtitleStylePresets::named(presets, Arguments::toText(argument)).applying(options);
+}
+
 template <class Value>
 void replace(Value &field, const std::optional<Value> &given)
 {
@@ -102,6 +109,7 @@ void StyleArguments::add(CLI::App &command)
         command.add_flag(name, value, description)->group(group);
     };
     add("--options", m_optionsFile, "文件", "样式记录（settings --json 的输出）");
+    add("--preset", m_preset, "名称", "已保存的样式预设；字号按画面高度换算");
     add("--rate", m_rate, "帧率", "23.976、24、25、29.97、30、50、59.94 或 60");
     add("--size", m_size, "宽x高", "画面尺寸，例如 1920x1080");
     add("--font", m_font, "名称", "字体");
@@ -129,6 +137,8 @@ Options StyleArguments::applied(Options base) const
         options = readOptions(json);
         json.finish();
     }
+    if (m_preset)
+        options = applyPreset(*m_preset, options);
     if (m_rate)
         options.rate = readRate(*m_rate);
     if (m_size)

@@ -37,6 +37,8 @@ void addCommands(CLI::App &app, Commands::Work &run)
     Commands::addSrt(app, run);
     Commands::addTitles(app, run);
     Commands::addSettings(app, run);
+    Commands::addSession(app, run);
+    Commands::addPresets(app, run);
     for (CLI::App *const command : app.get_subcommands({}))
         command->group("命令")->set_help_flag("-h,--help", "显示帮助");
 }

@@ -126,26 +126,49 @@ void writeSubtitleStylePresets(JsonWriter &json, const QList<SubtitleStylePreset
 
 namespace SubtitleStylePresets {
 
-const SubtitleStylePreset *find(const QList<SubtitleStylePreset> &presets, const QString &name)
+namespace {
+
+/// The place of the preset called `name`, -1 when there is none.
+qsizetype indexOf(const QList<SubtitleStylePreset> &presets, const QString &name)
 {
-    const auto found = std::find_if(presets.begin(), presets.end(), [&](const SubtitleStylePreset &preset) {
-        return preset.name.trimmed() == name.trimmed();
-    });
-    return found == presets.end() ? nullptr : &*found;
+    const auto isNamed = [&](const SubtitleStylePreset &preset) { return preset.name.trimmed() == name.trimmed(); };
+    const auto found = std::find_if(presets.begin(), presets.end(), isNamed);
+    return found == presets.end() ? -1 : found - presets.begin();
+}
+
+qsizetype requireIndex(const QList<SubtitleStylePreset> &presets, const QString &name)
+{
+    const qsizetype index = indexOf(presets, name);
+    if (index < 0)
+        throw ConversionError(u"没有名为“%1”的样式预设。"_s.arg(name.trimmed()));
+    return index;
+}
+
+} // namespace
+
+const SubtitleStylePreset &named(const QList<SubtitleStylePreset> &presets, const QString &name)
+{
+    return presets[requireIndex(presets, name)];
 }
 
 QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QString &name, const Options &style)
 {
-    const SubtitleStylePreset *const former = find(presets, name);
+    const qsizetype former = indexOf(presets, name);
     const SubtitleStylePreset preset{
-        .id = former != nullptr ? former->id : QUuid::createUuid(), .name = name.trimmed(), .style = style};
+        .id = former < 0 ? QUuid::createUuid() : presets[former].id, .name = name.trimmed(), .style = style};
     if (hasControlCharacter(preset.name))
         throw invalidContent();
     preset.validate();
-    if (former != nullptr)
-        presets[former - presets.constData()] = preset;
-    else
+    if (former < 0)
         presets.append(preset);
+    else
+        presets[former] = preset;
+    return presets;
+}
+
+QList<SubtitleStylePreset> removing(QList<SubtitleStylePreset> presets, const QString &name)
+{
+    presets.removeAt(requireIndex(presets, name));
     return presets;
 }
 

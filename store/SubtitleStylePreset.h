@@ -35,12 +35,15 @@ void writeSubtitleStylePresets(JsonWriter &json, const QList<SubtitleStylePreset
 /// Lists of presets in which a name stands once. Names are compared without the white space at their ends.
 namespace SubtitleStylePresets {
 
-/// The preset called `name`, or null.
-const SubtitleStylePreset *find(const QList<SubtitleStylePreset> &presets, const QString &name);
+/// The preset called `name`. @throws ConversionError "没有名为“NAME”的样式预设。"
+const SubtitleStylePreset &named(const QList<SubtitleStylePreset> &presets, const QString &name);
 
 /// `presets` with `style` saved under `name`: in the place of the preset of that name, whose id it keeps, or at the end
 /// under a fresh id.
 /// @throws ConversionError as validate does, and for a name with control characters.
 QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QString &name, const Options &style);
+
+/// `presets` without the one called `name`. @throws ConversionError as named does.
+QList<SubtitleStylePreset> removing(QList<SubtitleStylePreset> presets, const QString &name);
 
 } // namespace SubtitleStylePresets
