@@ -49,7 +49,14 @@ QList<SubtitleStylePreset> StylePresetStore::load() const
     const std::optional<QByteArray> bytes = FileReader::readUpTo(m_file, sizeLimit);
     if (!bytes)
         throw tooLarge();
-    JsonReader json(*bytes);
+    return decode(*bytes);
+}
+
+QList<SubtitleStylePreset> StylePresetStore::decode(QByteArrayView data)
+{
+    if (data.size() > sizeLimit)
+        throw tooLarge();
+    JsonReader json(data);
     QList<SubtitleStylePreset> presets = readSubtitleStylePresets(json);
     json.finish();
     check(presets);

@@ -20,6 +20,9 @@ public:
     /// @throws PlatformError when the file cannot be read or is no such JSON.
     QList<SubtitleStylePreset> load() const;
 
+    /// Reads the bytes of such a file. @throws ConversionError, PlatformError as load does.
+    static QList<SubtitleStylePreset> decode(QByteArrayView data);
+
     /// Replaces the file whole, making its folder where it is missing. A file that load refuses is never replaced: the
     /// call ends with load's error. Nor is anything written that load would refuse.
     /// @throws ConversionError "最多可保存 100 个样式预设。", or as load does.
