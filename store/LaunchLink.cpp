@@ -46,17 +46,17 @@ std::optional<QString> sessionValue(const QUrl &link)
 /// link that leads nowhere: nobody knows what will be there when the file is written.
 std::optional<QString> normalized(const QString &path)
 {
-    QString existing = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    // QFileInfo takes a leading colon for a resource of the program, and nothing for no file at all.
+    QString existing = QDir::cleanPath(path.startsWith(u'/') ? path : QDir::currentPath() + u'/' + path);
     QString rest;
-    while (!QFileInfo::exists(existing)) {
+    while (!QFileInfo::exists(existing) && existing != u"/") {
         const QFileInfo missing(existing);
         if (missing.isSymLink())
             return std::nullopt;
         rest = u'/' + missing.fileName() + rest;
         existing = missing.path();
     }
-    const QString canonical = QFileInfo(existing).canonicalFilePath();
-    return QDir::cleanPath(canonical + rest);
+    return QDir::cleanPath(QFileInfo(existing).canonicalFilePath() + rest);
 }
 
 bool isSessionFile(const QString &file)

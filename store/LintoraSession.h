@@ -11,16 +11,16 @@ struct LintoraSession
     static constexpr qint64 sizeLimit = 16'777'216;
 
     qint64 schema = currentSchema;
-    QList<Subtitle> items; ///< The cues of the selected track.
-    QString source;        ///< Display name of what the cues came from: a file name or a project.
-    Options options;
-    bool removeFillers = false;                   ///< Cleanup switch: remove filler words.
-    bool removePunctuation = false;               ///< Cleanup switch: remove punctuation and split sentences.
-    std::optional<QList<Subtitle>> previousItems; ///< The cues before the last cleanup; absent: nothing to undo.
-    bool cleaned = false;                         ///< Whether the cleanup has been applied to `items`.
-    std::optional<QList<SubtitleTrack>> tracks;   ///< Absent in a single-track job of an older writer.
-    std::optional<QUuid> selectedTrackID;
-    std::optional<QUuid> splitOriginal; ///< The track that holds the text from before language separation.
+    QList<Subtitle> items = {}; ///< The cues of the selected track.
+    QString source = {};        ///< Display name of what the cues came from: a file name or a project.
+    Options options = {};
+    bool removeFillers = false;                        ///< Cleanup switch: remove filler words.
+    bool removePunctuation = false;                    ///< Cleanup switch: remove punctuation and split sentences.
+    std::optional<QList<Subtitle>> previousItems = {}; ///< The cues before the last cleanup; absent: nothing to undo.
+    bool cleaned = false;                              ///< Whether the cleanup has been applied to `items`.
+    std::optional<QList<SubtitleTrack>> tracks = {};   ///< Absent in a single-track job of an older writer.
+    std::optional<QUuid> selectedTrackID = {};
+    std::optional<QUuid> splitOriginal = {}; ///< The track that holds the text from before language separation.
 
     /// The record as JSON: compact, keys sorted, absent fields left out. Equal records give equal bytes. The size is
     /// not limited here.

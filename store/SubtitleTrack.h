@@ -11,14 +11,14 @@
 /// can be styled and exported differently.
 struct SubtitleTrack
 {
-    QUuid id;      ///< What the selection remembers a track by. A new track takes a fresh random one.
-    QString label; ///< Shown on the track's tab.
-    QList<Subtitle> items;
-    Options options;
-    bool removeFillers = false;                   ///< Cleanup setting: remove filler words.
-    bool removePunctuation = false;               ///< Cleanup setting: remove punctuation and split sentences.
-    std::optional<QList<Subtitle>> previousItems; ///< The cues before the last cleanup; absent: nothing to restore.
-    bool cleaned = false;                         ///< Whether the cleanup has been applied to `items`.
+    QUuid id = {};      ///< What the selection remembers a track by. A new track takes a fresh random one.
+    QString label = {}; ///< Shown on the track's tab.
+    QList<Subtitle> items = {};
+    Options options = {};
+    bool removeFillers = false;                        ///< Cleanup setting: remove filler words.
+    bool removePunctuation = false;                    ///< Cleanup setting: remove punctuation and split sentences.
+    std::optional<QList<Subtitle>> previousItems = {}; ///< The cues before the last cleanup, to go back to.
+    bool cleaned = false;                              ///< Whether the cleanup has been applied to `items`.
 
     friend bool operator==(const SubtitleTrack &, const SubtitleTrack &) = default;
 };
