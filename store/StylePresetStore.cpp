@@ -5,6 +5,7 @@
 #include "core/FileReader.h"
 #include "core/JsonReader.h"
 #include "core/JsonWriter.h"
+#include "core/PlatformError.h"
 #include "store/Locations.h"
 
 #include <QDir>
@@ -46,6 +47,9 @@ QList<SubtitleStylePreset> StylePresetStore::load() const
     const QFileInfo file(m_file);
     if (!file.exists() && !file.isSymLink())
         return {};
+    // Opening a pipe might wait forever; a folder is refused by the platform in its own words.
+    if (file.exists() && !file.isFile() && !file.isDir())
+        throw PlatformError(u"“%1”不是普通文件。"_s.arg(m_file));
     const std::optional<QByteArray> bytes = FileReader::readUpTo(m_file, sizeLimit);
     if (!bytes)
         throw tooLarge();
