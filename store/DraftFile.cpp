@@ -24,9 +24,9 @@ bool isThere(const QFileInfo &file)
 
 } // namespace
 
-DraftFile::DraftFile(const QString &path, QObject *parent)
+DraftFile::DraftFile(QString path, QObject *parent)
     : QObject(parent)
-    , m_path(path)
+    , m_path(std::move(path))
     , m_thread([this] { return round(); })
 {}
 

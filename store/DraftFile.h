@@ -23,7 +23,7 @@ class DraftFile : public QObject
     Q_OBJECT
 
 public:
-    explicit DraftFile(const QString &path, QObject *parent = nullptr);
+    explicit DraftFile(QString path, QObject *parent = nullptr);
 
     /// Saves what still waits. Nobody is told when that fails: call flush() before.
     ~DraftFile() override;

@@ -11,9 +11,9 @@
 
 using namespace Qt::StringLiterals;
 
-SessionFile::SessionFile(const QString &path, std::chrono::milliseconds interval, QObject *parent)
+SessionFile::SessionFile(QString path, std::chrono::milliseconds interval, QObject *parent)
     : QObject(parent)
-    , m_path(path)
+    , m_path(std::move(path))
     , m_interval(interval)
     , m_thread([this] { return round(); })
 {

@@ -32,8 +32,7 @@ public:
     static constexpr std::chrono::milliseconds usualInterval{400};
 
     /// Watches the file at `path`, which need not exist, from now on.
-    explicit SessionFile(const QString &path, std::chrono::milliseconds interval = usualInterval,
-                         QObject *parent = nullptr);
+    explicit SessionFile(QString path, std::chrono::milliseconds interval = usualInterval, QObject *parent = nullptr);
 
     /// Writes what still waits. Nobody is told when that fails: call flush() before.
     ~SessionFile() override;

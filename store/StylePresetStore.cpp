@@ -12,6 +12,8 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -38,8 +40,8 @@ StylePresetStore::StylePresetStore()
     : m_file(Locations::stylePresets())
 {}
 
-StylePresetStore::StylePresetStore(const QString &file)
-    : m_file(file)
+StylePresetStore::StylePresetStore(QString file)
+    : m_file(std::move(file))
 {}
 
 QList<SubtitleStylePreset> StylePresetStore::load() const

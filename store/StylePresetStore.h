@@ -10,7 +10,7 @@ public:
     static constexpr qint64 sizeLimit = 1'048'576; ///< Bytes of the largest file that is read or written.
 
     StylePresetStore(); ///< The user's own file.
-    explicit StylePresetStore(const QString &file);
+    explicit StylePresetStore(QString file);
 
     const QString &file() const { return m_file; }
 
