@@ -20,6 +20,11 @@ using namespace Qt::StringLiterals;
 
 /// A job of 10,000 cues in each of three tracks: Chinese, English, and both together, which is selected. It takes 5.2
 /// MB.
+///
+/// Measured on two cores (Release, GCC 12, Qt 6.4, ext4; busy with other work, so CPU time where not said otherwise):
+/// encoding 8.9 ms against 112 ms by Qt's JSON (0.08), decoding 24 ms against 80 ms (0.30). The main thread's share of
+/// a save is 0.16 ms, nearly all of it the copy of the changed list; 0.6 ms by the clock. From the hand-over to the
+/// disk 36 ms by the clock, against 19 ms for encoding and 12 ms for writing, syncing and renaming the same bytes.
 namespace {
 
 constexpr qsizetype cueCount = 10'000;
