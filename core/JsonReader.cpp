@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -42,13 +43,22 @@ const char *skipPlain(const char *at, const char *end)
     return std::find_if_not(at, end, isPlain);
 }
 
-/// Any order will do to bring equal keys together; most keys differ in length.
-bool isBefore(QByteArrayView a, QByteArrayView b)
+/// A key that can be told from most others without looking at its bytes, which lie all over the document.
+struct HashedKey
 {
-    if (a.size() != b.size())
-        return a.size() < b.size();
-    return std::memcmp(a.data(), b.data(), static_cast<size_t>(a.size())) < 0;
-}
+    size_t hash;
+    QByteArrayView key;
+
+    /// Any order will do that brings equal keys together.
+    bool operator<(const HashedKey &other) const
+    {
+        if (hash != other.hash)
+            return hash < other.hash;
+        return key < other.key;
+    }
+
+    bool operator==(const HashedKey &other) const { return hash == other.hash && key == other.key; }
+};
 
 } // namespace
 
@@ -230,10 +240,14 @@ void JsonReader::refuseRepeatedKey()
         }
         return;
     }
-    std::sort(firstKey, m_keys.end(), isBefore);
-    const auto repeated = std::adjacent_find(firstKey, m_keys.end());
-    if (repeated != m_keys.end())
-        refuse(*repeated);
+    std::vector<HashedKey> sorted;
+    sorted.reserve(m_keys.size());
+    std::transform(firstKey, m_keys.end(), std::back_inserter(sorted),
+                   [](QByteArrayView key) { return HashedKey{.hash = qHash(key, 0), .key = key}; });
+    std::sort(sorted.begin(), sorted.end());
+    const auto repeated = std::adjacent_find(sorted.begin(), sorted.end());
+    if (repeated != sorted.end())
+        refuse(repeated->key);
 }
 
 void JsonReader::skipSpace()

@@ -141,6 +141,8 @@ TEST(LintoraSession, refuses)
              {"cue of an unfinished kind", replaced(smallestJson, R"("items":[])", R"("items":[{"id":1}])"),
               refusal("缺少“items[0].start”。")},
              {"key twice", withField(R"("cleaned":false)"), refusal("“cleaned”重复。")},
+             {"key twice among many", replaced(smallestJson, R"("width")", R"("font":"a","width")"),
+              refusal("“options.font”重复。")},
              {"key twice by escapes", withField(R"("cle\u0061ned":false)"), refusal("“cleaned”重复。")},
              {"UUID with braces", looseUuid("{0F1E2D3C-4B5A-6978-8796-A5B4C3D2E1F0}"), noUuid},
              {"UUID without dashes", looseUuid("0F1E2D3C4B5A69788796A5B4C3D2E1F0"), noUuid},
