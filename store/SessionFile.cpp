@@ -142,12 +142,16 @@ std::optional<SessionFile::Version> SessionFile::newVersion()
 {
     if (!QFileInfo(m_path).isFile())
         return std::nullopt;
+    const auto read = [&] { return FileReader::readUpTo(m_path, LintoraSession::sizeLimit).value_or(QByteArray()); };
     QByteArray bytes;
     try {
-        bytes = FileReader::readUpTo(m_path, LintoraSession::sizeLimit).value_or(QByteArray());
+        bytes = read();
         if (bytes == m_lastBytes || bytes == m_refusedBytes)
             return std::nullopt;
         LintoraSession session = LintoraSession::decode(bytes);
+        // From a file that is being overwritten in place we may have read parts of two versions that fit together.
+        if (read() != bytes)
+            return std::nullopt;
         m_refusedBytes.clear();
         return Version{.bytes = std::move(bytes), .session = std::move(session)};
     } catch (const std::exception &) {
