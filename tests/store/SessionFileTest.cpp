@@ -357,7 +357,7 @@ TEST(SessionFile, two_programs_share_a_file_without_tearing_or_echo)
     peer.start(QStringLiteral(LINTORA_SESSION_PEER), {path, QString::number(versions)});
     if (!peer.waitForStarted())
         GTEST_SKIP() << "an ordinary user cannot run " << LINTORA_SESSION_PEER;
-    editing.start(15);
+    editing.start(60);
     ASSERT_TRUE(Events::waitFor([&] { return peer.state() == QProcess::NotRunning; }));
     editing.stop();
     EXPECT_EQ(peer.exitStatus(), QProcess::NormalExit);
