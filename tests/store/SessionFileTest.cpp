@@ -346,8 +346,13 @@ TEST(SessionFile, two_programs_share_a_file_without_tearing_or_echo)
     QObject::connect(&file, &SessionFile::overruled, &file,
                      [&](const LintoraSession &session) { EXPECT_TRUE(Sessions::isUniform(session)); });
     int changes = 0;
+    int deliveriesBefore = 0;
     QTimer editing;
     QObject::connect(&editing, &QTimer::timeout, &file, [&] {
+        // Local changes win: on a slow machine they must leave the other program a turn.
+        if (deliveries == deliveriesBefore)
+            return;
+        deliveriesBefore = deliveries;
         ++changes;
         state = Sessions::uniform(u"ours %1"_s.arg(changes), changes % 300);
         file.save(state);
@@ -357,13 +362,13 @@ TEST(SessionFile, two_programs_share_a_file_without_tearing_or_echo)
     peer.start(QStringLiteral(LINTORA_SESSION_PEER), {path, QString::number(versions)});
     if (!peer.waitForStarted())
         GTEST_SKIP() << "an ordinary user cannot run " << LINTORA_SESSION_PEER;
-    editing.start(60);
+    editing.start(15);
     ASSERT_TRUE(Events::waitFor([&] { return peer.state() == QProcess::NotRunning; }));
     editing.stop();
     EXPECT_EQ(peer.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(peer.exitCode(), 0) << "the peer read something torn";
     EXPECT_GT(deliveries, 5);
-    EXPECT_GT(changes, 10);
+    EXPECT_GT(changes, 2);
 
     ASSERT_TRUE(Events::waitFor([&] {
         file.refresh();
