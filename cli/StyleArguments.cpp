@@ -2,6 +2,7 @@
 
 #include "cli/Arguments.h"
 #include "core/JsonReader.h"
+#include "store/StylePresetStore.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -107,6 +108,12 @@ void replace(double &field, const std::optional<std::string> &given)
         field = readNumber(*given);
 }
 
+Options applyPreset(const std::string &argument, const Options &options)
+{
+    const QList<SubtitleStylePreset> presets = StylePresetStore().load();
+    return SubtitleStylePresets::named(presets, Arguments::toText(argument)).applying(options);
+}
+
 void replace(bool &field, const std::optional<bool> &given)
 {
     if (given)
@@ -125,6 +132,7 @@ void StyleArguments::add(CLI::App &command)
         command.add_flag(name, value, description)->group(group)->take_last();
     };
     add("--options", m_optionsFile, "文件", "样式记录（settings --json 的输出）");
+    add("--preset", m_preset, "名称", "已保存的样式预设；字号按画面高度换算");
     add("--rate", m_rate, "帧率", "23.976、24、25、29.97、30、50、59.94 或 60");
     add("--size", m_size, "宽x高", "画面尺寸，例如 1920x1080");
     add("--font", m_font, "名称", "字体");
@@ -152,6 +160,8 @@ Options StyleArguments::applied(Options base) const
         options = readOptions(json);
         json.finish();
     }
+    if (m_preset)
+        options = applyPreset(*m_preset, options);
     if (m_rate)
         options.rate = readRate(*m_rate);
     if (m_size)

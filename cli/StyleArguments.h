@@ -13,12 +13,14 @@ class StyleArguments
 public:
     void add(CLI::App &command);
 
-    /// `base` with what was given put in: first the record of --options, then the single options.
-    /// @throws Arguments::WrongUse for a value that is none; PlatformError when the record cannot be read.
+    /// `base` with what was given put in: first the record of --options, then the preset, then the single options.
+    /// @throws Arguments::WrongUse for a value that is none; PlatformError when the record cannot be read;
+    /// ConversionError or PlatformError when there is no such preset or the presets cannot be read.
     Options applied(Options base) const;
 
 private:
     std::optional<std::string> m_optionsFile;
+    std::optional<std::string> m_preset;
     std::optional<std::string> m_rate;
     std::optional<std::string> m_size;
     std::optional<std::string> m_font;

@@ -42,6 +42,8 @@ void addCommands(CLI::App &app, Commands::Work &run)
     Commands::addAlign(app, run);
     Commands::addSettings(app, run);
     Commands::addPlan(app, run);
+    Commands::addSession(app, run);
+    Commands::addPresets(app, run);
     for (CLI::App *const command : app.get_subcommands({}))
         command->group("命令")->set_help_flag("-h,--help", "显示帮助");
 }

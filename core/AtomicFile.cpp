@@ -2,9 +2,20 @@
 
 #include "core/PlatformError.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
+#include <QScopeGuard>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -12,6 +23,29 @@ bool isReplaceable(const QString &path)
 {
     const QFileInfo target(path);
     return !target.exists() || target.isFile() || target.isDir();
+}
+
+/// Brings what was written to an open file or folder to the disk. Where the file system has no such thing, nothing can
+/// be done.
+void sync(int descriptor)
+{
+#ifdef F_FULLFSYNC
+    // Here fsync leaves the data in the disk's own cache.
+    if (fcntl(descriptor, F_FULLFSYNC) == 0)
+        return;
+#endif
+    if (fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP)
+        throw PlatformError(qt_error_string(errno));
+}
+
+/// Brings the names in a folder to the disk. A folder that we may write to but not read cannot be opened for that.
+void syncFolder(const QString &folder)
+{
+    const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    const auto close = qScopeGuard([=] { ::close(descriptor); });
+    sync(descriptor);
 }
 
 } // namespace
@@ -34,14 +68,35 @@ void AtomicFile::write(QByteArrayView bytes)
         throw PlatformError(m_file->errorString());
 }
 
-void AtomicFile::commit()
+void AtomicFile::commit(Durability durability)
 {
-    if (auto *const replacement = qobject_cast<QSaveFile *>(m_file.get())) {
-        if (!replacement->commit())
-            throw PlatformError(replacement->errorString());
+    auto *const replacement = qobject_cast<QSaveFile *>(m_file.get());
+    if (replacement == nullptr) {
+        if (!m_file->flush())
+            throw PlatformError(m_file->errorString());
+        m_file->close();
         return;
     }
-    if (!m_file->flush())
-        throw PlatformError(m_file->errorString());
-    m_file->close();
+    // The replacement syncs its content too, but keeps to itself when that fails.
+    if (durability == Durability::PowerCut)
+        sync(replacement->handle());
+    if (!replacement->commit())
+        throw PlatformError(replacement->errorString());
+    if (durability == Durability::PowerCut)
+        syncFolder(QFileInfo(QFileInfo(replacement->fileName()).canonicalFilePath()).path());
+}
+
+void AtomicFile::removeLeftovers(const QString &path)
+{
+    const QFileInfo target(path);
+    // QSaveFile writes to the target's name with six random letters behind it.
+    const QRegularExpression form(
+        QRegularExpression::anchoredPattern(QRegularExpression::escape(target.fileName()) + u"\\.[A-Za-z]{6}"_s));
+    constexpr int age = 10 * 60; // seconds; whoever writes now is done long before
+    const QDateTime oldest = QDateTime::currentDateTime().addSecs(-age);
+    const QFileInfoList files = QDir(target.path()).entryInfoList(QDir::Files | QDir::Hidden);
+    for (const QFileInfo &file : files) {
+        if (file.lastModified() < oldest && form.match(file.fileName()).hasMatch())
+            QFile::remove(file.filePath());
+    }
 }

@@ -9,10 +9,10 @@ class QFileDevice;
 
 /// A file that is replaced whole or not at all.
 ///
-/// The new content is written beside the target, synced to the disk and renamed over it by commit(). Without commit()
-/// the target stays as it was and the half-written file is removed. A symbolic link stays a link: what it points to is
-/// replaced. An existing target keeps its permissions. What is no regular file (a terminal, a pipe, /dev/full) cannot
-/// be replaced and is written to as it stands.
+/// The new content is written beside the target and renamed over it by commit(). Without commit() the target stays as
+/// it was and the half-written file is removed. A symbolic link stays a link: what it points to is replaced. An
+/// existing target keeps its permissions. What is no regular file (a terminal, a pipe, /dev/full) cannot be replaced
+/// and is written to as it stands.
 class AtomicFile
 {
 public:
@@ -23,7 +23,20 @@ public:
     Q_DISABLE_COPY_MOVE(AtomicFile)
 
     void write(QByteArrayView bytes); ///< @throws PlatformError, for instance when the disk is full.
-    void commit();                    ///< @throws PlatformError; the target is then as it was.
+
+    /// What the replacement outlives once commit() has returned.
+    enum class Durability
+    {
+        Crash,    ///< The end of this program.
+        PowerCut, ///< The end of the system too: the content and its name in the folder have reached the disk.
+    };
+
+    /// Puts the written content in the target's place.
+    /// @throws PlatformError; the target is then as it was, unless only its folder failed to reach the disk.
+    void commit(Durability durability = Durability::Crash);
+
+    /// Removes what writers of the file at `path` left beside it when they were killed, more than ten minutes ago.
+    static void removeLeftovers(const QString &path);
 
 private:
     std::unique_ptr<QFileDevice> m_file;

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstring>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -16,10 +18,47 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-bool isIn(QByteArrayView set, char c)
+/// Whether `c` stands for itself in a string.
+bool isPlain(char c)
 {
-    return set.contains(c);
+    return c != '"' && c != '\\' && static_cast<unsigned char>(c) >= ' ';
 }
+
+/// The first byte in [at, end) that is not plain, or `end`.
+const char *skipPlain(const char *at, const char *end)
+{
+    constexpr quint64 ones = 0x0101'0101'0101'0101;
+    constexpr quint64 high = ones * 0x80;
+    // Eight bytes at once: the high bit of a byte of word - ones * n is set where the byte was below n.
+    for (; end - at >= 8; at += 8) {
+        quint64 word;
+        std::memcpy(&word, at, sizeof word);
+        const quint64 quote = word ^ (ones * '"');
+        const quint64 backslash = word ^ (ones * '\\');
+        const quint64 found =
+            ((quote - ones) & ~quote) | ((backslash - ones) & ~backslash) | ((word - ones * ' ') & ~word);
+        if ((found & high) != 0)
+            break;
+    }
+    return std::find_if_not(at, end, isPlain);
+}
+
+/// A key that can be told from most others without looking at its bytes, which lie all over the document.
+struct HashedKey
+{
+    size_t hash;
+    QByteArrayView key;
+
+    /// Any order will do that brings equal keys together.
+    bool operator<(const HashedKey &other) const
+    {
+        if (hash != other.hash)
+            return hash < other.hash;
+        return key < other.key;
+    }
+
+    bool operator==(const HashedKey &other) const { return hash == other.hash && key == other.key; }
+};
 
 } // namespace
 
@@ -37,8 +76,8 @@ JsonReader::JsonReader(QByteArrayView document)
 qint64 JsonReader::readInteger()
 {
     static constexpr QStringView expectation = u"64 位整数";
-    const QByteArrayView token = numberToken(expectation);
-    if (std::none_of(token.begin(), token.end(), [](char c) { return isIn(".eE", c); })) {
+    const auto [token, isPlain] = takeNumber(expectation);
+    if (isPlain) {
         qint64 value = 0;
         if (std::from_chars(token.begin(), token.end(), value).ec != std::errc())
             refuse(expectation);
@@ -56,7 +95,7 @@ double JsonReader::readNumber()
 {
     static constexpr QStringView expectation = u"数字";
     bool ok = false;
-    const double value = numberToken(expectation).toByteArray().toDouble(&ok);
+    const double value = takeNumber(expectation).token.toByteArray().toDouble(&ok);
     if (!ok || !std::isfinite(value))
         refuse(expectation);
     return value;
@@ -76,7 +115,7 @@ QString JsonReader::readText()
 {
     if (peek() != '"')
         refuse(u"文字");
-    return Utf8::decode(readString());
+    return Utf8::decode(takeString());
 }
 
 bool JsonReader::readNull()
@@ -95,11 +134,11 @@ void JsonReader::skip()
         readArray([] {});
         break;
     case '"':
-        readString();
+        takeString();
         break;
     default:
         if (!takeLiteral("true") && !takeLiteral("false") && !takeLiteral("null"))
-            numberToken({});
+            takeNumber({});
     }
 }
 
@@ -126,7 +165,16 @@ void JsonReader::open(char bracket, QStringView expectation)
     if (m_levels.size() == maxDepth)
         throw PlatformError(u"数据无法读取：嵌套过深。"_s);
     ++m_at;
-    m_levels.append({.key = {}, .index = -1, .firstKey = static_cast<qsizetype>(m_keys.size())});
+    m_levels.append(
+        {.key = {}, .firstKey = static_cast<qsizetype>(m_keys.size()), .unescaped = m_unescapedKeys.size()});
+}
+
+void JsonReader::close()
+{
+    const Level &level = m_levels.back();
+    m_keys.erase(m_keys.begin() + level.firstKey, m_keys.end());
+    m_unescapedKeys.resize(level.unescaped);
+    m_levels.removeLast();
 }
 
 bool JsonReader::atClose(char bracket, bool first)
@@ -147,12 +195,14 @@ bool JsonReader::atClose(char bracket, bool first)
 bool JsonReader::nextKey(bool first)
 {
     Level &level = m_levels.back();
-    level.key.clear();
+    level.key = {};
     if (atClose('}', first))
         return false;
     if (peek() != '"')
         malformed();
-    level.key = readString();
+    level.key = takeString();
+    if (!m_unescaped.isNull())
+        level.key = m_unescapedKeys.emplace_back(std::move(m_unescaped));
     m_keys.push_back(level.key);
     if (peek() != ':')
         malformed();
@@ -161,23 +211,43 @@ bool JsonReader::nextKey(bool first)
     return true;
 }
 
+/// Checks the keys of the object that was read to its end.
 void JsonReader::require(std::initializer_list<QByteArrayView> keys)
 {
     const auto firstKey = m_keys.begin() + m_levels.back().firstKey;
     for (const QByteArrayView key : keys) {
         if (std::find(firstKey, m_keys.end(), key) == m_keys.end()) {
-            m_levels.back().key = key.toByteArray();
+            m_levels.back().key = key;
             throw PlatformError(u"数据无法读取：缺少“"_s + path() + u"”。"_s);
         }
     }
-    // Sorting finds a repeated key in an object of any size; small objects, the common case, take nanoseconds.
-    std::sort(firstKey, m_keys.end());
-    const auto repeated = std::adjacent_find(firstKey, m_keys.end());
-    if (repeated != m_keys.end()) {
-        m_levels.back().key = *repeated;
+    refuseRepeatedKey();
+}
+
+void JsonReader::refuseRepeatedKey()
+{
+    const auto firstKey = m_keys.begin() + m_levels.back().firstKey;
+    const auto refuse = [&](QByteArrayView key) {
+        m_levels.back().key = key;
         throw PlatformError(u"数据无法读取：“"_s + path() + u"”重复。"_s);
+    };
+    // A record's few keys are compared each with each; sorting keeps an object of a million keys from taking forever.
+    constexpr auto few = 8;
+    if (m_keys.end() - firstKey <= few) {
+        for (auto key = firstKey; key != m_keys.end(); ++key) {
+            if (std::find(firstKey, key, *key) != key)
+                refuse(*key);
+        }
+        return;
     }
-    m_keys.erase(firstKey, m_keys.end());
+    std::vector<HashedKey> sorted;
+    sorted.reserve(m_keys.size());
+    std::transform(firstKey, m_keys.end(), std::back_inserter(sorted),
+                   [](QByteArrayView key) { return HashedKey{.hash = qHash(key, 0), .key = key}; });
+    std::sort(sorted.begin(), sorted.end());
+    const auto repeated = std::adjacent_find(sorted.begin(), sorted.end());
+    if (repeated != sorted.end())
+        refuse(repeated->key);
 }
 
 void JsonReader::skipSpace()
@@ -194,7 +264,7 @@ char JsonReader::peek()
 }
 
 /// Takes a number of JSON's grammar: no leading zero or plus, digits on both sides of the point.
-QByteArrayView JsonReader::numberToken(QStringView expectation)
+JsonReader::Number JsonReader::takeNumber(QStringView expectation)
 {
     const char first = peek();
     if (first != '-' && !isDigit(first)) {
@@ -202,33 +272,31 @@ QByteArrayView JsonReader::numberToken(QStringView expectation)
             malformed();
         refuse(expectation);
     }
-    const char *at = m_at;
-    const auto is = [&](QByteArrayView set) { return at != m_end && isIn(set, *at); };
-    const auto digits = [&] {
-        if (at == m_end || !isDigit(*at))
-            malformed();
-        while (at != m_end && isDigit(*at))
-            ++at;
-    };
-    if (is("-"))
-        ++at;
-    if (is("0"))
+    const char *at = first == '-' ? m_at + 1 : m_at;
+    if (at != m_end && *at == '0')
         ++at;
     else
-        digits();
-    if (is(".")) {
+        at = digitsEnd(at);
+    const char *const wholeEnd = at;
+    if (at != m_end && *at == '.')
+        at = digitsEnd(at + 1);
+    if (at != m_end && (*at == 'e' || *at == 'E')) {
         ++at;
-        digits();
-    }
-    if (is("eE")) {
-        ++at;
-        if (is("+-"))
+        if (at != m_end && (*at == '+' || *at == '-'))
             ++at;
-        digits();
+        at = digitsEnd(at);
     }
     const QByteArrayView token(m_at, at);
     m_at = at;
-    return token;
+    return {.token = token, .isPlain = at == wholeEnd};
+}
+
+/// The end of the digits at `at`, of which there must be one at least.
+const char *JsonReader::digitsEnd(const char *at) const
+{
+    if (at == m_end || !isDigit(*at))
+        malformed();
+    return std::find_if_not(at, m_end, isDigit);
 }
 
 bool JsonReader::takeLiteral(QByteArrayView word)
@@ -239,30 +307,37 @@ bool JsonReader::takeLiteral(QByteArrayView word)
     return true;
 }
 
-/// Takes a string from its opening quote and returns it in UTF-8.
-QByteArray JsonReader::readString()
+/// Takes a string from its opening quote and returns it in UTF-8: a view of the document, or of m_unescaped.
+QByteArrayView JsonReader::takeString()
 {
     ++m_at;
-    QByteArray text;
-    for (const char *run = m_at; m_at != m_end;) {
-        const char c = *m_at;
-        if (c == '"') {
-            text.append(run, m_at - run);
-            ++m_at;
-            return text;
-        }
-        if (c == '\\') {
-            text.append(run, m_at - run);
-            ++m_at;
-            readEscape(text);
-            run = m_at;
-        } else if (c >= 0 && c < ' ') {
-            malformed();
-        } else {
-            ++m_at;
-        }
+    const char *const begin = m_at;
+    m_at = skipPlain(m_at, m_end);
+    const QByteArrayView text(begin, m_at);
+    if (m_at != m_end && *m_at == '"') {
+        ++m_at;
+        m_unescaped = {};
+        return text;
     }
-    malformed();
+    m_unescaped = unescape(text);
+    return m_unescaped;
+}
+
+/// Takes the rest of a string that begins with the plain bytes `beginning`.
+QByteArray JsonReader::unescape(QByteArrayView beginning)
+{
+    QByteArray text = beginning.toByteArray();
+    while (m_at != m_end && *m_at == '\\') {
+        ++m_at;
+        readEscape(text);
+        const char *const run = m_at;
+        m_at = skipPlain(m_at, m_end);
+        text.append(run, m_at - run);
+    }
+    if (m_at == m_end || *m_at != '"')
+        malformed();
+    ++m_at;
+    return text;
 }
 
 void JsonReader::readEscape(QByteArray &text)

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QVarLengthArray>
 
+#include <deque>
 #include <initializer_list>
 #include <vector>
 
@@ -29,7 +30,7 @@ public:
     bool readNull();    ///< Whether the next value is null, which is then passed over. Any other value stays.
 
     /// Reads an object. `field` is called at each value with its key and reads it or leaves it to be passed over. The
-    /// view of the key is valid until the value is read.
+    /// view of the key is valid until the object has been read.
     /// @throws PlatformError naming the first of `required` that is missing.
     template <class Field>
     void readObject(std::initializer_list<QByteArrayView> required, Field &&field);
@@ -49,23 +50,33 @@ public:
 private:
     struct Level
     {
-        QByteArray key;         ///< Of the value being read; null in an array.
+        QByteArrayView key;     ///< Of the value being read; null in an array.
         qsizetype index = -1;   ///< Of the value being read; -1 in an object.
         qsizetype firstKey = 0; ///< Where this object's keys begin in m_keys.
+        size_t unescaped = 0;   ///< How many of m_unescapedKeys belong to the objects around this one.
+    };
+
+    struct Number
+    {
+        QByteArrayView token;
+        bool isPlain = true; ///< Digits alone, without point and exponent.
     };
 
     void open(char bracket, QStringView expectation);
     bool atClose(char bracket, bool first);
     bool nextKey(bool first);
     void nextElement() { ++m_levels.back().index; }
-    void close() { m_levels.removeLast(); }
+    void close();
     void require(std::initializer_list<QByteArrayView> keys);
+    void refuseRepeatedKey();
 
     void skipSpace();
     char peek();
-    QByteArrayView numberToken(QStringView expectation);
+    Number takeNumber(QStringView expectation);
+    const char *digitsEnd(const char *at) const;
     bool takeLiteral(QByteArrayView word);
-    QByteArray readString();
+    QByteArrayView takeString();
+    QByteArray unescape(QByteArrayView beginning);
     void readEscape(QByteArray &text);
     char16_t readHex();
     QString path() const;
@@ -75,7 +86,9 @@ private:
     const char *m_at;
     const char *m_end;
     QVarLengthArray<Level, 8> m_levels;
-    std::vector<QByteArray> m_keys; ///< The keys seen so far in every open object.
+    std::vector<QByteArrayView> m_keys;     ///< The keys seen so far in every open object.
+    std::deque<QByteArray> m_unescapedKeys; ///< What those of m_keys view that hold escapes in the document.
+    QByteArray m_unescaped;                 ///< What takeString returned last, if it held escapes.
 };
 
 template <class Field>

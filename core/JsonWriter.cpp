@@ -1,9 +1,55 @@
 #include "core/JsonWriter.h"
 
+#include "core/PlatformError.h"
+#include "core/Utf8.h"
+
 #include <QLocale>
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Whether `unit` may stand for itself in a string.
+bool isPlain(char16_t unit)
+{
+    return unit >= u' ' && unit != u'"' && unit != u'\\';
+}
+
+char *put(QByteArrayView bytes, char *out)
+{
+    std::memcpy(out, bytes.data(), static_cast<size_t>(bytes.size()));
+    return out + bytes.size();
+}
+
+/// Bytes that an escape takes at most.
+constexpr qsizetype escapeRoom = 6;
+
+char *putEscape(char16_t unit, char *out)
+{
+    switch (unit) {
+    case u'"':
+        return put("\\\"", out);
+    case u'\\':
+        return put("\\\\", out);
+    case u'\n':
+        return put("\\n", out);
+    case u'\r':
+        return put("\\r", out);
+    case u'\t':
+        return put("\\t", out);
+    default:
+        out = put("\\u00", out);
+        *out++ = static_cast<char>('0' + unit / 16);
+        *out++ = "0123456789abcdef"[unit % 16];
+        return out;
+    }
+}
+
+} // namespace
 
 JsonWriter::JsonWriter(Utf8Writer &out)
     : m_out(out)
@@ -11,12 +57,15 @@ JsonWriter::JsonWriter(Utf8Writer &out)
 
 JsonWriter &JsonWriter::key(QByteArrayView name)
 {
-    Q_ASSERT_X(m_keys.back().isNull() || QByteArrayView(m_keys.back()) < name, "JsonWriter::key", "keys out of order");
-    m_keys.back() = name.toByteArray();
-    beginValue();
-    m_out.bytes("\"");
-    m_out.bytes(name);
-    m_out.bytes("\":");
+    Q_ASSERT_X(m_keys.back().isNull() || m_keys.back() < name, "JsonWriter::key", "keys out of order");
+    m_keys.back() = name;
+    char *out = m_out.reserve(name.size() + 4);
+    if (m_comma)
+        *out++ = ',';
+    *out++ = '"';
+    out = put(name, out);
+    out = put("\":", out);
+    m_out.advance(out);
     m_comma = false;
     return *this;
 }
@@ -29,7 +78,8 @@ void JsonWriter::integer(qint64 value)
 
 void JsonWriter::number(double value)
 {
-    Q_ASSERT(std::isfinite(value));
+    if (!std::isfinite(value))
+        throw PlatformError(u"数据无法写入：数字超出范围。"_s);
     beginValue();
     m_out.bytes(QByteArray::number(value, 'g', QLocale::FloatingPointShortest));
 }
@@ -44,29 +94,16 @@ void JsonWriter::text(QStringView value)
 {
     beginValue();
     m_out.bytes("\"");
-    while (!value.isEmpty()) {
-        const auto *const special =
-            std::find_if(value.begin(), value.end(), [](QChar c) { return c < u' ' || c == u'"' || c == u'\\'; });
-        m_out.text(value.first(special - value.begin()));
-        value = value.sliced(special - value.begin());
-        if (value.isEmpty())
-            break;
-        const char16_t c = value.front().unicode();
-        value = value.sliced(1);
-        if (c == u'"') {
-            m_out.bytes("\\\"");
-        } else if (c == u'\\') {
-            m_out.bytes("\\\\");
-        } else if (c == u'\n') {
-            m_out.bytes("\\n");
-        } else if (c == u'\t') {
-            m_out.bytes("\\t");
-        } else if (c == u'\r') {
-            m_out.bytes("\\r");
-        } else {
-            m_out.bytes("\\u00");
-            m_out.bytes(QByteArray::number(c, 16).rightJustified(2, '0'));
-        }
+    const char16_t *at = value.utf16();
+    const char16_t *const end = at + value.size();
+    while (at != end) {
+        const char16_t *const special = std::find_if_not(at, end, isPlain);
+        const QStringView plain(at, special);
+        char *out = Utf8::encode(plain, m_out.reserve(Utf8::encodedRoom(plain.size()) + escapeRoom));
+        at = special;
+        if (at != end)
+            out = putEscape(*at++, out);
+        m_out.advance(out);
     }
     m_out.bytes("\"");
 }

@@ -15,9 +15,9 @@ class JsonWriter
 public:
     explicit JsonWriter(Utf8Writer &out);
 
-    JsonWriter &key(QByteArrayView name); ///< Plain ASCII, ascending within the object.
+    JsonWriter &key(QByteArrayView name); ///< Plain ASCII, ascending within the object, and outliving it.
     void integer(qint64 value);
-    void number(double value); ///< Finite.
+    void number(double value); ///< @throws PlatformError when it is not finite, for which JSON has no form.
     void boolean(bool value);
     void text(QStringView value);
 
@@ -30,8 +30,8 @@ private:
     void beginValue();
 
     Utf8Writer &m_out;
-    bool m_comma = false;           ///< Whether a value stands before the next one.
-    std::vector<QByteArray> m_keys; ///< The last key of each open object, for the assertion on their order.
+    bool m_comma = false;               ///< Whether a value stands before the next one.
+    std::vector<QByteArrayView> m_keys; ///< The last key of each open object, for the assertion on their order.
 };
 
 /// The JSON document that `write` produces, as bytes.

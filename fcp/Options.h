@@ -28,8 +28,8 @@ struct Options
     double bottomPercent = 10;             ///< Distance from the bottom edge in percent of the frame height, 0 to 40.
     qint64 shiftMS = 0;                    ///< Milliseconds added to every cue before it is placed; may be negative.
     QString name = QStringLiteral("字幕"); ///< Project name.
-    std::optional<QString> titleRole;      ///< Role of the titles; absent means "titles.字幕".
-    std::optional<QString> fontFace;       ///< Face name; absent means "Regular".
+    std::optional<QString> titleRole = std::nullopt; ///< Role of the titles; absent means "titles.字幕".
+    std::optional<QString> fontFace = std::nullopt;  ///< Face name; absent means "Regular".
 
     friend bool operator==(const Options &, const Options &) = default;
 };

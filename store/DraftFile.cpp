@@ -1,0 +1,138 @@
+#include "store/DraftFile.h"
+
+#include "core/AtomicFile.h"
+#include "core/ConversionError.h"
+#include "core/PlatformError.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto pauseAfterFailure = 5s;
+
+bool isThere(const QFileInfo &file)
+{
+    return file.exists() || file.isSymLink();
+}
+
+} // namespace
+
+DraftFile::DraftFile(QString path, QObject *parent)
+    : QObject(parent)
+    , m_path(std::move(path))
+    , m_thread([this] { return round(); })
+{}
+
+DraftFile::~DraftFile()
+{
+    m_thread.finishRound();
+}
+
+std::optional<LintoraSession> DraftFile::load()
+{
+    AtomicFile::removeLeftovers(m_path);
+    const QFileInfo file(m_path);
+    // Opening what is no regular file, a pipe for instance, might wait forever.
+    if (!file.isFile())
+        return std::nullopt;
+    try {
+        LintoraSession session = LintoraSession::read(m_path);
+        const std::lock_guard lock(m_mutex);
+        m_isOurs = true;
+        m_saved = session;
+        return session;
+    } catch (const std::exception &) {
+        return std::nullopt;
+    }
+}
+
+void DraftFile::save(const LintoraSession &state)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_waiting = state;
+    }
+    m_thread.wake();
+}
+
+void DraftFile::flush()
+{
+    m_thread.finishRound();
+    const std::lock_guard lock(m_mutex);
+    if (m_failure)
+        std::rethrow_exception(m_failure);
+}
+
+/// Saves the state that waits.
+RoundThread::Pause DraftFile::round()
+{
+    std::unique_lock lock(m_mutex);
+    const std::optional<LintoraSession> state = std::exchange(m_waiting, std::nullopt);
+    const std::optional<LintoraSession> saved = m_saved;
+    lock.unlock();
+    if (!state)
+        return std::nullopt;
+    try {
+        if (state != saved || !QFileInfo::exists(m_path))
+            replaceFile(*state);
+        note(nullptr, {});
+        return std::nullopt;
+    } catch (const std::exception &error) {
+        note(std::current_exception(), QString::fromUtf8(error.what()));
+    }
+    lock.lock();
+    if (!m_waiting)
+        m_waiting = state;
+    return pauseAfterFailure;
+}
+
+void DraftFile::replaceFile(const LintoraSession &state)
+{
+    const QByteArray bytes = state.encoded();
+    if (bytes.size() > LintoraSession::sizeLimit)
+        throw ConversionError(u"字幕草稿过大，请导出 SRT 后分批处理"_s);
+    const QFileInfo file(m_path);
+    QDir().mkpath(file.path());
+    std::unique_lock lock(m_mutex);
+    const bool isOurs = m_isOurs;
+    lock.unlock();
+    if (isThere(file) && (!isOurs || !file.isFile()))
+        setAside();
+    AtomicFile target(m_path);
+    target.write(bytes);
+    target.commit(AtomicFile::Durability::PowerCut);
+    lock.lock();
+    m_isOurs = true;
+    m_saved = state;
+}
+
+void DraftFile::setAside() const
+{
+    const QFileInfo file(m_path);
+    const QString form = file.path() + u'/' + file.completeBaseName() + u"-unreadable-%1."_s + file.suffix();
+    int number = 1;
+    while (isThere(QFileInfo(form.arg(number))))
+        ++number;
+    QFile unreadable(m_path);
+    if (!unreadable.rename(form.arg(number)))
+        throw PlatformError(unreadable.errorString());
+}
+
+/// Keeps what became of a save, and reports a failure that is news.
+void DraftFile::note(std::exception_ptr failure, const QString &description)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_failure = std::move(failure);
+    }
+    if (std::exchange(m_reported, description) != description && !description.isEmpty())
+        QMetaObject::invokeMethod(
+            this, [this, description] { Q_EMIT failed(description); }, Qt::QueuedConnection);
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "store/LintoraSession.h"
+#include "store/RoundThread.h"
+
+#include <QObject>
+
+#include <exception>
+#include <mutex>
+
+/// The file that brings a job back after a crash, a power cut or a full disk.
+///
+/// States are encoded and saved on a thread of its own; a newer state takes the place of one that still waits, and the
+/// next save starts when the one under way ends. A saved state has reached the disk. A state that cannot be saved
+/// leaves the file as it was and is tried again until it or a newer one is saved.
+///
+/// The file may hold work that this program cannot read. Unless load() has read it, the first save moves it aside, to a
+/// name beside its own ("Draft-unreadable-1.json").
+///
+/// Lives on the main thread.
+class DraftFile : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit DraftFile(QString path, QObject *parent = nullptr);
+
+    /// Saves what still waits. Nobody is told when that fails: call flush() before.
+    ~DraftFile() override;
+
+    /// The state that the last run left; absent when there is no file or it cannot be read, which is no error.
+    std::optional<LintoraSession> load();
+
+    /// Keeps `state` for saving, and returns at once. A state that equals the saved one costs no write.
+    void save(const LintoraSession &state);
+
+    /// Saves what still waits, before it returns.
+    /// @throws ConversionError "字幕草稿过大，请导出 SRT 后分批处理", PlatformError when the newest state could not be
+    /// saved.
+    void flush();
+
+Q_SIGNALS:
+    /// A state could not be saved, for the reason given. Said once, until another reason comes up or a save succeeds.
+    void failed(const QString &description);
+
+private:
+    RoundThread::Pause round();
+    void replaceFile(const LintoraSession &state);
+    void setAside() const;
+    void note(std::exception_ptr failure, const QString &description);
+
+    const QString m_path;
+    QString m_reported; ///< Why saving fails, as last reported; empty while it does not. Used on the thread only.
+
+    std::mutex m_mutex;                      ///< Guards what follows. Not held while files are touched.
+    std::optional<LintoraSession> m_waiting; ///< The newest state that is not saved.
+    std::optional<LintoraSession> m_saved;   ///< What the file holds, as far as we know.
+    bool m_isOurs = false;                   ///< Whether the file was read or written here.
+    std::exception_ptr m_failure;            ///< Why the last save failed; null when it did not.
+
+    RoundThread m_thread; ///< Last, so that it ends first.
+};

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "store/SubtitleTrack.h"
+
+/// A whole subtitle job: what the draft file keeps, and what we share with the workflow extension.
+struct LintoraSession
+{
+    static constexpr qint64 currentSchema = 2;
+
+    /// Bytes of the largest file that decode takes.
+    static constexpr qint64 sizeLimit = 16'777'216;
+
+    qint64 schema = currentSchema;
+    QList<Subtitle> items = {}; ///< The cues of the selected track.
+    QString source = {};        ///< Display name of what the cues came from: a file name or a project.
+    Options options = {};
+    bool removeFillers = false;                        ///< Cleanup switch: remove filler words.
+    bool removePunctuation = false;                    ///< Cleanup switch: remove punctuation and split sentences.
+    std::optional<QList<Subtitle>> previousItems = {}; ///< The cues before the last cleanup; absent: nothing to undo.
+    bool cleaned = false;                              ///< Whether the cleanup has been applied to `items`.
+    std::optional<QList<SubtitleTrack>> tracks = {};   ///< Absent in a single-track job of an older writer.
+    std::optional<QUuid> selectedTrackID = {};
+    std::optional<QUuid> splitOriginal = {}; ///< The track that holds the text from before language separation.
+
+    /// The record as JSON: compact, keys sorted, absent fields left out. Equal records give equal bytes. The size is
+    /// not limited here.
+    /// @throws PlatformError when an option is no finite number.
+    QByteArray encoded() const;
+
+    /// Reads what encoded() writes, of schema 1 or 2. All fields but the optional ones are required.
+    /// @throws ConversionError "字幕会话过大。", "字幕会话版本不支持。"
+    /// @throws PlatformError naming the key path or the byte where the JSON is wrong.
+    static LintoraSession decode(QByteArrayView data);
+
+    /// Reads the file at `path`, and no more of it than the limit.
+    /// @throws ConversionError, PlatformError as decode does, and when the file cannot be read.
+    static LintoraSession read(const QString &path);
+
+    friend bool operator==(const LintoraSession &, const LintoraSession &) = default;
+};
+
+/// Writes the object that LintoraSession::decode reads.
+void writeLintoraSession(JsonWriter &json, const LintoraSession &session);

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+/// Where what we keep lies. The folders are the same on every system, below the home folder ($HOME).
+namespace Locations {
+
+QString draft();        ///< The draft file of the running job.
+QString stylePresets(); ///< The file of the style presets.
+QString sessions();     ///< The folder in which the workflow extension puts its session files.
+
+} // namespace Locations

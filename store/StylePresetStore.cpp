@@ -1,0 +1,85 @@
+#include "store/StylePresetStore.h"
+
+#include "core/AtomicFile.h"
+#include "core/ConversionError.h"
+#include "core/FileReader.h"
+#include "core/JsonReader.h"
+#include "core/JsonWriter.h"
+#include "core/PlatformError.h"
+#include "store/Locations.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+ConversionError tooLarge()
+{
+    return ConversionError(u"样式预设文件过大。"_s);
+}
+
+void check(const QList<SubtitleStylePreset> &presets)
+{
+    QSet<QUuid> ids;
+    for (const SubtitleStylePreset &preset : presets)
+        ids.insert(preset.id);
+    if (presets.size() > StylePresetStore::mostPresets || ids.size() < presets.size())
+        throw ConversionError(u"样式预设数量或编号无效。"_s);
+    for (const SubtitleStylePreset &preset : presets)
+        preset.validate();
+}
+
+} // namespace
+
+StylePresetStore::StylePresetStore()
+    : m_file(Locations::stylePresets())
+{}
+
+StylePresetStore::StylePresetStore(QString file)
+    : m_file(std::move(file))
+{}
+
+QList<SubtitleStylePreset> StylePresetStore::load() const
+{
+    const QFileInfo file(m_file);
+    if (!file.exists() && !file.isSymLink())
+        return {};
+    // Opening a pipe might wait forever; a folder is refused by the platform in its own words.
+    if (file.exists() && !file.isFile() && !file.isDir())
+        throw PlatformError(u"“%1”不是普通文件。"_s.arg(m_file));
+    const std::optional<QByteArray> bytes = FileReader::readUpTo(m_file, sizeLimit);
+    if (!bytes)
+        throw tooLarge();
+    return decode(*bytes);
+}
+
+QList<SubtitleStylePreset> StylePresetStore::decode(QByteArrayView data)
+{
+    if (data.size() > sizeLimit)
+        throw tooLarge();
+    JsonReader json(data);
+    QList<SubtitleStylePreset> presets = readSubtitleStylePresets(json);
+    json.finish();
+    check(presets);
+    return presets;
+}
+
+void StylePresetStore::save(const QList<SubtitleStylePreset> &presets) const
+{
+    if (presets.size() > mostPresets)
+        throw ConversionError(u"最多可保存 100 个样式预设。"_s);
+    check(presets);
+    const QByteArray bytes = jsonBytes([&](JsonWriter &json) { writeSubtitleStylePresets(json, presets); });
+    if (bytes.size() > sizeLimit)
+        throw tooLarge();
+    load();
+    QDir().mkpath(QFileInfo(m_file).path());
+    AtomicFile file(m_file);
+    file.write(bytes);
+    file.commit();
+}

@@ -1,0 +1,175 @@
+#include "store/SubtitleStylePreset.h"
+
+#include "core/ConversionError.h"
+#include "core/JsonReader.h"
+#include "core/JsonWriter.h"
+#include "store/Uuid.h"
+
+#include <QStringList>
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int longestName = 60;
+
+ConversionError invalidContent()
+{
+    return ConversionError(u"样式预设内容无效，请检查字号与位置。"_s);
+}
+
+/// Whether `text` holds at least one and at most `limit` characters as perceived by a reader.
+bool hasCharacters(const QString &text, int limit)
+{
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    int count = 0;
+    while (count <= limit && finder.toNextBoundary() >= 0)
+        ++count;
+    return count >= 1 && count <= limit;
+}
+
+bool isWithin(double value, double highest)
+{
+    return std::isfinite(value) && value >= 0 && value <= highest;
+}
+
+bool isChannel(const QString &text)
+{
+    // Reading a number passes over white space around it, which is no part of a colour.
+    const bool hasSpace = std::any_of(text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    return isNumber && !hasSpace && isWithin(value, 1);
+}
+
+bool isColor(const QString &text)
+{
+    const QStringList channels = text.split(u' ');
+    return channels.size() == 4 && std::all_of(channels.begin(), channels.end(), isChannel);
+}
+
+bool hasControlCharacter(const QString &name)
+{
+    return std::any_of(name.begin(), name.end(), [](QChar c) { return c < u' '; });
+}
+
+} // namespace
+
+void SubtitleStylePreset::validate() const
+{
+    const bool isSound = hasCharacters(name.trimmed(), longestName) && !style.font.isEmpty() && style.width >= 1 &&
+                         style.height >= 1 && isWithin(style.fontSize, 10'000) && style.fontSize > 0 &&
+                         isWithin(style.strokeWidth, 20) && isWithin(style.shadowBlur, 30) &&
+                         isWithin(style.bottomPercent, 40);
+    if (!isSound)
+        throw invalidContent();
+    if (!isColor(style.fontColor) || !isColor(style.strokeColor) || !isColor(style.shadowColor))
+        throw ConversionError(u"样式预设的颜色无效。"_s);
+}
+
+Options SubtitleStylePreset::applying(const Options &target) const
+{
+    Options result = style;
+    result.fontSize = style.fontSize * (static_cast<double>(target.height) / static_cast<double>(style.height));
+    result.rate = target.rate;
+    result.width = target.width;
+    result.height = target.height;
+    result.shiftMS = target.shiftMS;
+    result.name = target.name;
+    result.titleRole = target.titleRole;
+    return result;
+}
+
+SubtitleStylePreset readSubtitleStylePreset(JsonReader &json)
+{
+    SubtitleStylePreset preset;
+    json.readObject({"id", "name", "style"}, [&](QByteArrayView key) {
+        if (key == "id")
+            preset.id = Uuid::read(json);
+        else if (key == "name")
+            preset.name = json.readText();
+        else if (key == "style")
+            preset.style = readOptions(json);
+    });
+    return preset;
+}
+
+void writeSubtitleStylePreset(JsonWriter &json, const SubtitleStylePreset &preset)
+{
+    json.beginObject();
+    json.key("id");
+    Uuid::write(json, preset.id);
+    json.key("name").text(preset.name);
+    json.key("style");
+    writeOptions(json, preset.style);
+    json.endObject();
+}
+
+QList<SubtitleStylePreset> readSubtitleStylePresets(JsonReader &json)
+{
+    QList<SubtitleStylePreset> presets;
+    json.readArray([&] { presets.append(readSubtitleStylePreset(json)); });
+    return presets;
+}
+
+void writeSubtitleStylePresets(JsonWriter &json, const QList<SubtitleStylePreset> &presets)
+{
+    json.beginArray();
+    for (const SubtitleStylePreset &preset : presets)
+        writeSubtitleStylePreset(json, preset);
+    json.endArray();
+}
+
+namespace SubtitleStylePresets {
+
+namespace {
+
+/// The place of the preset called `name`, -1 when there is none.
+qsizetype indexOf(const QList<SubtitleStylePreset> &presets, const QString &name)
+{
+    const auto isNamed = [&](const SubtitleStylePreset &preset) { return preset.name.trimmed() == name.trimmed(); };
+    const auto found = std::find_if(presets.begin(), presets.end(), isNamed);
+    return found == presets.end() ? -1 : found - presets.begin();
+}
+
+qsizetype requireIndex(const QList<SubtitleStylePreset> &presets, const QString &name)
+{
+    const qsizetype index = indexOf(presets, name);
+    if (index < 0)
+        throw ConversionError(u"没有名为“%1”的样式预设。"_s.arg(name.trimmed()));
+    return index;
+}
+
+} // namespace
+
+const SubtitleStylePreset &named(const QList<SubtitleStylePreset> &presets, const QString &name)
+{
+    return presets[requireIndex(presets, name)];
+}
+
+QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QString &name, const Options &style)
+{
+    const qsizetype former = indexOf(presets, name);
+    const SubtitleStylePreset preset{
+        .id = former < 0 ? QUuid::createUuid() : presets[former].id, .name = name.trimmed(), .style = style};
+    if (hasControlCharacter(preset.name))
+        throw invalidContent();
+    preset.validate();
+    if (former < 0)
+        presets.append(preset);
+    else
+        presets[former] = preset;
+    return presets;
+}
+
+QList<SubtitleStylePreset> removing(QList<SubtitleStylePreset> presets, const QString &name)
+{
+    presets.removeAt(requireIndex(presets, name));
+    return presets;
+}
+
+} // namespace SubtitleStylePresets

@@ -1,0 +1,144 @@
+#include "tests/support/CommandLine.h"
+
+#include "core/FileReader.h"
+#include "core/JsonWriter.h"
+#include "store/LaunchLink.h"
+#include "store/Locations.h"
+#include "store/StylePresetStore.h"
+#include "tests/support/Sessions.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The program with a home folder of its own.
+class StoreCommandsTest : public ::testing::Test
+{
+protected:
+    StoreCommandsTest() { qputenv("HOME", QDir(m_folder.path()).canonicalPath().toUtf8()); }
+    ~StoreCommandsTest() override { qputenv("HOME", m_formerHome); }
+
+    QString file(const QString &name, const QByteArray &content) const
+    {
+        QFile target(m_folder.filePath(name));
+        EXPECT_TRUE(target.open(QIODevice::WriteOnly));
+        target.write(content);
+        return target.fileName();
+    }
+
+private:
+    QTemporaryDir m_folder;
+    QByteArray m_formerHome = qgetenv("HOME");
+};
+
+/// The program's standard output, where it succeeded without a word on standard error.
+std::string output(const QStringList &arguments, const QByteArray &input = {})
+{
+    const CommandLine::Outcome outcome = CommandLine::run(arguments, input);
+    EXPECT_EQ(outcome.status, 0) << outcome.error.constData();
+    EXPECT_EQ(outcome.error, "");
+    return outcome.output.toStdString();
+}
+
+void expectFailure(const QStringList &arguments, int status, const std::string &error, const QByteArray &input = {})
+{
+    const CommandLine::Outcome outcome = CommandLine::run(arguments, input);
+    EXPECT_EQ(outcome.status, status);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.error.toStdString(), error);
+}
+
+} // namespace
+
+TEST_F(StoreCommandsTest, session_checks_a_file)
+{
+    const QByteArray encoded = Sessions::full().encoded();
+    const QString session = file(u"草稿.json"_s, " " + encoded);
+    EXPECT_EQ(output({u"session"_s, session, u"--json"_s}), encoded.toStdString() + '\n');
+    EXPECT_EQ(output({u"session"_s, u"-"_s}, encoded),
+              "来源：访谈.srt\n字幕：2 条\n语言组：中文，1 条（当前）\n语言组：English，1 条\n");
+    expectFailure({u"session"_s, file(u"a"_s, QByteArray(encoded).replace("\"schema\":2", "\"schema\":3"))}, 1,
+                  "字幕会话版本不支持。\n");
+    expectFailure({u"session"_s, u"-"_s}, 1, "数据无法读取：缺少“items”。\n", R"({"schema":2})");
+    expectFailure({u"session"_s, u"/dev/zero"_s}, 1, "字幕会话过大。\n");
+}
+
+TEST_F(StoreCommandsTest, session_resolves_and_makes_links)
+{
+    const QString session = Locations::sessions() + u"/0F1E2D3C-4B5A-6978-8796-A5B4C3D2E1F0.json"_s;
+    const std::string link = LaunchLink::launchURL(session).toEncoded().toStdString();
+    EXPECT_EQ(output({u"session"_s, u"--make-link"_s, session}), link + '\n');
+    EXPECT_EQ(output({u"session"_s, u"--make-link"_s, session, u"--json"_s}), "{\"link\":\"" + link + "\"}\n");
+    const QString argument = QString::fromStdString(link);
+    EXPECT_EQ(output({u"session"_s, u"--link"_s, argument}), session.toStdString() + '\n');
+    EXPECT_EQ(output({u"session"_s, u"--link"_s, argument, u"--json"_s}),
+              "{\"file\":\"" + session.toStdString() + "\"}\n");
+    expectFailure({u"session"_s, u"--link"_s, u"lintora://other"_s}, 1, "悬浮窗口链接无效。\n");
+    expectFailure({u"session"_s, u"--link"_s, u"lintora://floating?session=/dev/zero"_s}, 1, "字幕会话位置无效。\n");
+    for (const QStringList &arguments : {QStringList{u"session"_s}, {u"session"_s, u"a"_s, u"--link"_s, argument}})
+        EXPECT_EQ(CommandLine::run(arguments).status, 2);
+}
+
+TEST_F(StoreCommandsTest, presets_are_added_shown_replaced_and_removed)
+{
+    EXPECT_EQ(output({u"presets"_s, u"--json"_s}), "[]\n");
+    EXPECT_EQ(output({u"presets"_s, u"add"_s, u" 访谈 "_s, u"--font-size"_s, u"60"_s, u"--stroke"_s}),
+              "访谈：PingFang SC，60 磅（3840 × 2160）\n");
+    const QUuid id = StylePresetStore().load().first().id;
+    output({u"presets"_s, u"add"_s, u"访谈"_s, u"--size"_s, u"1080x1920"_s});
+    output({u"presets"_s, u"add"_s, u"字幕条"_s});
+    const QList<SubtitleStylePreset> presets = StylePresetStore().load();
+    ASSERT_EQ(presets.size(), 2);
+    EXPECT_EQ(presets[0], (SubtitleStylePreset{.id = id, .name = u"访谈"_s, .style = {.width = 1080, .height = 1920}}));
+    const std::string json = FileReader::readAll(Locations::stylePresets()).toStdString() + '\n';
+    EXPECT_EQ(output({u"presets"_s, u"list"_s, u"--json"_s}), json);
+    expectFailure({u"presets"_s, u"remove"_s, u"没有"_s}, 1, "没有名为“没有”的样式预设。\n");
+    output({u"presets"_s, u"remove"_s, u"访谈"_s, u"--json"_s});
+    EXPECT_EQ(StylePresetStore().load(), presets.sliced(1));
+    expectFailure({u"presets"_s, u"add"_s, u"大"_s, u"--font-size"_s, u"10001"_s}, 1,
+                  "样式预设内容无效，请检查字号与位置。\n");
+    EXPECT_EQ(CommandLine::run({u"presets"_s, u"add"_s}).status, 2);
+}
+
+TEST_F(StoreCommandsTest, a_presets_file_that_cannot_be_read_stays)
+{
+    QDir().mkpath(QFileInfo(Locations::stylePresets()).path());
+    QFile presets(Locations::stylePresets());
+    ASSERT_TRUE(presets.open(QIODevice::WriteOnly));
+    presets.write("[{}]");
+    presets.close();
+    for (const QStringList &arguments :
+         {QStringList{u"presets"_s}, {u"presets"_s, u"add"_s, u"新"_s}, {u"presets"_s, u"remove"_s, u"新"_s}})
+        expectFailure(arguments, 1, "数据无法读取：缺少“[0].id”。\n");
+    EXPECT_EQ(FileReader::readAll(presets.fileName()), "[{}]");
+}
+
+TEST_F(StoreCommandsTest, a_preset_stands_between_the_record_and_the_single_options)
+{
+    output({u"presets"_s, u"add"_s, u"P"_s, u"--font"_s, u"Preset"_s, u"--font-size"_s, u"60"_s, u"--name"_s, u"P"_s});
+    const QString record = file(u"样式.json"_s, jsonBytes([](JsonWriter &json) {
+                                    writeOptions(json, {.width = 1920, .height = 1080, .font = u"Record"_s});
+                                }));
+    const auto style = [&](const QStringList &options) {
+        // A preset saved from these options holds what they come to.
+        output(QStringList{u"presets"_s, u"add"_s, u"result"_s} + options);
+        return StylePresetStore().load().last().style;
+    };
+    const QStringList preset{u"--preset"_s, u" P "_s};
+    const Options onRecord = style(preset + QStringList{u"--options"_s, record, u"--face"_s, u"Bold"_s});
+    EXPECT_EQ(onRecord,
+              (Options{.width = 1920, .height = 1080, .font = u"Preset"_s, .fontSize = 30, .fontFace = u"Bold"_s}));
+    EXPECT_EQ(style(QStringList{u"--font"_s, u"Single"_s} + preset).font, u"Single"_s);
+    const CommandLine::Outcome titles =
+        CommandLine::run(QStringList{u"titles"_s, u"-"_s} + preset, "1\n00:00:01,000 --> 00:00:02,000\nA\n");
+    EXPECT_TRUE(titles.output.contains("font=\"Preset\"")) << titles.output.constData();
+    EXPECT_TRUE(titles.output.contains("fontSize=\"60.0\"")) << titles.output.constData();
+    expectFailure({u"titles"_s, u"-"_s, u"--preset"_s, u"没有"_s}, 1, "没有名为“没有”的样式预设。\n",
+                  "1\n00:00:01,000 --> 00:00:02,000\nA\n");
+}
