@@ -24,10 +24,8 @@ QString summary(const QList<SubtitleStylePreset> &presets)
     QString text;
     for (const SubtitleStylePreset &preset : presets) {
         const Options &style = preset.style;
-        text += u"%1：%2，%3 磅（%4 × %5）\n"_s.arg(preset.name, style.font)
-                    .arg(style.fontSize)
-                    .arg(style.width)
-                    .arg(style.height);
+        text += u"%1：%2，%3 磅（%4 × %5）\n"_s.arg(preset.name, style.font, QString::number(style.fontSize),
+                                                    QString::number(style.width), QString::number(style.height));
     }
     return presets.isEmpty() ? u"没有样式预设\n"_s : text;
 }

@@ -24,10 +24,11 @@ struct SessionArguments
 
 QString summary(const LintoraSession &session)
 {
-    QString text = u"来源：%1\n字幕：%2 条\n"_s.arg(session.source).arg(session.items.size());
+    // One replacement for all, so that a name with "%1" in it stays a name.
+    QString text = u"来源：%1\n字幕：%2 条\n"_s.arg(session.source, QString::number(session.items.size()));
     for (const SubtitleTrack &track : session.tracks.value_or(QList<SubtitleTrack>())) {
         const QStringView mark = track.id == session.selectedTrackID ? u"（当前）" : u"";
-        text += u"语言组：%1，%2 条%3\n"_s.arg(track.label).arg(track.items.size()).arg(mark);
+        text += u"语言组：%1，%2 条%3\n"_s.arg(track.label, QString::number(track.items.size()), mark);
     }
     return text;
 }

@@ -81,7 +81,10 @@ void JsonWriter::number(double value)
     if (!std::isfinite(value))
         throw PlatformError(u"数据无法写入：数字超出范围。"_s);
     beginValue();
-    m_out.bytes(QByteArray::number(value, 'g', QLocale::FloatingPointShortest));
+    // Plain digits as far as people write numbers so; beyond, an exponent is shorter and says the same.
+    const double magnitude = std::abs(value);
+    const bool isPlain = magnitude == 0 || (magnitude >= 1e-5 && magnitude < 1e16);
+    m_out.bytes(QByteArray::number(value, isPlain ? 'f' : 'g', QLocale::FloatingPointShortest));
 }
 
 void JsonWriter::boolean(bool value)

@@ -154,7 +154,7 @@ TEST(JsonWriter, writes_bytes_that_depend_on_the_values_alone)
     const QByteArray bytes = jsonBytes([](JsonWriter &json) {
         json.beginObject();
         json.key("array").beginArray();
-        for (const double value : {48.0, 48.5, 0.1, -0.0, 1e300, 42.666666666666664})
+        for (const double value : {48.0, 48.5, 0.1, -0.0, 1e5, 1e300, 42.666666666666664})
             json.number(value);
         json.endArray();
         json.key("bool").boolean(true);
@@ -162,7 +162,7 @@ TEST(JsonWriter, writes_bytes_that_depend_on_the_values_alone)
         json.key("text").text(u"你\"\\/\n\t\r\u0001\u007F😀"_s);
         json.endObject();
     });
-    EXPECT_EQ(bytes, QByteArray("{\"array\":[48,48.5,0.1,0,1e+300,42.666666666666664],\"bool\":true,"
+    EXPECT_EQ(bytes, QByteArray("{\"array\":[48,48.5,0.1,0,100000,1e+300,42.666666666666664],\"bool\":true,"
                                 "\"integer\":-9223372036854775808,\"text\":\"你\\\"\\\\/\\n\\t\\r\\u0001\x7F😀\"}"));
 }
 
