@@ -90,7 +90,7 @@ bool hasFrameDuration(const FrameRate &rate, const xmlNode *format)
 /// Appends the title effect to the resources and returns its id.
 QByteArray addEffect(xmlNode *resources, const Identifiers &ids)
 {
-    const QByteArray id = "subeffect" + QByteArray::number(ids.counter("subeffect").next());
+    QByteArray id = "subeffect" + QByteArray::number(ids.counter("subeffect").next());
     xmlNode *const effect = xmlNewChild(resources, nullptr, reinterpret_cast<const xmlChar *>("effect"), nullptr);
     if (!effect)
         throw std::bad_alloc();
