@@ -71,7 +71,9 @@ QString readText(const std::string &argument)
     const auto encoding = QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8);
     QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
     QString text = decoder(bytes);
-    if (decoder.hasError())
+    // The decoder lets half a character of UTF-16 pass.
+    const bool isWhole = encoding == QStringConverter::Utf8 || bytes.size() % 2 == 0;
+    if (decoder.hasError() || !isWhole || !text.isValidUtf16())
         throw ConversionError(u"文本编码不支持。请先另存为 UTF-8 或 UTF-16。"_s);
     text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
     return text;

@@ -55,6 +55,7 @@ void addClean(CLI::App &app, Work &run)
     command->add_flag("--fillers", arguments->switches.removeFillers, "去除语气词");
     command->add_flag("--split", arguments->switches.removePunctuation, "去标点并分句");
     command->add_option("--words", arguments->words, "语气词表：以换行、逗号、分号或顿号分隔（缺省为内置词表）")
+        ->check(Arguments::notEmpty)
         ->type_name("文件");
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);

@@ -8,8 +8,9 @@
 #include "core/SRT.h"
 
 #include <QDir>
+#include <QFileInfo>
 
-#include <cerrno>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -29,11 +30,11 @@ struct SeparateArguments
     Arguments::Output output;
 };
 
-/// Writes one SRT file a group. No file is replaced before all are written.
-void writeFiles(const QDir &folder, const QList<GroupedCues> &groups)
+/// Writes one SRT file a group. No file is replaced before all are written and `beforeCommit` has done its part.
+void writeFiles(const QDir &folder, const QList<GroupedCues> &groups, const std::function<void()> &beforeCommit)
 {
     if (!folder.mkpath(u"."_s))
-        throw PlatformError(qt_error_string(errno));
+        throw PlatformError(u"无法创建文件夹“%1”。"_s.arg(folder.path()));
     std::vector<std::unique_ptr<AtomicFile>> files;
     for (const auto &[group, items] : groups) {
         AtomicFile &file = *files.emplace_back(
@@ -44,6 +45,7 @@ void writeFiles(const QDir &folder, const QList<GroupedCues> &groups)
         });
         SRT::serialize(items, out);
     }
+    beforeCommit();
     Interrupt::check();
     for (const auto &file : files)
         file->commit();
@@ -63,16 +65,34 @@ void writeGroups(JsonWriter &json, const QList<GroupedCues> &groups)
     json.endArray();
 }
 
+/// Nobody means to lose the bilingual original to one of its halves.
+void refuseToReplaceInput(const SeparateArguments &arguments, const QDir &folder, const QList<GroupedCues> &groups)
+{
+    const QString input = QFileInfo(Arguments::toPath(arguments.input)).canonicalFilePath();
+    for (const GroupedCues &cues : groups) {
+        const QFileInfo target(folder.filePath(LanguageSeparation::label(cues.group) + u".srt"_s));
+        if (!input.isEmpty() && target.canonicalFilePath() == input)
+            throw Arguments::WrongUse(u"结果会覆盖原字幕 %1，请用 --into 指定其他文件夹"_s.arg(target.fileName()));
+    }
+}
+
 void runSeparate(const SeparateArguments &arguments)
 {
     const QList<Subtitle> cues = SRT::decode(Arguments::readInput(arguments.input));
     const QList<GroupedCues> groups = LanguageSeparation::split(cues);
     if (!LanguageSeparation::holdsBothLanguages(groups))
         throw ConversionError(LanguageSeparation::nothingToSeparate());
-    if (arguments.folder || !arguments.output.json)
-        writeFiles(QDir(Arguments::toPath(arguments.folder.value_or("."))), groups);
-    if (arguments.output.json)
-        Result::writeJson([&](JsonWriter &json) { writeGroups(json, groups); });
+    const QDir folder(Arguments::toPath(arguments.folder.value_or(".")));
+    const auto sayJson = [&] {
+        if (arguments.output.json)
+            Result::writeJson([&](JsonWriter &json) { writeGroups(json, groups); });
+    };
+    if (arguments.folder || !arguments.output.json) {
+        refuseToReplaceInput(arguments, folder, groups);
+        writeFiles(folder, groups, sayJson);
+    } else {
+        sayJson();
+    }
     for (const auto &[group, items] : groups)
         arguments.output.report(u"%1：%2 条字幕"_s.arg(LanguageSeparation::label(group)).arg(items.size()));
 }
@@ -87,7 +107,8 @@ void addSeparate(CLI::App &app, Work &run)
     command
         ->add_option("--into", arguments->folder,
                      "在此文件夹写入 中文.srt、English.srt、待归类.srt（缺省为当前文件夹；只有 --json 时不写文件）")
-        ->type_name("文件夹");
+        ->type_name("文件夹")
+        ->check(Arguments::notEmpty);
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);
     command->footer("示例：\n  lintora-cli separate 双语.srt --into 分离");

@@ -78,13 +78,28 @@ void loadTranslations(QTranslator &translator)
         QCoreApplication::installTranslator(&translator);
 }
 
+/// The arguments from the last to the first, as the library takes them. It does not know "--with=" for an empty value,
+/// which is what shells make of --with="".
+std::vector<std::string> words(int argc, char **argv)
+{
+    std::vector<std::string> result;
+    for (int i = argc - 1; i > 0; --i) {
+        const std::string word = argv[i];
+        const bool hasEmptyValue = word.size() > 3 && word.starts_with("--") && word.find('=') == word.size() - 1;
+        if (hasEmptyValue)
+            result.emplace_back();
+        result.push_back(hasEmptyValue ? word.substr(0, word.size() - 1) : word);
+    }
+    return result;
+}
+
 ExitStatus run(int argc, char **argv)
 {
     Commands::Work work;
     CLI::App app("Lintora（VELMORA 字幕助手）命令行", "lintora-cli");
     addCommands(app, work);
     try {
-        app.parse(argc, argv);
+        app.parse(words(argc, argv));
     } catch (const CLI::Success &request) {
         // Help and version are results like any other: a full disk must not go unnoticed.
         std::ostringstream text;

@@ -46,7 +46,13 @@ QString folded(QStringView character)
 {
     if (character.size() == 1 && Characters::isCommonIdeograph(character.front().unicode()))
         return character.toString();
-    const QString decomposed = ofUsualWidth(character).normalized(QString::NormalizationForm_D);
+    // Marks are put in order by exchanging neighbours. Accents go first, and a character of more marks than anything
+    // that is written stays as it stands: a hundred thousand of them would take minutes.
+    constexpr qsizetype longest = 64;
+    QString base = withoutAccents(ofUsualWidth(character));
+    if (base.size() > longest)
+        return base;
+    const QString decomposed = base.normalized(QString::NormalizationForm_D);
     return withoutAccents(decomposed).toCaseFolded().normalized(QString::NormalizationForm_C);
 }
 

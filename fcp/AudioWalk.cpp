@@ -145,10 +145,15 @@ void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Plac
     if (!sounds && story.content.empty() && story.connected.empty())
         return;
     m_found.hasAudioEffects |= sounds && story.hasEffects;
+    if (sounds && story.retimed) {
+        // A clip that compounds show again and again counts once.
+        if (m_retimed.insert(element).second)
+            m_found.skippedRetimedAudio.append(story.name());
+        if (story.connected.empty())
+            return;
+    }
     const TimeMap own = ownTimes(story, offset, place);
-    if (sounds && story.retimed)
-        m_found.skippedRetimedAudio.append(story.name());
-    else if (sounds)
+    if (sounds && !story.retimed)
         play(story, own, place);
     else if (!story.muted && !story.retimed && (story.kind == Kind::Picture || !place.muted))
         visitContent(story, own, place);
@@ -217,7 +222,7 @@ void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const P
     // A clip that shows nothing of its file has its times from somewhere else.
     if (sound.cutTo(held).isEmpty())
         throwSourceRange();
-    const TimeRange piece = audible.cutTo(held);
+    TimeRange piece = audible.cutTo(held);
     if (isTooShort(piece))
         return;
     // The file is played at its own pace; what that is off by the end must stay below a frame.
@@ -225,6 +230,9 @@ void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const P
     const Rational drift = absolute(length / own.scale - length);
     if (drift > place.frameDuration.value_or(0))
         throwSourceRange();
+    // Played at its own pace, a piece may reach past the file's end by what it is off.
+    if (asset.duration)
+        piece.end = std::min(*piece.end, piece.begin + (asset.start + *asset.duration - own.toLocal(piece.begin)));
     add(asset, piece, own, multiplied(place.gain, story.volume));
 }
 

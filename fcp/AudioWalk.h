@@ -6,6 +6,7 @@
 #include "fcp/TimeMap.h"
 #include "fcp/TimeRange.h"
 
+#include <set>
 #include <unordered_map>
 
 /// Walks the clips of a timeline, what is connected to them and what is nested in compound clips, and collects what
@@ -87,5 +88,6 @@ private:
     MediaResources &m_resources;
     std::unordered_map<const xmlNode *, StoryElement> m_stories;
     Found m_found;
+    std::set<const xmlNode *> m_retimed; ///< Speed-changed clips that are counted already.
     int m_visits = 0;
 };

@@ -85,7 +85,7 @@ double product(const std::vector<const xmlNode *> &children, const TimeRange &so
     double result = 1;
     for (const xmlNode *const each : children) {
         if (Xml::isElement(each, "adjust-volume"))
-            result *= factor(each, sound);
+            result = std::min(result * factor(each, sound), std::numeric_limits<double>::max());
     }
     return result;
 }

@@ -55,8 +55,11 @@ std::optional<QUrl> file(const xmlNode *asset)
 
 MediaAsset MediaAsset::read(const xmlNode *asset)
 {
-    if (!::hasSound(asset))
-        return {};
+    if (!::hasSound(asset)) {
+        // Its length still says where what follows it begins; a time that cannot be read matters to nobody.
+        const auto length = Rational::parseTime(Xml::attribute(asset, "duration").value_or(QByteArray()));
+        return {.duration = length && *length > 0 ? length : std::nullopt};
+    }
     MediaAsset result{.hasSound = true,
                       .start = DocumentTime::read(asset, "start").value_or(0),
                       .duration = DocumentTime::read(asset, "duration"),

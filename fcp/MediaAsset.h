@@ -11,7 +11,7 @@
 /// What an "asset" resource says of its file's sound.
 struct MediaAsset
 {
-    bool hasSound = false;                 ///< Nothing else is read where there is none.
+    bool hasSound = false;                 ///< Only the duration is read where there is none.
     Rational start = {};                   ///< The time that clips call the file's first moment. Seconds.
     std::optional<Rational> duration = {}; ///< Seconds, above 0; absent when it is not told.
     std::optional<QUrl> file = {};         ///< A file URL. Absent when the document names no file.

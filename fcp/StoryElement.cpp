@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -117,7 +118,9 @@ void readTimes(StoryElement &story)
 /// A "sync-source" lists the components of the storyline of a synchronized clip, or of what is connected to it.
 void readSource(StoryElement &story, const xmlNode *source)
 {
-    const bool muted = AudioComponents(source).areMuted();
+    const AudioComponents components(source);
+    const bool muted = components.areMuted();
+    story.hasEffects |= components.haveEffects();
     const auto id = Xml::attribute(source, "sourceID");
     story.storylineMuted |= muted && id == "storyline";
     story.connectedMuted |= muted && id == "connected";
@@ -141,7 +144,8 @@ void readAdjustments(StoryElement &story, const std::vector<const xmlNode *> &ad
     const AudioComponents components(adjustments);
     story.muted |= components.areMuted();
     story.hasEffects |= components.haveEffects();
-    story.volume = ClipVolume::product(adjustments, sound) * components.volume(sound);
+    story.volume = std::min(ClipVolume::product(adjustments, sound) * components.volume(sound),
+                            std::numeric_limits<double>::max());
 }
 
 } // namespace
@@ -155,6 +159,8 @@ StoryElement StoryElement::read(const xmlNode *element, const MediaResources &re
         story.enabled = false;
         story.offset = lenientTime(element, "offset");
         story.duration = lenientTime(element, "duration");
+        // Where no duration is stated, what follows it begins after the asset's.
+        story.resource = resources.find(element, "ref");
         return story;
     }
     story.muted = Xml::attribute(element, "srcEnable") == "video";

@@ -198,3 +198,36 @@ TEST_F(TextTools, align_applies_every_match_when_told_to)
     EXPECT_EQ(CommandLine::run({u"align"_s, u"-"_s, u"-"_s}).status, 2);
     EXPECT_EQ(run(u"align"_s, {}).status, 2);
 }
+
+TEST_F(TextTools, nothing_of_the_users_is_lost_to_a_result)
+{
+    const QString original = file(u"中文.srt"_s, FileReader::readAll(path(u"in.srt"_s)));
+    const auto onto = CommandLine::run({u"separate"_s, original, u"--into"_s, path(u"."_s)});
+    EXPECT_EQ(onto.status, 2) << "one half would take the place of the whole";
+    EXPECT_EQ(FileReader::readAll(original), FileReader::readAll(path(u"in.srt"_s)));
+
+    QDir(path(u"."_s)).mkdir(u"out"_s);
+    const QString kept = file(u"out/English.srt"_s, "mine");
+    EXPECT_EQ(CommandLine::shell(u"exec \"$CLI\" separate '%1' --into '%2' --json > /dev/full"_s.arg(path(u"in.srt"_s),
+                                                                                                     path(u"out"_s)))
+                  .status,
+              1);
+    EXPECT_EQ(FileReader::readAll(kept), "mine");
+}
+
+TEST_F(TextTools, an_empty_value_may_follow_an_equals_sign)
+{
+    expectOutcome(run(u"replace"_s, {u"--find=嗯，"_s, u"--with="_s, u"--preview"_s}), 0,
+                  "[{\"after\":\"你好，世界。\\nHello, world\",\"becomesEmpty\":false,\"id\":0,\"occurrences\":1}]\n",
+                  {});
+    expectOutcome(run(u"replace"_s, {u"--find="_s, u"--with="_s}), 1, {}, "请输入要查找的关键词。\n");
+    EXPECT_EQ(run(u"separate"_s, {u"--into"_s, u""_s}).status, 2);
+}
+
+TEST_F(TextTools, a_transcript_that_is_cut_in_a_character_is_refused)
+{
+    for (const QByteArray &bytes : {QByteArray("\xFF\xFE\x60\x4F\x7D", 5), QByteArray("\xFF\xFE\x60\x4F\x3D\xD8", 6),
+                                    QByteArray("\xE4\xBD\xA0\xE5")})
+        expectOutcome(run(u"align"_s, {file(u"script.txt"_s, bytes)}), 1, {},
+                      "文本编码不支持。请先另存为 UTF-8 或 UTF-16。\n");
+}
