@@ -46,18 +46,18 @@ void add(const PresetsArguments &arguments)
 {
     const StylePresetStore store;
     const Options style = arguments.style.applied(Options());
-    const QList<SubtitleStylePreset> presets =
-        SubtitleStylePresets::saving(store.load(), Arguments::toText(arguments.name), style);
-    store.save(presets);
+    const QList<SubtitleStylePreset> presets = store.update([&](const QList<SubtitleStylePreset> &before) {
+        return SubtitleStylePresets::saving(before, Arguments::toText(arguments.name), style);
+    });
     show(presets, arguments.output);
 }
 
 void remove(const PresetsArguments &arguments)
 {
     const StylePresetStore store;
-    const QList<SubtitleStylePreset> presets =
-        SubtitleStylePresets::removing(store.load(), Arguments::toText(arguments.name));
-    store.save(presets);
+    const QList<SubtitleStylePreset> presets = store.update([&](const QList<SubtitleStylePreset> &before) {
+        return SubtitleStylePresets::removing(before, Arguments::toText(arguments.name));
+    });
     show(presets, arguments.output);
 }
 

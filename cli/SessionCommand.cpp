@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 #include "cli/Result.h"
+#include "cli/StandardStreams.h"
 #include "store/LaunchLink.h"
 #include "store/LintoraSession.h"
 
@@ -33,10 +34,21 @@ QString summary(const LintoraSession &session)
     return text;
 }
 
+/// A session from a file, or from what may keep us waiting: standard input or a pipe.
+LintoraSession readSession(const std::string &input)
+{
+    const QString path = Arguments::toPath(input);
+    if (input != "-" && !StandardStreams::isPipe(path))
+        return LintoraSession::read(path);
+    const auto bytes = input == "-" ? StandardStreams::readUpTo(LintoraSession::sizeLimit)
+                                    : StandardStreams::readPipe(path, LintoraSession::sizeLimit);
+    // More than the limit is more by one byte, too.
+    return LintoraSession::decode(bytes.value_or(QByteArray(LintoraSession::sizeLimit + 1, ' ')));
+}
+
 void checkSession(const std::string &input, const Arguments::Output &output)
 {
-    const LintoraSession session = input == "-" ? LintoraSession::decode(Arguments::readInput(input))
-                                                : LintoraSession::read(Arguments::toPath(input));
+    const LintoraSession session = readSession(input);
     Result::deliver(
         output, [&](Utf8Writer &out) { out.text(summary(session)); },
         [&](JsonWriter &json) { writeLintoraSession(json, session); });
@@ -78,7 +90,9 @@ void addSession(CLI::App &app, Work &run)
     const auto arguments = std::make_shared<SessionArguments>();
     command->add_option("file", arguments->input, "会话或草稿文件，- 表示标准输入")->type_name("FILE");
     command->add_option("--link", arguments->link, "检查启动链接，显示它指向的会话文件")->type_name("链接");
-    command->add_option("--make-link", arguments->linkedFile, "生成打开此会话文件的启动链接")->type_name("文件");
+    command->add_option("--make-link", arguments->linkedFile, "生成打开此会话文件的启动链接")
+        ->type_name("文件")
+        ->check(Arguments::notEmpty);
     arguments->output.addPath(*command);
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);

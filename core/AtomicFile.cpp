@@ -27,7 +27,7 @@ bool isReplaceable(const QString &path)
 
 /// Brings what was written to an open file or folder to the disk. Where the file system has no such thing, nothing can
 /// be done.
-void sync(int descriptor)
+void syncDescriptor(int descriptor)
 {
 #ifdef F_FULLFSYNC
     // Here fsync leaves the data in the disk's own cache.
@@ -45,7 +45,7 @@ void syncFolder(const QString &folder)
     if (descriptor < 0)
         return;
     const auto close = qScopeGuard([=] { ::close(descriptor); });
-    sync(descriptor);
+    syncDescriptor(descriptor);
 }
 
 } // namespace
@@ -68,6 +68,13 @@ void AtomicFile::write(QByteArrayView bytes)
         throw PlatformError(m_file->errorString());
 }
 
+void AtomicFile::sync()
+{
+    // The replacement syncs its content too, but keeps to itself when that fails.
+    if (qobject_cast<QSaveFile *>(m_file.get()) != nullptr)
+        syncDescriptor(m_file->handle());
+}
+
 void AtomicFile::commit(Durability durability)
 {
     auto *const replacement = qobject_cast<QSaveFile *>(m_file.get());
@@ -77,9 +84,8 @@ void AtomicFile::commit(Durability durability)
         m_file->close();
         return;
     }
-    // The replacement syncs its content too, but keeps to itself when that fails.
     if (durability == Durability::PowerCut)
-        sync(replacement->handle());
+        sync();
     if (!replacement->commit())
         throw PlatformError(replacement->errorString());
     if (durability == Durability::PowerCut)
@@ -89,9 +95,10 @@ void AtomicFile::commit(Durability durability)
 void AtomicFile::removeLeftovers(const QString &path)
 {
     const QFileInfo target(path);
-    // QSaveFile writes to the target's name with six random letters behind it.
-    const QRegularExpression form(
-        QRegularExpression::anchoredPattern(QRegularExpression::escape(target.fileName()) + u"\\.[A-Za-z]{6}"_s));
+    // QSaveFile writes to the target's name with six random letters behind it. Only what mixes small letters and
+    // capitals is taken for one: "Draft.json.backup" and "Draft.json.Backup" are somebody's.
+    const QRegularExpression form(QRegularExpression::anchoredPattern(
+        QRegularExpression::escape(target.fileName()) + u"\\.(?=[A-Za-z]*[a-z])(?=[A-Za-z]+[A-Z])[A-Za-z]{6}"_s));
     constexpr int age = 10 * 60; // seconds; whoever writes now is done long before
     const QDateTime oldest = QDateTime::currentDateTime().addSecs(-age);
     const QFileInfoList files = QDir(target.path()).entryInfoList(QDir::Files | QDir::Hidden);

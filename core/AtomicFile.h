@@ -24,6 +24,9 @@ public:
 
     void write(QByteArrayView bytes); ///< @throws PlatformError, for instance when the disk is full.
 
+    /// Brings what was written to the disk, so that nothing but the renaming is left to do. @throws PlatformError
+    void sync();
+
     /// What the replacement outlives once commit() has returned.
     enum class Durability
     {

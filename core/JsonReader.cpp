@@ -86,7 +86,9 @@ qint64 JsonReader::readInteger()
     // 3.0 and 3e2 are whole; a double tells whole numbers apart up to 2^53.
     const double value = token.toByteArray().toDouble();
     constexpr double exact = 9007199254740992.0;
-    if (value != std::trunc(value) || std::abs(value) > exact)
+    const auto *const exponent = std::find_if(token.begin(), token.end(), [](char c) { return c == 'e' || c == 'E'; });
+    const bool isZero = std::none_of(token.begin(), exponent, [](char c) { return c >= '1' && c <= '9'; });
+    if (value != std::trunc(value) || std::abs(value) >= exact || (value == 0 && !isZero))
         refuse(expectation);
     return static_cast<qint64>(value);
 }
@@ -241,7 +243,7 @@ void JsonReader::refuseRepeatedKey()
         return;
     }
     std::vector<HashedKey> sorted;
-    sorted.reserve(m_keys.size());
+    sorted.reserve(static_cast<size_t>(m_keys.end() - firstKey));
     std::transform(firstKey, m_keys.end(), std::back_inserter(sorted),
                    [](QByteArrayView key) { return HashedKey{.hash = qHash(key, 0), .key = key}; });
     std::sort(sorted.begin(), sorted.end());

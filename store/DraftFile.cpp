@@ -103,10 +103,16 @@ void DraftFile::replaceFile(const LintoraSession &state)
     std::unique_lock lock(m_mutex);
     const bool isOurs = m_isOurs;
     lock.unlock();
-    if (isThere(file) && (!isOurs || !file.isFile()))
+    const bool isForeign = isThere(file) && (!isOurs || !file.isFile());
+    // A folder in the draft's place must go before anything can be written there; a file stays until its successor is
+    // ready.
+    if (isForeign && !file.isFile())
         setAside();
     AtomicFile target(m_path);
     target.write(bytes);
+    target.sync();
+    if (isForeign && file.isFile())
+        setAside();
     target.commit(AtomicFile::Durability::PowerCut);
     lock.lock();
     m_isOurs = true;

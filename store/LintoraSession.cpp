@@ -4,7 +4,10 @@
 #include "core/FileReader.h"
 #include "core/JsonReader.h"
 #include "core/JsonWriter.h"
+#include "core/PlatformError.h"
 #include "store/Uuid.h"
+
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -77,6 +80,10 @@ LintoraSession LintoraSession::decode(QByteArrayView data)
 
 LintoraSession LintoraSession::read(const QString &path)
 {
+    const QFileInfo file(path);
+    // Opening a pipe might wait forever.
+    if (file.exists() && !file.isFile() && !file.isDir())
+        throw PlatformError(u"“%1”不是普通文件。"_s.arg(path));
     const std::optional<QByteArray> bytes = FileReader::readUpTo(path, sizeLimit);
     if (!bytes)
         throwTooLarge();

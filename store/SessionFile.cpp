@@ -104,14 +104,21 @@ void SessionFile::replaceFile(const LintoraSession &state)
         throw ConversionError(u"字幕会话过大。"_s);
     std::optional<LintoraSession> replaced;
     if (bytes != m_lastBytes) {
-        if (std::optional<Version> unseen = newVersion())
-            replaced = std::move(unseen->session);
         const QFileInfo file(m_path);
-        // Opening a pipe might wait forever; a folder is refused by the platform in its own words.
-        if (file.exists() && !file.isFile() && !file.isDir())
+        // Opening a pipe might wait forever, and a link leads out of the folder that the session was confined to; a
+        // folder is refused by the platform in its own words.
+        if (file.isSymLink() || (file.exists() && !file.isFile() && !file.isDir()))
             throw PlatformError(u"“%1”不是普通文件。"_s.arg(m_path));
         AtomicFile target(m_path);
         target.write(bytes);
+        target.sync();
+        // What we are about to replace is read at the last moment: a version that came while we wrote must not get
+        // lost. One that changed while it was read is read once more.
+        std::optional<Version> unseen = newVersion();
+        if (!unseen)
+            unseen = newVersion();
+        if (unseen)
+            replaced = std::move(unseen->session);
         target.commit(AtomicFile::Durability::PowerCut);
         m_lastBytes = std::move(bytes);
     }
@@ -140,7 +147,7 @@ void SessionFile::look()
 /// The version in the file, if it can be read and is neither the one last seen nor the one last written.
 std::optional<SessionFile::Version> SessionFile::newVersion()
 {
-    if (!QFileInfo(m_path).isFile())
+    if (const QFileInfo file(m_path); file.isSymLink() || !file.isFile())
         return std::nullopt;
     const auto read = [&] { return FileReader::readUpTo(m_path, LintoraSession::sizeLimit).value_or(QByteArray()); };
     QByteArray bytes;

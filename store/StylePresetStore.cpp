@@ -10,6 +10,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QSet>
 
 #include <utility>
@@ -82,4 +83,18 @@ void StylePresetStore::save(const QList<SubtitleStylePreset> &presets) const
     AtomicFile file(m_file);
     file.write(bytes);
     file.commit();
+}
+
+QList<SubtitleStylePreset> StylePresetStore::update(
+    const std::function<QList<SubtitleStylePreset>(const QList<SubtitleStylePreset> &)> &change) const
+{
+    QDir().mkpath(QFileInfo(m_file).path());
+    QLockFile lock(m_file + u".lock"_s);
+    constexpr int patience = 10'000; // milliseconds; a change takes a few
+    // Where no lock can be made no file can be written either, and saving says why.
+    if (!lock.tryLock(patience) && lock.error() == QLockFile::LockFailedError)
+        throw PlatformError(u"样式预设正被另一个程序使用，请稍后再试。"_s);
+    QList<SubtitleStylePreset> presets = change(load());
+    save(presets);
+    return presets;
 }

@@ -2,6 +2,8 @@
 
 #include "store/SubtitleStylePreset.h"
 
+#include <functional>
+
 /// The file in which the user's style presets are kept.
 class StylePresetStore
 {
@@ -28,6 +30,11 @@ public:
     /// @throws ConversionError "最多可保存 100 个样式预设。", or as load does.
     /// @throws PlatformError when the file cannot be written.
     void save(const QList<SubtitleStylePreset> &presets) const;
+
+    /// Loads, changes and saves in one, so that two programs that do so at the same time do not undo each other.
+    /// Returns what was saved. @throws ConversionError, PlatformError as load and save do, and what `change` throws
+    QList<SubtitleStylePreset>
+    update(const std::function<QList<SubtitleStylePreset>(const QList<SubtitleStylePreset> &)> &change) const;
 
 private:
     QString m_file;

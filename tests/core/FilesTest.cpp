@@ -2,6 +2,7 @@
 #include "core/FileReader.h"
 #include "core/PlatformError.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -92,4 +93,22 @@ TEST_F(Files, reading_is_bounded)
     EXPECT_FALSE(FileReader::readUpTo(u"/dev/zero"_s, 1'000'000)) << "a device without an end";
     EXPECT_THROW(FileReader::readUpTo(path(u"missing"_s), 5), PlatformError);
     EXPECT_THROW(FileReader::readAll(path(u""_s)), PlatformError) << "a folder";
+}
+
+TEST_F(Files, leftovers_of_killed_writers_go_and_peoples_copies_stay)
+{
+    const QString target = existing(u"Draft.json"_s, "mine");
+    const QDateTime longAgo = QDateTime::currentDateTime().addDays(-1);
+    for (const QString &name : {u"Draft.json.backup"_s, u"Draft.json.Backup"_s, u"Draft.json.BACKUP"_s,
+                                u"Draft.json.aBcdEf"_s, u"Draft.json.aBcdEfg"_s}) {
+        QFile file(existing(name, "x"));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(longAgo, QFileDevice::FileModificationTime));
+    }
+    existing(u"Draft.json.aBcdEh"_s, "being written now");
+    AtomicFile::removeLeftovers(target);
+    QStringList left = names();
+    left.sort();
+    EXPECT_EQ(left.join(u' ').toStdString(), "Draft.json Draft.json.BACKUP Draft.json.Backup Draft.json.aBcdEfg "
+                                             "Draft.json.aBcdEh Draft.json.backup");
 }
