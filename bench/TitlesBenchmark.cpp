@@ -1,6 +1,10 @@
-// Title documents in process. Measured on 2 cores (Release, g++ 12), median of 9 repetitions, cues from Corpus::cues.
+// Title documents in process. Measured on 2 cores (Release, g++ 12), median of 7 repetitions, cues from Corpus::cues.
 //
-//   MEASURED_TITLES
+//   standalone                10k   4.7 ms (8.7 MB)    100k   56 ms (87 MB)
+//   intoProject, bare clips   10k    11 ms (6.4 MB)
+//   intoProject, full clips   10k    27 ms (7.0 MB)
+//
+// Of a project's time nearly all is libxml2 reading it: 4,000 clips of two levels in 1 MB cost 20 ms.
 
 #include "bench/Corpus.h"
 #include "core/Utf8Writer.h"

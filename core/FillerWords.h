@@ -9,7 +9,9 @@
 /// A list of filler words, made ready for looking through many cues.
 ///
 /// All words are literal. Where several begin at one place, the one with the most characters is tried first, and of
-/// equally long ones the first of the list. The time taken is linear in the text, whatever the words are.
+/// equally long ones the first of the list. The time taken is linear in the text, unless words hold clause
+/// marks themselves ("a!b"): there each removal may make room for the next, and a text built for it takes a round for
+/// each.
 class FillerWords
 {
 public:
