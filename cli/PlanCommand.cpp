@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 #include "cli/Result.h"
+#include "cli/StandardStreams.h"
 #include "fcp/FCPAudioPlan.h"
 #include "fcp/FCPXML.h"
 
@@ -54,12 +55,17 @@ QString summary(const FCPAudioPlan &plan)
     return text;
 }
 
+/// Standard input is data as a drag delivers it: there is no folder in which its files could lie, and what is too large
+/// is refused in the plan's own words.
+QByteArray readDraggedData()
+{
+    return StandardStreams::readUpTo(FCPXML::largestFile).value_or(QByteArray(FCPXML::largestFile + 1, ' '));
+}
+
 void runPlan(const PlanArguments &arguments)
 {
-    // Standard input is data as a drag delivers it: there is no folder in which its files could lie.
-    const FCPAudioPlan plan = arguments.input == "-"
-                                  ? FCPAudioPlan::parse(Arguments::readInput(arguments.input, 2 * FCPXML::largestFile))
-                                  : FCPAudioPlan::parse(Arguments::readProject(arguments.input));
+    const FCPAudioPlan plan = arguments.input == "-" ? FCPAudioPlan::parse(readDraggedData())
+                                                     : FCPAudioPlan::parse(Arguments::readProject(arguments.input));
     Result::deliver(
         arguments.output, [&](Utf8Writer &out) { out.text(summary(plan)); },
         [&](JsonWriter &json) { writeAudioPlan(json, plan); });
