@@ -20,27 +20,34 @@ namespace {
 
 const QString preferredFamily = u"Source Han Sans CN"_s;
 
-QStringList installedFamilies()
-{
-    QStringList families = QFontDatabase::families();
-    families.removeIf([](const QString &family) { return QFontDatabase::isPrivateFamily(family); });
-    return families;
-}
-
-/// Where a system has several foundries' fonts of one name, the database adds the foundry: "Nimbus Sans [urw]".
+/// Where a system has several foundries' fonts of one name, the database adds the foundry: "Nimbus Sans [urw]". In a
+/// title document that would be no font.
 QString withoutFoundry(const QString &family)
 {
     const qsizetype bracket = family.indexOf(u" ["_s);
     return bracket > 0 && family.endsWith(u']') ? family.first(bracket) : family;
 }
 
+QStringList installedFamilies()
+{
+    // Names that stand for whatever fonts a system is set up to use.
+    static const QStringList stands{u"Monospace"_s, u"Sans Serif"_s, u"Serif"_s};
+    QStringList families;
+    for (const QString &family : QFontDatabase::families()) {
+        if (!QFontDatabase::isPrivateFamily(family) && !stands.contains(family))
+            families.append(withoutFoundry(family));
+    }
+    families.removeDuplicates();
+    return families;
+}
+
 FontNames::Names namesInFont(const QString &family)
 {
     const QRawFont font = QRawFont::fromFont(QFont(family));
-    const FontNames::Names names = FontNames::read(font.fontTable("name"));
+    FontNames::Names names = FontNames::read(font.fontTable("name"));
     // A font that cannot be opened is replaced by another one without a word.
-    if (!names.families.contains(withoutFoundry(family), Qt::CaseInsensitive))
-        return {};
+    if (!names.families.contains(family, Qt::CaseInsensitive))
+        names = {};
     return names;
 }
 
@@ -155,9 +162,8 @@ void FontCatalogue::work()
     try {
         FontIndexFile::save(m_indexFile, families);
     } catch (const PlatformError &error) {
-        const QString reason = error.description();
         QMetaObject::invokeMethod(
-            this, [this, reason] { Q_EMIT indexNotSaved(reason); }, Qt::QueuedConnection);
+            this, [this, reason = error.description()] { Q_EMIT indexNotSaved(reason); }, Qt::QueuedConnection);
     }
     deliver(std::move(families), Progress::complete);
 }
