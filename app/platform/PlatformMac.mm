@@ -135,8 +135,8 @@ std::unique_ptr<QSettings> settings()
 
 void log(const QLoggingCategory &category, const QString &line)
 {
-    // Qt hands warnings to the unified log at its default level, and notes at one that is not kept. The subsystem is the
-    // bundle's identifier.
+    // Qt hands warnings to the unified log at its default level, and notes at one that is not kept. The subsystem is
+    // the bundle's identifier.
     qCWarning(category).noquote() << line;
 }
 
