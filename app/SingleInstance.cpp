@@ -1,5 +1,6 @@
 #include "app/SingleInstance.h"
 
+#include "app/platform/Platform.h"
 #include "core/ConversionError.h"
 
 #include <QCryptographicHash>
@@ -10,7 +11,6 @@
 #include <QTimer>
 #include <QtEndian>
 
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,10 +29,7 @@ constexpr char confirmation = '+';
 /// Anybody may take a name and connect to one.
 bool belongsToUser(const QLocalSocket &peer)
 {
-    ucred credentials = {};
-    socklen_t size = sizeof credentials;
-    const auto descriptor = static_cast<int>(peer.socketDescriptor());
-    return getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &credentials, &size) == 0 && credentials.uid == getuid();
+    return Platform::belongsToUser(peer.socketDescriptor());
 }
 
 QByteArray encode(const QList<QUrl> &urls)
@@ -115,6 +112,8 @@ SingleInstance::SingleInstance(std::chrono::milliseconds patience, QObject *pare
 
 SingleInstance::Launch SingleInstance::launch(const QList<QUrl> &urls)
 {
+    if (Platform::systemRunsProgramOnce())
+        return Launch::First;
     const QByteArray message = encode(urls);
     const QDeadlineTimer deadline(m_patience);
     do {

@@ -13,6 +13,8 @@
 /// only and takes it back however that process ends, so that nothing is left behind to clear away. Only processes of
 /// the same user are listened and spoken to.
 ///
+/// Does nothing where the system itself runs the program once.
+///
 /// Must live longer than what the next launch reads: it takes the place once this object is gone.
 class SingleInstance : public QObject
 {

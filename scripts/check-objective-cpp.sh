@@ -13,7 +13,7 @@ sources=("$@")
 [ ${#sources[@]} -gt 0 ] || { echo "check-objective-cpp: 没有找到 .mm 源文件" >&2; exit 1; }
 
 for source in "${sources[@]}"; do
-    clang++ -x objective-c++ -fsyntax-only -std=c++20 -fPIC -I. -Iscripts/objective-cpp "${qt[@]}" \
+    clang++ -x objective-c++ -fsyntax-only -std=c++20 -fPIC -I. -Iscripts/objective-cpp -include system.h "${qt[@]}" \
         -isystem /usr/include/GNUstep -idirafter "$objc" \
         -DGNUSTEP -DGNUSTEP_BASE_LIBRARY=1 -DGNU_GUI_LIBRARY=1 -DGNU_RUNTIME=1 -D_NATIVE_OBJC_EXCEPTIONS \
         -fobjc-exceptions -fobjc-runtime=gcc -fconstant-string-class=NSConstantString \

@@ -56,6 +56,16 @@ public:
 /// theirs reach us. To be called once the application object exists.
 std::unique_ptr<PasteboardTypes> translatePasteboardTypes(const QStringList &types);
 
+/// Whether menus and the program itself stay when the window is closed. Elsewhere the menu bar is the window's, and the
+/// program ends with it.
+bool programOutlivesWindow();
+
+/// Whether the system starts the program only once, and hands the running one files and links as events.
+bool systemRunsProgramOnce();
+
+/// Whether the process at the other end of the local socket `descriptor` belongs to the user who runs this one.
+bool belongsToUser(qintptr descriptor);
+
 /// The user's settings. Sees no keys but its own.
 std::unique_ptr<QSettings> settings();
 

@@ -7,6 +7,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include <unistd.h>
+
 // Compiled without automatic reference counting: nothing here keeps an object of the system's.
 
 namespace Platform {
@@ -122,6 +124,23 @@ void acceptDrops(QWindow &window, const QStringList &types)
 std::unique_ptr<PasteboardTypes> translatePasteboardTypes(const QStringList &types)
 {
     return std::make_unique<Translation>(types);
+}
+
+bool programOutlivesWindow()
+{
+    return true;
+}
+
+bool systemRunsProgramOnce()
+{
+    return true;
+}
+
+bool belongsToUser(qintptr descriptor)
+{
+    uid_t user = 0;
+    gid_t group = 0;
+    return getpeereid(static_cast<int>(descriptor), &user, &group) == 0 && user == getuid();
 }
 
 std::unique_ptr<QSettings> settings()

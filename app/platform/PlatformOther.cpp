@@ -4,6 +4,9 @@
 #include <QSettings>
 #include <QWindow>
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace Platform {
@@ -53,6 +56,24 @@ void acceptDrops(QWindow &, const QStringList &)
 std::unique_ptr<PasteboardTypes> translatePasteboardTypes(const QStringList &)
 {
     return std::make_unique<PasteboardTypes>(); // types travel as they are
+}
+
+bool programOutlivesWindow()
+{
+    return false;
+}
+
+bool systemRunsProgramOnce()
+{
+    return false;
+}
+
+bool belongsToUser(qintptr descriptor)
+{
+    ucred credentials = {};
+    socklen_t size = sizeof credentials;
+    const auto socket = static_cast<int>(descriptor);
+    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) == 0 && credentials.uid == getuid();
 }
 
 std::unique_ptr<QSettings> settings()
