@@ -11,6 +11,7 @@
 #include <QScopeGuard>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -73,6 +74,28 @@ void AtomicFile::sync()
     // The replacement syncs its content too, but keeps to itself when that fails.
     if (qobject_cast<QSaveFile *>(m_file.get()) != nullptr)
         syncDescriptor(m_file->handle());
+}
+
+QByteArray AtomicFile::readBack() const
+{
+    // The name of the file beside the target is not told, but it is open for reading too.
+    const int descriptor = m_file->handle();
+    struct stat status
+    {};
+    if (fstat(descriptor, &status) != 0)
+        throw PlatformError(qt_error_string(errno));
+    QByteArray bytes(status.st_size, Qt::Uninitialized);
+    for (qsizetype done = 0; done < bytes.size();) {
+        const ssize_t read = pread(descriptor, bytes.data() + done, size_t(bytes.size() - done), off_t(done));
+        if (read < 0 && errno == EINTR)
+            continue;
+        if (read < 0)
+            throw PlatformError(qt_error_string(errno));
+        if (read == 0)
+            bytes.truncate(done);
+        done += read;
+    }
+    return bytes;
 }
 
 void AtomicFile::commit(Durability durability)

@@ -27,6 +27,9 @@ public:
     /// Brings what was written to the disk, so that nothing but the renaming is left to do. @throws PlatformError
     void sync();
 
+    /// What has been written, read back from the file system. @throws PlatformError
+    QByteArray readBack() const;
+
     /// What the replacement outlives once commit() has returned.
     enum class Durability
     {

@@ -108,6 +108,25 @@ bool holdsControl(QStringView text)
     return std::any_of(text.begin(), text.end(), [](QChar c) { return c < u' ' && c != u'\t' && c != u'\n'; });
 }
 
+bool isWritable(QStringView text)
+{
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        if (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r')
+            return false;
+        if (c < 0xD800)
+            continue;
+        if (c == 0xFFFE || c == 0xFFFF)
+            return false;
+        if (!QChar::isSurrogate(c))
+            continue;
+        if (!QChar::isHighSurrogate(c) || i + 1 == text.size() || !text[i + 1].isLowSurrogate())
+            return false;
+        ++i;
+    }
+    return true;
+}
+
 qsizetype count(QStringView text)
 {
     if (std::all_of(text.begin(), text.end(), isPlain))

@@ -47,6 +47,10 @@ QStringView trimmedBlanks(QStringView text); ///< `text` without blanks at both 
 /// Whether `text` holds a scalar below U+0020 other than tab and line feed, which no XML document can carry.
 bool holdsControl(QStringView text);
 
+/// Whether XML 1.0, and so a title, can carry every character of `text`: no control characters but tab, line feed and
+/// carriage return, no U+FFFE, U+FFFF, no lone surrogate.
+bool isWritable(QStringView text);
+
 /// The number of characters.
 qsizetype count(QStringView text);
 

@@ -91,10 +91,10 @@ void check(const Draft &draft, const AudioWalk::Found &found)
     if (found.segments.size() > AudioWalk::mostSegments)
         throw ConversionError(u"本次超过 250 个音频片段，请分段导入。"_s);
     if (found.segments.isEmpty() && !found.skippedRetimedAudio.isEmpty())
-        throw ConversionError(
+        throw NothingAudible(
             u"没有找到正常速度的音轨；变速片段自身的音频暂不参与识别。请从 FCP 导出需要识别的人声音频后导入。"_s);
     if (found.segments.isEmpty())
-        throw ConversionError(u"所选 FCP 内容没有可读取的音轨。"_s);
+        throw NothingAudible(u"所选 FCP 内容没有可读取的音轨。"_s);
     if (reach(found.segments) > longestPlan + tolerance)
         throw ConversionError(u"请将超过三小时的时间线分段识别。"_s);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/ConversionError.h"
 #include "fcp/Options.h"
 #include "fcp/XmlDocument.h"
 
@@ -10,6 +11,13 @@
 #include <optional>
 
 class JsonWriter;
+
+/// Refuses a timeline on which nothing can be heard, and that has no other fault.
+class NothingAudible : public ConversionError
+{
+public:
+    using ConversionError::ConversionError;
+};
 
 /// A piece of a media file and where it sounds. Times are seconds, exact to the last bit of a double.
 struct FCPAudioSegment
@@ -36,7 +44,7 @@ struct FCPAudioPlan
     QStringList skippedRetimedAudio; ///< Names of speed-changed clips whose own sound was left out, one for each clip.
 
     /// Plans dragged data: a document of at most 16 MiB with one project, one clip, or several clips with offsets.
-    /// @throws ConversionError with the sentence that says what cannot be planned.
+    /// @throws ConversionError with the sentence that says what cannot be planned; NothingAudible is one.
     /// @throws PlatformError when the data is no XML.
     static FCPAudioPlan parse(QByteArrayView data);
 

@@ -48,6 +48,8 @@ public:
 
     explicit TitleDocument(Content content);
 
+    const QByteArray &effectID() const { return m_content.effectID; } ///< What all its titles refer to.
+
     /// Writes the document as UTF-8, the same bytes every time, and calls out.finish().
     void write(Utf8Writer &out) const;
 

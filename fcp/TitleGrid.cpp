@@ -1,7 +1,7 @@
 #include "fcp/TitleGrid.h"
 
+#include "core/Characters.h"
 #include "core/ConversionError.h"
-#include "fcp/XmlText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -35,7 +35,7 @@ bool areWritable(const Options &options)
                              options.shadowColor,
                              options.titleRole.value_or(QString()),
                              options.fontFace.value_or(QString())};
-    return std::all_of(std::begin(texts), std::end(texts), XmlText::isWritable);
+    return std::all_of(std::begin(texts), std::end(texts), Characters::isWritable);
 }
 
 void checkOptions(const Options &options)
@@ -54,7 +54,7 @@ Title placeCue(const Subtitle &cue, const Options &options)
     const QStringView text = QStringView(cue.text).trimmed();
     if (text.isEmpty() || cue.start >= cue.end)
         throw invalid();
-    if (!XmlText::isWritable(cue.text))
+    if (!Characters::isWritable(cue.text))
         throw ConversionError::aboutCue(cue.id, u" 条字幕含无效控制字符。");
     qint64 start = 0;
     qint64 end = 0;

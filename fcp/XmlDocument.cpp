@@ -7,6 +7,7 @@
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
@@ -32,11 +33,120 @@ enum class Refusal
     defaultAttribute ///< Declares an attribute's default, which one line could put into a million elements.
 };
 
+/// What goes on while a document is parsed.
+struct Progress
+{
+    Refusal refusal = Refusal::none;
+    const XmlDocument::Extraction *extraction = nullptr;        ///< Null when everything goes into the tree.
+    std::optional<XmlDocument::Extract> extract = std::nullopt; ///< The element being taken out.
+    int depth = 0;                                              ///< Open elements inside it.
+    int textDepth = 0;                                          ///< Those of them that are "text".
+};
+
+Progress &progressOf(void *context)
+{
+    return *static_cast<Progress *>(static_cast<xmlParserCtxt *>(context)->_private);
+}
+
 void refuse(void *context, Refusal reason)
 {
-    auto *const parser = static_cast<xmlParserCtxt *>(context);
-    *static_cast<Refusal *>(parser->_private) = reason;
-    xmlStopParser(parser);
+    progressOf(context).refusal = reason;
+    xmlStopParser(static_cast<xmlParserCtxt *>(context));
+}
+
+using Attributes = std::vector<std::pair<QByteArray, QByteArray>>;
+
+/// The attributes as the parser hands them over, five pointers each: name, prefix, namespace, value, its end.
+Attributes readAttributes(const xmlChar **attributes, int count)
+{
+    Attributes result;
+    for (int i = 0; i < count; ++i) {
+        const xmlChar **const each = attributes + ptrdiff_t(i) * 5;
+        result.emplace_back(QByteArray(plainChars(each[0])), QByteArray(plainChars(each[3]), each[4] - each[3]));
+    }
+    return result;
+}
+
+bool isWanted(const XmlDocument::Extraction &extraction, const xmlChar *name, const Attributes &attributes)
+{
+    return QByteArrayView(plainChars(name)) == extraction.element &&
+           std::ranges::any_of(attributes, [&](const auto &each) {
+               return each.first == extraction.attribute && each.second == extraction.value;
+           });
+}
+
+void startElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *uri, int namespaceCount,
+                  const xmlChar **namespaces, int attributeCount, int defaultCount, const xmlChar **attributes)
+{
+    Progress &progress = progressOf(context);
+    if (progress.extract) {
+        ++progress.depth;
+        progress.textDepth += QByteArrayView(plainChars(name)) == "text" ? 1 : 0;
+        return;
+    }
+    if (QByteArrayView(plainChars(name)) == progress.extraction->element) {
+        Attributes found = readAttributes(attributes, attributeCount);
+        if (isWanted(*progress.extraction, name, found)) {
+            progress.extract = {
+                .parent = static_cast<xmlParserCtxt *>(context)->node, .attributes = std::move(found), .text = {}};
+            return;
+        }
+    }
+    xmlSAX2StartElementNs(context, name, prefix, uri, namespaceCount, namespaces, attributeCount, defaultCount,
+                          attributes);
+}
+
+void endElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *uri)
+{
+    Progress &progress = progressOf(context);
+    if (!progress.extract) {
+        xmlSAX2EndElementNs(context, name, prefix, uri);
+    } else if (progress.depth == 0) {
+        progress.extraction->take(*std::exchange(progress.extract, std::nullopt));
+    } else {
+        --progress.depth;
+        progress.textDepth -= QByteArrayView(plainChars(name)) == "text" ? 1 : 0;
+    }
+}
+
+void takeCharacters(void *context, const xmlChar *text, int length)
+{
+    Progress &progress = progressOf(context);
+    if (!progress.extract)
+        xmlSAX2Characters(context, text, length);
+    else if (progress.textDepth > 0)
+        progress.extract->text.append(plainChars(text), length);
+}
+
+void takeSection(void *context, const xmlChar *text, int length)
+{
+    if (progressOf(context).extract)
+        takeCharacters(context, text, length);
+    else
+        xmlSAX2CDataBlock(context, text, length);
+}
+
+void takeComment(void *context, const xmlChar *text)
+{
+    if (!progressOf(context).extract)
+        xmlSAX2Comment(context, text);
+}
+
+void takeInstruction(void *context, const xmlChar *target, const xmlChar *data)
+{
+    if (!progressOf(context).extract)
+        xmlSAX2ProcessingInstruction(context, target, data);
+}
+
+void extractFrom(xmlSAXHandler &handler)
+{
+    handler.startElementNs = startElement;
+    handler.endElementNs = endElement;
+    handler.characters = takeCharacters;
+    handler.ignorableWhitespace = takeCharacters;
+    handler.cdataBlock = takeSection;
+    handler.comment = takeComment;
+    handler.processingInstruction = takeInstruction;
 }
 
 void refuseEntity(void *context, const xmlChar * /*name*/, int /*type*/, const xmlChar * /*publicId*/,
@@ -95,6 +205,22 @@ PlatformError parserError(xmlParserCtxt *parser)
 
 XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal)
 {
+    return parse(bytes, entityRefusal, nullptr);
+}
+
+XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction &extraction)
+{
+    return parse(bytes, entityRefusal, &extraction);
+}
+
+QByteArray XmlDocument::Extract::attribute(QByteArrayView name) const
+{
+    const auto found = std::ranges::find(attributes, name, &std::pair<QByteArray, QByteArray>::first);
+    return found == attributes.end() ? QByteArray() : found->second;
+}
+
+XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction *extraction)
+{
     if (XmlGuard::mentionsEntity(bytes))
         throw ConversionError(entityRefusal.toString());
     if (bytes.size() > std::numeric_limits<int>::max())
@@ -106,17 +232,19 @@ XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal)
         throw std::bad_alloc();
     const SilentErrors silent;
     // The text search above knows the encodings of one, two and four bytes; the parser knows them all.
-    auto refusal = Refusal::none;
-    parser->_private = &refusal;
+    Progress progress{.extraction = extraction};
+    parser->_private = &progress;
+    if (extraction)
+        extractFrom(*parser->sax);
     parser->sax->entityDecl = refuseEntity;
     parser->sax->reference = refuseReference;
     parser->sax->attributeDecl = declareAttribute;
     XmlDocument document(
         xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
                           XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
-    if (refusal == Refusal::entity)
+    if (progress.refusal == Refusal::entity)
         throw ConversionError(entityRefusal.toString());
-    if (refusal == Refusal::defaultAttribute)
+    if (progress.refusal == Refusal::defaultAttribute)
         throw parseError(u"不支持文档自带的属性默认值。"_s);
     if (!document.get() || !parser->wellFormed || !document.root())
         throw parserError(parser.get());

@@ -5,8 +5,11 @@
 
 #include <libxml/tree.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
 /// One XML document in memory, the owner of its nodes. Moved, never copied.
 class XmlDocument
@@ -21,6 +24,28 @@ public:
     /// for hours.
     static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal);
 
+    /// An element that was taken out of a document, with nothing inside but what is said here.
+    struct Extract
+    {
+        xmlNode *parent;                                           ///< In the rest of the document.
+        std::vector<std::pair<QByteArray, QByteArray>> attributes; ///< Names and values, in document order.
+        QByteArray text;                                           ///< All character data inside its "text" elements.
+
+        QByteArray attribute(QByteArrayView name) const; ///< Empty when absent.
+    };
+
+    /// Which elements are to be taken out, and who takes them, in document order.
+    struct Extraction
+    {
+        QByteArray element;                     ///< Its name.
+        QByteArray attribute;                   ///< One that it must have …
+        QByteArray value;                       ///< … with this value.
+        std::function<void(Extract)> take = {}; ///< Must not throw.
+    };
+
+    /// The same without the elements that `extraction` takes: a hundred thousand of them then need no tree.
+    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction &extraction);
+
     xmlDoc *get() const { return m_document.get(); }
     xmlNode *root() const { return xmlDocGetRootElement(m_document.get()); }
 
@@ -29,6 +54,8 @@ private:
     {
         void operator()(xmlDoc *document) const { xmlFreeDoc(document); }
     };
+
+    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction *extraction);
 
     explicit XmlDocument(xmlDoc *document)
         : m_document(document)

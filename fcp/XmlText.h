@@ -7,10 +7,6 @@ class Utf8Writer;
 /// Text that goes into an XML document.
 namespace XmlText {
 
-/// Whether XML 1.0 can carry every character of `text`: no control characters but tab, line feed and carriage return,
-/// no U+FFFE, U+FFFF, no lone surrogate.
-bool isWritable(QStringView text);
-
 /// Writes `text` as element content: & < > and carriage returns as references, line feeds and tabs as they stand.
 void writeContent(QStringView text, Utf8Writer &out);
 void writeContent(QByteArrayView utf8, Utf8Writer &out);

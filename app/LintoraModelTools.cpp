@@ -1,0 +1,200 @@
+// The text tools and the titles' look.
+
+#include "app/JobTracks.h"
+#include "app/LintoraModel.h"
+#include "core/ConversionError.h"
+#include "core/KeywordReplacement.h"
+#include "core/LanguageSeparation.h"
+#include "core/SubtitleCleanup.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString joinedText(const QList<Subtitle> &cues)
+{
+    QString text;
+    for (const Subtitle &cue : cues)
+        text += cue.text + u'\n';
+    return text;
+}
+
+} // namespace
+
+void LintoraModel::setRemoveFillers(bool on)
+{
+    LintoraSession next = m_job;
+    next.removeFillers = on;
+    replaceJob(JobTracks::committed(std::move(next)));
+}
+
+void LintoraModel::setRemovePunctuation(bool on)
+{
+    LintoraSession next = m_job;
+    next.removePunctuation = on;
+    replaceJob(JobTracks::committed(std::move(next)));
+}
+
+void LintoraModel::clean()
+{
+    if (refuseWhileBusy(u"请等待当前任务完成后再清理。"_s))
+        return;
+    // With both switches off there is nothing to clean, whatever the cues hold.
+    const QList<Subtitle> result =
+        removeFillers() || removePunctuation()
+            ? SubtitleCleanup::apply(
+                  items(), {.removeFillers = removeFillers(), .removePunctuation = removePunctuation()}, m_fillerWords)
+            : items();
+    if (joinedText(result) == joinedText(items())) {
+        report(u"没有需要清理的内容"_s);
+        return;
+    }
+    LintoraSession next = m_job;
+    next.previousItems = items();
+    next.items = result;
+    next.cleaned = true;
+    replaceJob(JobTracks::committed(std::move(next)));
+    report(u"已清理"_s);
+}
+
+void LintoraModel::undoCleanup()
+{
+    if (!previousItems() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+        return;
+    LintoraSession next = m_job;
+    next.items = *std::exchange(next.previousItems, std::nullopt);
+    next.cleaned = false;
+    replaceJob(JobTracks::committed(std::move(next)));
+    report(u"已撤销"_s);
+}
+
+std::optional<qint64> LintoraModel::replaceKeywords(const QString &query, const QString &with)
+{
+    if (refuseWhileBusy(u"请等待当前任务完成后再替换。"_s))
+        return std::nullopt;
+    try {
+        const KeywordReplacement::Outcome outcome = KeywordReplacement::apply(items(), query, with);
+        if (outcome.changedCues == 0) {
+            report(u"没有需要替换的内容"_s);
+            return 0;
+        }
+        const QList<Subtitle> before = items();
+        replaceItems(outcome.items);
+        m_replacement = Restore{.track = *selectedTrackID(), .before = before, .after = items()};
+        report(u"已替换 %1 处 · %2 条字幕，可撤销修改"_s.arg(outcome.occurrences).arg(outcome.changedCues));
+        return outcome.occurrences;
+    } catch (const ConversionError &error) {
+        reportFailure(error.message());
+        return std::nullopt;
+    }
+}
+
+bool LintoraModel::isRestorable(const std::optional<Restore> &restore) const
+{
+    if (!restore || aiBusy())
+        return false;
+    const auto index = JobTracks::indexOf(m_job, restore->track);
+    return index && tracks().at(*index).items == restore->after;
+}
+
+/// Puts the cues back, in their own track and as a step of its own.
+void LintoraModel::restore(std::optional<Restore> &restore, const QString &message)
+{
+    if (!isRestorable(restore))
+        return;
+    LintoraSession next = JobTracks::selecting(m_job, restore->track);
+    next.items = restore->before;
+    replaceJob(JobTracks::committed(std::move(next)));
+    report(message);
+}
+
+bool LintoraModel::canUndoReplacement() const
+{
+    return isRestorable(m_replacement);
+}
+
+void LintoraModel::undoReplacement()
+{
+    restore(m_replacement, u"已撤销，字幕恢复为替换前内容"_s);
+}
+
+void LintoraModel::saveFillerWords(const QString &text)
+{
+    const QStringList words = SubtitleCleanup::savedWords(text);
+    m_preferences.setFillerWords(words);
+    publish(m_fillerWords, words, &LintoraModel::fillerWordsChanged);
+}
+
+void LintoraModel::separateLanguages()
+{
+    if (refuseWhileBusy(u"请等待当前任务完成后再分离。"_s))
+        return;
+    const QList<LanguageSeparation::GroupedCues> groups = LanguageSeparation::split(items());
+    if (!LanguageSeparation::holdsBothLanguages(groups)) {
+        reportFailure(LanguageSeparation::nothingToSeparate());
+        return;
+    }
+    replaceJob(JobTracks::separated(m_job, groups));
+    const bool leftSome = groups.last().group == LanguageSeparation::Group::unassigned;
+    report(leftSome ? u"已分离，未识别文字保留在“待归类”中"_s : u"已分离，中文和 English 可独立编辑、拖入 FCP"_s);
+}
+
+void LintoraModel::restoreOriginal()
+{
+    if (!splitOriginal() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+        return;
+    replaceJob(JobTracks::restored(m_job));
+    report(u"已恢复分离前原稿"_s);
+}
+
+// Titles' look
+
+void LintoraModel::beginGesture()
+{
+    m_isGesture = true;
+    m_gestureRecorded = false;
+}
+
+void LintoraModel::endGesture()
+{
+    m_isGesture = false;
+}
+
+void LintoraModel::setOptions(const Options &options)
+{
+    LintoraSession next = m_job;
+    next.options = options;
+    replaceJob(JobTracks::committed(std::move(next)));
+}
+
+void LintoraModel::setCanvasHeight(qint64 pixels)
+{
+    Options options = m_job.options;
+    options.height = pixels;
+    setOptions(options);
+}
+
+void LintoraModel::saveStylePreset(const QString &named)
+{
+    const QString name = named.trimmed();
+    m_presets.run(
+        u"正在保存预设…"_s,
+        [store = m_presetStore, name, style = options()](LocalAIJob & /*job*/, const BackgroundTask::Progress &) {
+            return store.update([&](QList<SubtitleStylePreset> presets) {
+                const auto same = std::ranges::find(presets, name, &SubtitleStylePreset::name);
+                if (same != presets.end())
+                    same->style = style;
+                else
+                    presets.append({.id = QUuid::createUuid(), .name = name, .style = style});
+                return presets;
+            });
+        },
+        [this, name](const QList<SubtitleStylePreset> &presets) {
+            publish(m_stylePresets, presets, &LintoraModel::stylePresetsChanged);
+            report(u"已保存样式预设“%1”"_s.arg(name));
+        },
+        [this](const QString &sentence) { reportFailure(sentence); });
+}

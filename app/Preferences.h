@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QSettings>
+
+#include <memory>
+
+/// What the program remembers between runs beside the job, under the keys of the user defaults.
+///
+/// A value of another type than it should have counts as absent. Written values reach the file by themselves.
+class Preferences
+{
+public:
+    /// Keeps in `settings`, which must not be null.
+    explicit Preferences(std::shared_ptr<QSettings> settings);
+
+    QStringList fillerWords() const; ///< The default list when absent. May be empty.
+    void setFillerWords(const QStringList &words);
+
+    bool floatingPinned() const; ///< True when absent.
+    void setFloatingPinned(bool pinned);
+
+    bool expandedActionsLayout() const; ///< Whether the window was enlarged once for its newer layout.
+    void setExpandedActionsLayout(bool done);
+
+    QByteArray windowFrame() const; ///< As the window saved it; empty when absent.
+    void setWindowFrame(const QByteArray &frame);
+
+private:
+    std::shared_ptr<QSettings> m_settings;
+};
