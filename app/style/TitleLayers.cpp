@@ -40,7 +40,7 @@ public:
     {
         std::vector<uchar> mask(m_all.size());
         std::ranges::transform(shadowCoverage(), mask.begin(), [](float value) {
-            return static_cast<uchar>(std::clamp(static_cast<int>(value + 0.5F), 0, 255));
+            return static_cast<uchar>(std::min(value * (256.0F / 255.0F), 255.0F));
         });
         painter.drawImage(m_area.topLeft(), tinted(mask, color));
     }
