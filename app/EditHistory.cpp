@@ -7,9 +7,11 @@
 
 namespace {
 
+// Clearing a shared list would give it as much room of its own as it had.
+
 LintoraSession withoutCues(LintoraSession state)
 {
-    state.items.clear();
+    state.items = {};
     state.previousItems.reset();
     state.tracks.reset();
     return state;
@@ -17,7 +19,7 @@ LintoraSession withoutCues(LintoraSession state)
 
 SubtitleTrack withoutCues(SubtitleTrack track)
 {
-    track.items.clear();
+    track.items = {};
     track.previousItems.reset();
     return track;
 }
