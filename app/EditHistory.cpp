@@ -97,7 +97,8 @@ std::shared_ptr<const EditHistory::FrozenTrack> EditHistory::freeze(const Subtit
             continue;
         before = m_frozen.tracks[i].get();
         original = &m_current.tracks->at(qsizetype(i));
-        if (track == *original)
+        // Cues that differ are compared once, when they are put away.
+        if (isShared(track.items, original->items) && track == *original)
             return m_frozen.tracks[i];
     }
     auto frozen = std::make_shared<FrozenTrack>();
