@@ -208,6 +208,9 @@ public:
     const QString &draftURL() const { return m_keeper.draftURL(); }
     std::optional<QString> sessionURL() const { return m_keeper.sessionURL(); }
 
+    /// Looks at the shared session now, instead of at the next of its regular looks.
+    void refreshSession() { m_keeper.refreshSession(); }
+
     /// Saves what still waits, draft and session, before it returns. Failures are said in `message`.
     void saveDraft();
     void shutdownAI(); ///< Cancels every long operation, and waits for its end.

@@ -1,0 +1,96 @@
+#include "core/AtomicFile.h"
+#include "core/SRT.h"
+#include "fcp/FCPXML.h"
+#include "fcp/SubtitleTransfer.h"
+#include "tests/support/Generator.h"
+#include "tests/support/ModelTest.h"
+#include "tests/support/StoryDocument.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class ExportTest : public ModelTest
+{
+protected:
+    /// Answers the dialog and waits for the file.
+    QByteArray exported(void (LintoraModel::*operation)(), const QString &name)
+    {
+        answer = home(name);
+        (*model.*operation)();
+        settle();
+        return QFile::exists(answer) ? read(answer) : QByteArray();
+    }
+};
+
+QByteArray project()
+{
+    return StoryDocument::project("100s", {tag("asset-clip name=采访 ref=talk offset=0s start=5s duration=60s"),
+                                           tag("gap offset=60s start=3600s duration=40s")});
+}
+
+} // namespace
+
+TEST_F(ExportTest, writes_the_selected_track_as_SRT)
+{
+    const QList<Subtitle> cues = Generator(1).cues(20);
+    loadCues(cues, u"访谈.第一集.srt"_s);
+    EXPECT_EQ(exported(&LintoraModel::exportSRT, u"out.srt"_s), SRT::serialize(cues).toUtf8());
+    EXPECT_EQ(asked, u"访谈.第一集.srt"_s);
+    EXPECT_EQ(model->message(), u"已导出 20 条字幕"_s);
+    model->separateLanguages();
+}
+
+TEST_F(ExportTest, writes_and_proof_reads_titles_alone_and_in_the_kept_project)
+{
+    const QList<Subtitle> cues = Generator(2).cues(20);
+    loadCues(cues);
+    exported(&LintoraModel::exportFCPXML, u"alone.fcpxml"_s);
+    EXPECT_EQ(model->message(), u"已写入并核对 20 条字幕，逐帧一致"_s);
+    EXPECT_EQ(FCPXML::projects(FCPXML::document(answer)).size(), 1U);
+
+    load(write(u"rough.fcpxml"_s, project()));
+    QFile::remove(home(u"rough.fcpxml"_s));
+    const QByteArray document = exported(&LintoraModel::exportToProject, u"connected.fcpxml"_s);
+    EXPECT_EQ(model->message(), u"已写入并核对 20 条字幕，逐帧一致"_s) << qPrintable(failure());
+    EXPECT_TRUE(document.contains("采访"));
+    EXPECT_EQ(document.count("<title "), 20);
+}
+
+TEST_F(ExportTest, asks_for_the_project_again_after_a_restart)
+{
+    loadCues(Generator(2).cues(5));
+    load(write(u"rough.fcpxml"_s, project()));
+    restart();
+    EXPECT_FALSE(model->project());
+    EXPECT_EQ(model->items().size(), 5);
+    // One answer serves both dialogs: the project is read, and then replaced.
+    exported(&LintoraModel::exportToProject, u"rough.fcpxml"_s);
+    EXPECT_EQ(model->message(), u"已写入并核对 5 条字幕，逐帧一致"_s) << qPrintable(failure());
+    EXPECT_TRUE(model->project());
+}
+
+TEST_F(ExportTest, a_file_that_cannot_be_written_stays_as_it_was)
+{
+    loadCues(Generator(2).cues(5));
+    const QString kept = write(u"kept.fcpxml"_s, "mine");
+    load(write(u"short.fcpxml"_s, StoryDocument::project("1s", {tag("gap offset=0s duration=1s")})));
+    EXPECT_EQ(exported(&LintoraModel::exportToProject, u"kept.fcpxml"_s), "mine");
+    EXPECT_EQ(failure(), u"字幕超出项目时长，请检查音频版本或时间偏移。"_s);
+    exported(&LintoraModel::exportSRT, u"missing/out.srt"_s);
+    EXPECT_FALSE(failure().isEmpty());
+    EXPECT_EQ(QDir(home({})).entryList({u"kept*"_s}).size(), 1) << "nothing is left beside it";
+}
+
+TEST_F(ExportTest, a_dragged_card_carries_its_own_track)
+{
+    EXPECT_EQ(model->payload(std::nullopt), std::nullopt);
+    EXPECT_EQ(failure(), u"请先打开 SRT。"_s);
+    loadCues({{.id = 1, .start = 0, .end = 900, .text = u"你好\nHello"_s}});
+    model->separateLanguages();
+    const SubtitleTrack english = model->visibleTracks()[1];
+    EXPECT_EQ(model->payload(english.id), SubtitleTransfer::clip(english.items, english.options));
+    EXPECT_EQ(model->payload(std::nullopt), SubtitleTransfer::clip(model->items(), model->options()));
+}

@@ -1,0 +1,204 @@
+#include "core/AtomicFile.h"
+#include "store/LaunchLink.h"
+#include "store/Locations.h"
+#include "tests/support/Events.h"
+#include "tests/support/Generator.h"
+#include "tests/support/ModelTest.h"
+#include "tests/support/Sessions.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class PersistenceTest : public ModelTest
+{
+protected:
+    /// What the extension does: writes a session and opens its link.
+    QString putSession(const LintoraSession &session) const
+    {
+        QDir().mkpath(Locations::sessions());
+        const QString path = Locations::sessions() + u"/0F1E2D3C-4B5A-6978-8796-A5B4C3D2E1F0.json"_s;
+        AtomicFile file(path);
+        file.write(session.encoded());
+        file.commit();
+        return path;
+    }
+
+    bool waitForSource(const QString &source)
+    {
+        return Events::waitFor([&] { return model->source() == source; });
+    }
+
+    /// Opens the session and waits until its version is there.
+    QString open(const LintoraSession &session)
+    {
+        const QString path = putSession(session);
+        model->receiveURL(LaunchLink::launchURL(path));
+        settle();
+        EXPECT_TRUE(waitForSource(session.source));
+        return path;
+    }
+};
+
+} // namespace
+
+TEST_F(PersistenceTest, the_job_outlives_a_restart_whole)
+{
+    loadCues({{.id = 1, .start = 0, .end = 900, .text = u"嗯，你好\nHello"_s},
+              {.id = 2, .start = 900, .end = 1'800, .text = u"x"_s}});
+    model->setRemoveFillers(true);
+    model->clean();
+    model->separateLanguages();
+    model->selectTrack(model->visibleTracks()[1].id);
+    model->setText(0, u"改"_s);
+    const LintoraSession job = model->snapshot();
+    restart();
+    EXPECT_EQ(model->snapshot(), job);
+    EXPECT_FALSE(model->canUndo());
+    EXPECT_EQ(failure(), QString());
+}
+
+TEST_F(PersistenceTest, what_is_typed_is_saved_without_a_quit)
+{
+    loadCues(Generator(1).cues(3));
+    model->setText(1, u"刚打的字"_s);
+    EXPECT_TRUE(Events::waitFor([&] {
+        return QFile::exists(model->draftURL()) &&
+               LintoraSession::read(model->draftURL()).items[1].text == u"刚打的字"_s;
+    }));
+}
+
+TEST_F(PersistenceTest, starts_empty_and_silent_without_a_draft_that_can_be_read)
+{
+    const QString draft = Locations::draft();
+    model.reset();
+    QDir().mkpath(QFileInfo(draft).path());
+    for (const QByteArray &bytes : {QByteArray("{"), QByteArray(16'777'217, ' '), QByteArray("{\"schema\":3}")}) {
+        AtomicFile file(draft);
+        file.write(bytes);
+        file.commit();
+        model = start();
+        EXPECT_TRUE(model->items().isEmpty());
+        EXPECT_EQ(model->message(), QString());
+        EXPECT_EQ(failure(), QString());
+        model.reset();
+    }
+}
+
+TEST_F(PersistenceTest, an_oversize_draft_is_refused_and_the_last_one_stays)
+{
+    loadCues(Generator(1).cues(3));
+    model->saveDraft();
+    const QByteArray saved = read(model->draftURL());
+    model->setText(0, QString(17'000'000, u'a'));
+    model->saveDraft();
+    EXPECT_EQ(model->message(), u"无法保存字幕草稿：字幕草稿过大，请导出 SRT 后分批处理"_s);
+    EXPECT_EQ(read(model->draftURL()), saved);
+}
+
+TEST_F(PersistenceTest, a_record_of_any_shape_becomes_a_job_in_order)
+{
+    const QList<Subtitle> cues = Generator(1).cues(3);
+    LintoraSession old{.schema = 1, .items = cues, .source = u"旧"_s, .previousItems = cues, .cleaned = true};
+    model->apply(old);
+    ASSERT_EQ(model->tracks().size(), 1);
+    EXPECT_EQ(model->tracks().first().items, cues);
+    EXPECT_EQ(model->snapshot().schema, 2);
+    model->undoCleanup();
+    EXPECT_FALSE(model->cleaned());
+
+    LintoraSession stray = Sessions::full();
+    stray.selectedTrackID = QUuid::createUuid();
+    model->apply(stray);
+    EXPECT_EQ(model->selectedTrackID(), stray.tracks->first().id) << "the one that is not the original";
+    stray.tracks = QList<SubtitleTrack>();
+    stray.items.clear();
+    model->apply(stray);
+    EXPECT_FALSE(model->selectedTrackID());
+    EXPECT_FALSE(model->splitOriginal());
+    EXPECT_EQ(model->insertCue(-1), 0);
+}
+
+TEST_F(PersistenceTest, a_link_opens_its_session_and_both_sides_stay_one)
+{
+    model->toggleFloating();
+    EXPECT_FALSE(model->pinned());
+    model->reportFailure(u"旧"_s);
+    const QString path = open(Sessions::uniform(u"extension 1"_s));
+    EXPECT_EQ(model->message(), u"已载入"_s);
+    EXPECT_EQ(failure(), QString());
+    EXPECT_TRUE(model->pinned());
+    EXPECT_EQ(model->sessionURL(), path);
+
+    model->setText(0, u"本机"_s);
+    EXPECT_TRUE(Events::waitFor([&] { return LintoraSession::read(path).items[0].text == u"本机"_s; }));
+    putSession(Sessions::uniform(u"extension 2"_s));
+    EXPECT_TRUE(waitForSource(u"extension 2"_s));
+    model->undo();
+    EXPECT_EQ(texts().first(), u"本机"_s) << "what came from outside is a step";
+    EXPECT_TRUE(Events::waitFor([&] { return LintoraSession::read(path).items[0].text == u"本机"_s; }));
+    EXPECT_TRUE(restart().pinned());
+}
+
+TEST_F(PersistenceTest, a_bad_link_changes_nothing)
+{
+    loadCues(Generator(1).cues(3));
+    const LintoraSession before = model->snapshot();
+    const QString path = putSession(Sessions::uniform(u"x"_s));
+    const QString broken = Locations::sessions() + u"/11111111-2222-3333-4444-555555555555.json"_s;
+    const std::pair<QUrl, QString> rows[] = {
+        {QUrl(u"lintora://other?session=/x"_s), u"悬浮窗口链接无效。"_s},
+        {LaunchLink::launchURL(home(u"a.json"_s)), u"字幕会话位置无效。"_s},
+    };
+    for (const auto &[link, sentence] : rows) {
+        model->receiveURL(link);
+        settle();
+        EXPECT_EQ(failure(), sentence);
+    }
+    AtomicFile file(broken);
+    file.write("{\"schema\":3}");
+    file.commit();
+    model->receiveURL(LaunchLink::launchURL(broken));
+    settle();
+    EXPECT_FALSE(failure().isEmpty());
+    EXPECT_FALSE(model->sessionURL());
+    EXPECT_EQ(model->snapshot(), before);
+}
+
+TEST_F(PersistenceTest, a_version_that_comes_while_a_job_owns_the_cues_waits)
+{
+    open(Sessions::uniform(u"extension 1"_s));
+    model->beginAIJob(std::make_shared<LocalAIJob>());
+    const LintoraSession before = model->snapshot();
+    putSession(Sessions::uniform(u"extension 2"_s));
+    model->refreshSession();
+    EXPECT_EQ(model->snapshot(), before);
+    model->endAIJob();
+    EXPECT_TRUE(waitForSource(u"extension 2"_s));
+}
+
+TEST_F(PersistenceTest, two_models_share_one_session)
+{
+    const QString path = open(Sessions::uniform(u"extension"_s));
+    // The other program is played by a second model with a draft of its own.
+    LintoraModel other({.draftURL = home(u"other.json"_s),
+                        .settings = std::make_shared<QSettings>(home(u"other.ini"_s), QSettings::IniFormat)});
+    other.receiveURL(LaunchLink::launchURL(path));
+    EXPECT_TRUE(Events::waitFor([&] { return other.source() == u"extension"_s; }));
+    Generator generator(4);
+    for (int round = 0; round < 6; ++round) {
+        LintoraModel &writer = round % 2 == 0 ? *model : other;
+        const LintoraModel &reader = round % 2 == 0 ? other : *model;
+        writer.setText(generator.number(0, 19), u"第 %1 轮"_s.arg(round));
+        EXPECT_TRUE(Events::waitFor([&] { return reader.snapshot() == writer.snapshot(); })) << round;
+    }
+    // Both at once: one of the two prevails, on both sides, and the other one can be undone to where it was written.
+    model->setText(0, u"甲"_s);
+    other.setText(0, u"乙"_s);
+    EXPECT_TRUE(Events::waitFor([&] { return other.snapshot() == model->snapshot(); }));
+    LintoraModel &winner = other.items()[0].text == u"甲"_s ? *model : other;
+    EXPECT_TRUE(winner.canUndo());
+    EXPECT_EQ(LintoraSession::read(path).items[0].text, model->items()[0].text);
+}

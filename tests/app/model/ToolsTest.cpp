@@ -1,0 +1,368 @@
+#include "core/ConversionError.h"
+#include "core/SubtitleCleanup.h"
+#include "tests/support/Events.h"
+#include "tests/support/Generator.h"
+#include "tests/support/ModelTest.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class ToolsTest : public ModelTest
+{
+protected:
+    void loadTexts(const QStringList &texts)
+    {
+        QList<Subtitle> cues;
+        for (const QString &text : texts)
+            cues +=
+                {.id = cues.size() + 1, .start = cues.size() * 1'000, .end = cues.size() * 1'000 + 900, .text = text};
+        loadCues(cues);
+    }
+
+    QString label() const
+    {
+        for (const SubtitleTrack &track : model->tracks()) {
+            if (track.id == model->selectedTrackID())
+                return track.label;
+        }
+        return {};
+    }
+
+    void match(const QString &script)
+    {
+        model->setScriptText(script);
+        model->matchScript();
+        settle();
+    }
+};
+
+} // namespace
+
+TEST_F(ToolsTest, cleaning_can_be_restored_by_its_own_command_and_by_the_history)
+{
+    loadTexts({u"嗯，大家好"_s, u"啊"_s, u"今天聊调色"_s});
+    model->clean();
+    EXPECT_EQ(model->message(), u"没有需要清理的内容"_s);
+    model->setRemoveFillers(true);
+    const LintoraSession before = model->snapshot();
+    model->clean();
+    EXPECT_EQ(model->message(), u"已清理"_s);
+    EXPECT_EQ(texts(), (QStringList{u"大家好"_s, u"今天聊调色"_s}));
+    EXPECT_TRUE(model->cleaned());
+    const LintoraSession cleaned = model->snapshot();
+
+    model->clean();
+    EXPECT_EQ(model->message(), u"没有需要清理的内容"_s);
+    EXPECT_EQ(model->snapshot(), cleaned);
+
+    model->undo();
+    EXPECT_EQ(model->snapshot(), before);
+    EXPECT_FALSE(model->cleaned());
+    EXPECT_FALSE(model->previousItems());
+    model->redo();
+    EXPECT_EQ(model->snapshot(), cleaned);
+
+    model->undoCleanup();
+    EXPECT_EQ(model->message(), u"已撤销"_s);
+    EXPECT_EQ(model->snapshot(), before);
+    model->undo();
+    EXPECT_EQ(model->snapshot(), cleaned);
+}
+
+TEST_F(ToolsTest, replacing_counts_and_is_restored_only_while_nothing_else_was_done)
+{
+    loadTexts({u"color color"_s, u"调色"_s, u"color"_s});
+    EXPECT_EQ(model->replaceKeywords(u"color"_s, u"色彩"_s), 3);
+    EXPECT_EQ(model->message(), u"已替换 3 处 · 2 条字幕，可撤销修改"_s);
+    EXPECT_TRUE(model->canUndoReplacement());
+
+    model->setText(1, u"打字"_s);
+    EXPECT_FALSE(model->canUndoReplacement());
+    model->undoReplacement();
+    EXPECT_EQ(texts().at(1), u"打字"_s);
+    model->undo();
+    EXPECT_TRUE(model->canUndoReplacement());
+    model->undoReplacement();
+    EXPECT_EQ(texts(), (QStringList{u"color color"_s, u"调色"_s, u"color"_s}));
+    EXPECT_EQ(model->message(), u"已撤销，字幕恢复为替换前内容"_s);
+    model->undo();
+    EXPECT_EQ(texts().first(), u"色彩 色彩"_s);
+
+    EXPECT_EQ(model->replaceKeywords(u"没有"_s, {}), 0);
+    EXPECT_EQ(model->message(), u"没有需要替换的内容"_s);
+    EXPECT_EQ(model->replaceKeywords({}, {}), std::nullopt);
+    EXPECT_EQ(failure(), u"请输入要查找的关键词。"_s);
+}
+
+TEST_F(ToolsTest, separating_keeps_the_original_aside_until_it_is_restored)
+{
+    loadTexts({u"只有中文"_s});
+    model->separateLanguages();
+    EXPECT_EQ(failure(), u"未发现可分离的中英字幕，请确认中文和英文分别占行"_s);
+
+    loadTexts({u"你好\nHello"_s, u"再见\nBye"_s, u"Привет"_s});
+    const QList<Subtitle> original = model->items();
+    model->separateLanguages();
+    EXPECT_EQ(model->message(), u"已分离，未识别文字保留在“待归类”中"_s);
+    QStringList labels;
+    for (const SubtitleTrack &track : model->visibleTracks())
+        labels += track.label + QString::number(track.items.size());
+    EXPECT_EQ(labels, (QStringList{u"中文2"_s, u"English2"_s, u"待归类1"_s}));
+    EXPECT_EQ(label(), u"中文"_s);
+    const LintoraSession separated = model->snapshot();
+
+    model->setText(0, u"您好"_s);
+    model->restoreOriginal();
+    EXPECT_EQ(model->message(), u"已恢复分离前原稿"_s);
+    EXPECT_EQ(model->items(), original);
+    EXPECT_EQ(model->tracks().size(), 1);
+    EXPECT_FALSE(model->splitOriginal());
+    model->undo();
+    EXPECT_EQ(texts().first(), u"您好"_s);
+    model->undo();
+    EXPECT_EQ(model->snapshot(), separated);
+}
+
+TEST_F(ToolsTest, edits_stay_with_their_track_and_a_moved_cue_finds_its_place)
+{
+    loadTexts({u"你好\nHello"_s, u"再见\nBye"_s, u"Привет"_s, u"完"_s});
+    model->separateLanguages();
+    const QList<SubtitleTrack> tracks = model->visibleTracks();
+    model->selectTrack(tracks[1].id);
+    model->setText(0, u"Hi"_s);
+    model->selectTrack(tracks[0].id);
+    EXPECT_EQ(texts(), (QStringList{u"你好"_s, u"再见"_s, u"完"_s}));
+    model->undo();
+    EXPECT_EQ(label(), u"English"_s) << "the change that is undone is shown";
+    EXPECT_EQ(texts().first(), u"Hello"_s);
+    model->selectTrack(QUuid::createUuid());
+    EXPECT_EQ(label(), u"English"_s);
+
+    model->selectTrack(tracks[2].id);
+    model->moveCue(0, tracks[0].id);
+    EXPECT_EQ(label(), u"中文"_s) << "a track without cues is closed";
+    EXPECT_EQ(texts(), (QStringList{u"你好"_s, u"再见"_s, u"Привет"_s, u"完"_s}));
+    EXPECT_EQ(model->items()[2].id, 3) << "a free number is kept";
+    EXPECT_EQ(model->items()[2].start, 2'000);
+    model->moveCue(0, tracks[1].id);
+    model->selectTrack(tracks[1].id);
+    EXPECT_EQ(texts(), (QStringList{u"Hello"_s, u"你好"_s, u"Bye"_s}));
+    EXPECT_EQ(model->items()[1].id, 3) << "a number that is taken gives way to the next free one";
+    EXPECT_EQ(model->payload(tracks[2].id), std::nullopt);
+    EXPECT_EQ(failure(), u"该语言组已关闭，请重新拖动字幕卡片"_s);
+}
+
+TEST_F(ToolsTest, every_edit_says_what_to_look_at_next_or_why_it_was_refused)
+{
+    loadTexts({u"大家好"_s, u"今天"_s});
+    EXPECT_EQ(model->setText(0, u"大家 好"_s), 0);
+    EXPECT_EQ(model->splitCue(0, 2), 1);
+    EXPECT_EQ(model->insertCue(1), 2);
+    EXPECT_EQ(model->joinWithNext(2), 2);
+    EXPECT_EQ(model->setTimes(0, 5, 10), 0);
+    EXPECT_EQ(texts(), (QStringList{u"大家"_s, u"好"_s, u"新字幕 今天"_s}));
+    EXPECT_EQ(model->setTimes(0, 5, 5), std::nullopt);
+    EXPECT_EQ(failure(), u"结束时间须晚于开始时间。"_s);
+    EXPECT_EQ(model->deleteCues({2, 1}), 0);
+    EXPECT_EQ(failure(), QString());
+    EXPECT_EQ(model->deleteCues({0}), -1);
+    for (int i = 0; i < 7; ++i)
+        model->undo();
+    EXPECT_EQ(texts(), (QStringList{u"大家好"_s, u"今天"_s}));
+}
+
+TEST_F(ToolsTest, an_edit_is_heard_only_by_those_whom_it_concerns_and_no_edit_by_nobody)
+{
+    loadTexts({u"大家好"_s, u"今天"_s});
+    Published published(*model);
+    model->setText(0, u"你好"_s);
+    EXPECT_EQ(published.take(), (QStringList{u"itemsChanged"_s, u"tracksChanged"_s, u"historyChanged"_s}));
+    model->setText(0, u"你好"_s);
+    model->setRemoveFillers(false);
+    model->selectTrack(*model->selectedTrackID());
+    EXPECT_EQ(published.take(), QStringList());
+    model->setRemoveFillers(true);
+    EXPECT_EQ(published.take(), (QStringList{u"removeFillersChanged"_s, u"tracksChanged"_s, u"historyChanged"_s}));
+}
+
+TEST_F(ToolsTest, filler_words_are_kept_for_the_next_run_unless_they_are_too_many)
+{
+    EXPECT_EQ(model->fillerWords(), SubtitleCleanup::defaultFillerWords());
+    model->saveFillerWords(u"嗯\n那个，就是"_s);
+    restart();
+    EXPECT_EQ(model->fillerWords(), (QStringList{u"嗯"_s, u"那个"_s, u"就是"_s}));
+    EXPECT_THROW(model->saveFillerWords(QString(61, u'啊')), ConversionError);
+    EXPECT_EQ(model->fillerWords().size(), 3);
+    model->saveFillerWords(u"嗯"_s);
+    EXPECT_EQ(restart().fillerWords(), QStringList{u"嗯"_s});
+    model->saveFillerWords({});
+    EXPECT_EQ(restart().fillerWords(), QStringList());
+}
+
+TEST_F(ToolsTest, a_transcript_is_matched_reviewed_applied_and_taken_back)
+{
+    loadTexts({u"今天我们辽聊调色"_s, u"先说白平衡"_s, u"谢谢大家"_s});
+    match({});
+    EXPECT_EQ(model->scriptStatus(), u"请先粘贴文稿正文"_s);
+    match(u"今天我们聊聊调色，先说白平衡。谢谢大家！"_s);
+    ASSERT_EQ(model->scriptRows().size(), 3);
+    EXPECT_EQ(model->scriptRows()[0].replacement, u"今天我们聊聊调色，"_s);
+    for (int row = 0; row < 3; ++row)
+        model->setScriptRowSelected(row, row == 0);
+    const LintoraSession before = model->snapshot();
+    model->applyScriptRows();
+    EXPECT_EQ(texts(), (QStringList{u"今天我们聊聊调色，"_s, u"先说白平衡"_s, u"谢谢大家"_s}));
+    EXPECT_EQ(model->scriptStatus(), u"已按文稿修改 1 条字幕，可撤销修改"_s);
+    EXPECT_TRUE(model->canUndoScriptMatch());
+    model->undoScriptMatch();
+    EXPECT_EQ(model->snapshot(), before);
+    model->undo();
+    EXPECT_EQ(texts().first(), u"今天我们聊聊调色，"_s);
+    model->undo();
+    EXPECT_EQ(model->snapshot(), before);
+
+    match(u"今天我们辽聊调色 先说白平衡 谢谢大家"_s);
+    EXPECT_EQ(model->scriptStatus(), u"已匹配的文字与当前字幕一致，无需修改"_s);
+    match(u"completely unrelated words in another tongue"_s);
+    EXPECT_EQ(model->scriptStatus(),
+              u"文稿与字幕没有足够的对应内容，请确认语言和段落一致，或分段匹配。原字幕已保留。"_s);
+}
+
+TEST_F(ToolsTest, a_match_of_what_has_changed_meanwhile_is_dropped)
+{
+    loadTexts({u"今天我们聊聊调涩"_s, u"先说白平衡"_s});
+    const QString script = u"今天我们聊聊调色，先说白平衡。"_s;
+    const std::function<void()> changes[] = {[&] { model->setText(0, u"改了"_s); },
+                                             [&] { model->setScriptText(script + u'x'); }, [&] { model->undo(); }};
+    for (const auto &change : changes) {
+        model->setScriptText(script);
+        model->matchScript();
+        EXPECT_EQ(model->scriptStatus(), u"正在匹配文稿…"_s);
+        EXPECT_EQ(model->activity(), u"正在匹配文稿…"_s);
+        change();
+        settle();
+        EXPECT_EQ(model->scriptStatus(), u"当前字幕或文稿已变化，请重新匹配"_s);
+        EXPECT_TRUE(model->scriptRows().isEmpty());
+    }
+    match(script);
+    model->setText(1, u"又改了"_s);
+    model->applyScriptRows();
+    EXPECT_EQ(model->scriptStatus(), u"当前字幕或文稿已变化，请重新匹配"_s);
+    EXPECT_EQ(texts().first(), u"今天我们聊聊调涩"_s);
+
+    model->matchScript();
+    model->cancelActivity();
+    settle();
+    EXPECT_EQ(model->scriptStatus(), QString());
+    EXPECT_TRUE(model->scriptRows().isEmpty());
+}
+
+TEST_F(ToolsTest, a_gesture_is_one_step_however_many_values_it_went_through)
+{
+    const double size = model->options().fontSize;
+    const auto drag = [&](double to) {
+        Options options = model->options();
+        options.fontSize = to;
+        model->setOptions(options);
+    };
+    model->beginGesture();
+    for (int i = 1; i <= 50; ++i)
+        drag(size + i);
+    model->endGesture();
+    drag(7);
+    model->undo();
+    EXPECT_EQ(model->options().fontSize, size + 50);
+    model->undo();
+    EXPECT_EQ(model->options().fontSize, size);
+    EXPECT_FALSE(model->canUndo());
+    model->setCanvasHeight(1'080);
+    EXPECT_EQ(model->options().height, 1'080);
+}
+
+TEST_F(ToolsTest, a_style_is_saved_under_a_name_and_replaces_its_namesake)
+{
+    model->saveStylePreset(u" 片头 "_s);
+    EXPECT_TRUE(Events::waitFor([&] { return model->stylePresets().size() == 1; }));
+    const QUuid id = model->stylePresets().first().id;
+    model->setCanvasHeight(1'080);
+    model->saveStylePreset(u"片头"_s);
+    EXPECT_TRUE(Events::waitFor([&] { return model->stylePresets().first().style.height == 1'080; }));
+    EXPECT_EQ(model->stylePresets().first().id, id);
+    EXPECT_EQ(restart().stylePresets().size(), 1);
+    model->saveStylePreset({});
+    EXPECT_TRUE(Events::waitFor([&] { return model->failure().has_value(); }));
+    EXPECT_EQ(failure(), u"样式预设内容无效，请检查字号与位置。"_s);
+}
+
+/// Every operation in any order, with all that a person can see put back by undoing to the beginning.
+TEST_F(ToolsTest, five_thousand_operations_are_undone_to_the_first_state_and_redone_to_the_last)
+{
+    Generator generator(11);
+    loadCues(generator.cues(60));
+    const auto shown = [&] {
+        LintoraSession job = model->snapshot();
+        job.tracks.reset();
+        QList<SubtitleTrack> tracks = model->tracks();
+        return std::pair(job.source, tracks);
+    };
+    const auto first = shown();
+    const auto index = [&] { return generator.number(0, std::max<qsizetype>(0, model->items().size() - 1)); };
+    const std::vector<std::function<void()>> operations{
+        [&] { model->setText(index(), generator.speech(1, 12)); },
+        [&] { model->setText(index(), generator.speech(2, 5) + u"\nHello "_s + QString::number(index())); },
+        [&] { model->setTimes(index(), generator.number(0, 90'000), generator.number(0, 90'000)); },
+        [&] { model->insertCue(index()); },
+        [&] {
+            model->deleteCues({index(), index()});
+        },
+        [&] {
+            const qsizetype at = index();
+            model->splitCue(at, generator.number(0, model->items().at(at).text.size()));
+        },
+        [&] { model->joinWithNext(index()); },
+        [&] { model->setRemoveFillers(generator.chance(50)); },
+        [&] { model->setRemovePunctuation(generator.chance(50)); },
+        [&] { model->clean(); },
+        [&] { model->undoCleanup(); },
+        [&] { model->replaceKeywords(u"的"_s, generator.chance(50) ? u"之"_s : QString()); },
+        [&] { model->undoReplacement(); },
+        [&] { model->separateLanguages(); },
+        [&] {
+            if (generator.chance(20))
+                model->restoreOriginal();
+        },
+        [&] { model->selectTrack(generator.pick(model->visibleTracks()).id); },
+        [&] { model->moveCue(index(), generator.pick(model->visibleTracks()).id); },
+        [&] { model->setCanvasHeight(generator.number(500, 4'000)); },
+        [&] { model->undo(); },
+        [&] { model->redo(); },
+    };
+    for (int i = 0; i < 5'000; ++i) {
+        if (model->tracks().isEmpty())
+            model->redo();
+        else if (model->items().size() < 3)
+            model->undo();
+        else
+            generator.pick(operations)();
+        if (i % 100 == 0)
+            Events::handle();
+        const LintoraSession &job = model->snapshot();
+        if (job.tracks->isEmpty())
+            continue;
+        const auto selected = std::ranges::find(*job.tracks, job.selectedTrackID, &SubtitleTrack::id);
+        ASSERT_NE(selected, job.tracks->end());
+        ASSERT_EQ(selected->items, job.items);
+    }
+    const auto last = shown();
+    int steps = 0;
+    for (; model->canUndo(); ++steps)
+        model->undo();
+    EXPECT_TRUE(model->items().isEmpty()) << "the import was the first step";
+    model->redo();
+    EXPECT_EQ(shown(), first);
+    EXPECT_GT(steps, 500);
+    while (model->canRedo())
+        model->redo();
+    EXPECT_EQ(shown(), last);
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "app/LintoraModel.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+/// A model in a home folder of its own, whose file dialogs answer by themselves.
+class ModelTest : public ::testing::Test
+{
+protected:
+    ModelTest();
+    ~ModelTest() override;
+
+    /// A model as a start of the program makes it: the draft, the settings and the home folder stay from model to
+    /// model.
+    std::unique_ptr<LintoraModel> start();
+    LintoraModel &restart(); ///< Ends `model` as a quit does and starts the next one.
+
+    QString home(const QString &name) const { return m_home.filePath(name); }
+    QString write(const QString &name, const QByteArray &bytes) const; ///< Returns the path.
+    static QByteArray read(const QString &path);
+
+    /// Imports a file and waits until it is there, or refused.
+    void load(const QString &path);
+    void loadCues(const QList<Subtitle> &cues, const QString &name = QStringLiteral("片段.srt"));
+    void settle(); ///< Waits until no long work is under way and all that it leads to is done.
+
+    QString failure() const { return model->failure().value_or(QString()); }
+    QStringList texts() const; ///< Of the selected track's cues.
+
+    QString answer; ///< What the next dialog is answered with; empty: given up.
+    QString asked;  ///< What the last dialog suggested, or its title.
+
+private:
+    QTemporaryDir m_home;
+    QByteArray m_oldHome;
+
+protected:
+    std::unique_ptr<LintoraModel> model;
+};
+
+/// How often each published field of a model said that it changed, by the signal's name.
+class Published
+{
+public:
+    explicit Published(LintoraModel &model);
+
+    QStringList take(); ///< The signals since the last call, in order.
+
+private:
+    std::unique_ptr<QObject> m_context;
+    std::shared_ptr<QStringList> m_said;
+};
