@@ -40,6 +40,7 @@ protected:
     bool event(QEvent *event) override;
 
 private:
+    void showScrollBar();
     bool isComposing() const { return m_isComposing; }
 
     QPersistentModelIndex m_cue;

@@ -38,7 +38,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     , m_import(new UnifiedImportArea(model, this))
 {
     VELTheme::configure(*this);
-    setAutoFillBackground(true);
+    setAttribute(Qt::WA_StyledBackground);
     setMinimumSize(smallest);
 
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
@@ -91,7 +91,7 @@ QWidget *LintoraPanel::makeWorkspace()
     layout->addWidget(actions);
     layout->addWidget(editing);
     layout->addWidget(makeTableHeading());
-    layout->addWidget(m_table, 4);
+    layout->addWidget(m_table, 3);
     layout->addWidget(inspector, 1);
     layout->addWidget(new CardRow(m_model, mayAct, workspace));
     return workspace;
@@ -159,7 +159,9 @@ void LintoraPanel::showFCPImport(bool visible)
         QVBoxLayout &body = *m_fcpImport->body();
         body.addWidget(Controls::note(
             u"从 FCP 浏览器将项目拖到下方，读取时间线音轨；也可拖入单个片段或 FCPXML。"_s, m_fcpImport));
-        body.addWidget(new FileDropArea(m_model, FileDropArea::Form::Large, {}, m_fcpImport));
+        auto *const area = new FileDropArea(m_model, FileDropArea::Form::Large, {}, m_fcpImport);
+        area->setMinimumHeight(area->sizeHint().height());
+        body.addWidget(area);
         connect(m_fcpImport, &Sheet::closeRequested, this, [this] { m_model.setFCPImportVisible(false); });
     }
     if (visible)
