@@ -187,7 +187,7 @@ TEST_F(DragAndDrop, A_card_bears_the_label_of_its_track)
     DragSubtitleCard card(m_model, std::nullopt);
     load(2);
     const QString label = m_model.tracks().first().label;
-    EXPECT_EQ(card.text(), u"↗  拖回 FCP 时间线    ·    "_s + label);
+    EXPECT_EQ(card.caption(), u"↗  拖回 FCP 时间线    ·    "_s + label);
     EXPECT_EQ(card.toolTip(), u"拖入 FCP 时间线，生成可独立编辑的字幕片段"_s);
     EXPECT_THAT(card.accessibleName().toStdString(), testing::StartsWith("拖到 FCP 时间线"));
 }
