@@ -83,7 +83,7 @@ void CueTextEditor::inputMethodEvent(QInputMethodEvent *event)
 void CueTextEditor::keyPressEvent(QKeyEvent *event)
 {
     if (isComposing()) {
-        QPlainTextEdit::keyPressEvent(event);
+        event->accept(); // The input method's, were it meant for anybody.
         return;
     }
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
@@ -108,6 +108,8 @@ void CueTextEditor::focusOutEvent(QFocusEvent *event)
 {
     QPlainTextEdit::focusOutEvent(event);
     m_isComposing = false;
+    if (m_isOver)
+        return;
     if (event->reason() == Qt::ActiveWindowFocusReason)
         Q_EMIT windowLeft();
     else if (event->reason() != Qt::PopupFocusReason)

@@ -150,11 +150,11 @@ bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance a
 bool draw(const State &state, QSize size, VELTheme::Appearance appearance, const QString &file)
 {
     const QTemporaryDir folder;
-    LintoraModel model({.draftURL = folder.filePath(u"Draft.json"_s),
-                        .stylePresetsURL = folder.filePath(u"Presets.json"_s),
-                        .settings =
-                            std::make_shared<QSettings>(folder.filePath(u"settings.ini"_s), QSettings::IniFormat),
-                        .dialogs = {}});
+    LintoraModel model(
+        {.draftURL = folder.filePath(u"Draft.json"_s),
+         .stylePresetsURL = folder.filePath(u"Presets.json"_s),
+         .settings = std::make_shared<QSettings>(folder.filePath(u"settings.ini"_s), QSettings::IniFormat),
+         .dialogs = {}});
     LintoraPanel panel(model);
     VELTheme::setAppearance(panel, appearance);
     panel.resize(size);
