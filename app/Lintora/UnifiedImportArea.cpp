@@ -2,6 +2,7 @@
 
 #include "app/Lintora/CardFrame.h"
 #include "app/Lintora/ImportTexts.h"
+#include "app/Lintora/Theme.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -58,12 +59,8 @@ void UnifiedImportArea::setForm(Form form)
 
 void UnifiedImportArea::applyFonts()
 {
-    QFont heading = font();
-    if (m_form == Form::Large) {
-        heading.setPointSizeF(heading.pointSizeF() * 1.3);
-        heading.setWeight(QFont::DemiBold);
-    }
-    m_title->setFont(heading);
+    m_title->setFont(m_form == Form::Large ? VELTheme::headingFont() : VELTheme::textFont());
+    m_detail->setFont(VELTheme::smallFont());
 }
 
 void UnifiedImportArea::showTexts()

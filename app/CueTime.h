@@ -1,0 +1,26 @@
+#pragma once
+
+#include "fcp/FrameRate.h"
+
+#include <QString>
+
+#include <optional>
+
+/// Times of cues as people type them. (SRT::stamp writes them.)
+namespace CueTime {
+
+/// Reads a time in any of the ways it is typed:
+///
+/// | typed | means |
+/// |---|---|
+/// | 00:01:02,500 or 00:01:02.5 | hours, minutes, seconds |
+/// | 1:02.5 | minutes, seconds |
+/// | 62.5 | seconds |
+/// | 00:01:02:12 | the same and frames, counted on the grid of `rate` |
+/// | 12f or 12帧 | frames |
+///
+/// Full-width digits and marks count as their narrow forms. Where a larger unit stands before, minutes and seconds are
+/// below 60. More decimals than three are rounded. In milliseconds. Absent when it is no time.
+std::optional<qint64> parse(QStringView typed, const FrameRate &rate);
+
+} // namespace CueTime

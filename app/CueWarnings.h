@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/Subtitle.h"
+
+#include <QStringList>
+
+#include <functional>
+
+/// What a person should look at again in a cue. Nothing is ever changed because of it.
+namespace CueWarnings {
+
+constexpr qint64 chinesePerSecond = 12; ///< Characters that can be read in a second: Han, kana, Hangul.
+constexpr qint64 latinPerSecond = 20;   ///< The same of all other letters and digits.
+constexpr qint64 shortestMS = 700;
+constexpr qint64 longestMS = 7'000;
+constexpr qsizetype mostLines = 2;
+
+enum class Kind
+{
+    tooFast, ///< Less time than its characters need; those of either script need theirs.
+    tooShort,
+    tooLong,
+    overlapping, ///< Ends after the next cue begins.
+    tooManyLines,
+    tooWide ///< Than the title-safe width, in the track's style.
+};
+
+struct Warning
+{
+    Kind kind = Kind::tooFast;
+    QString sentence; ///< With the number that is wrong, without a full stop.
+
+    friend bool operator==(const Warning &, const Warning &) = default;
+};
+
+/// Answers whether a text with its line feeds is wider than titles should be.
+using IsTooWide = std::function<bool(QStringView text)>;
+
+/// The warnings about `cue`, in the order of Kind; `next` is the cue that follows it in the list, or null.
+QList<Warning> of(const Subtitle &cue, const Subtitle *next, const IsTooWide &isTooWide);
+
+/// Characters that are read: all but white space and punctuation.
+qint64 readCharacters(QStringView text);
+
+} // namespace CueWarnings

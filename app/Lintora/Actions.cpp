@@ -1,0 +1,147 @@
+#include "app/Lintora/Actions.h"
+
+#include "app/Lintora/CheckBox.h"
+#include "app/Lintora/Controls.h"
+#include "app/Lintora/ElidedLabel.h"
+
+#include <QHBoxLayout>
+#include <QMenu>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QHBoxLayout *rowIn(QWidget *widget)
+{
+    auto *const row = new QHBoxLayout(widget);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(VELTheme::gap);
+    return row;
+}
+
+CheckBox *checkBox(const QString &text, QWidget *parent, const QString &help)
+{
+    auto *const box = new CheckBox(text, parent);
+    box->setToolTip(help);
+    box->setAccessibleName(text);
+    box->setAccessibleDescription(help);
+    return box;
+}
+
+} // namespace
+
+MainActions::MainActions(LintoraModel &model, QWidget *parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_source(new ElidedLabel(this))
+{
+    auto *const match = Controls::button(u"文稿匹配"_s, this, u"按文稿校正文字，保留字幕时间"_s);
+    connect(match, &QPushButton::clicked, &model, &LintoraModel::showScriptMatch);
+    m_source->setProperty("secondary", true);
+    m_source->setFont(VELTheme::smallFont());
+    m_source->setAlignment(Qt::AlignVCenter | Qt::AlignRight);
+    m_source->setAccessibleName(u"字幕来源"_s);
+    m_source->setText(model.source());
+    connect(&model, &LintoraModel::sourceChanged, this, [this] { m_source->setText(m_model.source()); });
+
+    QHBoxLayout *const row = rowIn(this);
+    row->addWidget(match);
+    row->addWidget(m_source, 1);
+}
+
+EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct, QWidget *parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_mayAct(std::move(mayAct))
+    , m_fillers(checkBox(u"去语气词"_s, this, u"清理时去掉语气词"_s))
+    , m_punctuation(checkBox(u"去标点并分句"_s, this, u"去标点并分句"_s))
+    , m_clean(Controls::button(u"一键清理"_s, this, u"按勾选的项目清理当前语言的字幕"_s))
+    , m_undo(Controls::signButton(VELTheme::Glyph::undo, u"撤销"_s, this, u"撤销最近一次文字修改"_s))
+    , m_find(Controls::button(u"查找替换"_s, this, u"批量查找与替换关键词（⌘F）"_s))
+    , m_separate(Controls::button(u"分离中英"_s, this))
+{
+    auto *const settings =
+        Controls::signButton(VELTheme::Glyph::gear, u"语气词设置"_s, this, u"自定义需要去掉的语气词"_s);
+    QHBoxLayout *const row = rowIn(this);
+    row->setSpacing(VELTheme::step);
+    row->addWidget(m_fillers);
+    row->addWidget(settings);
+    row->addWidget(m_punctuation);
+    row->addWidget(m_clean);
+    row->addStretch();
+    row->addWidget(m_undo);
+    row->addWidget(m_find);
+    row->addWidget(m_separate);
+
+    connect(m_fillers, &CheckBox::clicked, &model, &LintoraModel::setRemoveFillers);
+    connect(m_punctuation, &CheckBox::clicked, &model, &LintoraModel::setRemovePunctuation);
+    connect(settings, &QToolButton::clicked, this,
+            [this] { perform([this] { m_model.setCleanupSettingsVisible(true); }); });
+    connect(m_clean, &QPushButton::clicked, this, [this] { perform([this] { m_model.clean(); }); });
+    connect(m_undo, &QToolButton::clicked, this, [this] { perform([this] { undo(); }); });
+    connect(m_find, &QPushButton::clicked, this,
+            [this] { perform([this] { m_model.setFindReplaceVisible(true); }); });
+    connect(m_separate, &QPushButton::clicked, this, [this] {
+        perform([this] {
+            if (m_model.splitOriginal())
+                Q_EMIT restoreRequested();
+            else
+                m_model.separateLanguages();
+        });
+    });
+    m_undo->setPopupMode(QToolButton::MenuButtonPopup);
+    m_undo->setMenu(new QMenu(m_undo));
+    connect(m_undo->menu(), &QMenu::aboutToShow, this, &EditingActions::offerUndo);
+
+    for (const auto signal :
+         {&LintoraModel::removeFillersChanged, &LintoraModel::removePunctuationChanged, &LintoraModel::itemsChanged,
+          &LintoraModel::previousItemsChanged, &LintoraModel::historyChanged, &LintoraModel::splitOriginalChanged,
+          &LintoraModel::aiBusyChanged})
+        connect(&model, signal, this, &EditingActions::update);
+    update();
+}
+
+void EditingActions::perform(const std::function<void()> &action) const
+{
+    if (m_mayAct())
+        action();
+}
+
+void EditingActions::update()
+{
+    const bool isFree = !m_model.aiBusy();
+    const bool hasCues = !m_model.items().isEmpty();
+    m_fillers->setChecked(m_model.removeFillers());
+    m_punctuation->setChecked(m_model.removePunctuation());
+    m_clean->setEnabled(isFree && hasCues);
+    m_undo->setEnabled(isFree && (m_model.canUndo() || m_model.canRedo() || m_model.previousItems()));
+    m_find->setEnabled(isFree);
+    const bool isSeparated = m_model.splitOriginal().has_value();
+    m_separate->setText(isSeparated ? u"恢复原稿"_s : u"分离中英"_s);
+    m_separate->setAccessibleName(m_separate->text());
+    m_separate->setToolTip(isSeparated ? u"恢复分离前的原稿"_s : u"把中英双语字幕按语言分开"_s);
+    m_separate->setEnabled(isFree && (hasCues || isSeparated));
+}
+
+/// A cleanup from an earlier run of the program is in no history, and can be taken back all the same.
+void EditingActions::undo()
+{
+    if (m_model.canUndo())
+        m_model.undo();
+    else
+        m_model.undoCleanup();
+}
+
+void EditingActions::offerUndo()
+{
+    QMenu &menu = *m_undo->menu();
+    menu.clear();
+    const auto add = [&](const QString &title, bool enabled, void (LintoraModel::*command)()) {
+        menu.addAction(title, this, [this, command] { perform([this, command] { (m_model.*command)(); }); })
+            ->setEnabled(enabled);
+    };
+    add(u"撤销"_s, m_model.canUndo(), &LintoraModel::undo);
+    add(u"重做"_s, m_model.canRedo(), &LintoraModel::redo);
+    menu.addSeparator();
+    add(u"恢复到清理前"_s, m_model.previousItems() && !m_model.aiBusy(), &LintoraModel::undoCleanup);
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "app/LintoraModel.h"
+
+#include <QWidget>
+
+class CheckBox;
+class ElidedLabel;
+class QPushButton;
+class QToolButton;
+
+/// The row of what is done to the whole job.
+class MainActions : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `model` must live as long as this.
+    explicit MainActions(LintoraModel &model, QWidget *parent = nullptr);
+
+private:
+    LintoraModel &m_model;
+    ElidedLabel *m_source;
+};
+
+/// The row of what is done to the text of the selected track.
+class EditingActions : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `model` must live as long as this. Before anything is done `mayAct` is asked.
+    EditingActions(LintoraModel &model, std::function<bool()> mayAct, QWidget *parent = nullptr);
+
+Q_SIGNALS:
+    void restoreRequested(); ///< Of the original from before separation; to be confirmed.
+
+private:
+    void update();
+    void undo();
+    void offerUndo();
+    void perform(const std::function<void()> &action) const;
+
+    LintoraModel &m_model;
+    std::function<bool()> m_mayAct;
+    CheckBox *m_fillers;
+    CheckBox *m_punctuation;
+    QPushButton *m_clean;
+    QToolButton *m_undo;
+    QPushButton *m_find;
+    QPushButton *m_separate;
+};

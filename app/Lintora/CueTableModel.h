@@ -1,0 +1,65 @@
+#pragma once
+
+#include "app/CueWarnings.h"
+#include "app/LintoraModel.h"
+
+#include <QAbstractTableModel>
+#include <QCache>
+
+class TitleMeasure;
+
+/// The cues of the selected track as rows.
+///
+/// Follows the model: a change of its cues becomes the rows that came, went or changed, so that views keep their place
+/// and their selection; another track, or a job from elsewhere, is a reset. Edits go to the model, which may refuse.
+class CueTableModel : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    enum Column
+    {
+        numberColumn, ///< Place in the list, from 1.
+        startColumn,
+        endColumn,
+        textColumn,
+        columns
+    };
+
+    enum Role
+    {
+        warningsRole = Qt::UserRole, ///< QStringList of sentences; the same in each column.
+    };
+
+    /// `model` must live as long as this.
+    explicit CueTableModel(LintoraModel &model, QObject *parent = nullptr);
+    ~CueTableModel() override;
+
+    const Subtitle &cue(int row) const { return m_items.at(row); }
+    QList<CueWarnings::Warning> warnings(int row) const;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+    /// Takes the text, or a time in milliseconds. False when the model refused.
+    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+
+Q_SIGNALS:
+    void changed(); ///< After rows came, went or changed.
+
+private:
+    void follow();
+    void reload();
+    void takeDifference(const QList<Subtitle> &items);
+    void forgetStyle();
+
+    LintoraModel &m_model;
+    QList<Subtitle> m_items; ///< As the views know them.
+    std::optional<QUuid> m_trackID;
+    bool m_isLoading = false;
+    mutable QCache<int, QStringList> m_warnings; ///< Of rows that were shown since the last change.
+    mutable std::unique_ptr<TitleMeasure> m_measure;
+};

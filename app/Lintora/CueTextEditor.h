@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QPersistentModelIndex>
+#include <QPlainTextEdit>
+
+/// The field in which the text of a cue is edited in its place.
+///
+/// Return and Escape end the editing; Shift or Option with Return breaks the line. No key is a command while an input
+/// method composes.
+class CueTextEditor : public QPlainTextEdit
+{
+    Q_OBJECT
+
+public:
+    explicit CueTextEditor(const QModelIndex &cue, QWidget *parent);
+
+    const QPersistentModelIndex &cue() const { return m_cue; } ///< Invalid once the cue is gone.
+
+    /// What the cue holds. Takes the place of the field's text unless that was typed.
+    void setStored(const QString &text);
+
+    /// Whether something was typed that the cue does not hold.
+    bool isModified() const { return toPlainText() != m_stored; }
+
+    QSize sizeHint() const override; ///< As high as the text needs.
+
+Q_SIGNALS:
+    void accepted();  ///< Return.
+    void abandoned(); ///< Escape.
+    void splitRequested();
+    void joinRequested();
+    void insertRequested();
+    void focusLeft(); ///< To another control of the window.
+    void windowLeft();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
+    bool event(QEvent *event) override;
+
+private:
+    void showScrollBar();
+    bool isComposing() const { return m_isComposing; }
+
+    QPersistentModelIndex m_cue;
+    QString m_stored;
+    bool m_isComposing = false;
+};

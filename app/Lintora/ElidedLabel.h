@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QLabel>
+
+/// One line of text that never asks for more room than there is: what does not fit is left out in favour of an
+/// ellipsis, and shown in full under the pointer.
+class ElidedLabel : public QLabel
+{
+    Q_OBJECT
+
+public:
+    using QLabel::QLabel;
+
+    bool isElided() const;
+
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString onOneLine() const;
+};

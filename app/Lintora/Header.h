@@ -1,0 +1,15 @@
+#pragma once
+
+#include "app/LintoraModel.h"
+
+#include <QWidget>
+
+/// The program's name, and the button that keeps the window in front.
+class Header : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `model` must live as long as this.
+    explicit Header(LintoraModel &model, QWidget *parent = nullptr);
+};

@@ -1,0 +1,211 @@
+#include "app/Lintora/Panel.h"
+
+#include "app/Lintora/Actions.h"
+#include "app/Lintora/CardRow.h"
+#include "app/Lintora/CleanupWorkspace.h"
+#include "app/Lintora/Controls.h"
+#include "app/Lintora/CueTable.h"
+#include "app/Lintora/FileDropArea.h"
+#include "app/Lintora/FindReplaceWorkspace.h"
+#include "app/Lintora/Header.h"
+#include "app/Lintora/Inspector.h"
+#include "app/Lintora/ScriptMatchWorkspace.h"
+#include "app/Lintora/Sheet.h"
+#include "app/Lintora/StatusLine.h"
+#include "app/Lintora/TrackTabs.h"
+#include "app/Lintora/UnifiedImportArea.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize smallest(560, 650);
+
+} // namespace
+
+LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_table(new CueTable(model, this))
+    , m_filter(new QLineEdit(this))
+    , m_import(new UnifiedImportArea(model, this))
+{
+    VELTheme::configure(*this);
+    setAttribute(Qt::WA_StyledBackground);
+    setMinimumSize(smallest);
+
+    auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
+    note->setAlignment(Qt::AlignCenter);
+    m_emptyNote = note;
+    m_workspace = makeWorkspace();
+
+    auto *const content = new QVBoxLayout;
+    content->setContentsMargins(VELTheme::margin, 3 * VELTheme::step, VELTheme::margin, 3 * VELTheme::step);
+    content->setSpacing(VELTheme::gap);
+    content->addWidget(m_import);
+    content->addWidget(m_emptyNote);
+    content->addWidget(m_workspace, 1);
+
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(new Header(model, this));
+    layout->addWidget(Controls::rule(this));
+    layout->addLayout(content, 1);
+    layout->addWidget(Controls::rule(this));
+    layout->addWidget(new StatusLine(model, this));
+
+    connect(&model, &LintoraModel::itemsChanged, this, &LintoraPanel::followCues);
+    connect(&model, &LintoraModel::tracksChanged, this, &LintoraPanel::followCues);
+    connect(&model, &LintoraModel::cleanupSettingsVisibleChanged, this, &LintoraPanel::followSheets);
+    connect(&model, &LintoraModel::findReplaceVisibleChanged, this, &LintoraPanel::followSheets);
+    connect(&model, &LintoraModel::scriptMatchPresentedChanged, this, &LintoraPanel::followSheets);
+    connect(&model, &LintoraModel::fcpImportVisibleChanged, this, &LintoraPanel::followSheets);
+    followCues();
+    followSheets();
+}
+
+LintoraPanel::~LintoraPanel() = default;
+
+QWidget *LintoraPanel::makeWorkspace()
+{
+    const auto mayAct = [this] { return m_table->commitEdit(); };
+    auto *const workspace = new QWidget(this);
+    auto *const actions = new MainActions(m_model, workspace);
+    auto *const editing = new EditingActions(m_model, mayAct, workspace);
+    connect(editing, &EditingActions::restoreRequested, this, &LintoraPanel::confirmRestore);
+    auto *const inspector = new Inspector(m_model, m_table->cues(), workspace);
+    connect(m_table, &CueTable::currentCueChanged, inspector,
+            [this, inspector] { inspector->show(m_table->currentCue()); });
+
+    auto *const layout = new QVBoxLayout(workspace);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(VELTheme::gap);
+    layout->addWidget(actions);
+    layout->addWidget(editing);
+    layout->addWidget(makeTableHeading());
+    layout->addWidget(m_table, 3);
+    layout->addWidget(inspector, 1);
+    layout->addWidget(new CardRow(m_model, mayAct, workspace));
+    return workspace;
+}
+
+QWidget *LintoraPanel::makeTableHeading()
+{
+    constexpr int filterWidth = 40 * VELTheme::step;
+    auto *const heading = new QWidget(this);
+    auto *const tabs = new TrackTabs(m_model, [this] { return m_table->commitEdit(); }, heading);
+    m_filter->setParent(heading);
+    m_filter->setPlaceholderText(u"筛选…"_s);
+    m_filter->setAccessibleName(u"筛选字幕"_s);
+    m_filter->setClearButtonEnabled(true);
+    m_filter->setFixedWidth(filterWidth);
+    connect(m_filter, &QLineEdit::textChanged, m_table, &CueTable::setFilter);
+    auto *const row = new QHBoxLayout(heading);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(VELTheme::gap);
+    row->addWidget(tabs, 1);
+    row->addWidget(m_filter);
+    return heading;
+}
+
+void LintoraPanel::followCues()
+{
+    const auto tracks = m_model.visibleTracks();
+    const bool hasCues = std::ranges::any_of(tracks, [](const SubtitleTrack &each) { return !each.items.isEmpty(); });
+    const auto form = hasCues ? UnifiedImportArea::Form::OneLine : UnifiedImportArea::Form::Large;
+    if (m_import->form() != form)
+        m_import->setForm(form);
+    const bool begins = hasCues && m_workspace->isHidden();
+    m_workspace->setVisible(hasCues);
+    m_emptyNote->setVisible(!hasCues);
+    if (begins) {
+        m_table->goTo(0);
+        m_table->setFocus();
+    }
+}
+
+template <class Workspace>
+void LintoraPanel::showSheet(Workspace *&workspace, bool visible)
+{
+    if (visible && !workspace)
+        workspace = new Workspace(m_model, this);
+    if (visible)
+        workspace->present();
+    else if (workspace)
+        workspace->dismiss();
+}
+
+void LintoraPanel::followSheets()
+{
+    showFCPImport(m_model.fcpImportVisible());
+    showSheet(m_cleanup, m_model.cleanupSettingsVisible());
+    showSheet(m_findReplace, m_model.findReplaceVisible());
+    showSheet(m_scriptMatch, m_model.scriptMatchPresented());
+}
+
+void LintoraPanel::showFCPImport(bool visible)
+{
+    if (visible && !m_fcpImport) {
+        m_fcpImport = new Sheet(Sheet::Extent::compact, this);
+        m_fcpImport->addHeading(u"从 FCP 导入"_s);
+        QVBoxLayout &body = *m_fcpImport->body();
+        body.addWidget(Controls::note(
+            u"从 FCP 浏览器将项目拖到下方，读取时间线音轨；也可拖入单个片段或 FCPXML。"_s, m_fcpImport));
+        auto *const area = new FileDropArea(m_model, FileDropArea::Form::Large, {}, m_fcpImport);
+        area->setMinimumHeight(area->sizeHint().height());
+        body.addWidget(area);
+        connect(m_fcpImport, &Sheet::closeRequested, this, [this] { m_model.setFCPImportVisible(false); });
+    }
+    if (visible)
+        m_fcpImport->open();
+    else if (m_fcpImport)
+        m_fcpImport->dismiss();
+}
+
+void LintoraPanel::confirmRestore()
+{
+    if (!m_confirmation) {
+        m_confirmation = new Sheet(Sheet::Extent::compact, this);
+        auto *const title = Controls::heading(u"恢复分离前原稿？"_s, m_confirmation);
+        auto *const text = Controls::note(u"分离后对各语言的修改将被原稿替换。"_s, m_confirmation);
+        auto *const cancel = Controls::button(u"取消"_s, m_confirmation);
+        auto *const restore = Controls::primaryButton(u"恢复原稿"_s, m_confirmation);
+        auto *const buttons = new QHBoxLayout;
+        buttons->addStretch();
+        buttons->addWidget(cancel);
+        buttons->addWidget(restore);
+        m_confirmation->setAccessibleName(title->text());
+        m_confirmation->body()->addWidget(title);
+        m_confirmation->body()->addWidget(text);
+        m_confirmation->body()->addSpacing(VELTheme::gap);
+        m_confirmation->body()->addLayout(buttons);
+        connect(m_confirmation, &Sheet::closeRequested, m_confirmation, &Sheet::dismiss);
+        connect(cancel, &QPushButton::clicked, m_confirmation, &Sheet::dismiss);
+        connect(restore, &QPushButton::clicked, this, [this] {
+            m_confirmation->dismiss();
+            m_model.restoreOriginal();
+        });
+    }
+    m_confirmation->open();
+}
+
+void LintoraPanel::keyPressEvent(QKeyEvent *event)
+{
+    // Where there is no menu bar with these keys.
+    if (event->matches(QKeySequence::Undo))
+        m_model.undo();
+    else if (event->matches(QKeySequence::Redo))
+        m_model.redo();
+    else if (event->matches(QKeySequence::Find))
+        m_model.setFindReplaceVisible(true);
+    else
+        QWidget::keyPressEvent(event);
+}

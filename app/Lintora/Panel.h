@@ -1,0 +1,53 @@
+#pragma once
+
+#include "app/LintoraModel.h"
+
+#include <QWidget>
+
+class CleanupWorkspace;
+class CueTable;
+class FindReplaceWorkspace;
+class QLineEdit;
+class QVBoxLayout;
+class ScriptMatchWorkspace;
+class Sheet;
+class UnifiedImportArea;
+
+/// The content of the window: everything a person sees of the model, and does to it. It connects; what the parts do is
+/// their own.
+class LintoraPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `model` must live as long as the panel.
+    explicit LintoraPanel(LintoraModel &model, QWidget *parent = nullptr);
+    ~LintoraPanel() override;
+
+    CueTable &table() { return *m_table; }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    QWidget *makeWorkspace();
+    QWidget *makeTableHeading();
+    void followCues();
+    void followSheets();
+    void showFCPImport(bool visible);
+    void confirmRestore();
+    template <class Workspace>
+    void showSheet(Workspace *&workspace, bool visible);
+
+    LintoraModel &m_model;
+    CueTable *m_table;
+    QLineEdit *m_filter;
+    UnifiedImportArea *m_import;
+    QWidget *m_emptyNote;
+    QWidget *m_workspace;
+    Sheet *m_fcpImport = nullptr; ///< Made when it is needed first, as are the following.
+    Sheet *m_confirmation = nullptr;
+    CleanupWorkspace *m_cleanup = nullptr;
+    FindReplaceWorkspace *m_findReplace = nullptr;
+    ScriptMatchWorkspace *m_scriptMatch = nullptr;
+};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "app/Lintora/ScriptRowsModel.h"
+#include "app/Lintora/Sheet.h"
+
+class ElidedLabel;
+class QListView;
+class QPlainTextEdit;
+class QPushButton;
+
+/// Correcting the wording of the selected track by a transcript.
+///
+/// Transcript and proposals are the model's: closing loses nothing.
+class ScriptMatchWorkspace : public Sheet
+{
+    Q_OBJECT
+
+public:
+    /// `model` must live as long as this.
+    ScriptMatchWorkspace(LintoraModel &model, QWidget *content);
+
+    void present();
+
+Q_SIGNALS:
+    void cueRequested(qsizetype cue); ///< To be shown in the table.
+
+private:
+    QWidget *makeButtons();
+    void follow();
+
+    LintoraModel &m_model;
+    ScriptRowsModel m_rows;
+    QPlainTextEdit *m_text;
+    QListView *m_list;
+    ElidedLabel *m_status;
+    QPushButton *m_match;
+    QPushButton *m_undo;
+    QPushButton *m_apply;
+};

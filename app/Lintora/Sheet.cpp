@@ -1,0 +1,137 @@
+#include "app/Lintora/Sheet.h"
+
+#include "app/Lintora/Controls.h"
+
+#include <QApplication>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int widest = 180 * VELTheme::step; // longer lines are hard to read
+constexpr int compactWidth = 90 * VELTheme::step;
+constexpr int inset = 3 * VELTheme::step;
+
+} // namespace
+
+Sheet::Sheet(Extent extent, QWidget *content)
+    : QWidget(content)
+    , m_extent(extent)
+    , m_frame(new QFrame(this))
+    , m_body(new QVBoxLayout(m_frame))
+{
+    m_frame->setProperty("sheet", true);
+    m_body->setContentsMargins(VELTheme::margin, VELTheme::step * 3, VELTheme::margin, VELTheme::margin);
+    m_body->setSpacing(VELTheme::gap);
+    content->installEventFilter(this);
+    hide();
+}
+
+void Sheet::addHeading(const QString &text)
+{
+    auto *const closing = Controls::signButton(VELTheme::Glyph::close, u"关闭"_s, m_frame);
+    connect(closing, &QToolButton::clicked, this, &Sheet::close);
+    auto *const row = new QHBoxLayout;
+    row->addWidget(Controls::heading(text, m_frame), 1);
+    row->addWidget(closing);
+    m_body->insertLayout(0, row);
+    setAccessibleName(text);
+}
+
+void Sheet::open(QWidget *focus)
+{
+    m_before = QApplication::focusWidget();
+    setGeometry(parentWidget()->rect());
+    show();
+    raise();
+    placeFrame();
+    if (focus)
+        focus->setFocus(Qt::OtherFocusReason);
+    else
+        focusNextPrevChild(true);
+}
+
+void Sheet::close()
+{
+    Q_EMIT closeRequested();
+}
+
+void Sheet::dismiss()
+{
+    if (isHidden())
+        return;
+    hide();
+    if (m_before && m_before->isVisible())
+        m_before->setFocus(Qt::OtherFocusReason);
+}
+
+bool Sheet::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Resize)
+        setGeometry(parentWidget()->rect());
+    return false;
+}
+
+void Sheet::placeFrame()
+{
+    const QRect room = rect().adjusted(inset, inset, -inset, -inset);
+    QSize size(std::min(room.width(), widest), room.height());
+    if (m_extent == Extent::compact) {
+        size.setWidth(std::min(room.width(), compactWidth));
+        const int needed = m_body->hasHeightForWidth() ? m_body->totalHeightForWidth(size.width())
+                                                       : m_body->totalSizeHint().height();
+        size.setHeight(std::min(room.height(), needed));
+    }
+    QRect frame({}, size);
+    frame.moveCenter(room.center());
+    m_frame->setGeometry(frame);
+}
+
+void Sheet::resizeEvent(QResizeEvent * /*event*/)
+{
+    placeFrame();
+}
+
+/// The keyboard goes round within the sheet.
+bool Sheet::focusNextPrevChild(bool next)
+{
+    QWidget *const start = isAncestorOf(QApplication::focusWidget()) ? QApplication::focusWidget() : this;
+    const auto step = [next](QWidget *from) { return next ? from->nextInFocusChain() : from->previousInFocusChain(); };
+    for (QWidget *each = step(start); each != start; each = step(each)) {
+        if (isAncestorOf(each) && each->isEnabled() && each->isVisibleTo(this) &&
+            (each->focusPolicy() & Qt::TabFocus) == Qt::TabFocus) {
+            each->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            return true;
+        }
+    }
+    return true;
+}
+
+void Sheet::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        event->accept(); // What lies behind hears nothing.
+}
+
+void Sheet::mousePressEvent(QMouseEvent *event)
+{
+    event->accept();
+}
+
+void Sheet::wheelEvent(QWheelEvent *event)
+{
+    event->accept();
+}
+
+void Sheet::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter(this).fillRect(rect(), VELTheme::colors(*this).scrim);
+}

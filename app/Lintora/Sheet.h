@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+class QFrame;
+class QVBoxLayout;
+
+/// What lies over the window's content for a while: a tool, or a question. Escape and its closing button close it, the
+/// keyboard stays within it, and goes back to where it was.
+class Sheet : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum class Extent
+    {
+        whole,  ///< As large as the window allows.
+        compact ///< As large as its content.
+    };
+
+    /// Covers `content`, which is its parent.
+    Sheet(Extent extent, QWidget *content);
+
+    QVBoxLayout *body() const { return m_body; } ///< What the sheet shows goes here.
+
+    void addHeading(const QString &text); ///< With the closing button beside it.
+
+    void open(QWidget *focus = nullptr); ///< `focus` is typed into first.
+    void close();                        ///< Asks to be closed, as Escape does.
+    void dismiss();                      ///< Closes without asking anybody.
+
+Q_SIGNALS:
+    void closeRequested(); ///< Who opened the sheet dismisses it.
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void placeFrame();
+
+    Extent m_extent;
+    QFrame *m_frame;
+    QVBoxLayout *m_body;
+    QPointer<QWidget> m_before; ///< What had the focus before.
+};

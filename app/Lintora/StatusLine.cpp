@@ -1,0 +1,68 @@
+#include "app/Lintora/StatusLine.h"
+
+#include "app/Lintora/BusyBar.h"
+#include "app/Lintora/Controls.h"
+#include "app/Lintora/ElidedLabel.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QStyle>
+
+using namespace Qt::StringLiterals;
+
+StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_text(new ElidedLabel(this))
+    , m_copy(Controls::signButton(VELTheme::Glyph::copy, u"复制出错信息"_s, this))
+    , m_busy(new BusyBar(this))
+    , m_cancel(Controls::quietButton(u"取消"_s, this))
+{
+    m_text->setFont(VELTheme::smallFont());
+    m_text->setAccessibleName(u"状态"_s);
+    m_text->setAlignment(Qt::AlignVCenter | Qt::AlignLeft);
+    auto *const layout = new QHBoxLayout(this);
+    layout->setContentsMargins(VELTheme::margin, 0, VELTheme::gap, 0);
+    layout->setSpacing(VELTheme::gap);
+    layout->addWidget(m_text, 1);
+    layout->addWidget(m_copy);
+    layout->addWidget(m_busy);
+    layout->addWidget(m_cancel);
+    setFixedHeight(VELTheme::controlHeight + 2 * VELTheme::step);
+
+    connect(m_copy, &QToolButton::clicked, this, &StatusLine::copy);
+    connect(m_cancel, &QPushButton::clicked, &model, &LintoraModel::cancelActivity);
+    connect(&model, &LintoraModel::messageChanged, this, &StatusLine::update);
+    connect(&model, &LintoraModel::failureChanged, this, &StatusLine::update);
+    connect(&model, &LintoraModel::activityChanged, this, &StatusLine::update);
+    update();
+}
+
+QString StatusLine::text() const
+{
+    return m_text->text();
+}
+
+void StatusLine::update()
+{
+    const auto activity = m_model.activity();
+    const auto failure = m_model.failure();
+    m_text->setText(failure.value_or(activity.value_or(m_model.message())));
+    m_text->setToolTip(failure.value_or(QString()));
+    if (m_text->property("failure").toBool() != failure.has_value()) {
+        m_text->setProperty("failure", failure.has_value());
+        m_text->style()->unpolish(m_text);
+        m_text->style()->polish(m_text);
+    }
+    m_copy->setVisible(failure.has_value());
+    m_busy->setVisible(activity.has_value());
+    m_busy->setToolTip(activity.value_or(QString()));
+    m_cancel->setVisible(activity.has_value());
+}
+
+void StatusLine::copy() const
+{
+    if (m_model.failure())
+        QGuiApplication::clipboard()->setText(*m_model.failure());
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "app/LintoraModel.h"
+
+#include <QWidget>
+
+class ElidedLabel;
+class QToolButton;
+class QPushButton;
+class BusyBar;
+
+/// What has become of the last operation, and what is under way.
+///
+/// A failure stands in its own colour and can be copied; success is quiet. While long work runs, its name and a button
+/// to cancel it are here.
+class StatusLine : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `model` must live as long as this.
+    explicit StatusLine(LintoraModel &model, QWidget *parent = nullptr);
+
+    QString text() const; ///< In full, however much of it can be seen.
+
+private:
+    void update();
+    void copy() const;
+
+    LintoraModel &m_model;
+    ElidedLabel *m_text;
+    QToolButton *m_copy;
+    BusyBar *m_busy;
+    QPushButton *m_cancel;
+};

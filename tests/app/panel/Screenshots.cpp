@@ -1,0 +1,196 @@
+// Draws the window's main states, to be looked at: in both appearances and in three sizes.
+//
+//   lintora_screenshots          the selection that the documentation shows, into docs/images/
+//   lintora_screenshots FOLDER   all of them
+
+#include "app/Lintora/CueTable.h"
+#include "app/Lintora/Panel.h"
+#include "app/Lintora/Theme.h"
+#include "app/LintoraModel.h"
+#include "tests/support/Events.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QList<Subtitle> interview()
+{
+    struct Line
+    {
+        qint64 lengthMS;
+        QString text;
+    };
+    const Line lines[] = {
+        {1500, u"大家好，欢迎回来"_s},
+        {1620, u"今天我们聊聊调色"_s},
+        {2400, u"先看这一段素材，它是用 Log 拍的\nThis clip was shot in Log"_s},
+        {600, u"灰"_s},
+        {1800, u"嗯，直接看会觉得画面又灰又平，其实细节都还在里面没有丢掉"_s},
+        {2200, u"第一步，把它转换到 Rec. 709"_s},
+        {2600, u"转换之后，对比度和饱和度就回来了"_s},
+        {1900, u"这时候先不要急着加 LUT"_s},
+        {2100, u"我们来看一下示波器"_s},
+        {2800, u"高光压到九十左右，阴影留一点余量"_s},
+        {7600, u"肤色落在这条线附近，就不会偏得太离谱"_s},
+        {2000, u"接下来处理天空"_s},
+        {2300, u"用形状遮罩把天空单独选出来"_s},
+        {2000, u"羽化给大一点，边缘才自然"_s},
+        {2500, u"最后统一一下前后两个镜头"_s},
+        {1700, u"好，今天就到这里"_s},
+        {1600, u"我们下期再见"_s},
+    };
+    QList<Subtitle> cues;
+    qint64 start = 1000;
+    for (int round = 0; round < 18; ++round) {
+        for (const Line &line : lines) {
+            cues += Subtitle{.id = cues.size() + 1, .start = start, .end = start + line.lengthMS, .text = line.text};
+            start += line.lengthMS + (cues.size() % 3 == 0 ? 400 : 0);
+        }
+    }
+    return cues;
+}
+
+QList<Subtitle> translated(const QList<Subtitle> &cues)
+{
+    QList<Subtitle> english = cues;
+    for (Subtitle &cue : english)
+        cue.text = u"Let us look at the scopes first"_s;
+    return english;
+}
+
+LintoraSession loadedJob()
+{
+    LintoraSession job;
+    job.source = u"访谈_粗剪_v3.srt"_s;
+    job.removeFillers = true;
+    const QList<Subtitle> cues = interview();
+    job.tracks = QList<SubtitleTrack>{
+        {.id = QUuid::createUuid(), .label = u"中文"_s, .items = cues, .options = job.options, .removeFillers = true},
+        {.id = QUuid::createUuid(), .label = u"English"_s, .items = translated(cues), .options = job.options}};
+    job.selectedTrackID = job.tracks->first().id;
+    return job;
+}
+
+struct State
+{
+    QString name;
+    std::function<void(LintoraModel &, LintoraPanel &)> reach;
+};
+
+QList<State> states()
+{
+    const auto load = [](LintoraModel &model, LintoraPanel &panel) {
+        model.apply(loadedJob());
+        model.report(u"已载入"_s);
+        panel.table().goTo(2);
+    };
+    return {
+        {u"empty"_s, [](LintoraModel &, LintoraPanel &) {}},
+        {u"loaded"_s, load},
+        {u"editing"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             panel.table().editText(2);
+         }},
+        {u"find-replace"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.setFindReplaceVisible(true);
+             const QList<QLineEdit *> fields = panel.findChildren<QLineEdit *>();
+             for (QLineEdit *const field : fields) {
+                 if (field->accessibleName() == u"关键词"_s)
+                     field->setText(u"转换"_s);
+                 if (field->accessibleName() == u"替换为（留空则删除关键词）"_s)
+                     field->setText(u"还原"_s);
+             }
+         }},
+        {u"script-match"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             QString script;
+             for (const Subtitle &cue : model.items().first(40))
+                 script += QString(cue.text).replace(u"嗯，直接"_s, u"直接"_s).replace(u"聊聊调色"_s, u"聊一聊调色"_s);
+             model.setScriptText(script + u"这一句没有说出来，只写在文稿里。"_s);
+             model.setScriptMatchPresented(true);
+             model.matchScript();
+             Events::waitFor([&] { return !model.activity(); });
+         }},
+        {u"cleanup"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.setCleanupSettingsVisible(true);
+         }},
+        {u"failure"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             panel.table().goTo(10);
+             model.reportFailure(
+                 u"第 17 条字幕的结束时间早于开始时间，请修正后重新导入；文件其余部分没有改动，可用任何文本编辑器打开。"_s);
+         }},
+        {u"fcp-import"_s, [](LintoraModel &model, LintoraPanel &) { model.showFCPImport(); }},
+    };
+}
+
+bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance appearance)
+{
+    if (size == QSize(640, 790))
+        return state != u"fcp-import"_s && (appearance == VELTheme::Appearance::light || state == u"loaded"_s);
+    return state == u"loaded"_s && size.width() == 560 && appearance == VELTheme::Appearance::dark;
+}
+
+bool draw(const State &state, QSize size, VELTheme::Appearance appearance, const QString &file)
+{
+    const QTemporaryDir folder;
+    LintoraModel model({.draftURL = folder.filePath(u"Draft.json"_s),
+                        .stylePresetsURL = folder.filePath(u"Presets.json"_s),
+                        .settings =
+                            std::make_shared<QSettings>(folder.filePath(u"settings.ini"_s), QSettings::IniFormat),
+                        .dialogs = {}});
+    LintoraPanel panel(model);
+    VELTheme::setAppearance(panel, appearance);
+    panel.resize(size);
+    panel.show();
+    panel.activateWindow();
+    Events::handle();
+    state.reach(model, panel);
+    for (int i = 0; i < 5; ++i)
+        Events::handle();
+    if (panel.size() != size)
+        qWarning("%ls: %d x %d became %d x %d", qUtf16Printable(state.name), size.width(), size.height(), panel.width(),
+                 panel.height());
+    return panel.grab().save(file);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    const bool wantsAll = argc > 1;
+    const QDir folder(wantsAll ? QString::fromLocal8Bit(argv[1]) : u"docs/images"_s);
+    if (!folder.mkpath(u"."_s))
+        return 1;
+    for (const State &state : states()) {
+        for (const QSize size : {QSize(560, 650), QSize(640, 790), QSize(1200, 900)}) {
+            for (const auto appearance : {VELTheme::Appearance::light, VELTheme::Appearance::dark}) {
+                if (!wantsAll && !isForDocumentation(state.name, size, appearance))
+                    continue;
+                const QString name =
+                    u"%1-%2-%3.png"_s.arg(state.name, QString::number(size.width()),
+                                          appearance == VELTheme::Appearance::dark ? u"dark"_s : u"light"_s);
+                if (!draw(state, size, appearance, folder.filePath(name)))
+                    return 1;
+            }
+        }
+    }
+    return 0;
+}
