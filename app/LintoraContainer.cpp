@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QTextStream>
 #include <QTranslator>
@@ -21,7 +22,9 @@ void describeApplication()
     QCoreApplication::setApplicationName(u"lintora"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(LINTORA_VERSION));
     QGuiApplication::setApplicationDisplayName(u"VELMORA 字幕助手"_s);
-    QGuiApplication::setDesktopFileName(u"local.lintora.workflow"_s); // by which docks find name and icon
+    // By the one, docks find name and icon; by the other, window managers that know no desktop entries.
+    QGuiApplication::setDesktopFileName(u"local.lintora.workflow"_s);
+    QGuiApplication::setWindowIcon(QIcon(u":/local.lintora.workflow.png"_s));
 }
 
 QList<QUrl> requestedUrls(const QCoreApplication &application)
