@@ -62,6 +62,7 @@ private:
     void applicationDidResignActive();
 
     const PanelFactory m_panel;
+    const CompositionGuard m_compositionGuard;
     const std::unique_ptr<Platform::PasteboardTypes> m_pasteboardTypes;
     const std::unique_ptr<LintoraModel> m_model;
     QPointer<QMenuBar> m_menuBar; ///< The window's, where menus end with it.
