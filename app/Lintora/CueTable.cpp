@@ -70,6 +70,7 @@ CueTable::CueTable(LintoraModel &model, QWidget *parent)
 
     connect(&m_cues, &CueTableModel::changed, this, &CueTable::followRowCount);
     connect(&m_cues, &CueTableModel::changed, this, &CueTable::currentCueChanged);
+    connect(&m_filter, &QAbstractItemModel::modelReset, this, &CueTable::restorePlace, Qt::QueuedConnection);
     // The job's own signal comes before its cues are exchanged: the last moment to keep what was typed.
     connect(&model, &LintoraModel::loaded, this, &CueTable::commitEdit);
     connect(m_textDelegate, &CueTextDelegate::abandoned, this, [this](CueTextEditor *editor) { abandon(*editor); });
@@ -154,6 +155,8 @@ void CueTable::currentChanged(const QModelIndex &current, const QModelIndex &pre
     if (m_cues.isFollowing())
         rescueTyped();
     QTableView::currentChanged(current, previous);
+    if (const auto cue = currentCue(); cue && m_cues.trackID() && !m_cues.isFollowing())
+        m_places.insert(*m_cues.trackID(), *cue);
     Q_EMIT currentCueChanged();
 }
 
@@ -243,6 +246,13 @@ void CueTable::reset()
     QTableView::reset();
 }
 
+/// Another track: back to where we were in it.
+void CueTable::restorePlace()
+{
+    if (m_cues.trackID() && m_cues.rowCount() > 0)
+        goTo(std::min(m_places.value(*m_cues.trackID(), 0), m_cues.rowCount() - 1));
+}
+
 // Commands
 
 void CueTable::insertCue()
@@ -271,14 +281,10 @@ void CueTable::splitAt(CueTextEditor &editor)
     const int cue = m_filter.mapToSource(editor.cue()).row();
     const QString typed = editor.toPlainText();
     const qsizetype typedPosition = editor.textCursor().position();
-    // What was typed and the split are one step.
-    m_model.beginGesture();
-    std::optional<qsizetype> next;
-    if (CueTextDelegate::commit(editor)) {
-        m_filter.keep(CueEditing::nextID(m_model.items()));
-        next = m_model.splitCue(cue, SplitPosition::inTidied(typed, typedPosition, m_cues.cue(cue).text));
-    }
-    m_model.endGesture();
+    if (!CueTextDelegate::commit(editor))
+        return;
+    m_filter.keep(CueEditing::nextID(m_model.items()));
+    const auto next = m_model.splitCue(cue, SplitPosition::inTidied(typed, typedPosition, m_cues.cue(cue).text));
     if (!next)
         return;
     closeText();
@@ -347,12 +353,10 @@ void CueTable::moveTo(const QUuid &track)
     const QList<qsizetype> cues = selectedCues();
     if (cues.isEmpty() || !commitEdit())
         return;
-    // From the last, so that the others keep their places; one step for all.
-    m_model.beginGesture();
+    // From the last, so that the others keep their places.
     const auto from = m_model.selectedTrackID();
     for (auto cue = cues.crbegin(); cue != cues.crend() && m_model.selectedTrackID() == from; ++cue)
         m_model.moveCue(*cue, track);
-    m_model.endGesture();
 }
 
 // Keys and the pointer

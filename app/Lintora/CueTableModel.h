@@ -35,6 +35,7 @@ public:
     explicit CueTableModel(LintoraModel &model, QObject *parent = nullptr);
     ~CueTableModel() override;
 
+    const std::optional<QUuid> &trackID() const { return m_trackID; } ///< Whose cues these are; absent without any.
     const Subtitle &cue(int row) const { return m_items.at(row); }
     QList<CueWarnings::Warning> warnings(int row) const;
 
