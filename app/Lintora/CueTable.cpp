@@ -91,8 +91,6 @@ void CueTable::setFilter(const QString &text)
     if (!commitEdit())
         return;
     m_filter.setText(text);
-    if (currentIndex().isValid())
-        scrollTo(currentIndex());
 }
 
 /// The first column is as wide as the highest number needs.
