@@ -279,10 +279,14 @@ void CueTable::splitAt(CueTextEditor &editor)
     const int cue = m_filter.mapToSource(editor.cue()).row();
     const QString typed = editor.toPlainText();
     const qsizetype typedPosition = editor.textCursor().position();
-    if (!CueTextDelegate::commit(editor))
-        return;
-    m_filter.keep(CueEditing::nextID(m_model.items()));
-    const auto next = m_model.splitCue(cue, SplitPosition::inTidied(typed, typedPosition, m_cues.cue(cue).text));
+    // What was typed and the split are one step.
+    std::optional<qsizetype> next;
+    m_model.asOneStep([&] {
+        if (!CueTextDelegate::commit(editor))
+            return;
+        m_filter.keep(CueEditing::nextID(m_model.items()));
+        next = m_model.splitCue(cue, SplitPosition::inTidied(typed, typedPosition, m_cues.cue(cue).text));
+    });
     if (!next)
         return;
     closeText();
@@ -351,10 +355,12 @@ void CueTable::moveTo(const QUuid &track)
     const QList<qsizetype> cues = selectedCues();
     if (cues.isEmpty() || !commitEdit())
         return;
-    // From the last, so that the others keep their places.
-    const auto from = m_model.selectedTrackID();
-    for (auto cue = cues.crbegin(); cue != cues.crend() && m_model.selectedTrackID() == from; ++cue)
-        m_model.moveCue(*cue, track);
+    // From the last, so that the others keep their places; one step for all.
+    m_model.asOneStep([&] {
+        const auto from = m_model.selectedTrackID();
+        for (auto cue = cues.crbegin(); cue != cues.crend() && m_model.selectedTrackID() == from; ++cue)
+            m_model.moveCue(*cue, track);
+    });
 }
 
 // Keys and the pointer

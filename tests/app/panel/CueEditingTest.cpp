@@ -7,7 +7,9 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
 #include <QToolTip>
 
@@ -203,7 +205,7 @@ TEST_F(CueEditing, Splits_at_the_cursor_and_goes_on_in_the_second_half)
     EXPECT_EQ(model.items().at(1).id, 3); // the highest number and one
 }
 
-TEST_F(CueEditing, A_split_takes_what_was_typed_along)
+TEST_F(CueEditing, Typing_and_splitting_are_one_step)
 {
     load({u"一二"_s});
     editWith(0, u" 三四五六"_s);
@@ -213,7 +215,7 @@ TEST_F(CueEditing, A_split_takes_what_was_typed_along)
     press(Qt::Key_K, Qt::ControlModifier);
     EXPECT_EQ(texts(), (QStringList{u"三四"_s, u"五六"_s}));
     model.undo();
-    EXPECT_EQ(texts(), QStringList{u"三四五六"_s});
+    EXPECT_EQ(texts(), QStringList{u"一二"_s});
 }
 
 TEST_F(CueEditing, A_split_without_text_on_one_side_is_refused)
@@ -300,6 +302,26 @@ TEST_F(CueEditing, Letters_on_a_row_do_nothing)
     EXPECT_EQ(texts(), (QStringList{u"abc"_s, u"kbc"_s}));
     EXPECT_EQ(table().currentCue(), 0);
     EXPECT_EQ(editor(), nullptr);
+}
+
+TEST_F(CueEditing, Several_cues_move_to_another_track_in_one_step)
+{
+    loadTracks({u"一"_s, u"二"_s, u"三"_s}, {u"one"_s});
+    table().setFocus();
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    QContextMenuEvent request(QContextMenuEvent::Keyboard, QPoint(1, 1), QPoint(1, 1));
+    QApplication::sendEvent(table().viewport(), &request);
+    auto *const menu = table().findChild<QMenu *>();
+    ASSERT_NE(menu, nullptr);
+    for (const QAction *const entry : menu->actions()) {
+        if (entry->text() == u"移到其他语言组"_s)
+            entry->menu()->actions().first()->trigger();
+    }
+    menu->close();
+    EXPECT_EQ(texts(), QStringList{u"三"_s});
+    EXPECT_EQ(model.tracks().last().items.size(), 3);
+    model.undo();
+    EXPECT_EQ(texts().size(), 3);
 }
 
 TEST_F(CueEditing, Copies_cuts_and_pastes_rows_as_text)
