@@ -412,7 +412,7 @@ void CueTable::contextMenuEvent(QContextMenuEvent *event)
     const qsizetype selected = selectedCues().size();
     auto *const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const auto add = [&](const QString &title, QKeySequence key, bool enabled, void (CueTable::*command)()) {
+    const auto add = [&](const QString &title, const QKeySequence &key, bool enabled, void (CueTable::*command)()) {
         QAction *const action = menu->addAction(title, this, command);
         action->setShortcut(key);
         action->setShortcutVisibleInContextMenu(true);

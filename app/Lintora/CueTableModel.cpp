@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int rememberedRows = 512; // some screens full
+constexpr qsizetype rememberedRows = 512; // some screens full
 
 } // namespace
 
@@ -19,7 +19,6 @@ CueTableModel::CueTableModel(LintoraModel &model, QObject *parent)
     , m_model(model)
     , m_items(model.items())
     , m_trackID(model.selectedTrackID())
-    , m_warnings(rememberedRows)
 {
     connect(&model, &LintoraModel::loaded, this, [this] { m_isLoading = true; });
     connect(&model, &LintoraModel::itemsChanged, this, &CueTableModel::follow);
@@ -108,6 +107,19 @@ QList<CueWarnings::Warning> CueTableModel::warnings(int row) const
                            [this](QStringView text) { return m_measure->isWiderThanSafe(text); });
 }
 
+QStringList CueTableModel::warningSentences(int row) const
+{
+    if (const auto known = m_warnings.constFind(row); known != m_warnings.cend())
+        return *known;
+    QStringList sentences;
+    for (const CueWarnings::Warning &warning : warnings(row))
+        sentences += warning.sentence;
+    if (m_warnings.size() >= rememberedRows)
+        m_warnings.clear();
+    m_warnings.insert(row, sentences);
+    return sentences;
+}
+
 int CueTableModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : int(m_items.size());
@@ -124,15 +136,10 @@ QVariant CueTableModel::data(const QModelIndex &index, int role) const
         return {};
     const Subtitle &cue = m_items.at(index.row());
     if (role == warningsRole || role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole) {
-        const QStringList *known = m_warnings.object(index.row());
-        if (!known) {
-            auto *const sentences = new QStringList;
-            for (const CueWarnings::Warning &warning : warnings(index.row()))
-                sentences->append(warning.sentence);
-            m_warnings.insert(index.row(), sentences);
-            known = sentences;
-        }
-        return role == warningsRole ? QVariant(*known) : known->isEmpty() ? QVariant() : QVariant(known->join(u'\n'));
+        const QStringList sentences = warningSentences(index.row());
+        return role == warningsRole  ? QVariant(sentences)
+               : sentences.isEmpty() ? QVariant()
+                                     : QVariant(sentences.join(u'\n'));
     }
     switch (index.column()) {
     case numberColumn:

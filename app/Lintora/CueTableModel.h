@@ -4,7 +4,7 @@
 #include "app/LintoraModel.h"
 
 #include <QAbstractTableModel>
-#include <QCache>
+#include <QHash>
 
 class TitleMeasure;
 
@@ -61,12 +61,13 @@ private:
     void reload();
     void takeDifference(const QList<Subtitle> &items);
     void forgetStyle();
+    QStringList warningSentences(int row) const;
 
     LintoraModel &m_model;
     QList<Subtitle> m_items; ///< As the views know them.
     std::optional<QUuid> m_trackID;
     bool m_isLoading = false;
     bool m_isFollowing = false;
-    mutable QCache<int, QStringList> m_warnings; ///< Of rows that were shown since the last change.
+    mutable QHash<int, QStringList> m_warnings; ///< Of rows that were shown since the last change.
     mutable std::unique_ptr<TitleMeasure> m_measure;
 };
