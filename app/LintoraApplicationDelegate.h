@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/CompositionGuard.h"
 #include "app/EditMenu.h"
 #include "app/FloatingWindow.h"
 #include "app/LintoraModel.h"

@@ -33,6 +33,7 @@ private:
     QWidget *makeWorkspace();
     QWidget *makeTableHeading();
     void followCues();
+    void giveKeyboard(QWidget *widget);
     void followSheets();
     void showFCPImport(bool visible);
     void showCue(qsizetype cue);
