@@ -15,8 +15,9 @@ void CheckBox::paintBox(QPainter &painter, const QRect &rectangle, const QWidget
                         bool isEnabled)
 {
     const VELTheme::Colors &colors = VELTheme::colors(widget);
-    const QRectF box(rectangle.center().x() - boxSize / 2 + 1.5, rectangle.center().y() - boxSize / 2 + 1.5,
-                     boxSize - 2, boxSize - 2);
+    constexpr int half = boxSize / 2;
+    const QRectF box(rectangle.center().x() - half + 1.5, rectangle.center().y() - half + 1.5, boxSize - 2,
+                     boxSize - 2);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     const bool isFilled = isChecked && isEnabled;
