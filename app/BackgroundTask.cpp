@@ -4,12 +4,11 @@
 
 #include <utility>
 
-BackgroundTask::BackgroundTask(QObject *parent)
-    : QObject(parent)
+BackgroundTask::BackgroundTask(Order order)
 {
     // An operation that was cancelled may need a moment to notice; the one in its place does not wait for it.
     constexpr int threads = 4;
-    m_pool.setMaxThreadCount(threads);
+    m_pool.setMaxThreadCount(order == Order::newestAtOnce ? threads : 1);
 }
 
 BackgroundTask::~BackgroundTask()

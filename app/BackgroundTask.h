@@ -27,7 +27,14 @@ public:
     /// Takes the sentence that says why the operation failed.
     using Refused = std::function<void(const QString &sentence)>;
 
-    explicit BackgroundTask(QObject *parent = nullptr);
+    /// What happens to operations that were replaced.
+    enum class Order
+    {
+        newestAtOnce,   ///< The newest begins at once; those before it end when they notice.
+        oneAfterAnother ///< All run to their end in order: each builds on what the one before has done.
+    };
+
+    explicit BackgroundTask(Order order = Order::newestAtOnce);
     ~BackgroundTask() override;
 
     /// Runs `operation(job, progress)` in place of one under way. `what` is what it is doing at first.

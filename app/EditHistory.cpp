@@ -7,9 +7,11 @@
 
 namespace {
 
+// Clearing a shared list would give it as much room of its own as it had.
+
 LintoraSession withoutCues(LintoraSession state)
 {
-    state.items.clear();
+    state.items = {};
     state.previousItems.reset();
     state.tracks.reset();
     return state;
@@ -17,7 +19,7 @@ LintoraSession withoutCues(LintoraSession state)
 
 SubtitleTrack withoutCues(SubtitleTrack track)
 {
-    track.items.clear();
+    track.items = {};
     track.previousItems.reset();
     return track;
 }
@@ -95,7 +97,8 @@ std::shared_ptr<const EditHistory::FrozenTrack> EditHistory::freeze(const Subtit
             continue;
         before = m_frozen.tracks[i].get();
         original = &m_current.tracks->at(qsizetype(i));
-        if (track == *original)
+        // Cues that differ are compared once, when they are put away.
+        if (isShared(track.items, original->items) && track == *original)
             return m_frozen.tracks[i];
     }
     auto frozen = std::make_shared<FrozenTrack>();

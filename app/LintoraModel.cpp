@@ -129,7 +129,8 @@ void LintoraModel::emitChanges(const LintoraSession &before)
 {
     // A receiver may change the job again; it then hears of that first, which is the newer state anyway.
     const LintoraSession now = m_job;
-    if (before.items != now.items)
+    const bool haveCuesChanged = before.items != now.items;
+    if (haveCuesChanged)
         Q_EMIT itemsChanged();
     if (before.source != now.source)
         Q_EMIT sourceChanged();
@@ -143,7 +144,9 @@ void LintoraModel::emitChanges(const LintoraSession &before)
         Q_EMIT previousItemsChanged();
     if (before.cleaned != now.cleaned)
         Q_EMIT cleanedChanged();
-    if (before.tracks != now.tracks)
+    // The selected track has the cues too, which need not be compared again. Another one may be selected now.
+    const bool isSameTrack = before.selectedTrackID == now.selectedTrackID;
+    if ((haveCuesChanged && isSameTrack) || before.tracks != now.tracks)
         Q_EMIT tracksChanged();
     if (before.selectedTrackID != now.selectedTrackID)
         Q_EMIT selectedTrackIDChanged();

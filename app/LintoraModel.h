@@ -147,7 +147,12 @@ public:
     void setCanvasHeight(qint64 pixels);
 
     const QList<SubtitleStylePreset> &stylePresets() const { return m_stylePresets; }
-    void saveStylePreset(const QString &named); ///< Replaces the one of that name.
+    void saveStylePreset(const QString &named); ///< The selected track's; replaces the one of that name.
+    void renameStylePreset(const QUuid &id, const QString &name);
+    void removeStylePreset(const QUuid &id);
+    bool canRestoreStylePreset() const; ///< Whether the preset removed last is still missing.
+    void restoreStylePreset();
+    void applyStylePreset(const QUuid &id); ///< To the selected track.
 
     // Import
 
@@ -261,6 +266,12 @@ private:
         QList<Subtitle> after;
     };
 
+    struct RemovedPreset
+    {
+        SubtitleStylePreset preset;
+        qsizetype index; ///< Where it stood.
+    };
+
     struct ScriptMatching
     {
         QString text;
@@ -308,6 +319,10 @@ private:
     void setScriptStatus(const QString &status);
     void clearScriptRows();
 
+    // Style presets
+    void changePresets(std::function<QList<SubtitleStylePreset>(QList<SubtitleStylePreset>)> change,
+                       const QString &message);
+
     // Persistence
     void openSession(const QUrl &link);
     void schedulePersist();
@@ -334,6 +349,7 @@ private:
 
     QStringList m_fillerWords;
     QList<SubtitleStylePreset> m_stylePresets;
+    std::optional<RemovedPreset> m_removedPreset; ///< The one removed last.
     std::optional<FCPProject> m_project;
     std::optional<FCPAudioPlan> m_timelinePlan;
     std::optional<Restore> m_replacement; ///< Of the last replacement.
@@ -351,5 +367,5 @@ private:
     BackgroundTask m_import; // The tasks come last, so that they end first.
     BackgroundTask m_export;
     BackgroundTask m_match;
-    BackgroundTask m_presets;
+    BackgroundTask m_presets{BackgroundTask::Order::oneAfterAnother};
 };

@@ -1,4 +1,4 @@
-// The text tools and the titles' look.
+// The text tools.
 
 #include "app/JobTracks.h"
 #include "app/LintoraModel.h"
@@ -148,53 +148,4 @@ void LintoraModel::restoreOriginal()
         return;
     replaceJob(JobTracks::restored(m_job));
     report(u"已恢复分离前原稿"_s);
-}
-
-// Titles' look
-
-void LintoraModel::beginGesture()
-{
-    m_isGesture = true;
-    m_gestureRecorded = false;
-}
-
-void LintoraModel::endGesture()
-{
-    m_isGesture = false;
-}
-
-void LintoraModel::setOptions(const Options &options)
-{
-    LintoraSession next = m_job;
-    next.options = options;
-    replaceJob(JobTracks::committed(std::move(next)));
-}
-
-void LintoraModel::setCanvasHeight(qint64 pixels)
-{
-    Options options = m_job.options;
-    options.height = pixels;
-    setOptions(options);
-}
-
-void LintoraModel::saveStylePreset(const QString &named)
-{
-    const QString name = named.trimmed();
-    m_presets.run(
-        u"正在保存预设…"_s,
-        [store = m_presetStore, name, style = options()](LocalAIJob & /*job*/, const BackgroundTask::Progress &) {
-            return store.update([&](QList<SubtitleStylePreset> presets) {
-                const auto same = std::ranges::find(presets, name, &SubtitleStylePreset::name);
-                if (same != presets.end())
-                    same->style = style;
-                else
-                    presets.append({.id = QUuid::createUuid(), .name = name, .style = style});
-                return presets;
-            });
-        },
-        [this, name](const QList<SubtitleStylePreset> &presets) {
-            publish(m_stylePresets, presets, &LintoraModel::stylePresetsChanged);
-            report(u"已保存样式预设“%1”"_s.arg(name));
-        },
-        [this](const QString &sentence) { reportFailure(sentence); });
 }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
@@ -17,7 +18,7 @@ namespace {
 struct Composition
 {
     TitlePicture::Layout layout;
-    QPainterPath glyphs;
+    std::vector<QPainterPath> glyphs;
 };
 
 QRectF centred(QSize size, double part)
@@ -68,7 +69,6 @@ QRectF boundsOf(const TitlePicture::Layout &layout, const Options &options)
 Composition compose(const QString &text, const Options &options, QSize size, TitleMeasure &measure)
 {
     Composition result{.layout = emptyLayout(options, size, measure), .glyphs = {}};
-    result.glyphs.setFillRule(Qt::WindingFill);
     TitlePicture::Layout &layout = result.layout;
     const QStringView trimmed = Characters::trimmed(text);
     if (layout.size.isEmpty() || layout.em <= 0 || trimmed.isEmpty())
@@ -88,7 +88,7 @@ Composition compose(const QString &text, const Options &options, QSize size, Tit
         const QRectF ink = glyphs.boundingRect();
         layout.lines.append({.text = line.text, .baseline = baseline, .left = left, .width = width, .ink = ink});
         layout.ink = layout.ink.united(ink);
-        result.glyphs.addPath(glyphs);
+        std::ranges::move(TitleLayers::pieces(glyphs), std::back_inserter(result.glyphs));
         baseline += measure.lineSpacing() * layout.scale;
     }
     layout.bounds = boundsOf(layout, options);

@@ -7,9 +7,14 @@
 
 /// draft_writer FILE changes a job without end and saves every change, like a busy editor. The job's source is the
 /// number of the change. Each line of its output is a number N: "the changes up to N have been saved". Ends only by a
-/// signal, or with 1 when the draft that is there cannot be read.
+/// signal, or with 1 when the draft that is there cannot be read. draft_writer --read FILE prints the newest change in
+/// a draft.
 int main(int argc, char **argv)
 {
+    if (argc == 3) {
+        std::puts(qPrintable(LintoraSession::read(QFile::decodeName(argv[2])).source));
+        return 0;
+    }
     if (argc != 2)
         return 2;
     const QString path = QFile::decodeName(argv[1]);

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Kills a program that saves its draft without pause at random moments. Each time a complete draft must be there that
 # holds every change whose saving was reported as finished.
-# Usage: kill-during-saves.sh DRAFT_WRITER LINTORA_CLI [MOMENTS]
+# Usage: kill-during-saves.sh WRITER [MOMENTS]; WRITER DRAFT writes, WRITER --read DRAFT prints the newest change in it.
 set -euo pipefail
-writer=$1 cli=$2 moments=${3:-200}
+writer=$1 moments=${2:-200}
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 draft=$folder/Draft.json
@@ -26,7 +26,7 @@ for ((moment = 1; moment <= moments; moment++)); do
         echo "moment $moment: no draft, though change $saved was saved"
         exit 1
     fi
-    if ! found=$("$cli" session "$draft" --json | sed -n 's/.*"source":"\([0-9]*\)".*/\1/p') || [[ -z $found ]]; then
+    if ! found=$("$writer" --read "$draft") || [[ -z $found ]]; then
         echo "moment $moment: the draft cannot be read"
         exit 1
     fi

@@ -295,6 +295,47 @@ TEST_F(ToolsTest, a_style_is_saved_under_a_name_and_replaces_its_namesake)
     EXPECT_EQ(failure(), u"样式预设内容无效，请检查字号与位置。"_s);
 }
 
+TEST_F(ToolsTest, presets_are_applied_in_proportion_renamed_removed_and_brought_back)
+{
+    const auto names = [&] {
+        QStringList list;
+        for (const SubtitleStylePreset &preset : model->stylePresets())
+            list += preset.name;
+        return list;
+    };
+    const auto becomes = [&](const QStringList &list) { return Events::waitFor([&] { return names() == list; }); };
+    // One right after the other: neither save may lose the other's.
+    model->saveStylePreset(u"甲"_s);
+    model->saveStylePreset(u"乙"_s);
+    ASSERT_TRUE(becomes({u"甲"_s, u"乙"_s}));
+    const QUuid first = model->stylePresets().first().id;
+
+    Options portrait = model->options();
+    portrait.height = portrait.height / 2;
+    portrait.fontSize = 5;
+    model->setOptions(portrait);
+    model->applyStylePreset(first);
+    EXPECT_EQ(model->options().fontSize, 24);
+    EXPECT_EQ(model->message(), u"已套用样式预设“甲”"_s);
+    model->undo();
+    EXPECT_EQ(model->options().fontSize, 5);
+
+    model->renameStylePreset(first, u"乙"_s);
+    EXPECT_TRUE(Events::waitFor([&] { return failure() == u"已有同名的样式预设，请换一个名称。"_s; }));
+    model->renameStylePreset(first, u" 丙 "_s);
+    EXPECT_TRUE(becomes({u"丙"_s, u"乙"_s}));
+    model->removeStylePreset(first);
+    EXPECT_TRUE(becomes({u"乙"_s}));
+    model->restoreStylePreset();
+    EXPECT_TRUE(becomes({u"丙"_s, u"乙"_s}));
+    EXPECT_FALSE(model->canRestoreStylePreset());
+
+    write(u"Library/Application Support/Lintora/StylePresets.json"_s, "[");
+    model->removeStylePreset(first);
+    EXPECT_TRUE(Events::waitFor([&] { return model->failure().has_value(); }));
+    EXPECT_EQ(names().size(), 2) << "an unreadable file leaves the list alone";
+}
+
 /// Every operation in any order, with all that a person can see put back by undoing to the beginning.
 TEST_F(ToolsTest, five_thousand_operations_are_undone_to_the_first_state_and_redone_to_the_last)
 {

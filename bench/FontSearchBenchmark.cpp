@@ -1,0 +1,77 @@
+#include "app/style/FontIndexFile.h"
+#include "app/style/FontSearch.h"
+#include "app/style/Pinyin.h"
+#include "tests/app/style/SyntheticFonts.h"
+
+#include <benchmark/benchmark.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype count = 2'000;
+
+const QList<FontFamily> &families()
+{
+    static const QList<FontFamily> list = SyntheticFonts::families(count);
+    return list;
+}
+
+void find(benchmark::State &state, const QString &query)
+{
+    const FontSearch search(families());
+    const QStringList preferred{families()[7].family, families()[1'900].family};
+    for (auto _ : state)
+        benchmark::DoNotOptimize(search.find(query, preferred));
+}
+
+void makeSearch(benchmark::State &state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(FontSearch(families()));
+}
+
+void makeReader(benchmark::State &state)
+{
+    for (auto _ : state) {
+        Pinyin::Reader reader;
+        benchmark::DoNotOptimize(reader.read(u"思源黑体"));
+    }
+}
+
+void readAloud(benchmark::State &state)
+{
+    for (auto _ : state) {
+        Pinyin::Reader reader;
+        for (const FontFamily &family : families())
+            benchmark::DoNotOptimize(reader.read(family.chineseName));
+    }
+}
+
+void encodeIndex(benchmark::State &state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(FontIndexFile::encode(families()));
+}
+
+void decodeIndex(benchmark::State &state)
+{
+    const QByteArray bytes = FontIndexFile::encode(families());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(FontIndexFile::decode(bytes));
+}
+
+} // namespace
+
+BENCHMARK_CAPTURE(find, everything, QString())->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(find, oneLetter, u"s"_s)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(find, initials, u"fzlt"_s)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(find, pinyin, u"zhankukuaileti"_s)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(find, chinese, u"行楷"_s)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(find, english, u"great wall"_s)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(find, nothing, u"helvetica"_s)->Unit(benchmark::kMillisecond);
+BENCHMARK(makeSearch)->Unit(benchmark::kMillisecond);
+BENCHMARK(makeReader)->Unit(benchmark::kMillisecond);
+BENCHMARK(readAloud)->Unit(benchmark::kMillisecond);
+BENCHMARK(encodeIndex)->Unit(benchmark::kMillisecond);
+BENCHMARK(decodeIndex)->Unit(benchmark::kMillisecond);

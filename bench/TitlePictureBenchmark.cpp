@@ -1,0 +1,98 @@
+#include "app/style/TitleMeasure.h"
+#include "app/style/TitlePicture.h"
+#include "bench/Corpus.h"
+
+#include <QGuiApplication>
+
+#include <benchmark/benchmark.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum Look
+{
+    plain = 0,
+    stroke = 1,
+    shadow = 2,
+    strokeAndShadow = stroke | shadow,
+};
+
+Options styleOf(Look look, double fontSize)
+{
+    Options options;
+    options.font = u"Noto Sans CJK SC"_s;
+    options.fontSize = fontSize;
+    options.strokeEnabled = look & stroke;
+    options.strokeWidth = 4;
+    options.shadowEnabled = look & shadow;
+    options.shadowBlur = 12;
+    return options;
+}
+
+const QString twoLines = u"大家好，欢迎回来，今天我们聊聊调色\nWelcome back, let's talk about grading"_s;
+
+void drawTitle(benchmark::State &state, Look look, double fontSize)
+{
+    const Options options = styleOf(look, fontSize);
+    const QSize size(static_cast<int>(state.range(0)), static_cast<int>(state.range(0) * 9 / 16));
+    TitleMeasure measure(options);
+    QImage canvas;
+    for (auto _ : state) {
+        TitlePicture::drawInto(canvas, twoLines, options, size, {}, TitlePicture::Guides::none, measure);
+        benchmark::DoNotOptimize(canvas.constBits());
+    }
+}
+
+/// All from scratch, as for a single picture: the font is looked up and the memory is fresh.
+void drawOnce(benchmark::State &state)
+{
+    const Options options = styleOf(strokeAndShadow, 96);
+    const QSize size(static_cast<int>(state.range(0)), static_cast<int>(state.range(0) * 9 / 16));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(TitlePicture::draw(twoLines, options, size, {}));
+}
+
+void fillCanvas(benchmark::State &state)
+{
+    QImage canvas(3840, 2160, QImage::Format_ARGB32_Premultiplied);
+    for (auto _ : state) {
+        TitleBackdrops::draw({}, canvas);
+        benchmark::DoNotOptimize(canvas.constBits());
+    }
+}
+
+void measureTrack(benchmark::State &state)
+{
+    const QList<Subtitle> cues = Corpus::cues(state.range(0));
+    const Options options = styleOf(plain, 48);
+    for (auto _ : state) {
+        TitleMeasure measure(options);
+        qsizetype wide = 0;
+        for (const Subtitle &cue : cues)
+            wide += measure.isWiderThanSafe(cue.text) ? 1 : 0;
+        benchmark::DoNotOptimize(wide);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+} // namespace
+
+BENCHMARK_CAPTURE(drawTitle, plain, plain, 96)->Arg(560)->Arg(3840)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(drawTitle, stroke, stroke, 96)->Arg(560)->Arg(3840)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(drawTitle, shadow, shadow, 96)->Arg(560)->Arg(3840)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(drawTitle, both, strokeAndShadow, 96)->Arg(560)->Arg(3840)->Unit(benchmark::kMillisecond);
+BENCHMARK(drawOnce)->Arg(560)->Arg(3840)->Unit(benchmark::kMillisecond);
+BENCHMARK(fillCanvas)->Unit(benchmark::kMillisecond);
+BENCHMARK(measureTrack)->Arg(10'000)->Unit(benchmark::kMillisecond);
+
+int main(int argc, char **argv)
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,68 @@
+#include "app/LintoraModel.h"
+#include "core/SRT.h"
+#include "core/Utf8Writer.h"
+#include "tests/support/Events.h"
+#include "tests/support/Generator.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The number of the newest change that a job holds.
+qint64 newestChange(const LintoraSession &job)
+{
+    qint64 newest = 0;
+    for (const Subtitle &cue : job.items)
+        newest = std::max(newest, cue.text.toLongLong());
+    return newest;
+}
+
+void printNumber(qint64 number)
+{
+    std::printf("%lld\n", static_cast<long long>(number));
+    std::fflush(stdout);
+}
+
+} // namespace
+
+/// model_editor DRAFT types into a job without end, like an editor in a hurry: the text of change N is N. Each line of
+/// its output is a number N: "the changes up to N have been saved". Ends only by a signal, or with 1 when the draft
+/// that is there was not taken up. model_editor --read DRAFT prints the newest change in a draft.
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    if (argc == 3) {
+        printNumber(newestChange(LintoraSession::read(QFile::decodeName(argv[2]))));
+        return 0;
+    }
+    if (argc != 2)
+        return 2;
+    const QString draft = QFile::decodeName(argv[1]);
+    const bool isThere = QFile::exists(draft);
+    LintoraModel model({.draftURL = draft,
+                        .stylePresetsURL = draft + u".presets"_s,
+                        .settings = std::make_shared<QSettings>(draft + u".ini"_s, QSettings::IniFormat)});
+    if (isThere && model.items().isEmpty())
+        return 1;
+    if (!isThere)
+        model.apply({.items = Generator(1).cues(2'000)});
+    for (qint64 change = newestChange(model.snapshot()) + 1;; ++change) {
+        const qsizetype index = change % model.items().size();
+        model.setText(index, QString::number(change));
+        if (change % 7 == 0)
+            model.undo();
+        if (change % 7 == 0)
+            model.redo();
+        // Most changes come while a save is under way.
+        Events::handle();
+        if (change % 20 != 0)
+            continue;
+        model.saveDraft();
+        printNumber(change);
+    }
+}
