@@ -17,7 +17,7 @@ debian_packages() {
 
 brew_packages() {
     case $1 in
-    build) echo cmake ninja pkg-config qt libxml2 cli11 ;;
+    build) echo cmake ninja pkg-config qt libxml2 icu4c cli11 ;;
     test) echo googletest ;;
     ci) echo clang-format llvm ccache ;;
     bench) echo google-benchmark ;;

@@ -1,5 +1,6 @@
 #include "app/style/TitleLayers.h"
 
+#include "app/style/Dilation.h"
 #include "app/style/GaussianBlur.h"
 #include "app/style/TitleColor.h"
 
@@ -19,68 +20,64 @@ QColor colorOf(const QString &text, const QString &otherwise)
     return TitleColor::read(text).value_or(*TitleColor::read(otherwise));
 }
 
-QPen strokePen(double width)
-{
-    // A round joint costs as much as all the rest of an outline, and below this width nobody can tell it.
-    constexpr double roundFrom = 1;
-    // The inner half of the pen lies under the glyphs.
-    QPen pen(Qt::black, width * 2, Qt::SolidLine, Qt::FlatCap, width < roundFrom ? Qt::MiterJoin : Qt::RoundJoin);
-    pen.setMiterLimit(1.5);
-    return pen;
-}
-
 /// Shadow and stroke are made of the same mask: all that glyphs and stroke cover.
 class Silhouette
 {
 public:
     Silhouette(const std::vector<QPainterPath> &glyphs, const TitlePicture::Layout &layout)
-        : m_glyphs(glyphs)
-        , m_layout(layout)
+        : m_layout(layout)
     {
-        // What stands farther out than the blur reaches leaves no trace in the picture.
-        const int reach = GaussianBlur::reach(layout.sigma) + static_cast<int>(std::ceil(layout.shadow.x())) + 1;
+        // What stands farther out than blur and stroke reach leaves no trace in the picture.
+        const int reach = GaussianBlur::reach(layout.sigma) +
+                          static_cast<int>(std::ceil(layout.shadow.x()) + std::ceil(layout.stroke)) + 1;
         m_area = layout.bounds.toAlignedRect().adjusted(-1, -1, 1, 1) &
                  QRect(QPoint(), layout.size).adjusted(-reach, -reach, reach, reach);
-        m_mask = QImage(m_area.size(), QImage::Format_ARGB32_Premultiplied);
-        m_mask.fill(Qt::transparent);
-        QPainter painter(&m_mask);
-        prepare(painter);
-        const QPen pen = strokePen(layout.stroke);
-        for (const QPainterPath &piece : glyphs) {
-            painter.fillPath(piece, Qt::black);
-            if (layout.stroke > 0)
-                painter.strokePath(piece, pen);
-        }
+        m_glyphs = glyphCoverage(glyphs);
+        m_all = Dilation::grown(m_glyphs, m_area.width(), m_area.height(), layout.stroke);
     }
 
     void drawShadow(QPainter &painter, const QColor &color) const
     {
-        const std::vector<float> coverage = shadowCoverage();
-        painter.drawImage(m_area.topLeft(), tinted(color, [at = coverage.begin()](QRgb) mutable {
-                              return std::clamp(static_cast<int>(*at++ + 0.5F), 0, 255);
-                          }));
+        std::vector<uchar> mask(m_all.size());
+        std::ranges::transform(shadowCoverage(), mask.begin(), [](float value) {
+            return static_cast<uchar>(std::min(value * (256.0F / 255.0F), 255.0F));
+        });
+        painter.drawImage(m_area.topLeft(), tinted(mask, color));
     }
 
     void drawStroke(QPainter &painter, const QColor &color) const
     {
-        painter.drawImage(m_area.topLeft(), tinted(color, [](QRgb pixel) { return qAlpha(pixel); }));
+        painter.drawImage(m_area.topLeft(), tinted(m_all, color));
     }
 
-    /// Cuts the glyphs out: seen through letters that are not opaque, the stroke would tint them.
-    void hollow()
+    /// The stroke without what the glyphs cover: seen through letters that are not opaque, it would tint them.
+    void drawHollowStroke(QPainter &painter, const QColor &color) const
     {
-        QPainter painter(&m_mask);
-        prepare(painter);
-        painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-        for (const QPainterPath &piece : m_glyphs)
-            painter.fillPath(piece, Qt::black);
+        std::vector<uchar> mask(m_all.size());
+        std::ranges::transform(m_all, m_glyphs, mask.begin(),
+                               [](uchar all, uchar glyph) { return static_cast<uchar>(all - std::min(all, glyph)); });
+        painter.drawImage(m_area.topLeft(), tinted(mask, color));
     }
 
 private:
-    void prepare(QPainter &painter) const
+    std::vector<uchar> glyphCoverage(const std::vector<QPainterPath> &glyphs) const
     {
+        QImage image(m_area.size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(-QPointF(m_area.topLeft()));
+        for (const QPainterPath &piece : glyphs)
+            painter.fillPath(piece, Qt::black);
+        painter.end();
+        std::vector<uchar> coverage(static_cast<size_t>(m_area.width()) * static_cast<size_t>(m_area.height()));
+        auto at = coverage.begin();
+        for (int y = 0; y < m_area.height(); ++y) {
+            const auto *const row = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+            at = std::transform(row, row + m_area.width(), at,
+                                [](QRgb pixel) { return static_cast<uchar>(qAlpha(pixel)); });
+        }
+        return coverage;
     }
 
     /// The mask, moved by the shadow's offset and blurred, from 0 to 255.
@@ -92,17 +89,17 @@ private:
         const auto partX = static_cast<float>(m_layout.shadow.x() - right);
         const auto partY = static_cast<float>(m_layout.shadow.y() - down);
         const int width = m_area.width();
-        const std::vector<QRgb> nothing(static_cast<size_t>(width), 0);
+        const std::vector<uchar> nothing(static_cast<size_t>(width), 0);
         const auto row = [&](int y) {
-            return y >= 0 ? reinterpret_cast<const QRgb *>(m_mask.constScanLine(y)) : nothing.data();
+            return y >= 0 ? m_all.data() + static_cast<ptrdiff_t>(width) * y : nothing.data();
         };
-        std::vector<float> coverage(static_cast<size_t>(width) * static_cast<size_t>(m_area.height()), 0.0F);
+        std::vector<float> coverage(m_all.size(), 0.0F);
         for (int y = 0; y < m_area.height(); ++y) {
-            const QRgb *const near = row(y - down);
-            const QRgb *const far = row(y - down - 1);
-            float *const to = coverage.data() + static_cast<size_t>(y) * static_cast<size_t>(width);
+            const uchar *const near = row(y - down);
+            const uchar *const far = row(y - down - 1);
+            float *const to = coverage.data() + static_cast<ptrdiff_t>(width) * y;
             const auto column = [&](int x) {
-                return static_cast<float>(near[x] >> 24) * (1 - partY) + static_cast<float>(far[x] >> 24) * partY;
+                return static_cast<float>(near[x]) * (1 - partY) + static_cast<float>(far[x]) * partY;
             };
             for (int x = right + 1; x < width; ++x)
                 to[x] = column(x - right) * (1 - partX) + column(x - right - 1) * partX;
@@ -111,9 +108,8 @@ private:
         return coverage;
     }
 
-    /// `color` as opaque as `alphaOf` says for each pixel of the mask in turn, from 0 to 255.
-    template <class AlphaOf>
-    QImage tinted(const QColor &color, AlphaOf &&alphaOf) const
+    /// `color` as opaque as `mask` says.
+    QImage tinted(const std::vector<uchar> &mask, const QColor &color) const
     {
         std::array<QRgb, 256> shades{};
         for (size_t alpha = 0; alpha < shades.size(); ++alpha) {
@@ -122,19 +118,19 @@ private:
                 qPremultiply(qRgba(color.red(), color.green(), color.blue(), static_cast<int>(std::lround(part))));
         }
         QImage image(m_area.size(), QImage::Format_ARGB32_Premultiplied);
+        auto at = mask.begin();
         for (int y = 0; y < m_area.height(); ++y) {
-            const auto *const from = reinterpret_cast<const QRgb *>(m_mask.constScanLine(y));
-            auto *const to = reinterpret_cast<QRgb *>(image.scanLine(y));
-            std::transform(from, from + m_area.width(), to,
-                           [&](QRgb pixel) { return shades[static_cast<size_t>(alphaOf(pixel))]; });
+            std::transform(at, at + m_area.width(), reinterpret_cast<QRgb *>(image.scanLine(y)),
+                           [&](uchar alpha) { return shades[alpha]; });
+            at += m_area.width();
         }
         return image;
     }
 
-    const std::vector<QPainterPath> &m_glyphs;
     const TitlePicture::Layout &m_layout;
-    QRect m_area; ///< Of the picture that the mask covers.
-    QImage m_mask;
+    QRect m_area;                ///< Of the picture that the masks cover.
+    std::vector<uchar> m_glyphs; ///< From 0 to 255.
+    std::vector<uchar> m_all;    ///< Glyphs and stroke.
 };
 
 /// One closed curve of an outline, and how far it stretches from left to right.
@@ -209,14 +205,14 @@ void TitleLayers::draw(QImage &canvas, const std::vector<QPainterPath> &glyphs, 
     QPainter painter(&canvas);
     painter.setRenderHint(QPainter::Antialiasing);
     if (options.shadowEnabled || layout.stroke > 0) {
-        Silhouette silhouette(glyphs, layout);
+        const Silhouette silhouette(glyphs, layout);
+        const QColor stroke = colorOf(options.strokeColor, first.strokeColor);
         if (options.shadowEnabled)
             silhouette.drawShadow(painter, colorOf(options.shadowColor, first.shadowColor));
-        if (layout.stroke > 0) {
-            if (fill.alpha() < 255)
-                silhouette.hollow();
-            silhouette.drawStroke(painter, colorOf(options.strokeColor, first.strokeColor));
-        }
+        if (layout.stroke > 0 && fill.alpha() == 255)
+            silhouette.drawStroke(painter, stroke);
+        else if (layout.stroke > 0)
+            silhouette.drawHollowStroke(painter, stroke);
     }
     for (const QPainterPath &piece : glyphs)
         painter.fillPath(piece, fill);

@@ -109,8 +109,8 @@ void drawGuide(QPainter &painter, const QRectF &area, double thickness, Qt::PenS
 QRectF aligned(const QRectF &area, double thickness)
 {
     const double half = std::fmod(thickness, 2) / 2;
-    return QRectF(QPointF(std::round(area.left()) + half, std::round(area.top()) + half),
-                  QPointF(std::round(area.right()) - half, std::round(area.bottom()) - half));
+    return {QPointF(std::round(area.left()) + half, std::round(area.top()) + half),
+            QPointF(std::round(area.right()) - half, std::round(area.bottom()) - half)};
 }
 
 void drawGuides(QImage &canvas)
