@@ -62,6 +62,7 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
 {
     auto *const settings =
         Controls::signButton(VELTheme::Glyph::gear, u"语气词设置"_s, this, u"自定义需要去掉的语气词"_s);
+    auto *const style = Controls::button(u"样式"_s, this, u"设置字幕样式与画面（⌘,）"_s);
     QHBoxLayout *const row = rowIn(this);
     row->setSpacing(VELTheme::step);
     row->addWidget(m_fillers);
@@ -72,6 +73,7 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
     row->addWidget(m_undo);
     row->addWidget(m_find);
     row->addWidget(m_separate);
+    row->addWidget(style);
 
     connect(m_fillers, &CheckBox::clicked, &model, &LintoraModel::setRemoveFillers);
     connect(m_punctuation, &CheckBox::clicked, &model, &LintoraModel::setRemovePunctuation);
@@ -81,6 +83,7 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
     connect(m_undo, &QToolButton::clicked, this, [this] { perform([this] { undo(); }); });
     connect(m_find, &QPushButton::clicked, this,
             [this] { perform([this] { m_model.setFindReplaceVisible(true); }); });
+    connect(style, &QPushButton::clicked, this, [this] { perform([this] { m_model.setSettingsVisible(true); }); });
     connect(m_separate, &QPushButton::clicked, this, [this] {
         perform([this] {
             if (m_model.splitOriginal())

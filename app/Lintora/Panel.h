@@ -11,6 +11,7 @@ class QLineEdit;
 class QVBoxLayout;
 class ScriptMatchWorkspace;
 class Sheet;
+class StyleWorkspace;
 class UnifiedImportArea;
 
 /// The content of the window: everything a person sees of the model, and does to it. It connects; what the parts do is
@@ -34,6 +35,7 @@ private:
     QWidget *makeTableHeading();
     void followCues();
     void followSheets();
+    void showStyle();
     void showFCPImport(bool visible);
     void confirmRestore();
     template <class Workspace>
@@ -50,4 +52,5 @@ private:
     CleanupWorkspace *m_cleanup = nullptr;
     FindReplaceWorkspace *m_findReplace = nullptr;
     ScriptMatchWorkspace *m_scriptMatch = nullptr;
+    StyleWorkspace *m_style = nullptr;
 };

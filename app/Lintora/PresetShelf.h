@@ -1,0 +1,51 @@
+#pragma once
+
+#include "app/Lintora/PresetListModel.h"
+
+#include <QWidget>
+
+class QListView;
+class QPushButton;
+class QuestionSheet;
+
+/// The style presets as pictures, and what can be done with them.
+class PresetShelf : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum class Form
+    {
+        strip, ///< One row, moved sideways.
+        grid   ///< As many rows as there is room for.
+    };
+
+    /// `model` must live as long as this. Questions are asked on `questions`.
+    PresetShelf(LintoraModel &model, QuestionSheet &questions, QWidget *parent = nullptr);
+
+    void setForm(Form form);
+
+private:
+    QWidget *makeActions();
+    std::optional<SubtitleStylePreset> selected() const;
+    void apply();
+    void askForName();
+    void save(const QString &name);
+    void rename();
+    void remove();
+    void update();
+    void followPresets();
+
+    LintoraModel &m_model;
+    QuestionSheet &m_questions;
+    PresetListModel m_presets;
+    QListView *m_list;
+    QWidget *m_empty;
+    QPushButton *m_save;
+    QPushButton *m_apply;
+    QPushButton *m_rename;
+    QPushButton *m_remove;
+    QPushButton *m_restore;
+    QUuid m_selected;
+    QString m_savedName; ///< The name saved under last: its preset is selected once it is there.
+};
