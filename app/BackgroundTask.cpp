@@ -2,84 +2,96 @@
 
 #include "core/Cancelled.h"
 
+#include <algorithm>
 #include <utility>
 
 BackgroundTask::BackgroundTask(Order order)
+    : m_order(order)
 {
     // An operation that was cancelled may need a moment to notice; the one in its place does not wait for it.
     constexpr int threads = 4;
-    m_pool.setMaxThreadCount(order == Order::newestAtOnce ? threads : 1);
+    m_pool.setMaxThreadCount(order == Order::newestOnly ? threads : 1);
 }
 
 BackgroundTask::~BackgroundTask()
 {
-    if (m_run)
-        m_run->cancel();
+    for (const Run &run : m_runs)
+        run.job->cancel();
     m_pool.waitForDone();
+}
+
+std::optional<QString> BackgroundTask::activity() const
+{
+    return m_runs.empty() ? std::nullopt : std::optional(m_runs.front().activity);
 }
 
 void BackgroundTask::start(const QString &what, Work work, Refused refused)
 {
-    if (m_run)
-        m_run->cancel();
-    m_run = std::make_shared<LocalAIJob>();
-    const auto progress = [this, run = m_run](const QString &now) {
+    if (m_order == Order::newestOnly) {
+        for (const Run &run : std::exchange(m_runs, {}))
+            run.job->cancel();
+    }
+    const auto job = std::make_shared<LocalAIJob>();
+    m_runs.push_back({.job = job, .activity = what});
+    const auto progress = [this, job](const QString &now) {
         QMetaObject::invokeMethod(
-            this,
-            [this, run, now] {
-                if (run == m_run)
-                    setActivity(now);
-            },
-            Qt::QueuedConnection);
+            this, [this, job, now] { setActivity(job.get(), now); }, Qt::QueuedConnection);
     };
-    m_pool.start([this, run = m_run, progress, work = std::move(work), refused = std::move(refused)] {
-        Delivery delivery;
+    m_pool.start([this, job, progress, work = std::move(work), refused = std::move(refused)] {
+        Delivery delivery = [] {};
         try {
-            delivery = work(*run, progress);
-        } catch (const Cancelled &) {
-            delivery = [] {};
+            job->check();
+            delivery = work(*job, progress);
+        } catch (const Cancelled &) { // NOLINT(bugprone-empty-catch): an outcome, of which nothing is told
         } catch (const std::exception &error) {
             delivery = [refused, sentence = QString::fromUtf8(error.what())] { refused(sentence); };
         }
         QMetaObject::invokeMethod(
-            this, [this, run, delivery = std::move(delivery)] { deliver(run, delivery); }, Qt::QueuedConnection);
+            this, [this, job, delivery = std::move(delivery)] { deliver(job.get(), delivery); }, Qt::QueuedConnection);
     });
-    setActivity(what);
+    Q_EMIT activityChanged();
 }
 
-void BackgroundTask::deliver(const Run &run, const Delivery &delivery)
+std::deque<BackgroundTask::Run>::iterator BackgroundTask::find(const LocalAIJob *job)
 {
-    if (run != m_run)
+    return std::ranges::find_if(m_runs, [job](const Run &run) { return run.job.get() == job; });
+}
+
+void BackgroundTask::deliver(const LocalAIJob *job, const Delivery &delivery)
+{
+    const auto run = find(job);
+    if (run == m_runs.end())
         return;
-    m_run.reset();
-    setActivity(std::nullopt);
+    m_runs.erase(run);
+    Q_EMIT activityChanged();
     delivery();
+}
+
+void BackgroundTask::setActivity(const LocalAIJob *job, const QString &what)
+{
+    const auto run = find(job);
+    if (run == m_runs.end() || run->activity == what)
+        return;
+    run->activity = what;
+    Q_EMIT activityChanged();
 }
 
 void BackgroundTask::cancel()
 {
-    if (!m_run)
+    if (m_runs.empty())
         return;
-    m_run->cancel();
-    m_run.reset();
-    setActivity(std::nullopt);
-}
-
-void BackgroundTask::finish()
-{
-    cancel();
-    m_pool.waitForDone();
-}
-
-void BackgroundTask::setActivity(std::optional<QString> what)
-{
-    if (m_activity == what)
-        return;
-    m_activity = std::move(what);
+    for (const Run &run : std::exchange(m_runs, {}))
+        run.job->cancel();
     Q_EMIT activityChanged();
 }
 
 void BackgroundTask::wait()
 {
     m_pool.waitForDone();
+}
+
+void BackgroundTask::finish()
+{
+    cancel();
+    wait();
 }

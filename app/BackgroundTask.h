@@ -5,15 +5,16 @@
 #include <QObject>
 #include <QThreadPool>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
 
-/// One long operation at a time, on a worker thread, and its way back to the main thread.
+/// Long operations of one kind, on a worker thread, and their way back to the main thread.
 ///
-/// The operation is a blocking function that asks its job now and then whether to go on. Its result, or the sentence
-/// with which it failed, is delivered on the main thread; unless it was cancelled, replaced by a newer operation, or
-/// this object is gone: then nothing is heard of it any more.
+/// An operation is a blocking function that asks its job now and then whether to go on. Its result, or the sentence
+/// with which it failed, is delivered on the main thread; unless it was cancelled or replaced, or this object is gone:
+/// then nothing is heard of it any more.
 ///
 /// Lives on the main thread. The end of this object cancels the operation and waits for its end.
 class BackgroundTask : public QObject
@@ -27,17 +28,17 @@ public:
     /// Takes the sentence that says why the operation failed.
     using Refused = std::function<void(const QString &sentence)>;
 
-    /// What happens to operations that were replaced.
+    /// What a new operation does to one that is under way.
     enum class Order
     {
-        newestAtOnce,   ///< The newest begins at once; those before it end when they notice.
-        oneAfterAnother ///< All run to their end in order: each builds on what the one before has done.
+        newestOnly,     ///< It takes its place, and begins at once.
+        oneAfterAnother ///< It waits for its turn.
     };
 
-    explicit BackgroundTask(Order order = Order::newestAtOnce);
+    explicit BackgroundTask(Order order);
     ~BackgroundTask() override;
 
-    /// Runs `operation(job, progress)` in place of one under way. `what` is what it is doing at first.
+    /// Runs `operation(job, progress)`. `what` is what it is doing at first.
     template <class Operation, class Done>
     void run(const QString &what, Operation operation, Done done, Refused refused)
     {
@@ -50,10 +51,12 @@ public:
             std::move(refused));
     }
 
-    bool isRunning() const { return m_run != nullptr; }
-    const std::optional<QString> &activity() const { return m_activity; } ///< What it is doing; absent while idle.
+    bool isRunning() const { return !m_runs.empty(); }
 
-    void cancel(); ///< Nothing is heard of the operation after this.
+    /// What the operation under way is doing; absent while there is none.
+    std::optional<QString> activity() const;
+
+    void cancel(); ///< Nothing is heard of any operation after this.
     void wait();   ///< Waits until no operation is left on a worker. What it leads to is delivered later.
     void finish(); ///< Cancels, and waits until no operation is left on a worker.
 
@@ -63,13 +66,18 @@ Q_SIGNALS:
 private:
     using Delivery = std::function<void()>;
     using Work = std::function<Delivery(LocalAIJob &, const Progress &)>;
-    using Run = std::shared_ptr<LocalAIJob>;
+    struct Run
+    {
+        std::shared_ptr<LocalAIJob> job;
+        QString activity;
+    };
 
     void start(const QString &what, Work work, Refused refused);
-    void deliver(const Run &run, const Delivery &delivery);
-    void setActivity(std::optional<QString> what);
+    void deliver(const LocalAIJob *job, const Delivery &delivery);
+    void setActivity(const LocalAIJob *job, const QString &what);
+    std::deque<Run>::iterator find(const LocalAIJob *job);
 
-    Run m_run; ///< The operation that is waited for; null while there is none.
-    std::optional<QString> m_activity;
-    QThreadPool m_pool; ///< Last, so that it ends first.
+    Order m_order;
+    std::deque<Run> m_runs; ///< The operations that are waited for, in their order.
+    QThreadPool m_pool;     ///< Last, so that it ends first.
 };

@@ -53,9 +53,10 @@ Warning tooFast(const Reading &reading, qint64 lengthMS)
     const QString speed = QString::number(double(characters) * 1000.0 / double(lengthMS), 'f', 1);
     const bool isChinese = reading.chinese * latinPerSecond >= reading.latin * chinesePerSecond;
     return {.kind = Kind::tooFast,
-            .sentence = (isChinese ? u"读不完：每秒 %1 字，宜在 %2 字以内"_s : u"读不完：每秒 %1 个字符，宜在 %2 个以内"_s)
-                            .arg(speed)
-                            .arg(isChinese ? chinesePerSecond : latinPerSecond)};
+            .sentence =
+                (isChinese ? u"读不完：每秒 %1 字，宜在 %2 字以内"_s : u"读不完：每秒 %1 个字符，宜在 %2 个以内"_s)
+                    .arg(speed)
+                    .arg(isChinese ? chinesePerSecond : latinPerSecond)};
 }
 
 } // namespace
@@ -80,7 +81,8 @@ QList<Warning> of(const Subtitle &cue, const Subtitle *next, const IsTooWide &is
     if (lengthMS > longestMS)
         warnings += Warning{.kind = Kind::tooLong, .sentence = u"长达 %1 秒，宜不超过 7 秒"_s.arg(inSeconds(lengthMS))};
     if (next && cue.end > next->start)
-        warnings += Warning{.kind = Kind::overlapping, .sentence = u"与下一条重叠 %1 毫秒"_s.arg(cue.end - next->start)};
+        warnings +=
+            Warning{.kind = Kind::overlapping, .sentence = u"与下一条重叠 %1 毫秒"_s.arg(cue.end - next->start)};
     if (const qsizetype lines = cue.text.count(u'\n') + 1; lines > mostLines)
         warnings += Warning{.kind = Kind::tooManyLines, .sentence = u"共 %1 行，宜不超过两行"_s.arg(lines)};
     if (isTooWide && isTooWide(cue.text))

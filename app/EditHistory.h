@@ -23,6 +23,7 @@ public:
     const LintoraSession &current() const { return m_current; }
     bool canUndo() const { return !m_past.empty(); }
     bool canRedo() const { return !m_future.empty(); }
+    size_t pastCount() const { return m_past.size(); } ///< How often undo() can be called.
 
     /// `state` follows the current one.
     void record(const LintoraSession &state);
@@ -50,13 +51,6 @@ private:
     {
         LintoraSession rest; ///< Without tracks and cues.
         std::vector<std::shared_ptr<const FrozenTrack>> tracks;
-    };
-
-    /// A list of the current state, and how it is put away.
-    struct Known
-    {
-        QList<Subtitle> cues;
-        Cues frozen;
     };
 
     FrozenJob freeze(const LintoraSession &state) const;

@@ -37,6 +37,8 @@ void writeSRT(const QString &path, const QList<Subtitle> &cues, LocalAIJob &job)
     AtomicFile file(path);
     Utf8Writer out = writerInto(file, job);
     SRT::serialize(cues, out);
+    file.sync();
+    job.check();
     file.commit(AtomicFile::Durability::PowerCut);
 }
 

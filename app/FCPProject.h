@@ -1,5 +1,7 @@
 #pragma once
 
+#include "fcp/FrameRate.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -11,6 +13,7 @@ struct FCPProject
     QByteArray document;           ///< The whole document.
     std::optional<QString> folder; ///< Where its relative media paths count from; absent when it was dragged.
     QString name;
+    FrameRate rate; ///< The grid of its timeline.
 
     friend bool operator==(const FCPProject &, const FCPProject &) = default;
 };

@@ -26,9 +26,17 @@ std::shared_ptr<const FrozenCues> FrozenCues::freeze(const QList<Subtitle> &cues
         frozen->m_pieces.push_back(*piece);
         taken += qsizetype((*piece)->size());
     }
-    const qsizetype copiedFrom = taken;
-    for (; piece != shared.m_pieces.end() && taken < shared.m_count - sameEnd; ++piece)
+    // Pieces that have become small join their neighbours; else inserting cue by cue would leave one piece a cue.
+    const auto isSmall = [](const Piece &each) { return qsizetype(each->size()) < pieceSize / 2; };
+    qsizetype copiedFrom = taken;
+    while (!frozen->m_pieces.empty() && isSmall(frozen->m_pieces.back())) {
+        copiedFrom -= qsizetype(frozen->m_pieces.back()->size());
+        frozen->m_pieces.pop_back();
+    }
+    while (piece != shared.m_pieces.end() && (taken < shared.m_count - sameEnd || isSmall(*piece))) {
         taken += qsizetype((*piece)->size());
+        ++piece;
+    }
     frozen->addCopies(cues, copiedFrom, cues.size() - (shared.m_count - taken));
     frozen->m_pieces.insert(frozen->m_pieces.end(), piece, shared.m_pieces.end());
     frozen->m_count = cues.size();

@@ -28,6 +28,7 @@ void keepProject(ImportedTimeline &timeline, const XmlDocument &document, FCPPro
     try {
         timeline.settings = FCPXML::settings(Options(), document);
         project.name = QString::fromUtf8(Xml::attribute(FCPXML::project(document), "name").value_or(""));
+        project.rate = timeline.settings->rate;
         timeline.project = std::move(project);
     } catch (const ConversionError &error) {
         timeline.failure = error.message();
@@ -91,7 +92,7 @@ ImportedTimeline readTimeline(const QString &path, LocalAIJob &job)
     job.check();
     const QString folder = QFileInfo(file).absolutePath();
     const XmlDocument document = FCPXML::document(*bytes, folder);
-    return readTimeline(document, {.document = *bytes, .folder = folder, .name = {}}, job);
+    return readTimeline(document, {.document = *bytes, .folder = folder, .name = {}, .rate = {}}, job);
 }
 
 ImportedTimeline readTimeline(const QByteArray &dragged, LocalAIJob &job)
@@ -100,7 +101,7 @@ ImportedTimeline readTimeline(const QByteArray &dragged, LocalAIJob &job)
     if (dragged.size() > FCPXML::largestFile)
         throw ConversionError(refusal.toString());
     const XmlDocument document = XmlDocument::parse(dragged, refusal);
-    return readTimeline(document, {.document = dragged, .folder = std::nullopt, .name = {}}, job);
+    return readTimeline(document, {.document = dragged, .folder = std::nullopt, .name = {}, .rate = {}}, job);
 }
 
 Options matching(Options options, const Options &matched)

@@ -5,7 +5,9 @@ JobKeeper::JobKeeper(const QString &draftURL, QObject *parent)
     , m_draftURL(draftURL)
     , m_draft(draftURL)
 {
-    connect(&m_draft, &DraftFile::failed, this, &JobKeeper::draftFailed);
+    connect(&m_draft, &DraftFile::failed, this,
+            [this](const QString &description) { note(m_draftFailure, description); });
+    connect(&m_draft, &DraftFile::recovered, this, [this] { m_draftFailure.reset(); });
 }
 
 JobKeeper::~JobKeeper() = default;
@@ -23,13 +25,16 @@ std::optional<LintoraSession> JobKeeper::loadDraft()
 void JobKeeper::watchSession(const QString &file)
 {
     m_hasArrived = false;
+    m_sessionFailure.reset();
     m_session = std::make_unique<SessionFile>(file);
     connect(m_session.get(), &SessionFile::arrived, this, [this](const LintoraSession &session) {
         m_hasArrived = true;
         Q_EMIT arrived(session);
     });
     connect(m_session.get(), &SessionFile::overruled, this, &JobKeeper::overruled);
-    connect(m_session.get(), &SessionFile::failed, this, &JobKeeper::sessionFailed);
+    connect(m_session.get(), &SessionFile::failed, this,
+            [this](const QString &description) { note(m_sessionFailure, description); });
+    connect(m_session.get(), &SessionFile::recovered, this, [this] { m_sessionFailure.reset(); });
 }
 
 void JobKeeper::announceChange()
@@ -38,9 +43,19 @@ void JobKeeper::announceChange()
         m_session->announceChange();
 }
 
-void JobKeeper::save(const LintoraSession &job)
+void JobKeeper::note(std::optional<QString> &failure, const QString &description)
+{
+    failure = description;
+    Q_EMIT failed();
+}
+
+void JobKeeper::saveDraft(const LintoraSession &job)
 {
     m_draft.save(job);
+}
+
+void JobKeeper::saveSession(const LintoraSession &job)
+{
     if (m_hasArrived)
         m_session->save(job);
 }

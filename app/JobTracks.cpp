@@ -40,14 +40,14 @@ LintoraSession normalized(LintoraSession job)
         track.cleaned = job.cleaned;
         job.tracks->append(track);
     }
-    if (job.splitOriginal && !indexOf(job, *job.splitOriginal))
-        job.splitOriginal.reset();
     // Two tracks of one id, from a record that another hand has written, would be taken for each other.
     for (qsizetype i = 1; i < job.tracks->size(); ++i) {
         if (*indexOf(job, job.tracks->at(i).id) != i)
             (*job.tracks)[i].id = newID();
     }
-    if (!selectedIndex(job)) {
+    if (job.splitOriginal && (!indexOf(job, *job.splitOriginal) || job.tracks->size() == 1))
+        job.splitOriginal.reset();
+    if (!selectedIndex(job) || job.selectedTrackID == job.splitOriginal) {
         const auto shown = std::find_if(job.tracks->cbegin(), job.tracks->cend(),
                                         [&](const SubtitleTrack &each) { return each.id != job.splitOriginal; });
         job.selectedTrackID = shown == job.tracks->cend() ? job.tracks->first().id : shown->id;
@@ -87,7 +87,7 @@ LintoraSession committed(LintoraSession job)
 
 LintoraSession selecting(LintoraSession job, const QUuid &id)
 {
-    if (indexOf(job, id))
+    if (indexOf(job, id) && job.splitOriginal != id)
         select(job, id);
     return job;
 }
@@ -104,6 +104,21 @@ std::optional<qsizetype> indexOf(const LintoraSession &job, const QUuid &id)
     const auto found = std::find_if(job.tracks->cbegin(), job.tracks->cend(),
                                     [&](const SubtitleTrack &each) { return each.id == id; });
     return found == job.tracks->cend() ? std::nullopt : std::optional(found - job.tracks->cbegin());
+}
+
+std::optional<QUuid> changedTrack(const LintoraSession &before, const LintoraSession &after)
+{
+    std::optional<QUuid> changed;
+    for (const SubtitleTrack &track : *after.tracks) {
+        const auto index = indexOf(before, track.id);
+        if (track.id == after.splitOriginal || (index && before.tracks->at(*index) == track))
+            continue;
+        if (track.id == after.selectedTrackID)
+            return std::nullopt;
+        if (!changed)
+            changed = track.id;
+    }
+    return changed;
 }
 
 SubtitleTrack newTrack(const LintoraSession &job, const QList<Subtitle> &cues)

@@ -20,7 +20,7 @@ LintoraSession activated(LintoraSession job);
 /// The job with its cues, options and switches put back into the selected track.
 LintoraSession committed(LintoraSession job);
 
-/// The same job with another track selected; unchanged when there is none of that id.
+/// The same job with another track selected; unchanged when there is none of that id, or it is the kept original.
 LintoraSession selecting(LintoraSession job, const QUuid &id);
 
 /// Where the selected track stands; absent when there is none.
@@ -28,6 +28,9 @@ std::optional<qsizetype> selectedIndex(const LintoraSession &job);
 
 /// Where that track stands; absent when there is none.
 std::optional<qsizetype> indexOf(const LintoraSession &job, const QUuid &id);
+
+/// The track whose cues differ between the two, if the selected one of `after` is not one that differs.
+std::optional<QUuid> changedTrack(const LintoraSession &before, const LintoraSession &after);
 
 /// A track of `cues` with the job's options and switches, labelled by their language.
 SubtitleTrack newTrack(const LintoraSession &job, const QList<Subtitle> &cues);

@@ -29,14 +29,8 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     for (const BackgroundTask *const task : {&m_import, &m_export, &m_match})
         connect(task, &BackgroundTask::activityChanged, this, &LintoraModel::activityChanged);
     connect(&m_keeper, &JobKeeper::arrived, this, &LintoraModel::takeSession);
-    connect(&m_keeper, &JobKeeper::overruled, this, [this](const LintoraSession &session) {
-        m_history.insertBefore(JobTracks::normalized(session));
-        Q_EMIT historyChanged();
-    });
-    connect(&m_keeper, &JobKeeper::draftFailed, this,
-            [this](const QString &description) { reportUnsaved(u"无法保存字幕草稿："_s, description); });
-    connect(&m_keeper, &JobKeeper::sessionFailed, this,
-            [this](const QString &description) { reportUnsaved(u"无法同步悬浮字幕："_s, description); });
+    connect(&m_keeper, &JobKeeper::overruled, this, &LintoraModel::keepOverruled);
+    connect(&m_keeper, &JobKeeper::failed, this, &LintoraModel::reportUnsaved);
 }
 
 LintoraModel::~LintoraModel() = default;
@@ -51,7 +45,8 @@ QList<SubtitleTrack> LintoraModel::visibleTracks() const
 
 void LintoraModel::apply(const LintoraSession &session)
 {
-    loadJob(JobTracks::normalized(session));
+    if (!refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
+        replaceJob(JobTracks::normalized(session), Step::load);
 }
 
 // What is said
@@ -100,29 +95,32 @@ void LintoraModel::replaceJob(LintoraSession next, Step step)
     if (next == m_job)
         return;
     const LintoraSession before = std::exchange(m_job, std::move(next));
-    if (step == Step::amend || (m_isGesture && m_gestureRecorded))
+    // A gesture goes on only through its own changes: whatever else happens in the middle is a step by itself.
+    m_isGesture = m_isGesture && step != Step::record && step != Step::load;
+    if (step == Step::amend || (step == Step::gesture && m_isGesture && m_gestureRecorded))
         m_history.amend(m_job);
     else
         m_history.record(m_job);
-    m_gestureRecorded = m_gestureRecorded || (m_isGesture && step == Step::record);
+    m_gestureRecorded = m_gestureRecorded || step == Step::gesture;
+    tell(before, step == Step::load);
+}
+
+/// Says and saves what has changed.
+void LintoraModel::tell(const LintoraSession &before, bool isLoaded)
+{
     m_keeper.announceChange();
     schedulePersist();
+    if (isLoaded)
+        Q_EMIT loaded();
     emitChanges(before);
     Q_EMIT historyChanged();
 }
 
-void LintoraModel::replaceItems(const QList<Subtitle> &items, Step step)
+void LintoraModel::replaceItems(const QList<Subtitle> &items)
 {
     LintoraSession next = m_job;
     next.items = items;
-    replaceJob(JobTracks::committed(std::move(next)), step);
-}
-
-/// A job from elsewhere takes this one's place.
-void LintoraModel::loadJob(LintoraSession next)
-{
-    Q_EMIT loaded();
-    replaceJob(std::move(next));
+    replaceJob(JobTracks::committed(std::move(next)));
 }
 
 void LintoraModel::emitChanges(const LintoraSession &before)
@@ -161,22 +159,25 @@ void LintoraModel::selectTrack(const QUuid &id)
     replaceJob(JobTracks::selecting(m_job, id), Step::amend);
 }
 
-void LintoraModel::moveCue(qsizetype index, const QUuid &to)
+void LintoraModel::moveCue(qsizetype index, QUuid to)
 {
-    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || index < 0 || index >= items().size() ||
-        to == selectedTrackID() || !JobTracks::indexOf(m_job, to))
-        return;
-    replaceJob(JobTracks::movingCue(m_job, index, to));
     const auto target = JobTracks::indexOf(m_job, to);
-    report(u"已移到“%1”"_s.arg(tracks().at(*target).label));
+    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || index < 0 || index >= items().size() ||
+        to == selectedTrackID() || to == splitOriginal() || !target)
+        return;
+    const QString label = tracks().at(*target).label;
+    replaceJob(JobTracks::movingCue(m_job, index, to));
+    report(u"已移到“%1”"_s.arg(label));
 }
 
 // Cues
 
 template <class Change>
-std::optional<qsizetype> LintoraModel::editCues(qsizetype next, const Change &change)
+std::optional<qsizetype> LintoraModel::editCues(const QList<qsizetype> &indices, qsizetype next, const Change &change)
 {
-    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+    // The list may have become shorter since somebody looked at it.
+    const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
+    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || !std::ranges::all_of(indices, isThere))
         return std::nullopt;
     try {
         replaceItems(change(items()));
@@ -190,12 +191,13 @@ std::optional<qsizetype> LintoraModel::editCues(qsizetype next, const Change &ch
 
 std::optional<qsizetype> LintoraModel::setText(qsizetype index, const QString &text)
 {
-    return editCues(index, [&](const auto &cues) { return CueEditing::settingText(cues, index, text); });
+    return editCues({index}, index, [&](const auto &cues) { return CueEditing::settingText(cues, index, text); });
 }
 
 std::optional<qsizetype> LintoraModel::setTimes(qsizetype index, qint64 startMS, qint64 endMS)
 {
-    return editCues(index, [&](const auto &cues) { return CueEditing::settingTimes(cues, index, startMS, endMS); });
+    return editCues({index}, index,
+                    [&](const auto &cues) { return CueEditing::settingTimes(cues, index, startMS, endMS); });
 }
 
 std::optional<qsizetype> LintoraModel::insertCue(qsizetype after)
@@ -205,23 +207,27 @@ std::optional<qsizetype> LintoraModel::insertCue(qsizetype after)
         replaceJob(JobTracks::importing(m_job, first, source()));
         return 0;
     }
-    return editCues(after + 1, [&](const auto &cues) { return CueEditing::inserting(cues, after); });
+    const QList<qsizetype> neighbours = after < 0 ? QList<qsizetype>() : QList<qsizetype>{after};
+    return editCues(neighbours, std::max<qsizetype>(after, -1) + 1,
+                    [&](const auto &cues) { return CueEditing::inserting(cues, std::max<qsizetype>(after, -1)); });
 }
 
 std::optional<qsizetype> LintoraModel::deleteCues(const QList<qsizetype> &indices)
 {
     const qsizetype first = indices.isEmpty() ? 0 : *std::min_element(indices.begin(), indices.end());
-    return editCues(first, [&](const auto &cues) { return CueEditing::removing(cues, indices); });
+    return editCues(indices, first, [&](const auto &cues) { return CueEditing::removing(cues, indices); });
 }
 
 std::optional<qsizetype> LintoraModel::splitCue(qsizetype index, qsizetype position)
 {
-    return editCues(index + 1, [&](const auto &cues) { return CueEditing::splitting(cues, index, position); });
+    if (index < 0 || index >= items().size() || position < 0 || position > items().at(index).text.size())
+        return std::nullopt;
+    return editCues({index}, index + 1, [&](const auto &cues) { return CueEditing::splitting(cues, index, position); });
 }
 
 std::optional<qsizetype> LintoraModel::joinWithNext(qsizetype index)
 {
-    return editCues(index, [&](const auto &cues) { return CueEditing::joining(cues, index); });
+    return editCues({index}, index, [&](const auto &cues) { return CueEditing::joining(cues, index); });
 }
 
 // History
@@ -252,10 +258,12 @@ void LintoraModel::step(const LintoraSession &(EditHistory::*direction)(), const
 {
     endGesture();
     const LintoraSession before = std::exchange(m_job, (m_history.*direction)());
-    m_keeper.announceChange();
-    schedulePersist();
-    emitChanges(before);
-    Q_EMIT historyChanged();
+    // What changed is to be seen, also when another track was selected in the meantime.
+    if (const auto changed = JobTracks::changedTrack(before, m_job)) {
+        m_job = JobTracks::selecting(std::move(m_job), *changed);
+        m_history.amend(m_job);
+    }
+    tell(before, false);
     report(message);
 }
 
@@ -272,8 +280,7 @@ void LintoraModel::endAIJob()
 {
     publish(m_aiJob, std::shared_ptr<LocalAIJob>(), &LintoraModel::aiBusyChanged);
     Q_EMIT historyChanged();
-    if (const auto held = std::exchange(m_heldSession, std::nullopt))
-        takeSession(*held);
+    takeHeldSession();
 }
 
 void LintoraModel::cancelAI()

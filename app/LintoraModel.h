@@ -20,7 +20,8 @@
 ///
 /// Each published field has a signal of its own, emitted once the whole change is in place, and only when the field
 /// has another value. Every operation says what became of it in `message` (in passing) or in `failure` (until the next
-/// success), in the words that the person sees; none throws. A refused operation changes nothing else.
+/// success), in the words that the person sees; none throws unless it says so. A refused operation changes nothing
+/// else; nor does one that names a position or a track that is not there.
 ///
 /// Every change of the job is one step of the history, and is saved to the draft and to the shared session, if there is
 /// one, as soon as control is back in the event loop. Files are read and written on workers; their operations return at
@@ -85,10 +86,10 @@ public:
 
     /// Moves the cue at that position of the selected track to where it belongs by its start. A track that loses its
     /// last cue so is closed.
-    void moveCue(qsizetype index, const QUuid &to);
+    void moveCue(qsizetype index, QUuid to);
 
-    // Cues of the selected track, by position. The position of the cue to look at next is returned, absent when the
-    // operation was refused.
+    // Cues of the selected track, by position. The position of the cue to look at next is returned, -1 when none is
+    // left, absent when the operation was refused.
 
     std::optional<qsizetype> setText(qsizetype index, const QString &text);
     std::optional<qsizetype> setTimes(qsizetype index, qint64 startMS, qint64 endMS);
@@ -225,7 +226,7 @@ public:
     void shutdownAI(); ///< Cancels every long operation, and waits for its end.
 
 Q_SIGNALS:
-    void loaded(); ///< The job came from elsewhere: a file, a session. Comes before the fields' own signals.
+    void loaded(); ///< Another job was brought in: a file, an opened session. Comes before the fields' own signals.
     void itemsChanged();
     void sourceChanged();
     void optionsChanged();
@@ -259,8 +260,10 @@ Q_SIGNALS:
 private:
     enum class Step
     {
-        record, ///< A step of the history; within a gesture only its first change.
-        amend   ///< No step of its own.
+        record,  ///< A step of the history.
+        load,    ///< A step that brings in another job.
+        gesture, ///< A step, or a part of the step that a gesture is.
+        amend    ///< No step of its own.
     };
 
     /// One-step restore of a text tool: how the cues of a track were, and how the tool left them.
@@ -290,11 +293,11 @@ private:
 
     // The job
     void replaceJob(LintoraSession next, Step step = Step::record);
-    void replaceItems(const QList<Subtitle> &items, Step step = Step::record);
+    void replaceItems(const QList<Subtitle> &items);
+    void tell(const LintoraSession &before, bool isLoaded);
     void emitChanges(const LintoraSession &before);
-    void loadJob(LintoraSession next);
     template <class Change>
-    std::optional<qsizetype> editCues(qsizetype next, const Change &change);
+    std::optional<qsizetype> editCues(const QList<qsizetype> &indices, qsizetype next, const Change &change);
     /// Sets a field and says so, unless it has that value already.
     template <class T, class Value>
     void publish(T &field, Value value, void (LintoraModel::*changed)())
@@ -317,7 +320,7 @@ private:
     void receiveFCP(const Imports::ImportedTimeline &timeline);
     void loadProject(const QString &path, std::function<void()> then);
     void exportTitles(const std::optional<FCPProject> &project);
-    QString exportName() const;
+    QString exportName(const QString &of = {}) const;
 
     // Script matching
     void takeScriptResult(const ScriptMatchResult &result);
@@ -333,7 +336,10 @@ private:
     void schedulePersist();
     void persistSession();
     void takeSession(const LintoraSession &session);
-    void reportUnsaved(const QString &prefix, const QString &description);
+    void takeHeldSession();
+    void keepOverruled(const LintoraSession &session);
+    bool isInSession() const;
+    void reportUnsaved();
     void setPinned(bool pinned);
 
     FileDialogs m_dialogs;
@@ -348,7 +354,8 @@ private:
     bool m_isPersisting = false;                 ///< Whether persistSession() is on its way.
     bool m_isOpening = false;                    ///< Whether a session was opened whose version has not arrived.
     std::optional<LintoraSession> m_heldSession; ///< A version that arrived while a job owned the cues.
-
+    LintoraSession m_jobWhenHeld;                ///< This job when it arrived.
+    size_t m_sessionBegins = 0; ///< Steps of the history up to the opening of the session, that one included.
     QString m_message;
     std::optional<QString> m_failure;
 
@@ -370,8 +377,9 @@ private:
     bool m_findReplaceVisible = false;
     bool m_scriptMatchPresented = false;
 
-    BackgroundTask m_import; // The tasks come last, so that they end first.
-    BackgroundTask m_export;
-    BackgroundTask m_match;
+    // The tasks come last, so that they end first.
+    BackgroundTask m_import{BackgroundTask::Order::oneAfterAnother};
+    BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother};
+    BackgroundTask m_match{BackgroundTask::Order::newestOnly};
     BackgroundTask m_presets{BackgroundTask::Order::oneAfterAnother};
 };

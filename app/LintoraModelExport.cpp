@@ -18,9 +18,10 @@ using Written = QString;
 
 } // namespace
 
-QString LintoraModel::exportName() const
+/// What a file of the selected track is called, after `of` or the job's source.
+QString LintoraModel::exportName(const QString &of) const
 {
-    QString name = QFileInfo(source()).completeBaseName();
+    QString name = of.isEmpty() ? QFileInfo(source()).completeBaseName() : of;
     if (name.isEmpty())
         name = options().name;
     if (const auto index = JobTracks::selectedIndex(m_job); index && visibleTracks().size() > 1)
@@ -50,7 +51,8 @@ void LintoraModel::exportFCPXML()
 
 void LintoraModel::exportToProject()
 {
-    if (m_project) {
+    // Undoing the import of a project, or opening another job, may leave one that these titles do not fit.
+    if (m_project && m_project->rate == options().rate) {
         exportTitles(m_project);
         return;
     }
@@ -67,7 +69,7 @@ void LintoraModel::exportToProject()
 
 void LintoraModel::exportTitles(const std::optional<FCPProject> &project)
 {
-    const QString name = Exports::fileName(project ? options().name : exportName());
+    const QString name = project ? exportName(options().name) : exportName();
     m_dialogs.save(
         {.title = u"导出 FCPXML"_s, .suggestion = name + u".fcpxml"_s, .extension = u"fcpxml"_s},
         [this, cues = items(), options = options(), project](const QString &path) {

@@ -134,7 +134,7 @@ void LintoraModel::takeImported(const Imports::Imported &imported)
 
 void LintoraModel::takeCues(const Imports::ImportedCues &imported)
 {
-    loadJob(JobTracks::importing(m_job, imported.cues, imported.source));
+    replaceJob(JobTracks::importing(m_job, imported.cues, imported.source), Step::load);
     report(u"已载入"_s);
 }
 

@@ -10,6 +10,13 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+const QString draftPrefix = u"无法保存字幕草稿："_s;
+const QString sessionPrefix = u"无法同步悬浮字幕："_s;
+
+} // namespace
+
 void LintoraModel::openSession(const QUrl &link)
 {
     m_import.run(
@@ -22,8 +29,12 @@ void LintoraModel::openSession(const QUrl &link)
         [this](const QString &file) {
             if (refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
                 return;
+            // The last edit still belongs to the session that was open till now.
+            persistSession();
             m_isOpening = true;
             m_keeper.watchSession(file);
+            // A project that was kept for another job is not this one's.
+            publish(m_project, std::optional<FCPProject>(), &LintoraModel::projectChanged);
             setPinned(true);
         },
         [this](const QString &sentence) { reportFailure(sentence); });
@@ -34,16 +45,47 @@ void LintoraModel::takeSession(const LintoraSession &session)
 {
     if (aiBusy()) {
         m_heldSession = session;
+        m_jobWhenHeld = m_job;
         return;
     }
     const LintoraSession job = JobTracks::normalized(session);
-    if (std::exchange(m_isOpening, false)) {
-        loadJob(job);
+    // Agreed before it is in place: whoever hears of it may change it, which then has to be written.
+    m_keeper.adopt(job);
+    const bool isOpening = std::exchange(m_isOpening, false);
+    const bool wasInSession = isInSession();
+    replaceJob(job, isOpening ? Step::load : Step::record);
+    if (isOpening || !wasInSession)
+        m_sessionBegins = m_history.pastCount();
+    if (isOpening)
         report(source().isEmpty() ? QString() : u"已载入"_s);
-    } else {
-        replaceJob(job);
-    }
-    m_keeper.adopt(m_job);
+}
+
+/// Takes up a version that had to wait, unless the job has become another one meanwhile: then it lies one step back.
+void LintoraModel::takeHeldSession()
+{
+    const auto held = std::exchange(m_heldSession, std::nullopt);
+    if (!held)
+        return;
+    // Which track is looked at makes no other job.
+    if (m_job.tracks == m_jobWhenHeld.tracks && m_job.source == m_jobWhenHeld.source)
+        takeSession(*held);
+    else
+        keepOverruled(*held);
+    schedulePersist();
+}
+
+/// A version of the extension's whose place our own change has taken can be had back by undoing once.
+void LintoraModel::keepOverruled(const LintoraSession &session)
+{
+    m_history.insertBefore(JobTracks::normalized(session));
+    Q_EMIT historyChanged();
+}
+
+/// Whether the job is one of the session's states. Undoing beyond its opening leads to another job, which is none of
+/// the extension's business.
+bool LintoraModel::isInSession() const
+{
+    return m_keeper.sessionURL() && !m_isOpening && m_history.pastCount() >= m_sessionBegins;
 }
 
 void LintoraModel::schedulePersist()
@@ -57,22 +99,29 @@ void LintoraModel::schedulePersist()
 void LintoraModel::persistSession()
 {
     m_isPersisting = false;
-    m_keeper.save(m_job);
+    m_keeper.saveDraft(m_job);
+    // A version that waits for a job's end must not be written over.
+    if (isInSession() && !m_heldSession)
+        m_keeper.saveSession(m_job);
+    reportUnsaved();
 }
 
 void LintoraModel::saveDraft()
 {
+    if (m_heldSession) {
+        m_aiJob.reset();
+        takeHeldSession();
+    }
     persistSession();
-    try {
-        m_keeper.flushDraft();
-    } catch (const std::exception &error) {
-        reportUnsaved(u"无法保存字幕草稿："_s, QString::fromUtf8(error.what()));
-    }
-    try {
-        m_keeper.flushSession();
-    } catch (const std::exception &error) {
-        reportUnsaved(u"无法同步悬浮字幕："_s, QString::fromUtf8(error.what()));
-    }
+    const auto attempt = [this](auto save, const QString &prefix) {
+        try {
+            (m_keeper.*save)();
+        } catch (const std::exception &error) {
+            report(prefix + QString::fromUtf8(error.what()));
+        }
+    };
+    attempt(&JobKeeper::flushDraft, draftPrefix);
+    attempt(&JobKeeper::flushSession, sessionPrefix);
 }
 
 void LintoraModel::shutdownAI()
@@ -84,7 +133,11 @@ void LintoraModel::shutdownAI()
     m_export.wait();
 }
 
-void LintoraModel::reportUnsaved(const QString &prefix, const QString &description)
+/// Says so as long as something cannot be saved, whatever was said since: it is worth more than any other message.
+void LintoraModel::reportUnsaved()
 {
-    publish(m_message, prefix + description, &LintoraModel::messageChanged);
+    if (m_keeper.draftFailure())
+        report(draftPrefix + *m_keeper.draftFailure());
+    else if (m_keeper.sessionFailure())
+        report(sessionPrefix + *m_keeper.sessionFailure());
 }

@@ -72,10 +72,10 @@ void LintoraModel::applyScriptRows()
         setScriptStatus(u"请先勾选要修改的字幕"_s);
         return;
     }
-    const QList<Subtitle> before = items();
-    replaceItems(ScriptAlignment::apply(m_script.rows));
-    m_scriptMatch = Restore{.track = *selectedTrackID(), .before = before, .after = items()};
+    const QList<Subtitle> after = ScriptAlignment::apply(m_script.rows);
+    m_scriptMatch = Restore{.track = *selectedTrackID(), .before = items(), .after = after};
     clearScriptRows();
+    replaceItems(after);
     const QString status = u"已按文稿修改 %1 条字幕，可撤销修改"_s.arg(count);
     setScriptStatus(status);
     report(status);

@@ -41,7 +41,7 @@ void LintoraModel::setOptions(const Options &options)
         return;
     LintoraSession next = m_job;
     next.options = options;
-    replaceJob(JobTracks::committed(std::move(next)));
+    replaceJob(JobTracks::committed(std::move(next)), Step::gesture);
 }
 
 void LintoraModel::setCanvasHeight(qint64 pixels)

@@ -26,6 +26,8 @@ QString joinedText(const QList<Subtitle> &cues)
 
 void LintoraModel::setRemoveFillers(bool on)
 {
+    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+        return;
     LintoraSession next = m_job;
     next.removeFillers = on;
     replaceJob(JobTracks::committed(std::move(next)));
@@ -33,6 +35,8 @@ void LintoraModel::setRemoveFillers(bool on)
 
 void LintoraModel::setRemovePunctuation(bool on)
 {
+    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+        return;
     LintoraSession next = m_job;
     next.removePunctuation = on;
     replaceJob(JobTracks::committed(std::move(next)));
@@ -81,9 +85,9 @@ std::optional<qint64> LintoraModel::replaceKeywords(const QString &query, const 
             report(u"没有需要替换的内容"_s);
             return 0;
         }
-        const QList<Subtitle> before = items();
+        // Known before anybody hears of the change, and asks whether it can be undone.
+        m_replacement = Restore{.track = *selectedTrackID(), .before = items(), .after = outcome.items};
         replaceItems(outcome.items);
-        m_replacement = Restore{.track = *selectedTrackID(), .before = before, .after = items()};
         report(u"已替换 %1 处 · %2 条字幕，可撤销修改"_s.arg(outcome.occurrences).arg(outcome.changedCues));
         return outcome.occurrences;
     } catch (const ConversionError &error) {

@@ -1,3 +1,14 @@
+// A search over 2,000 families, and what it is made of. Measured on 2 busy cores (Release, g++ 12): CPU time in ms, the
+// median of 5 repetitions. The goal for a search is 2 ms; a frame has 16.
+//
+//   find, nothing typed       0.06        makeSearch        7.5    on the catalogue's thread
+//   find, one letter          0.21        makeReader        0.2    once ICU is loaded; the first one: 106
+//   find, initials            0.17        readAloud         1.3    all 2,000 Chinese names
+//   find, pinyin              0.23        encodeIndex       1.0
+//   find, Chinese             0.14        decodeIndex       4.5
+//   find, English             0.20
+//   find, no such family      0.24
+
 #include "app/style/FontIndexFile.h"
 #include "app/style/FontSearch.h"
 #include "app/style/Pinyin.h"

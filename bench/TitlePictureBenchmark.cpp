@@ -1,3 +1,24 @@
+// Pictures of titles, and widths of cues. Measured on 2 busy cores (Release, g++ 12): CPU time in ms, the middle one of
+// three medians of 5 repetitions. The canvas is kept between pictures; 96 points in a frame of 3840 × 2160.
+//
+//                     560 × 315      3840 × 2160
+//   one line, 17 characters
+//     plain                0.50              4.2
+//     stroke               0.71              8.4
+//     shadow               0.74              7.8
+//     both                 0.67              9.0
+//   two lines, 55 characters
+//     plain                1.17              6.8
+//     stroke               1.70             13.3
+//     shadow               1.55             14.9
+//     both                 1.70             17.3
+//     both, drawOnce       2.16             17.9     font looked up, fresh memory
+//
+//   fillCanvas                               2.0     what every picture of this size begins with
+//   measureTrack, 10,000 cues                1.1     with making the measure; each further asking costs less
+//
+// Before glyphs were drawn in pieces and strokes grown from their coverage, two lines with both took 21 and 198 ms.
+
 #include "app/style/TitleMeasure.h"
 #include "app/style/TitlePicture.h"
 #include "bench/Corpus.h"

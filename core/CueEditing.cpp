@@ -78,14 +78,15 @@ QList<Subtitle> settingTimes(QList<Subtitle> items, qsizetype index, qint64 star
 
 QList<Subtitle> inserting(QList<Subtitle> items, qsizetype after)
 {
-    const qint64 start = after < 0 ? 0 : items[after].end;
+    // A record may hold times that nobody could have typed.
+    const qint64 start = after < 0 ? 0 : std::max<qint64>(0, items[after].end);
+    if (start > latest - usualLength)
+        throw ConversionError(u"时间须在 0 到 100 小时之间。"_s);
     qint64 length = usualLength;
     if (after + 1 < items.size()) {
-        const qint64 room = items[after + 1].start - start;
-        length = room < leastRoom ? crowdedLength : std::min(room, usualLength);
+        const qint64 next = items[after + 1].start;
+        length = next < start + leastRoom ? crowdedLength : std::min(next - start, usualLength);
     }
-    if (start + length > latest)
-        throw ConversionError(u"时间须在 0 到 100 小时之间。"_s);
     items.insert(after + 1, {.id = nextID(items), .start = start, .end = start + length, .text = placeholder()});
     return items;
 }
@@ -117,7 +118,9 @@ QList<Subtitle> splitting(QList<Subtitle> items, qsizetype index, qsizetype posi
         throw ConversionError(u"请把光标放在要拆分的文字之间。"_s);
     if (!Characters::isWritable(head) || !Characters::isWritable(tail))
         throw ConversionError(u"这里是一个字的中间，不能拆分。"_s);
-    const qint64 length = cue.end - cue.start;
+    qint64 length = 0;
+    if (__builtin_sub_overflow(cue.end, cue.start, &length) || length > latest)
+        throw ConversionError(u"时间须在 0 到 100 小时之间。"_s);
     const qint64 whole = headWeight + tailWeight;
     if (length < 2)
         throw ConversionError(u"字幕时间太短，不能拆分。"_s);

@@ -8,7 +8,7 @@ debian_packages() {
     case $1 in
     build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libicu-dev libcli11-dev ;;
     test) echo libgtest-dev libgmock-dev locales fonts-noto-cjk xauth xdotool xvfb ;;
-    ci) echo git clang clang-format clang-tidy ccache libgnustep-gui-dev libobjc-12-dev ;;
+    ci) echo git clang clang-format clang-tidy ccache desktop-file-utils libgnustep-gui-dev libobjc-12-dev ;;
     bench) echo libbenchmark-dev ;;
     fuzz) echo clang libclang-rt-14-dev ;;
     *) echo "setup: 不认识的用途：$1" >&2 && return 2 ;;

@@ -138,7 +138,13 @@ void DraftFile::note(std::exception_ptr failure, const QString &description)
         const std::lock_guard lock(m_mutex);
         m_failure = std::move(failure);
     }
-    if (std::exchange(m_reported, description) != description && !description.isEmpty())
-        QMetaObject::invokeMethod(
-            this, [this, description] { Q_EMIT failed(description); }, Qt::QueuedConnection);
+    if (std::exchange(m_reported, description) == description)
+        return;
+    const auto tell = [this, description] {
+        if (description.isEmpty())
+            Q_EMIT recovered();
+        else
+            Q_EMIT failed(description);
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }

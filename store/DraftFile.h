@@ -43,6 +43,9 @@ Q_SIGNALS:
     /// A state could not be saved, for the reason given. Said once, until another reason comes up or a save succeeds.
     void failed(const QString &description);
 
+    /// After a failure, a state was saved.
+    void recovered();
+
 private:
     RoundThread::Pause round();
     void replaceFile(const LintoraSession &state);

@@ -67,6 +67,9 @@ Q_SIGNALS:
     /// succeeds.
     void failed(const QString &description);
 
+    /// After a failure, a state was written.
+    void recovered();
+
 private:
     struct Version
     {

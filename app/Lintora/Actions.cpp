@@ -54,19 +54,20 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
     , m_model(model)
     , m_mayAct(std::move(mayAct))
     , m_fillers(checkBox(u"去语气词"_s, this, u"清理时去掉语气词"_s))
+    , m_settings(Controls::signButton(VELTheme::Glyph::gear, u"语气词设置"_s, this, u"自定义需要去掉的语气词"_s))
     , m_punctuation(checkBox(u"去标点并分句"_s, this, u"去标点并分句"_s))
     , m_clean(Controls::button(u"一键清理"_s, this, u"按勾选的项目清理当前语言的字幕"_s))
     , m_undo(Controls::signButton(VELTheme::Glyph::undo, u"撤销"_s, this, u"撤销最近一次文字修改"_s))
     , m_find(Controls::button(u"查找替换"_s, this, u"批量查找与替换关键词（⌘F）"_s))
     , m_separate(Controls::button(u"分离中英"_s, this))
 {
-    auto *const settings =
-        Controls::signButton(VELTheme::Glyph::gear, u"语气词设置"_s, this, u"自定义需要去掉的语气词"_s);
     auto *const style = Controls::button(u"样式"_s, this, u"设置字幕样式与画面（⌘,）"_s);
     QHBoxLayout *const row = rowIn(this);
     row->setSpacing(VELTheme::step);
+    for (QPushButton *const each : {m_clean, m_find, m_separate, style})
+        each->setProperty("tight", true);
     row->addWidget(m_fillers);
-    row->addWidget(settings);
+    row->addWidget(m_settings);
     row->addWidget(m_punctuation);
     row->addWidget(m_clean);
     row->addStretch();
@@ -77,12 +78,11 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
 
     connect(m_fillers, &CheckBox::clicked, &model, &LintoraModel::setRemoveFillers);
     connect(m_punctuation, &CheckBox::clicked, &model, &LintoraModel::setRemovePunctuation);
-    connect(settings, &QToolButton::clicked, this,
+    connect(m_settings, &QToolButton::clicked, this,
             [this] { perform([this] { m_model.setCleanupSettingsVisible(true); }); });
     connect(m_clean, &QPushButton::clicked, this, [this] { perform([this] { m_model.clean(); }); });
     connect(m_undo, &QToolButton::clicked, this, [this] { perform([this] { undo(); }); });
-    connect(m_find, &QPushButton::clicked, this,
-            [this] { perform([this] { m_model.setFindReplaceVisible(true); }); });
+    connect(m_find, &QPushButton::clicked, this, [this] { perform([this] { m_model.setFindReplaceVisible(true); }); });
     connect(style, &QPushButton::clicked, this, [this] { perform([this] { m_model.setSettingsVisible(true); }); });
     connect(m_separate, &QPushButton::clicked, this, [this] {
         perform([this] {

@@ -44,6 +44,7 @@ private:
     LintoraModel &m_model;
     std::function<bool()> m_mayAct;
     CheckBox *m_fillers;
+    QToolButton *m_settings;
     CheckBox *m_punctuation;
     QPushButton *m_clean;
     QToolButton *m_undo;

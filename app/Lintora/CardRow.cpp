@@ -67,11 +67,14 @@ void CardRow::follow()
     m_tracks = tracks;
     qDeleteAll(m_shown);
     m_shown.clear();
+    QWidget *before = m_exportFCPXML;
     for (const QUuid &track : tracks) {
         auto *const card = new DragSubtitleCard(m_model, track, this);
         card->installEventFilter(this);
         m_cards->addWidget(card, 1);
         m_shown += card;
+        setTabOrder(before, card);
+        before = card;
     }
 }
 

@@ -28,8 +28,8 @@ void CheckBox::paintBox(QPainter &painter, const QRect &rectangle, const QWidget
         tick.lineTo(box.topLeft() + QPointF(6, 10));
         tick.lineTo(box.topLeft() + QPointF(11, 4.2));
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(isEnabled ? colors.onAccent : colors.disabled, 1.8, Qt::SolidLine, Qt::RoundCap,
-                            Qt::RoundJoin));
+        painter.setPen(
+            QPen(isEnabled ? colors.onAccent : colors.disabled, 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPath(tick);
     }
     painter.restore();

@@ -16,6 +16,14 @@ ChoiceBox::ChoiceBox(const QString &name, QWidget *parent)
     view()->setTextElideMode(Qt::ElideRight);
 }
 
+void ChoiceBox::showPopup()
+{
+    if (m_isListedElsewhere)
+        Q_EMIT listRequested();
+    else
+        QComboBox::showPopup();
+}
+
 QSize ChoiceBox::sizeHint() const
 {
     return {40 * VELTheme::step, VELTheme::controlHeight};

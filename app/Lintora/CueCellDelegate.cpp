@@ -58,7 +58,7 @@ void CueCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
         if (!index.data(CueTableModel::warningsRole).toStringList().isEmpty())
             paintWarning(*painter, cell, colors.warning);
         painter->setPen(colors.secondary);
-        paintText(*painter, option, room, index.data().toString(), Qt::AlignRight);
+        paintText(*painter, option, room, index.data(Qt::AccessibleTextRole).toString(), Qt::AlignRight);
         break;
     case CueTableModel::textColumn:
         painter->setPen(colors.text);

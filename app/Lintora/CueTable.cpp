@@ -73,7 +73,8 @@ CueTable::CueTable(LintoraModel &model, QWidget *parent)
     // The job's own signal comes before its cues are exchanged: the last moment to keep what was typed.
     connect(&model, &LintoraModel::loaded, this, &CueTable::commitEdit);
     connect(m_textDelegate, &CueTextDelegate::abandoned, this, [this](CueTextEditor *editor) { abandon(*editor); });
-    connect(m_textDelegate, &CueTextDelegate::splitRequested, this, [this](CueTextEditor *editor) { splitAt(*editor); });
+    connect(m_textDelegate, &CueTextDelegate::splitRequested, this,
+            [this](CueTextEditor *editor) { splitAt(*editor); });
     connect(m_textDelegate, &CueTextDelegate::joinRequested, this, &CueTable::joinWithNext);
     connect(m_textDelegate, &CueTextDelegate::insertRequested, this, &CueTable::insertCue);
 }
@@ -81,7 +82,7 @@ CueTable::CueTable(LintoraModel &model, QWidget *parent)
 CueTable::~CueTable()
 {
     if (m_editor)
-        m_editor->disconnect();
+        m_editor->stop();
 }
 
 void CueTable::setFilter(const QString &text)
@@ -150,6 +151,8 @@ void CueTable::editText(qsizetype cue)
 
 void CueTable::currentChanged(const QModelIndex &current, const QModelIndex &previous)
 {
+    if (m_cues.isFollowing())
+        rescueTyped();
     QTableView::currentChanged(current, previous);
     Q_EMIT currentCueChanged();
 }
@@ -173,8 +176,7 @@ bool CueTable::commitEdit()
     if (m_editor) {
         if (!CueTextDelegate::commit(*m_editor) && !m_editor->toPlainText().trimmed().isEmpty())
             return false;
-        closeEditor(m_editor, QAbstractItemDelegate::NoHint);
-        m_editor = nullptr;
+        closeText();
     } else if (state() == EditingState) {
         if (QWidget *const field = indexWidget(currentIndex())) {
             commitData(field);
@@ -184,13 +186,27 @@ bool CueTable::commitEdit()
     return true;
 }
 
+void CueTable::closeText()
+{
+    if (m_editor)
+        closeEditor(m_editor, QAbstractItemDelegate::NoHint);
+}
+
+void CueTable::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint)
+{
+    if (m_editor && editor == m_editor) {
+        m_editor->stop();
+        m_editor = nullptr;
+    }
+    QTableView::closeEditor(editor, hint);
+}
+
 /// Escape takes back what was typed, as it does everywhere; the history still has it, for a slip of the finger.
 void CueTable::abandon(CueTextEditor &editor)
 {
     const bool keepsTyped = editor.isModified() && !editor.toPlainText().trimmed().isEmpty();
     const bool isKept = keepsTyped && CueTextDelegate::commit(editor);
-    closeEditor(&editor, QAbstractItemDelegate::RevertModelCache);
-    m_editor = nullptr;
+    closeText();
     if (isKept && m_model.canUndo()) {
         m_model.undo();
         const QString redo = QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z).toString(QKeySequence::NativeText);
@@ -198,16 +214,19 @@ void CueTable::abandon(CueTextEditor &editor)
     }
 }
 
-/// The cue under the editor goes, with words in it that nothing else has: they are shown, and can be copied.
+/// The cue under the editor goes, perhaps with words in it that nothing else has: they are shown, and can be copied.
 void CueTable::rescueTyped()
 {
-    if (!m_editor || !m_editor->isModified())
+    if (!m_editor)
         return;
-    const QString typed = m_editor->toPlainText().trimmed();
+    const QString typed = m_editor->isModified() ? m_editor->toPlainText().trimmed() : QString();
+    m_editor->stop();
+    m_editor = nullptr; // The view closes it.
     if (typed.isEmpty())
         return;
     QMetaObject::invokeMethod(
-        &m_model, [&model = m_model, typed] { model.reportFailure(u"正在编辑的字幕已被移除，输入的文字是：%1"_s.arg(typed)); },
+        &m_model,
+        [&model = m_model, typed] { model.reportFailure(u"正在编辑的字幕已被移除，输入的文字是：%1"_s.arg(typed)); },
         Qt::QueuedConnection);
 }
 
@@ -262,9 +281,7 @@ void CueTable::splitAt(CueTextEditor &editor)
     m_model.endGesture();
     if (!next)
         return;
-    if (m_editor)
-        closeEditor(m_editor, QAbstractItemDelegate::NoHint);
-    m_editor = nullptr;
+    closeText();
     editText(*next);
     if (m_editor)
         m_editor->moveCursor(QTextCursor::Start);
@@ -358,6 +375,8 @@ void CueTable::keyPressEvent(QKeyEvent *event)
         joinWithNext();
     } else if (isCommand && event->key() == Qt::Key_Backspace) {
         deleteCues();
+    } else if (event->matches(QKeySequence::Copy)) {
+        copy();
     } else if (event->matches(QKeySequence::Cut)) {
         cut();
     } else if (event->matches(QKeySequence::Paste)) {

@@ -26,10 +26,10 @@ public:
     void setFilter(const QString &text); ///< Shows only cues that hold it; all when empty.
     int shownCues() const { return m_filter.rowCount(); }
 
-    std::optional<int> currentCue() const;   ///< Its position in the track.
-    QList<qsizetype> selectedCues() const;   ///< Their positions, ascending.
-    void goTo(qsizetype cue);                ///< Makes it the current one, and the only one selected.
-    void editText(qsizetype cue);            ///< Goes there and opens the editor.
+    std::optional<int> currentCue() const; ///< Its position in the track.
+    QList<qsizetype> selectedCues() const; ///< Their positions, ascending.
+    void goTo(qsizetype cue);              ///< Makes it the current one, and the only one selected.
+    void editText(qsizetype cue);          ///< Goes there and opens the editor.
     bool isEditing() const { return m_editor || state() == EditingState; }
 
     /// Ends editing and keeps what was typed. False when that was refused; the editor then stays open.
@@ -40,8 +40,8 @@ public Q_SLOTS:
     void copy();
     void paste(); ///< Over the text of the current cue, in the editor.
     void selectAll() override;
-    void insertCue();   ///< Behind the current one, and opens the editor on it.
-    void splitCue();    ///< Where a sentence ends, near the middle.
+    void insertCue(); ///< Behind the current one, and opens the editor on it.
+    void splitCue();  ///< Where a sentence ends, near the middle.
     void joinWithNext();
     void deleteCues();
 
@@ -57,10 +57,12 @@ protected:
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     void rowsAboutToBeRemoved(const QModelIndex &parent, int first, int last) override;
     void reset() override;
+    void closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint) override;
 
 private:
     QModelIndex indexOf(qsizetype cue, int column) const;
     void followRowCount();
+    void closeText();
     void rescueTyped();
     void abandon(CueTextEditor &editor);
     void splitAt(CueTextEditor &editor);

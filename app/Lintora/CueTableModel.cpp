@@ -32,12 +32,14 @@ CueTableModel::~CueTableModel() = default;
 void CueTableModel::follow()
 {
     const bool isOther = std::exchange(m_isLoading, false) || m_trackID != m_model.selectedTrackID();
+    if (!isOther && m_items == m_model.items())
+        return;
+    m_isFollowing = true;
     if (isOther)
         reload();
-    else if (m_items != m_model.items())
-        takeDifference(m_model.items());
     else
-        return;
+        takeDifference(m_model.items());
+    m_isFollowing = false;
     Q_EMIT changed();
 }
 
@@ -78,7 +80,7 @@ void CueTableModel::takeDifference(const QList<Subtitle> &items)
     }
     // The cue before is told too: its warnings look at the next one.
     const int first = std::max(0, int(head) - 1);
-    const int last = std::min(int(items.size()), kept + std::max(surplus, 0) + 1) - 1;
+    const int last = std::min(int(items.size()), kept + std::max(surplus, 0)) - 1;
     if (first <= last)
         Q_EMIT dataChanged(index(first, 0), index(last, columns - 1));
 }
@@ -96,7 +98,8 @@ QList<CueWarnings::Warning> CueTableModel::warnings(int row) const
     if (!m_measure)
         m_measure = std::make_unique<TitleMeasure>(m_model.options());
     const Subtitle *const next = row + 1 < m_items.size() ? &m_items.at(row + 1) : nullptr;
-    return CueWarnings::of(m_items.at(row), next, [this](QStringView text) { return m_measure->isWiderThanSafe(text); });
+    return CueWarnings::of(m_items.at(row), next,
+                           [this](QStringView text) { return m_measure->isWiderThanSafe(text); });
 }
 
 int CueTableModel::rowCount(const QModelIndex &parent) const
@@ -127,7 +130,8 @@ QVariant CueTableModel::data(const QModelIndex &index, int role) const
     }
     switch (index.column()) {
     case numberColumn:
-        return role == Qt::DisplayRole ? QVariant(index.row() + 1) : QVariant();
+        // No data of the cue's own: it changes with every row that comes or goes before.
+        return role == Qt::AccessibleTextRole ? QVariant(QString::number(index.row() + 1)) : QVariant();
     case startColumn:
     case endColumn: {
         const qint64 time = index.column() == startColumn ? cue.start : cue.end;
@@ -162,6 +166,8 @@ QVariant CueTableModel::headerData(int section, Qt::Orientation orientation, int
 
 Qt::ItemFlags CueTableModel::flags(const QModelIndex &index) const
 {
+    if (!index.isValid())
+        return Qt::NoItemFlags;
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
     if (index.column() != numberColumn && !m_model.aiBusy())
         flags |= Qt::ItemIsEditable;
@@ -170,7 +176,7 @@ Qt::ItemFlags CueTableModel::flags(const QModelIndex &index) const
 
 bool CueTableModel::setData(const QModelIndex &index, const QVariant &value, int role)
 {
-    if (!index.isValid() || role != Qt::EditRole)
+    if (!index.isValid() || role != Qt::EditRole || m_isFollowing)
         return false;
     const Subtitle cue = m_items.at(index.row());
     switch (index.column()) {

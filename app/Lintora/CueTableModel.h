@@ -19,7 +19,7 @@ class CueTableModel : public QAbstractTableModel
 public:
     enum Column
     {
-        numberColumn, ///< Place in the list, from 1.
+        numberColumn, ///< Its accessible text is the place in the list, from 1.
         startColumn,
         endColumn,
         textColumn,
@@ -37,6 +37,9 @@ public:
 
     const Subtitle &cue(int row) const { return m_items.at(row); }
     QList<CueWarnings::Warning> warnings(int row) const;
+
+    /// Whether rows are just being brought in line with cues that have changed; no edit is taken meanwhile.
+    bool isFollowing() const { return m_isFollowing; }
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -60,6 +63,7 @@ private:
     QList<Subtitle> m_items; ///< As the views know them.
     std::optional<QUuid> m_trackID;
     bool m_isLoading = false;
+    bool m_isFollowing = false;
     mutable QCache<int, QStringList> m_warnings; ///< Of rows that were shown since the last change.
     mutable std::unique_ptr<TitleMeasure> m_measure;
 };

@@ -53,13 +53,6 @@ QWidget *CueTextDelegate::createEditor(QWidget *parent, const QStyleOptionViewIt
     return editor;
 }
 
-void CueTextDelegate::destroyEditor(QWidget *editor, const QModelIndex &index) const
-{
-    // Its focus leaves with it, which is no news.
-    editor->disconnect(this);
-    CueCellDelegate::destroyEditor(editor, index);
-}
-
 void CueTextDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 {
     auto *const field = qobject_cast<CueTextEditor *>(editor);

@@ -17,6 +17,12 @@ constexpr int border = 2;
 constexpr int documentMargin = 2;
 constexpr int mostLines = 6; // shown at once
 
+/// As they are broken at the field's width.
+int lineCount(const CueTextEditor &editor)
+{
+    return int(std::ceil(editor.document()->size().height()));
+}
+
 } // namespace
 
 CueTextEditor::CueTextEditor(const QModelIndex &cue, QWidget *parent)
@@ -29,11 +35,18 @@ CueTextEditor::CueTextEditor(const QModelIndex &cue, QWidget *parent)
     setTabChangesFocus(true);
     setLineWrapMode(WidgetWidth);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     document()->setDocumentMargin(documentMargin);
     // Text stands where the cell shows it, so that nothing jumps when editing begins.
     const int slack = VELTheme::rowHeight - 2 * (border + documentMargin) - fontMetrics().lineSpacing();
+    connect(this, &QPlainTextEdit::textChanged, this, &CueTextEditor::showScrollBar);
     setViewportMargins(CueCellDelegate::padding - border - documentMargin, std::max(0, slack / 2), 0, 0);
+}
+
+/// Only where it is of use: it takes room from the text.
+void CueTextEditor::showScrollBar()
+{
+    setVerticalScrollBarPolicy(lineCount(*this) > mostLines ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
 }
 
 void CueTextEditor::setStored(const QString &text)
@@ -46,7 +59,7 @@ void CueTextEditor::setStored(const QString &text)
 
 QSize CueTextEditor::sizeHint() const
 {
-    const int lines = std::clamp(int(std::ceil(document()->size().height())), 1, mostLines);
+    const int lines = std::clamp(lineCount(*this), 1, mostLines);
     const int frame = 2 * (border + documentMargin) + 2 * viewportMargins().top();
     return {0, std::max(VELTheme::rowHeight, lines * fontMetrics().lineSpacing() + frame)};
 }
@@ -70,7 +83,7 @@ void CueTextEditor::inputMethodEvent(QInputMethodEvent *event)
 void CueTextEditor::keyPressEvent(QKeyEvent *event)
 {
     if (isComposing()) {
-        QPlainTextEdit::keyPressEvent(event);
+        event->accept(); // The input method's, were it meant for anybody.
         return;
     }
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
@@ -95,6 +108,8 @@ void CueTextEditor::focusOutEvent(QFocusEvent *event)
 {
     QPlainTextEdit::focusOutEvent(event);
     m_isComposing = false;
+    if (m_isOver)
+        return;
     if (event->reason() == Qt::ActiveWindowFocusReason)
         Q_EMIT windowLeft();
     else if (event->reason() != Qt::PopupFocusReason)

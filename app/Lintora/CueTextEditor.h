@@ -22,6 +22,8 @@ public:
     /// Whether something was typed that the cue does not hold.
     bool isModified() const { return toPlainText() != m_stored; }
 
+    void stop() { m_isOver = true; } ///< Editing is over: that the focus leaves is no news any more.
+
     QSize sizeHint() const override; ///< As high as the text needs.
 
 Q_SIGNALS:
@@ -40,9 +42,11 @@ protected:
     bool event(QEvent *event) override;
 
 private:
+    void showScrollBar();
     bool isComposing() const { return m_isComposing; }
 
     QPersistentModelIndex m_cue;
     QString m_stored;
     bool m_isComposing = false;
+    bool m_isOver = false;
 };

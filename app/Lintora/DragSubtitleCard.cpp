@@ -65,7 +65,7 @@ private:
 } // namespace
 
 DragSubtitleCard::DragSubtitleCard(LintoraModel &model, std::optional<QUuid> trackID, QWidget *parent)
-    : QWidget(parent)
+    : QAbstractButton(parent)
     , m_model(model)
     , m_trackID(trackID)
 {
@@ -75,6 +75,7 @@ DragSubtitleCard::DragSubtitleCard(LintoraModel &model, std::optional<QUuid> tra
     setCursor(Qt::OpenHandCursor);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    connect(this, &QAbstractButton::clicked, this, [this] { showMenu(rect().bottomLeft()); });
     connect(&model, &LintoraModel::tracksChanged, this, &DragSubtitleCard::showTrack);
     connect(&model, &LintoraModel::selectedTrackIDChanged, this, &DragSubtitleCard::showTrack);
     showTrack();
@@ -91,13 +92,13 @@ const SubtitleTrack *DragSubtitleCard::track() const
 void DragSubtitleCard::showTrack()
 {
     const SubtitleTrack *const shown = track();
-    if (!shown && !m_text.isEmpty())
+    if (!shown && !m_caption.isEmpty())
         return; // closed: the card keeps its name for as long as it is there
     const QString label = shown ? shown->label : QString();
     const QString text = u"↗  拖回 FCP 时间线    ·    "_s + label;
-    if (text == m_text)
+    if (text == m_caption)
         return;
-    m_text = text;
+    m_caption = text;
     setAccessibleName(label.isEmpty() ? u"拖到 FCP 时间线"_s : u"拖到 FCP 时间线 · %1"_s.arg(label));
     updateGeometry();
     update();
@@ -105,7 +106,8 @@ void DragSubtitleCard::showTrack()
 
 QSize DragSubtitleCard::sizeHint() const
 {
-    return {fontMetrics().horizontalAdvance(m_text) + 2 * padding, std::max(leastHeight, fontMetrics().height() + 8)};
+    return {fontMetrics().horizontalAdvance(m_caption) + 2 * padding,
+            std::max(leastHeight, fontMetrics().height() + 8)};
 }
 
 QSize DragSubtitleCard::minimumSizeHint() const
@@ -121,7 +123,7 @@ void DragSubtitleCard::paintEvent(QPaintEvent *)
     const QRect room = rect().adjusted(padding, 0, -padding, 0);
     painter.setPen(palette().color(QPalette::Text));
     painter.drawText(room, Qt::AlignVCenter | Qt::AlignLeft,
-                     fontMetrics().elidedText(m_text, Qt::ElideRight, room.width()));
+                     fontMetrics().elidedText(m_caption, Qt::ElideRight, room.width()));
 }
 
 QPixmap DragSubtitleCard::dragImage() const
@@ -200,9 +202,9 @@ void DragSubtitleCard::copy()
 void DragSubtitleCard::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space)
-        showMenu(rect().bottomLeft());
+        click();
     else
-        QWidget::keyPressEvent(event);
+        QAbstractButton::keyPressEvent(event);
 }
 
 void DragSubtitleCard::contextMenuEvent(QContextMenuEvent *event)
@@ -222,5 +224,5 @@ bool DragSubtitleCard::event(QEvent *event)
 {
     if (event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverLeave)
         update();
-    return QWidget::event(event);
+    return QAbstractButton::event(event);
 }

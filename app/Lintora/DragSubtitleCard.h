@@ -2,13 +2,14 @@
 
 #include "app/LintoraModel.h"
 
+#include <QAbstractButton>
 #include <QPixmap>
-#include <QWidget>
 
 /// A card that is dragged onto Final Cut Pro's timeline, where the cues of its track become titles.
 ///
-/// What it carries can also be copied, by ⌘C or from its menu, which Return and Space open.
-class DragSubtitleCard : public QWidget
+/// What it carries can also be copied, by ⌘C or from its menu, which Return and Space open. A button to assistive
+/// programs; the mouse drags it instead of pressing it.
+class DragSubtitleCard : public QAbstractButton
 {
     Q_OBJECT
 
@@ -16,7 +17,7 @@ public:
     /// Absent `trackID`: always the selected track. `model` must live as long as the card.
     DragSubtitleCard(LintoraModel &model, std::optional<QUuid> trackID, QWidget *parent = nullptr);
 
-    QString text() const { return m_text; }
+    QString caption() const { return m_caption; } ///< What the card shows.
 
     /// What follows the pointer: the card's size, the number of its cues.
     QPixmap dragImage() const;
@@ -45,7 +46,7 @@ private:
 
     LintoraModel &m_model;
     const std::optional<QUuid> m_trackID;
-    QString m_text;
+    QString m_caption;
     QPoint m_pressed;           ///< Where the button went down, in the card.
     bool m_dragStarted = false; ///< Since the button went down.
 };

@@ -13,12 +13,14 @@ FileDropArea::FileDropArea(LintoraModel &model, Form form, const QString &prompt
     , m_drop(new MaterialDrop(*this, model))
     , m_label(new QLabel(ImportTexts::dropLabel, this))
 {
+    m_label->setForegroundRole(QPalette::Text);
     m_label->setAlignment(Qt::AlignCenter);
     m_label->setWordWrap(form == Form::Large);
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 4, 12, 4);
     layout->addWidget(m_label);
     setSizePolicy(QSizePolicy::Expanding, form == Form::Large ? QSizePolicy::Expanding : QSizePolicy::Fixed);
+    setMinimumHeight(form == Form::Large ? 72 : 36);
     setAccessibleName(m_prompt);
     connect(m_drop, &MaterialDrop::hoveringChanged, this, &FileDropArea::showText);
     showText();
@@ -33,7 +35,7 @@ void FileDropArea::showText()
 QSize FileDropArea::sizeHint() const
 {
     const QSize text = QWidget::sizeHint();
-    return m_form == Form::Large ? text.expandedTo({320, 120}) : text.expandedTo({0, 36});
+    return m_form == Form::Large ? text.expandedTo({320, 120}) : text;
 }
 
 void FileDropArea::paintEvent(QPaintEvent *)

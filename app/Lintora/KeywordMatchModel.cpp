@@ -51,7 +51,8 @@ QVariant KeywordMatchModel::data(const QModelIndex &index, int role) const
                     .afterMarks = {},
                     .isRemark = match.becomesEmpty()};
     qsizetype moved = 0; // by the replacements so far
-    for (qsizetype hit = row.before.indexOf(m_query); hit >= 0; hit = row.before.indexOf(m_query, hit + m_query.size())) {
+    for (qsizetype hit = row.before.indexOf(m_query); hit >= 0;
+         hit = row.before.indexOf(m_query, hit + m_query.size())) {
         row.beforeMarks += {.start = hit, .length = m_query.size()};
         if (!row.isRemark && !m_replacement.isEmpty())
             row.afterMarks += {.start = hit + moved, .length = m_replacement.size()};

@@ -165,11 +165,11 @@ bool MarkedTextDelegate::editorEvent(QEvent *event, QAbstractItemModel *model, c
 {
     if (!isTickable(index))
         return false;
-    const bool isSpace = event->type() == QEvent::KeyPress &&
-                         (static_cast<QKeyEvent *>(event)->key() == Qt::Key_Space ||
-                          static_cast<QKeyEvent *>(event)->key() == Qt::Key_Select);
-    const bool isClick = event->type() == QEvent::MouseButtonRelease &&
-                         static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton;
+    const bool isSpace =
+        event->type() == QEvent::KeyPress && (static_cast<QKeyEvent *>(event)->key() == Qt::Key_Space ||
+                                              static_cast<QKeyEvent *>(event)->key() == Qt::Key_Select);
+    const bool isClick =
+        event->type() == QEvent::MouseButtonRelease && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton;
     if (!isSpace && !isClick)
         return false;
     const bool isTicked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;

@@ -14,12 +14,12 @@ struct ComparedRow
     };
 
     Kind kind = Kind::comparison;
-    QString number;                            ///< Of the cue; may be empty.
-    QString before;                            ///< May have lines.
-    QString after;                             ///< Empty: there is only one wording.
+    QString number;                             ///< Of the cue; may be empty.
+    QString before;                             ///< May have lines.
+    QString after;                              ///< Empty: there is only one wording.
     QList<TextDifference::Stretch> beforeMarks; ///< What goes.
     QList<TextDifference::Stretch> afterMarks;  ///< What comes.
-    bool isRemark = false;                     ///< Whether `after` is said about the cue instead of shown by it.
+    bool isRemark = false;                      ///< Whether `after` is said about the cue instead of shown by it.
     bool needsReview = false;
 };
 

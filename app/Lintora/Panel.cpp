@@ -34,14 +34,14 @@ constexpr QSize smallest(560, 650);
 LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     : QWidget(parent)
     , m_model(model)
-    , m_table(new CueTable(model, this))
-    , m_filter(new QLineEdit(this))
-    , m_import(new UnifiedImportArea(model, this))
 {
     VELTheme::configure(*this);
-    setAutoFillBackground(true);
+    setAttribute(Qt::WA_StyledBackground);
     setMinimumSize(smallest);
 
+    // In the order of the eye, which the Tab key follows.
+    auto *const header = new Header(model, this);
+    m_import = new UnifiedImportArea(model, this);
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
     note->setAlignment(Qt::AlignCenter);
     m_emptyNote = note;
@@ -57,7 +57,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(new Header(model, this));
+    layout->addWidget(header);
     layout->addWidget(Controls::rule(this));
     layout->addLayout(content, 1);
     layout->addWidget(Controls::rule(this));
@@ -83,6 +83,9 @@ QWidget *LintoraPanel::makeWorkspace()
     auto *const actions = new MainActions(m_model, workspace);
     auto *const editing = new EditingActions(m_model, mayAct, workspace);
     connect(editing, &EditingActions::restoreRequested, this, &LintoraPanel::confirmRestore);
+    QWidget *const heading = makeTableHeading();
+    m_table = new CueTable(m_model, workspace);
+    connect(m_filter, &QLineEdit::textChanged, m_table, &CueTable::setFilter);
     auto *const inspector = new Inspector(m_model, m_table->cues(), workspace);
     connect(m_table, &CueTable::currentCueChanged, inspector,
             [this, inspector] { inspector->show(m_table->currentCue()); });
@@ -93,8 +96,8 @@ QWidget *LintoraPanel::makeWorkspace()
     layout->setSpacing(VELTheme::gap);
     layout->addWidget(actions);
     layout->addWidget(editing);
-    layout->addWidget(makeTableHeading());
-    layout->addWidget(m_table, 4);
+    layout->addWidget(heading);
+    layout->addWidget(m_table, 3);
     layout->addWidget(inspector, 1);
     layout->addWidget(new CardRow(m_model, mayAct, workspace));
     return workspace;
@@ -104,13 +107,13 @@ QWidget *LintoraPanel::makeTableHeading()
 {
     constexpr int filterWidth = 40 * VELTheme::step;
     auto *const heading = new QWidget(this);
-    auto *const tabs = new TrackTabs(m_model, [this] { return m_table->commitEdit(); }, heading);
-    m_filter->setParent(heading);
+    auto *const tabs = new TrackTabs(
+        m_model, [this] { return m_table->commitEdit(); }, heading);
+    m_filter = new QLineEdit(heading);
     m_filter->setPlaceholderText(u"筛选…"_s);
     m_filter->setAccessibleName(u"筛选字幕"_s);
     m_filter->setClearButtonEnabled(true);
     m_filter->setFixedWidth(filterWidth);
-    connect(m_filter, &QLineEdit::textChanged, m_table, &CueTable::setFilter);
     auto *const row = new QHBoxLayout(heading);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(VELTheme::gap);
@@ -150,7 +153,10 @@ void LintoraPanel::followSheets()
 {
     showFCPImport(m_model.fcpImportVisible());
     showSheet(m_cleanup, m_model.cleanupSettingsVisible());
+    const bool isFirst = !m_findReplace;
     showSheet(m_findReplace, m_model.findReplaceVisible());
+    if (isFirst && m_findReplace)
+        connect(m_findReplace, &FindReplaceWorkspace::cueRequested, this, &LintoraPanel::showCue);
     showSheet(m_scriptMatch, m_model.scriptMatchPresented());
     showSheet(m_style, m_model.settingsVisible());
     showStyle();
@@ -169,15 +175,25 @@ void LintoraPanel::showFCPImport(bool visible)
         m_fcpImport = new Sheet(Sheet::Extent::compact, this);
         m_fcpImport->addHeading(u"从 FCP 导入"_s);
         QVBoxLayout &body = *m_fcpImport->body();
-        body.addWidget(Controls::note(
-            u"从 FCP 浏览器将项目拖到下方，读取时间线音轨；也可拖入单个片段或 FCPXML。"_s, m_fcpImport));
-        body.addWidget(new FileDropArea(m_model, FileDropArea::Form::Large, {}, m_fcpImport));
+        body.addWidget(
+            Controls::note(u"从 FCP 浏览器将项目拖到下方，读取时间线音轨；也可拖入单个片段或 FCPXML。"_s, m_fcpImport));
+        auto *const area = new FileDropArea(m_model, FileDropArea::Form::Large, {}, m_fcpImport);
+        area->setMinimumHeight(area->sizeHint().height());
+        body.addWidget(area);
         connect(m_fcpImport, &Sheet::closeRequested, this, [this] { m_model.setFCPImportVisible(false); });
     }
     if (visible)
         m_fcpImport->open();
     else if (m_fcpImport)
         m_fcpImport->dismiss();
+}
+
+/// Brings a cue that a tool has found before the eye.
+void LintoraPanel::showCue(qsizetype cue)
+{
+    m_model.setFindReplaceVisible(false);
+    m_table->goTo(cue);
+    m_table->setFocus();
 }
 
 void LintoraPanel::confirmRestore()

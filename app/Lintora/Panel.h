@@ -37,16 +37,17 @@ private:
     void followSheets();
     void showStyle();
     void showFCPImport(bool visible);
+    void showCue(qsizetype cue);
     void confirmRestore();
     template <class Workspace>
     void showSheet(Workspace *&workspace, bool visible);
 
     LintoraModel &m_model;
-    CueTable *m_table;
-    QLineEdit *m_filter;
-    UnifiedImportArea *m_import;
-    QWidget *m_emptyNote;
-    QWidget *m_workspace;
+    UnifiedImportArea *m_import = nullptr;
+    QWidget *m_emptyNote = nullptr;
+    QWidget *m_workspace = nullptr;
+    QLineEdit *m_filter = nullptr;
+    CueTable *m_table = nullptr;
     Sheet *m_fcpImport = nullptr; ///< Made when it is needed first, as are the following.
     Sheet *m_confirmation = nullptr;
     CleanupWorkspace *m_cleanup = nullptr;

@@ -70,6 +70,9 @@ void PresetDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option
     painter->setClipPath(shape);
     painter->drawImage(picture.topLeft(), thumbnail(presets.preset(index), option.widget->devicePixelRatioF()));
     painter->setClipping(false);
+    painter->setBrush(Qt::NoBrush);
+    painter->setPen(colors.border);
+    painter->drawRoundedRect(QRectF(picture).adjusted(0.5, 0.5, -0.5, -0.5), 3, 3);
     const QRect name(picture.left(), picture.bottom() + 1, picture.width(), nameHeight + padding / 2);
     painter->setFont(VELTheme::smallFont());
     painter->setPen(colors.text);

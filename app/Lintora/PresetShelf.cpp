@@ -108,11 +108,28 @@ void PresetShelf::setForm(Form form)
     m_list->setFlow(QListView::LeftToRight);
     m_list->setVerticalScrollBarPolicy(isStrip ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
     m_list->setHorizontalScrollBarPolicy(isStrip ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
-    const int row = PresetDelegate::cellSize().height() + 5 * VELTheme::step;
+    m_form = form;
+    fit();
+}
+
+/// A strip is as high as its pictures, and its scroll bar when there are more than fit.
+void PresetShelf::fit()
+{
+    constexpr int scrollBar = 10;
+    constexpr int frame = 1;
+    const QSize cell = m_list->gridSize();
+    const bool isFull = m_presets.rowCount() * cell.width() > width() - 2 * frame;
+    const int row = cell.height() + 2 * frame + (m_form == Form::strip && isFull ? scrollBar : 0);
     for (QWidget *const each : {static_cast<QWidget *>(m_list), m_empty}) {
         each->setMinimumHeight(row);
-        each->setMaximumHeight(isStrip ? row : QWIDGETSIZE_MAX);
+        each->setMaximumHeight(m_form == Form::strip ? row : QWIDGETSIZE_MAX);
     }
+}
+
+void PresetShelf::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    fit();
 }
 
 std::optional<SubtitleStylePreset> PresetShelf::selected() const
@@ -189,5 +206,6 @@ void PresetShelf::followPresets()
     const bool isEmpty = m_presets.rowCount() == 0;
     m_list->setVisible(!isEmpty);
     m_empty->setVisible(isEmpty);
+    fit();
     update();
 }

@@ -25,6 +25,9 @@ public:
 
     void setForm(Form form);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     QWidget *makeActions();
     std::optional<SubtitleStylePreset> selected() const;
@@ -35,10 +38,12 @@ private:
     void remove();
     void update();
     void followPresets();
+    void fit();
 
     LintoraModel &m_model;
     QuestionSheet &m_questions;
     PresetListModel m_presets;
+    Form m_form = Form::strip;
     QListView *m_list;
     QWidget *m_empty;
     QPushButton *m_save;

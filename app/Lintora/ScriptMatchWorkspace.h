@@ -21,9 +21,6 @@ public:
 
     void present();
 
-Q_SIGNALS:
-    void cueRequested(qsizetype cue); ///< To be shown in the table.
-
 private:
     QWidget *makeButtons();
     void follow();

@@ -84,8 +84,8 @@ void Sheet::placeFrame()
     QSize size(m_extent == Extent::wide ? room.width() : std::min(room.width(), widest), room.height());
     if (m_extent == Extent::compact) {
         size.setWidth(std::min(room.width(), compactWidth));
-        const int needed = m_body->hasHeightForWidth() ? m_body->totalHeightForWidth(size.width())
-                                                       : m_body->totalSizeHint().height();
+        const int needed =
+            m_body->hasHeightForWidth() ? m_body->totalHeightForWidth(size.width()) : m_body->totalSizeHint().height();
         size.setHeight(std::min(room.height(), needed));
     }
     QRect frame({}, size);

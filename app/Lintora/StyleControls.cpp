@@ -3,10 +3,10 @@
 #include "app/Lintora/CheckBox.h"
 #include "app/Lintora/ChoiceBox.h"
 #include "app/Lintora/ColorField.h"
-#include "app/Lintora/Controls.h"
 #include "app/Lintora/FontFaces.h"
 
 #include <QFontDatabase>
+#include <QLabel>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -56,22 +56,23 @@ QWidget *StyleControls::fontButton() const
 void StyleControls::addFont()
 {
     auto *const row = new FieldRow(u"字体"_s, this);
-    m_font = Controls::button({}, row, u"查找并选择字体"_s);
-    m_font->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    m_font = new ChoiceBox(u"字体"_s, row);
+    m_font->setToolTip(u"查找并选择字体"_s);
+    m_font->setListedElsewhere(true);
     m_face = new ChoiceBox(u"字形"_s, row);
     row->label()->setBuddy(m_font);
     row->controls()->addWidget(m_font, 3);
     row->controls()->addWidget(m_face, 2);
     rows()->addWidget(row);
-    connect(m_font, &QPushButton::clicked, this, &StyleControls::fontRequested);
+    connect(m_font, &ChoiceBox::listRequested, this, &StyleControls::fontRequested);
     connect(m_face, &ChoiceBox::activated, this, [this](int index) {
         const QString face = m_face->itemText(index);
         if (face != FontFaces::shown(model().options().fontFace))
             change([&](Options &options) { options.fontFace = FontFaces::kept(face); });
     });
     whenChanged([this](const Options &options) {
-        m_font->setText(QString(options.font).replace(u'&', u"&&"_s));
-        m_font->setAccessibleName(u"字体：%1"_s.arg(options.font));
+        m_font->clear();
+        m_font->addItem(options.font);
         followFaces(options);
     });
 }

@@ -3,7 +3,6 @@
 #include "app/Lintora/OptionsForm.h"
 
 class ChoiceBox;
-class QPushButton;
 
 /// How titles look: font, colours, stroke, shadow, place.
 class StyleControls : public OptionsForm
@@ -25,6 +24,6 @@ private:
     void addShadow();
     void followFaces(const Options &options);
 
-    QPushButton *m_font = nullptr;
+    ChoiceBox *m_font = nullptr;
     ChoiceBox *m_face = nullptr;
 };

@@ -36,5 +36,5 @@ private:
     QPushButton *m_still;
     ElidedLabel *m_remark;
     QString m_refusal; ///< Why there is no still; empty when none was refused.
-    BackgroundTask m_reading;
+    BackgroundTask m_reading{BackgroundTask::Order::newestOnly};
 };

@@ -57,13 +57,12 @@ Appearance appearanceOf(const QPalette &palette)
     return palette.color(QPalette::Window).lightness() < 128 ? Appearance::dark : Appearance::light;
 }
 
+/// Without the colour of windows: that stays the system's, and tells whether it is light or dark.
 QPalette paletteOf(const Colors &colors)
 {
     QPalette palette;
-    palette.setColor(QPalette::Window, colors.window);
     palette.setColor(QPalette::WindowText, colors.text);
     palette.setColor(QPalette::Base, colors.surface);
-    palette.setColor(QPalette::AlternateBase, colors.window);
     palette.setColor(QPalette::Text, colors.text);
     palette.setColor(QPalette::Button, colors.raised);
     palette.setColor(QPalette::ButtonText, colors.text);
@@ -98,6 +97,8 @@ QString withColors(QString rules, const Colors &colors)
 QString styleSheet(const Colors &colors)
 {
     static const QString rules = uR"(
+LintoraPanel { background: %window%; }
+QLabel { color: %text%; }
 QPushButton, QToolButton {
     background: %raised%; color: %text%; border: 1px solid %outline%; border-radius: 6px;
     padding: 0 11px; min-height: 26px; max-height: 26px;
@@ -115,6 +116,8 @@ QPushButton[primary="true"]:disabled { background: transparent; color: %disabled
 QPushButton[quiet="true"], QToolButton[quiet="true"] { background: transparent; border-color: transparent; }
 QPushButton[quiet="true"]:hover, QToolButton[quiet="true"]:hover { background: %hovered%; }
 QPushButton[quiet="true"]:checked { color: %accent%; background: %selection%; }
+QPushButton[tight="true"] { padding: 0 7px; }
+QPushButton[tight="true"]:focus { padding: 0 6px; }
 QPushButton[quiet="true"]:focus, QToolButton[quiet="true"]:focus { border: 2px solid %accent%; }
 QPushButton::menu-indicator { image: none; width: 0; }
 QToolButton::menu-button { border: none; border-left: 1px solid %border%; width: 16px; }
@@ -178,18 +181,22 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp)
-            setAppearance(m_window, systemAppearance());
+        if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp && m_system != systemAppearance()) {
+            m_system = systemAppearance();
+            setAppearance(m_window, m_system);
+        }
         return false;
     }
 
 private:
     QWidget &m_window;
+    Appearance m_system = systemAppearance(); ///< As it was last.
 };
 
 QFont fontOfSize(int pixels)
 {
-    QFont font = QApplication::font();
+    static const QFont system = QApplication::font();
+    QFont font = system;
     // Elsewhere the system's own font has Chinese glyphs that go with its Latin ones; here they are chosen together.
 #ifndef Q_OS_MACOS
     static const bool hasChinese = QFontDatabase::hasFamily(u"Noto Sans CJK SC"_s);
@@ -228,8 +235,6 @@ void configure(QWidget &window)
     if (QApplication::style()->name() != u"fusion"_s)
         QApplication::setStyle(QStyleFactory::create(u"fusion"_s));
 #endif
-    // Without it fonts and palettes end where a style sheet begins.
-    QCoreApplication::setAttribute(Qt::AA_UseStyleSheetPropagationInWidgetStyles);
     new Follower(window);
     setAppearance(window, systemAppearance());
 }
@@ -238,8 +243,9 @@ void setAppearance(QWidget &window, Appearance appearance)
 {
     const Colors &now = colors(appearance);
     window.setProperty(appearanceProperty, int(appearance));
-    window.setFont(textFont());
-    window.setPalette(paletteOf(now));
+    // Fonts and palettes do not pass through a style sheet from parent to child: all widgets have the application's.
+    QApplication::setFont(textFont());
+    QApplication::setPalette(paletteOf(now));
     window.setStyleSheet(styleSheet(now));
 }
 

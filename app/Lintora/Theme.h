@@ -20,12 +20,12 @@ enum class Appearance
 
 struct Colors
 {
-    QColor window;   ///< Behind everything.
-    QColor surface;  ///< Behind text that is edited, and lists.
-    QColor raised;   ///< Buttons.
-    QColor hovered;  ///< Buttons under the pointer.
-    QColor border;   ///< Between surfaces.
-    QColor outline;  ///< Around controls.
+    QColor window;  ///< Behind everything.
+    QColor surface; ///< Behind text that is edited, and lists.
+    QColor raised;  ///< Buttons.
+    QColor hovered; ///< Buttons under the pointer.
+    QColor border;  ///< Between surfaces.
+    QColor outline; ///< Around controls.
     QColor text;
     QColor secondary; ///< Text of less weight.
     QColor disabled;  ///< Text that cannot be acted on.

@@ -32,8 +32,8 @@ void TitlePreview::draw()
 {
     if (!m_measure)
         m_measure = std::make_unique<TitleMeasure>(m_options);
-    TitlePicture::drawInto(m_picture, m_text, m_options, size() * devicePixelRatio(), {},
-                           TitlePicture::Guides::none, *m_measure);
+    TitlePicture::drawInto(m_picture, m_text, m_options, size() * devicePixelRatio(), {}, TitlePicture::Guides::none,
+                           *m_measure);
     m_picture.setDevicePixelRatio(devicePixelRatio());
     update();
 }

@@ -24,8 +24,10 @@ UnifiedImportArea::UnifiedImportArea(LintoraModel &model, QWidget *parent)
     setAccessibleName(ImportTexts::description);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
-    for (QLabel *const label : {m_title, m_detail})
+    for (QLabel *const label : {m_title, m_detail}) {
         label->setAttribute(Qt::WA_TransparentForMouseEvents);
+        label->setForegroundRole(QPalette::Text); // what belongs on the frame's ground, instead of a button's
+    }
     connect(this, &QAbstractButton::clicked, &model, &LintoraModel::chooseImport);
     connect(m_drop, &MaterialDrop::hoveringChanged, this, &UnifiedImportArea::showTexts);
     setForm(Form::Large);
@@ -71,7 +73,7 @@ void UnifiedImportArea::showTexts()
 void UnifiedImportArea::applyColours()
 {
     QPalette quiet = palette();
-    quiet.setColor(QPalette::WindowText, CardFrame::secondaryText(palette()));
+    quiet.setColor(QPalette::Text, CardFrame::secondaryText(palette()));
     m_detail->setPalette(quiet);
 }
 

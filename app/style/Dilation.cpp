@@ -96,8 +96,8 @@ public:
     void paint(const uchar *pixels, int y, Canvas &canvas)
     {
         std::ranges::fill(m_flat, uchar(0));
-        for (int x = 0; x < m_width; ++x)
-            m_flat[static_cast<size_t>(x + m_margin)] = pixels[x] ? 255 : 0;
+        std::transform(pixels, pixels + m_width, m_flat.begin() + m_margin,
+                       [](uchar value) { return static_cast<uchar>(value ? 255 : 0); });
         m_half = 0;
         // From the narrow rows of the disc to the wide one in its middle.
         for (int distance = m_margin - 1; distance >= 0; --distance) {

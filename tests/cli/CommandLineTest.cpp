@@ -347,7 +347,8 @@ TEST_F(CommandLineTest, a_pipe_is_read_to_its_end_and_waiting_for_it_can_be_inte
                                    u"titles '%2' --options '%1'"_s.arg(pipe, in)})
         EXPECT_EQ(CommandLine::shell(u"timeout --preserve-status -s INT 1 \"$CLI\" "_s + waiting).status, 130);
     EXPECT_EQ(CommandLine::shell(u"exec \"$CLI\" srt '%1' -o '%2'"_s.arg(in, pipe)).status, 1) << "nobody reads";
-    const auto written =
-        CommandLine::shell(u"cat '%2' & \"$CLI\" srt '%1' -o '%2'; s=$?; wait; exit $s"_s.arg(in, pipe));
+    // The reader has the pipe open before anything is written: it takes over a descriptor, and as many lines as come.
+    const auto written = CommandLine::shell(
+        u"exec 3<>'%2'; head -n 3 <&3 & \"$CLI\" srt '%1' -o '%2'; s=$?; wait; exit $s"_s.arg(in, pipe));
     expectOutcome(written, 0, goodSrt, {});
 }

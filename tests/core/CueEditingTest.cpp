@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -62,6 +64,15 @@ TEST(CueEditing, inserts_into_the_room_there_is)
         EXPECT_EQ(cue.start, row.start);
         EXPECT_EQ(cue.end, row.end);
     }
+}
+
+TEST(CueEditing, keeps_out_of_times_that_only_a_record_can_hold)
+{
+    const QList<Subtitle> strange{{.id = 1, .start = -9, .end = -5, .text = u"a b"_s},
+                                  {.id = 2, .start = -9, .end = std::numeric_limits<qint64>::max(), .text = u"a b"_s}};
+    EXPECT_EQ(CueEditing::inserting(strange, 0)[1].start, 0);
+    EXPECT_EQ(refusal([&] { CueEditing::inserting(strange, 1); }), u"时间须在 0 到 100 小时之间。"_s);
+    EXPECT_EQ(refusal([&] { CueEditing::splitting(strange, 1, 1); }), u"时间须在 0 到 100 小时之间。"_s);
 }
 
 TEST(CueEditing, splits_time_by_length_and_keeps_every_character)

@@ -15,6 +15,9 @@
 #include <QMimeData>
 #include <QTest>
 
+#include <algorithm>
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -133,6 +136,32 @@ TEST_F(DragAndDrop, An_area_says_what_letting_go_would_do)
     EXPECT_EQ(area.text(), u"拖入 FCP 项目或 SRT"_s);
 }
 
+/// Contrast of two colours as accessibility guidelines define it, from 1 to 21.
+double contrast(const QColor &a, const QColor &b)
+{
+    const auto luminance = [](const QColor &colour) {
+        const auto linear = [](double part) {
+            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+    };
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+TEST_F(DragAndDrop, Texts_are_easy_to_read_in_light_and_dark)
+{
+    UnifiedImportArea area(m_model);
+    for (const auto &[ground, text] : {std::pair(0xffffff, 0x000000), std::pair(0x1e1e1e, 0xdddddd)}) {
+        QPalette colours;
+        colours.setColor(QPalette::Base, QColor::fromRgb(QRgb(ground)));
+        colours.setColor(QPalette::Text, QColor::fromRgb(QRgb(text)));
+        area.setPalette(colours);
+        for (const QLabel *const label : area.findChildren<QLabel *>())
+            EXPECT_GE(contrast(label->palette().color(label->foregroundRole()), QColor::fromRgb(QRgb(ground))), 4.5);
+    }
+}
+
 TEST_F(DragAndDrop, A_click_and_the_keys_of_a_button_open_the_file_dialog)
 {
     UnifiedImportArea area(m_model);
@@ -158,7 +187,7 @@ TEST_F(DragAndDrop, A_card_bears_the_label_of_its_track)
     DragSubtitleCard card(m_model, std::nullopt);
     load(2);
     const QString label = m_model.tracks().first().label;
-    EXPECT_EQ(card.text(), u"↗  拖回 FCP 时间线    ·    "_s + label);
+    EXPECT_EQ(card.caption(), u"↗  拖回 FCP 时间线    ·    "_s + label);
     EXPECT_EQ(card.toolTip(), u"拖入 FCP 时间线，生成可独立编辑的字幕片段"_s);
     EXPECT_THAT(card.accessibleName().toStdString(), testing::StartsWith("拖到 FCP 时间线"));
 }

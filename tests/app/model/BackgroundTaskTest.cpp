@@ -34,7 +34,7 @@ struct Delivered
 
 TEST(BackgroundTask, brings_progress_and_result_to_the_main_thread)
 {
-    BackgroundTask task;
+    BackgroundTask task(BackgroundTask::Order::newestOnly);
     Delivered delivered;
     QSemaphore goOn;
     QThread *worker = nullptr;
@@ -62,7 +62,7 @@ TEST(BackgroundTask, brings_progress_and_result_to_the_main_thread)
 
 TEST(BackgroundTask, tells_why_an_operation_failed)
 {
-    BackgroundTask task;
+    BackgroundTask task(BackgroundTask::Order::newestOnly);
     Delivered delivered;
     task.run(
         u"开始"_s, [](LocalAIJob &, const Progress &) -> int { throw ConversionError(u"不行。"_s); }, delivered.done(),
@@ -73,7 +73,7 @@ TEST(BackgroundTask, tells_why_an_operation_failed)
 
 TEST(BackgroundTask, hears_nothing_more_of_what_was_cancelled_or_replaced_however_late_it_comes)
 {
-    BackgroundTask task;
+    BackgroundTask task(BackgroundTask::Order::newestOnly);
     Delivered delivered;
     QSemaphore goOn;
     const auto slow = [&](LocalAIJob & /*job*/, const Progress &progress) {
@@ -97,20 +97,47 @@ TEST(BackgroundTask, hears_nothing_more_of_what_was_cancelled_or_replaced_howeve
     EXPECT_EQ(task.activity(), std::nullopt);
 }
 
+TEST(BackgroundTask, runs_one_after_another_where_each_counts)
+{
+    BackgroundTask task(BackgroundTask::Order::oneAfterAnother);
+    Delivered delivered;
+    QSemaphore goOn;
+    task.run(
+        u"一"_s,
+        [&](LocalAIJob &, const Progress &) {
+            goOn.acquire();
+            return 1;
+        },
+        delivered.done(), delivered.refused());
+    task.run(
+        u"二"_s, [](LocalAIJob &, const Progress &) -> int { throw ConversionError(u"不行。"_s); }, delivered.done(),
+        delivered.refused());
+    task.run(
+        u"三"_s, [](LocalAIJob &, const Progress &) { return 3; }, delivered.done(), delivered.refused());
+    EXPECT_EQ(task.activity(), u"一"_s);
+    goOn.release();
+    EXPECT_TRUE(Events::waitFor([&] { return !task.isRunning(); }));
+    EXPECT_EQ(delivered.results, (QList<int>{1, 3}));
+    EXPECT_EQ(delivered.refusals, QStringList{u"不行。"_s});
+}
+
 TEST(BackgroundTask, stops_the_operation_when_it_goes)
 {
     Delivered delivered;
     std::atomic<bool> ended = false;
+    QSemaphore started;
     {
-        BackgroundTask task;
+        BackgroundTask task(BackgroundTask::Order::newestOnly);
         task.run(
             u"无尽"_s,
             [&](LocalAIJob &job, const Progress & /*progress*/) -> int {
                 const auto note = qScopeGuard([&] { ended = true; });
+                started.release();
                 for (;;)
                     job.check();
             },
             delivered.done(), delivered.refused());
+        started.acquire();
     }
     EXPECT_TRUE(ended);
     Events::handle();

@@ -88,7 +88,14 @@ TEST(EditHistory, a_thousand_edits_of_ten_thousand_cues_take_less_than_100_MB)
         history.record(job);
     }
     EXPECT_LT(inUse() - before, 100'000'000U);
-    for (int i = 0; i < 1'000; ++i)
+    for (int i = 0; i < 3'000; ++i) {
+        QList<Subtitle> cues = job.items;
+        cues.insert(i * 7919 % cues.size(), cues[i]);
+        job = withItems(job, cues);
+        history.record(job);
+    }
+    EXPECT_LT(inUse() - before, 100'000'000U);
+    for (int i = 0; i < 4'000; ++i)
         history.undo();
     EXPECT_FALSE(history.canUndo());
 }

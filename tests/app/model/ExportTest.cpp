@@ -40,7 +40,22 @@ TEST_F(ExportTest, writes_the_selected_track_as_SRT)
     EXPECT_EQ(exported(&LintoraModel::exportSRT, u"out.srt"_s), SRT::serialize(cues).toUtf8());
     EXPECT_EQ(asked, u"访谈.第一集.srt"_s);
     EXPECT_EQ(model->message(), u"已导出 20 条字幕"_s);
+}
+
+TEST_F(ExportTest, names_files_after_the_track_where_there_are_several_and_writes_each_that_was_asked_for)
+{
+    loadCues({{.id = 1, .start = 0, .end = 900, .text = u"你好\nHello"_s}}, u"访谈.srt"_s);
     model->separateLanguages();
+    const QList<SubtitleTrack> tracks = model->visibleTracks();
+    for (const SubtitleTrack &track : tracks) {
+        model->selectTrack(track.id);
+        answer = home(track.label);
+        model->exportSRT();
+        EXPECT_EQ(asked, u"访谈_"_s + track.label + u".srt"_s);
+    }
+    settle();
+    for (const SubtitleTrack &track : tracks)
+        EXPECT_EQ(read(home(track.label)), SRT::serialize(track.items).toUtf8());
 }
 
 TEST_F(ExportTest, writes_and_proof_reads_titles_alone_and_in_the_kept_project)
@@ -70,6 +85,16 @@ TEST_F(ExportTest, asks_for_the_project_again_after_a_restart)
     exported(&LintoraModel::exportToProject, u"rough.fcpxml"_s);
     EXPECT_EQ(model->message(), u"已写入并核对 5 条字幕，逐帧一致"_s) << qPrintable(failure());
     EXPECT_TRUE(model->project());
+}
+
+TEST_F(ExportTest, asks_for_another_project_when_the_kept_one_does_not_fit)
+{
+    loadCues(Generator(2).cues(5));
+    load(write(u"rough.fcpxml"_s, project()));
+    model->undo();
+    answer.clear();
+    model->exportToProject();
+    EXPECT_EQ(asked, u"选择要写入字幕的 FCP 项目"_s);
 }
 
 TEST_F(ExportTest, a_file_that_cannot_be_written_stays_as_it_was)

@@ -86,6 +86,7 @@ TEST_F(ImportTest, refuses_with_the_reason_and_leaves_the_job_alone)
          u"请一次拖入一个 FCP 项目，或一组选中的片段。"_s},
     };
     for (const Row &row : rows) {
+        model->report({});
         load(row.path);
         EXPECT_EQ(failure(), row.sentence) << qPrintable(row.path);
         EXPECT_EQ(model->snapshot(), before);
@@ -110,6 +111,7 @@ TEST_F(ImportTest, takes_one_file_or_a_document_in_a_drop)
     EXPECT_TRUE(dropFiles({file}));
     EXPECT_EQ(texts(), QStringList{u"大家好"_s});
     for (const QStringList &files : {QStringList{}, QStringList{file, file}}) {
+        model->report({});
         EXPECT_FALSE(dropFiles(files));
         EXPECT_EQ(failure(), u"请一次拖入一个字幕或 FCP 项目。"_s);
     }
@@ -132,6 +134,7 @@ TEST_F(ImportTest, takes_dragged_data_up_to_its_limit_and_never_an_entity)
     EXPECT_EQ(failure(), QString());
     EXPECT_FALSE(drop(document + '\n'));
     EXPECT_EQ(failure(), u"FCP 数据过大或含不支持的 XML 实体。"_s);
+    model->report({});
     drop("<!DOCTYPE fcpxml [<!ENTITY a \"b\">]><fcpxml/>");
     EXPECT_EQ(failure(), u"FCP 数据过大或含不支持的 XML 实体。"_s);
     QMimeData newest;
@@ -234,6 +237,9 @@ TEST_F(ImportTest, refuses_everything_while_a_job_owns_the_cues)
     refusedWith(u"请等待当前任务完成后再匹配。"_s, [&] { model->matchScript(); });
     refusedWith(editing, [&] { EXPECT_FALSE(model->setText(0, u"x"_s)); });
     refusedWith(editing, [&] { EXPECT_FALSE(model->insertCue(0)); });
+    refusedWith(editing, [&] { model->setRemoveFillers(true); });
+    refusedWith(editing, [&] { model->setCanvasHeight(7); });
+    refusedWith(switching, [&] { model->apply({}); });
     refusedWith(QString(), [&] { model->undo(); });
     EXPECT_FALSE(model->canUndo());
     model->setFindReplaceVisible(true);
@@ -257,7 +263,12 @@ TEST_F(ImportTest, what_was_read_too_late_changes_nothing)
     EXPECT_TRUE(model->items().isEmpty());
     model->endAIJob();
 
+    // Files that are opened together are taken in their order.
     model->load(first);
+    model->load(QUrl::fromLocalFile(write(u"talk.fcpxml"_s, talk())));
+    settle();
+    EXPECT_EQ(model->source(), u"first.srt"_s);
+    EXPECT_TRUE(model->project());
     model->load(QUrl::fromLocalFile(write(u"second.srt"_s, oneCue)));
     settle();
     EXPECT_EQ(model->source(), u"second.srt"_s);

@@ -96,6 +96,19 @@ TEST_F(PersistenceTest, an_oversize_draft_is_refused_and_the_last_one_stays)
     model->saveDraft();
     EXPECT_EQ(model->message(), u"无法保存字幕草稿：字幕草稿过大，请导出 SRT 后分批处理"_s);
     EXPECT_EQ(read(model->draftURL()), saved);
+    // It is said again after every change, whatever was said in between, until it is no longer true.
+    model->setText(1, u"x"_s);
+    model->reportFailure(u"别的"_s);
+    Events::handle();
+    EXPECT_EQ(model->message(), u"无法保存字幕草稿：字幕草稿过大，请导出 SRT 后分批处理"_s);
+    EXPECT_EQ(failure(), QString());
+    model->setText(0, u"短"_s);
+    model->saveDraft();
+    Events::handle();
+    model->report({});
+    model->setText(1, u"y"_s);
+    Events::handle();
+    EXPECT_EQ(model->message(), QString());
 }
 
 TEST_F(PersistenceTest, a_record_of_any_shape_becomes_a_job_in_order)
@@ -113,6 +126,12 @@ TEST_F(PersistenceTest, a_record_of_any_shape_becomes_a_job_in_order)
     stray.selectedTrackID = QUuid::createUuid();
     model->apply(stray);
     EXPECT_EQ(model->selectedTrackID(), stray.tracks->first().id) << "the one that is not the original";
+    stray.selectedTrackID = stray.splitOriginal;
+    model->apply(stray);
+    EXPECT_EQ(model->selectedTrackID(), stray.tracks->first().id);
+    stray.tracks->removeFirst();
+    model->apply(stray);
+    EXPECT_FALSE(model->splitOriginal()) << "an only track is shown";
     stray.tracks = QList<SubtitleTrack>();
     stray.items.clear();
     model->apply(stray);
@@ -167,16 +186,57 @@ TEST_F(PersistenceTest, a_bad_link_changes_nothing)
     EXPECT_EQ(model->snapshot(), before);
 }
 
-TEST_F(PersistenceTest, a_version_that_comes_while_a_job_owns_the_cues_waits)
+TEST_F(PersistenceTest, a_version_that_comes_while_a_job_owns_the_cues_waits_and_is_never_written_over)
 {
-    open(Sessions::uniform(u"extension 1"_s));
-    model->beginAIJob(std::make_shared<LocalAIJob>());
-    const LintoraSession before = model->snapshot();
+    // Also when another tab is looked at meanwhile, and when the job is left to run into a quit.
+    const std::function<void()> rows[] = {[] {}, [&] { model->selectTrack(model->tracks().last().id); },
+                                          [&] { restart(); }};
+    for (const auto &meanwhile : rows) {
+        LintoraSession first = Sessions::full();
+        first.splitOriginal.reset();
+        first.source = u"extension 1"_s;
+        LintoraSession second = first;
+        second.source = u"extension 2"_s;
+        const QString path = open(first);
+        model->saveDraft();
+        model->beginAIJob(std::make_shared<LocalAIJob>());
+        putSession(second);
+        model->refreshSession();
+        EXPECT_EQ(model->source(), u"extension 1"_s);
+        meanwhile();
+        Events::handle();
+        if (model->aiBusy())
+            model->endAIJob();
+        model->saveDraft();
+        EXPECT_EQ(model->source(), u"extension 2"_s);
+        EXPECT_EQ(LintoraSession::read(path).source, u"extension 2"_s);
+    }
+}
+
+TEST_F(PersistenceTest, an_edit_made_on_the_arrival_of_a_version_is_written)
+{
+    const QString path = open(Sessions::uniform(u"extension 1"_s));
+    const auto ear = QObject::connect(model.get(), &LintoraModel::itemsChanged, [&] {
+        if (texts().first() == u"extension 2"_s)
+            model->setText(0, u"正在打的字"_s);
+    });
     putSession(Sessions::uniform(u"extension 2"_s));
-    model->refreshSession();
-    EXPECT_EQ(model->snapshot(), before);
-    model->endAIJob();
-    EXPECT_TRUE(waitForSource(u"extension 2"_s));
+    EXPECT_TRUE(Events::waitFor([&] { return LintoraSession::read(path).items[0].text == u"正在打的字"_s; }));
+    QObject::disconnect(ear);
+}
+
+TEST_F(PersistenceTest, undoing_beyond_the_opening_of_a_session_leaves_the_session_alone)
+{
+    loadCues(Generator(1).cues(3));
+    const QString path = open(Sessions::uniform(u"extension 1"_s));
+    model->undo();
+    EXPECT_EQ(model->source(), u"片段.srt"_s);
+    model->saveDraft();
+    EXPECT_EQ(LintoraSession::read(path).source, u"extension 1"_s);
+    model->redo();
+    model->setText(0, u"又在"_s);
+    model->saveDraft();
+    EXPECT_EQ(LintoraSession::read(path).items[0].text, u"又在"_s);
 }
 
 TEST_F(PersistenceTest, two_models_share_one_session)

@@ -73,7 +73,12 @@ TEST_F(ToolsTest, cleaning_can_be_restored_by_its_own_command_and_by_the_history
 TEST_F(ToolsTest, replacing_counts_and_is_restored_only_while_nothing_else_was_done)
 {
     loadTexts({u"color color"_s, u"调色"_s, u"color"_s});
+    bool couldUndo = false;
+    const auto ear =
+        QObject::connect(model.get(), &LintoraModel::historyChanged, [&] { couldUndo = model->canUndoReplacement(); });
     EXPECT_EQ(model->replaceKeywords(u"color"_s, u"色彩"_s), 3);
+    QObject::disconnect(ear);
+    EXPECT_TRUE(couldUndo) << "who hears of the replacement can offer to undo it";
     EXPECT_EQ(model->message(), u"已替换 3 处 · 2 条字幕，可撤销修改"_s);
     EXPECT_TRUE(model->canUndoReplacement());
 
@@ -136,8 +141,15 @@ TEST_F(ToolsTest, edits_stay_with_their_track_and_a_moved_cue_finds_its_place)
     model->undo();
     EXPECT_EQ(label(), u"English"_s) << "the change that is undone is shown";
     EXPECT_EQ(texts().first(), u"Hello"_s);
-    model->selectTrack(QUuid::createUuid());
-    EXPECT_EQ(label(), u"English"_s);
+    model->selectTrack(tracks[0].id);
+    model->redo();
+    EXPECT_EQ(label(), u"English"_s) << "and so is the one that is redone";
+    model->undo();
+    for (const QUuid &hidden : {QUuid::createUuid(), *model->splitOriginal()}) {
+        model->selectTrack(hidden);
+        model->moveCue(0, hidden);
+        EXPECT_EQ(label(), u"English"_s);
+    }
 
     model->selectTrack(tracks[2].id);
     model->moveCue(0, tracks[0].id);
@@ -167,6 +179,10 @@ TEST_F(ToolsTest, every_edit_says_what_to_look_at_next_or_why_it_was_refused)
     EXPECT_EQ(model->deleteCues({2, 1}), 0);
     EXPECT_EQ(failure(), QString());
     EXPECT_EQ(model->deleteCues({0}), -1);
+    EXPECT_EQ(model->setText(0, u"x"_s), std::nullopt) << "a cue that is gone";
+    EXPECT_EQ(model->splitCue(0, 0), std::nullopt);
+    EXPECT_EQ(model->joinWithNext(-1), std::nullopt);
+    EXPECT_EQ(model->insertCue(7), std::nullopt);
     for (int i = 0; i < 7; ++i)
         model->undo();
     EXPECT_EQ(texts(), (QStringList{u"大家好"_s, u"今天"_s}));
@@ -278,6 +294,17 @@ TEST_F(ToolsTest, a_gesture_is_one_step_however_many_values_it_went_through)
     EXPECT_FALSE(model->canUndo());
     model->setCanvasHeight(1'080);
     EXPECT_EQ(model->options().height, 1'080);
+
+    // A gesture that nobody ended takes nothing else in.
+    loadTexts({u"一"_s, u"二"_s});
+    model->beginGesture();
+    drag(9);
+    model->setText(0, u"三"_s);
+    drag(10);
+    model->undo();
+    model->undo();
+    EXPECT_EQ(texts().first(), u"一"_s);
+    EXPECT_EQ(model->options().fontSize, 9);
 }
 
 TEST_F(ToolsTest, a_style_is_saved_under_a_name_and_replaces_its_namesake)

@@ -11,11 +11,11 @@
 #include "tests/support/Events.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QLineEdit>
 #include <QListView>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -165,9 +165,9 @@ QList<State> states()
          [load](LintoraModel &model, LintoraPanel &panel) {
              load(model, panel);
              model.setSettingsVisible(true);
-             for (QPushButton *const button : panel.findChildren<QPushButton *>()) {
-                 if (button->accessibleName().startsWith(u"字体："_s))
-                     button->click();
+             for (QComboBox *const box : panel.findChildren<QComboBox *>()) {
+                 if (box->accessibleName() == u"字体"_s)
+                     box->showPopup();
              }
              const auto *const list = panel.findChild<FontPicker *>()->findChild<QListView *>();
              Events::waitFor([&] { return list->model()->rowCount() > 0; });
@@ -192,11 +192,11 @@ bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance a
 bool draw(const State &state, QSize size, VELTheme::Appearance appearance, const QString &file)
 {
     const QTemporaryDir folder;
-    LintoraModel model({.draftURL = folder.filePath(u"Draft.json"_s),
-                        .stylePresetsURL = folder.filePath(u"Presets.json"_s),
-                        .settings =
-                            std::make_shared<QSettings>(folder.filePath(u"settings.ini"_s), QSettings::IniFormat),
-                        .dialogs = {}});
+    LintoraModel model(
+        {.draftURL = folder.filePath(u"Draft.json"_s),
+         .stylePresetsURL = folder.filePath(u"Presets.json"_s),
+         .settings = std::make_shared<QSettings>(folder.filePath(u"settings.ini"_s), QSettings::IniFormat),
+         .dialogs = {}});
     LintoraPanel panel(model);
     VELTheme::setAppearance(panel, appearance);
     panel.resize(size);
