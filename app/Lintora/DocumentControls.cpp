@@ -1,12 +1,12 @@
 #include "app/Lintora/DocumentControls.h"
 
-#include "app/CueTime.h"
 #include "app/Imports.h"
 #include "app/Lintora/ChoiceBox.h"
 #include "app/Lintora/Controls.h"
 #include "app/Lintora/FrameSizes.h"
 #include "app/Lintora/TextField.h"
 #include "app/Lintora/TimeShift.h"
+#include "core/Characters.h"
 
 #include <QLineEdit>
 #include <QSignalBlocker>
@@ -19,6 +19,17 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr double longestSide = 16'384; ///< Pixels: twice what any project of today has.
+
+/// What a document cannot carry is refused by its writer; here it is said at once.
+QString judgeText(const QString &text)
+{
+    return Characters::isWritable(text) ? QString() : u"含有无法写入文档的字符。"_s;
+}
+
+QString judgeName(const QString &text)
+{
+    return text.trimmed().isEmpty() ? u"请输入项目名称。"_s : judgeText(text);
+}
 
 ValueEdit::Kind sideKind(const QString &name)
 {
@@ -202,14 +213,12 @@ void DocumentControls::addShift()
 
 void DocumentControls::addNames()
 {
-    TextField *const name = addText(u"项目名称"_s, [](const QString &text) {
-        return text.trimmed().isEmpty() ? u"请输入项目名称。"_s : QString();
-    });
+    TextField *const name = addText(u"项目名称"_s, judgeName);
     connect(name, &TextField::edited, this,
             [this](const QString &text) { change([&](Options &options) { options.name = text; }); });
     whenChanged([name](const Options &options) { name->setText(options.name); });
 
-    TextField *const role = addText(u"字幕角色"_s, [](const QString &) { return QString(); });
+    TextField *const role = addText(u"字幕角色"_s, judgeText);
     role->edit()->setPlaceholderText(u"titles.字幕"_s);
     connect(role, &TextField::edited, this, [this](const QString &text) {
         const QString trimmed = text.trimmed();

@@ -5,7 +5,6 @@
 #include "app/style/TitlePicture.h"
 
 #include <QPainter>
-#include <QPainterPath>
 
 using namespace Qt::StringLiterals;
 
@@ -65,14 +64,10 @@ void PresetDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option
         painter->drawRoundedRect(cell, VELTheme::radius, VELTheme::radius);
     }
     const QRect picture(cell.topLeft() + QPoint(padding, padding), pictureSize);
-    QPainterPath shape;
-    shape.addRoundedRect(picture, 3, 3);
-    painter->setClipPath(shape);
     painter->drawImage(picture.topLeft(), thumbnail(presets.preset(index), option.widget->devicePixelRatioF()));
-    painter->setClipping(false);
     painter->setBrush(Qt::NoBrush);
     painter->setPen(colors.border);
-    painter->drawRoundedRect(QRectF(picture).adjusted(0.5, 0.5, -0.5, -0.5), 3, 3);
+    painter->drawRect(QRectF(picture).adjusted(0.5, 0.5, -0.5, -0.5));
     const QRect name(picture.left(), picture.bottom() + 1, picture.width(), nameHeight + padding / 2);
     painter->setFont(VELTheme::smallFont());
     painter->setPen(colors.text);

@@ -33,12 +33,12 @@ PresetShelf::PresetShelf(LintoraModel &model, QuestionSheet &questions, QWidget 
     , m_model(model)
     , m_questions(questions)
     , m_presets(model)
-    , m_list(new QListView(this))
-    , m_save(Controls::button(u"保存预设…"_s, this))
     , m_apply(Controls::quietButton(u"套用"_s, this))
     , m_rename(Controls::quietButton(u"改名…"_s, this))
     , m_remove(Controls::quietButton(u"删除"_s, this))
     , m_restore(Controls::quietButton(u"撤销删除"_s, this))
+    , m_save(Controls::button(u"保存预设…"_s, this))
+    , m_list(new QListView(this))
 {
     m_list->setModel(&m_presets);
     m_list->setItemDelegate(new PresetDelegate(m_list));

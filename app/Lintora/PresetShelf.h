@@ -44,13 +44,13 @@ private:
     QuestionSheet &m_questions;
     PresetListModel m_presets;
     Form m_form = Form::strip;
-    QListView *m_list;
-    QWidget *m_empty;
-    QPushButton *m_save;
     QPushButton *m_apply;
     QPushButton *m_rename;
     QPushButton *m_remove;
     QPushButton *m_restore;
+    QPushButton *m_save;
+    QListView *m_list;
+    QWidget *m_empty;
     QUuid m_selected;
     QString m_savedName; ///< The name saved under last: its preset is selected once it is there.
 };

@@ -55,16 +55,6 @@ StyleStage::StyleStage(FileDialogs dialogs, QWidget *parent)
 QWidget *StyleStage::makeTools()
 {
     auto *const tools = new QWidget(this);
-    auto *const guides = new CheckBox(u"安全区"_s, tools);
-    guides->setAccessibleName(u"安全区"_s);
-    guides->setToolTip(u"显示字幕安全区（实线）与动作安全区（虚线）"_s);
-    guides->setChecked(true);
-    connect(guides, &CheckBox::toggled, m_preview, &StylePreview::setGuidesVisible);
-    QPushButton *const magnify = Controls::quietButton(u"放大"_s, tools);
-    magnify->setToolTip(u"放大到三倍，细看字样"_s);
-    magnify->setCheckable(true);
-    connect(magnify, &QPushButton::toggled, m_preview, &StylePreview::setMagnified);
-
     auto *const row = new QHBoxLayout(tools);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(VELTheme::step);
@@ -80,6 +70,15 @@ QWidget *StyleStage::makeTools()
     m_still = addBackdrop(u"画面…"_s, TitleBackdrop::Kind::still);
     m_still->setToolTip(u"选一张画面截图作背景"_s);
     row->addWidget(m_still);
+    auto *const guides = new CheckBox(u"安全区"_s, tools);
+    guides->setAccessibleName(u"安全区"_s);
+    guides->setToolTip(u"显示字幕安全区（实线）与动作安全区（虚线）"_s);
+    guides->setChecked(true);
+    connect(guides, &CheckBox::toggled, m_preview, &StylePreview::setGuidesVisible);
+    QPushButton *const magnify = Controls::quietButton(u"放大"_s, tools);
+    magnify->setToolTip(u"放大到三倍，细看字样"_s);
+    magnify->setCheckable(true);
+    connect(magnify, &QPushButton::toggled, m_preview, &StylePreview::setMagnified);
     row->addStretch();
     row->addWidget(guides);
     row->addWidget(magnify);

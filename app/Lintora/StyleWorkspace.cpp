@@ -42,13 +42,15 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
     , m_model(model)
     , m_catalogue(fonts.indexFile, fonts.source)
     , m_columns(new QBoxLayout(QBoxLayout::TopToBottom))
-    , m_stageColumn(new QWidget(this))
-    , m_stage(new StyleStage(model.dialogs(), m_stageColumn))
-    , m_pages(new QStackedWidget(this))
-    , m_questions(new QuestionSheet(this))
-    , m_presets(new PresetShelf(model, *m_questions, this))
 {
+    // The keyboard goes through the controls in the order in which they are made.
     addHeading(u"VELMORA  /  STYLE"_s);
+    m_stageColumn = new QWidget(this);
+    m_stage = new StyleStage(model.dialogs(), m_stageColumn);
+    m_rule = Controls::rule(this);
+    m_questions = new QuestionSheet(this);
+    m_presets = new PresetShelf(model, *m_questions, this);
+    m_pages = new QStackedWidget(this);
     m_columns->setSpacing(VELTheme::gap);
     body()->addLayout(m_columns, 1);
     auto *const column = new QVBoxLayout(m_stageColumn);
@@ -58,6 +60,7 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
     m_pages->addWidget(makeControls());
     m_pages->addWidget(makeFontPage());
     m_columns->addWidget(m_stageColumn);
+    m_columns->addWidget(m_rule);
     m_columns->addWidget(m_pages);
     body()->addWidget(Controls::rule(this));
     auto *const status = new StatusLine(model, this);
@@ -157,9 +160,10 @@ void StyleWorkspace::arrange()
         return;
     m_isWide = isWide;
     m_columns->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    m_columns->setSpacing(isWide ? 6 * VELTheme::step : VELTheme::gap);
+    m_columns->setSpacing(isWide ? 6 * VELTheme::step : VELTheme::step);
     m_columns->setStretch(0, isWide ? 1 : 4);
-    m_columns->setStretch(1, isWide ? 0 : 5);
+    m_columns->setStretch(2, isWide ? 0 : 5);
+    m_rule->setVisible(!isWide);
     m_pages->setMinimumWidth(isWide ? controlsWidth : 0);
     m_pages->setMaximumWidth(isWide ? controlsWidth : QWIDGETSIZE_MAX);
     if (isWide)

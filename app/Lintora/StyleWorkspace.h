@@ -53,15 +53,16 @@ private:
     LintoraModel &m_model;
     FontCatalogue m_catalogue;
     QBoxLayout *m_columns;
-    QWidget *m_stageColumn;
-    StyleStage *m_stage;
-    QStackedWidget *m_pages;
+    QWidget *m_stageColumn = nullptr;
+    QWidget *m_rule = nullptr; ///< Between the picture and what is scrolled below it.
+    StyleStage *m_stage = nullptr;
+    QStackedWidget *m_pages = nullptr;
     QScrollArea *m_scroll = nullptr;
     StyleControls *m_controls = nullptr;
     DocumentControls *m_document = nullptr;
     FontPicker *m_fonts = nullptr;
-    QuestionSheet *m_questions;
-    PresetShelf *m_presets;
+    QuestionSheet *m_questions = nullptr;
+    PresetShelf *m_presets = nullptr;
     std::optional<qsizetype> m_cue;
     std::optional<Options> m_pending; ///< What is looked at and not chosen yet.
     bool m_isWide = false;

@@ -10,12 +10,15 @@
 #include "app/LintoraModel.h"
 #include "tests/support/Events.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QLineEdit>
 #include <QListView>
 #include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -161,6 +164,34 @@ QList<State> states()
              Events::waitFor([&] { return model.stylePresets().size() == 3; });
              model.setSettingsVisible(true);
          }},
+        {u"style-portrait"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             panel.table().goTo(4);
+             Options options = model.options();
+             options.font = u"Noto Sans CJK SC"_s;
+             options.width = 1080;
+             options.height = 1920;
+             options.fontSize = 64;
+             options.shiftMS = -1500;
+             model.setOptions(options);
+             model.setSettingsVisible(true);
+             for (QAbstractButton *const button : panel.findChildren<QAbstractButton *>()) {
+                 if (button->accessibleName() == u"背景：灰阶"_s || button->accessibleName() == u"放大"_s ||
+                     button->accessibleName() == u"给文字加描边"_s)
+                     button->click();
+             }
+             QScrollBar &bar = *panel.findChild<QScrollArea *>()->verticalScrollBar();
+             bar.setValue(bar.maximum() / 2);
+             for (QLineEdit *const field : panel.findChildren<QLineEdit *>()) {
+                 if (field->accessibleName() != u"描边宽度"_s)
+                     continue;
+                 field->setFocus();
+                 field->selectAll();
+                 field->insert(u"24"_s);
+                 Q_EMIT field->textEdited(u"24"_s);
+             }
+         }},
         {u"style-fonts"_s,
          [load](LintoraModel &model, LintoraPanel &panel) {
              load(model, panel);
@@ -185,7 +216,8 @@ QList<State> states()
 bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance appearance)
 {
     if (size == QSize(640, 790))
-        return state != u"fcp-import"_s && (appearance == VELTheme::Appearance::light || state == u"loaded"_s);
+        return state != u"fcp-import"_s && state != u"style-portrait"_s &&
+               (appearance == VELTheme::Appearance::light || state == u"loaded"_s);
     return state == u"loaded"_s && size.width() == 560 && appearance == VELTheme::Appearance::dark;
 }
 

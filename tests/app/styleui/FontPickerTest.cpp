@@ -9,6 +9,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QFontDatabase>
 #include <QListView>
 #include <QTest>
 
@@ -146,8 +147,8 @@ TEST(FontSamplesTest, Are_drawn_between_events_the_newest_first)
         EXPECT_EQ(samples.sample(family, family, look), nullptr);
     int drawn = 0;
     QObject::connect(&samples, &FontSamples::drawn, &samples, [&] {
-        if (++drawn == 1)
-            EXPECT_NE(samples.sample(families.last(), families.last(), look), nullptr);
+        const bool isNewestKnown = samples.sample(families.last(), families.last(), look) != nullptr;
+        EXPECT_TRUE(++drawn > 1 || isNewestKnown);
     });
     EXPECT_TRUE(Events::waitFor([&] { return drawn >= 3; }));
     for (const QString &family : families)

@@ -18,13 +18,32 @@ namespace {
 class PresetShelfTest : public StyleTest
 {
 protected:
+    PresetShelfTest()
+    {
+        for (const auto signal : {&LintoraModel::stylePresetsChanged, &LintoraModel::failureChanged})
+            QObject::connect(&model, signal, workspace, [this] { ++m_told; });
+    }
+
     /// Saves the style under a name, by the button and the keyboard.
     void save(const QString &name)
     {
         click(u"保存预设…"_s);
         type(u"名称"_s, name);
         press(Qt::Key_Return);
-        settle();
+    }
+
+    void saveNew(const QString &name)
+    {
+        save(name);
+        finish();
+    }
+
+    /// Waits until presets have changed, or were not to be changed, since the last call.
+    void finish()
+    {
+        ASSERT_TRUE(Events::waitFor([this] { return m_told > 0; }));
+        Events::handle();
+        m_told = 0;
     }
 
     void setSize(double size)
@@ -46,6 +65,9 @@ protected:
             names += each.name;
         return names;
     }
+
+private:
+    int m_told = 0;
 };
 
 TEST_F(PresetShelfTest, A_style_is_saved_under_a_name_and_applied_again)
@@ -53,17 +75,18 @@ TEST_F(PresetShelfTest, A_style_is_saved_under_a_name_and_applied_again)
     EXPECT_TRUE(visibleTexts().contains(u"预设保存字体、字号、颜色、位置、描边和阴影；切换画面时字号按比例适配。"_s));
     EXPECT_EQ(list(), nullptr);
     setSize(90);
-    save(u" 大字 "_s);
+    saveNew(u" 大字 "_s);
     EXPECT_EQ(status(), u"已保存样式预设“大字”"_s);
     EXPECT_EQ(names(), QStringList(u"大字"_s));
     setSize(20);
     const int before = steps();
     click(u"套用"_s);
     EXPECT_EQ(model.options().fontSize, 90) << "what was saved is selected";
-    EXPECT_EQ(steps(), before + 1);
     EXPECT_EQ(status(), u"已套用样式预设“大字”"_s);
+    EXPECT_EQ(steps(), before + 1);
 
     setSize(20);
+    select(0);
     QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, place(0));
     EXPECT_EQ(model.options().fontSize, 90);
     setSize(20);
@@ -75,7 +98,7 @@ TEST_F(PresetShelfTest, A_style_is_saved_under_a_name_and_applied_again)
 
 TEST_F(PresetShelfTest, A_name_that_exists_is_replaced_only_when_that_is_wanted)
 {
-    save(u"片名"_s);
+    saveNew(u"片名"_s);
     const SubtitleStylePreset first = model.stylePresets().first();
     setSize(77);
     save(u"片名"_s);
@@ -86,7 +109,7 @@ TEST_F(PresetShelfTest, A_name_that_exists_is_replaced_only_when_that_is_wanted)
     EXPECT_EQ(model.stylePresets().first(), first);
     save(u"片名"_s);
     click(u"替换"_s);
-    settle();
+    finish();
     ASSERT_EQ(model.stylePresets().size(), 1);
     EXPECT_EQ(model.stylePresets().first().id, first.id);
     EXPECT_EQ(model.stylePresets().first().style.fontSize, 77);
@@ -103,7 +126,7 @@ TEST_F(PresetShelfTest, A_name_that_cannot_be_is_told_where_it_is_typed)
     }
     type(u"名称"_s, QString(60, u'长'));
     press(Qt::Key_Return);
-    settle();
+    finish();
     EXPECT_EQ(names(), QStringList(QString(60, u'长')));
     click(u"保存预设…"_s);
     press(Qt::Key_Escape);
@@ -114,7 +137,7 @@ TEST_F(PresetShelfTest, A_name_that_cannot_be_is_told_where_it_is_typed)
 TEST_F(PresetShelfTest, Presets_are_renamed_removed_and_brought_back)
 {
     for (const QString &name : {u"一"_s, u"二"_s, u"三"_s})
-        save(name);
+        saveNew(name);
     select(1);
     click(u"改名…"_s);
     EXPECT_EQ(field(u"名称"_s)->text(), u"二"_s);
@@ -123,19 +146,19 @@ TEST_F(PresetShelfTest, Presets_are_renamed_removed_and_brought_back)
     EXPECT_TRUE(visibleTexts().contains(u"已有同名的样式预设，请换一个名称。"_s));
     type(u"名称"_s, u"贰"_s);
     click(u"改名"_s);
-    settle();
+    finish();
     EXPECT_EQ(names(), QStringList({u"一"_s, u"贰"_s, u"三"_s}));
     EXPECT_EQ(find<QAbstractButton>(u"撤销删除"_s), nullptr);
     click(u"删除"_s);
-    settle();
+    finish();
     EXPECT_EQ(names(), QStringList({u"一"_s, u"三"_s}));
     EXPECT_EQ(status(), u"已删除样式预设“贰”，可撤销"_s);
     click(u"撤销删除"_s);
-    settle();
+    finish();
     EXPECT_EQ(names(), QStringList({u"一"_s, u"贰"_s, u"三"_s}));
     list()->setFocus();
     press(Qt::Key_Delete);
-    settle();
+    finish();
     EXPECT_EQ(names(), QStringList({u"一"_s, u"三"_s})) << "what came back is selected";
 }
 
@@ -145,17 +168,17 @@ TEST_F(PresetShelfTest, No_more_than_a_hundred_are_kept)
     for (int i = 0; i < 100; ++i)
         presets += {.id = QUuid::createUuid(), .name = u"预设 %1"_s.arg(i), .style = {}};
     StylePresetStore(outside.path(u"StylePresets.json"_s)).save(presets);
-    save(u"再一个"_s);
+    saveNew(u"再一个"_s);
     EXPECT_EQ(status(), u"最多可保存 100 个样式预设。"_s);
     EXPECT_FALSE(names().contains(u"再一个"_s));
 }
 
 TEST_F(PresetShelfTest, A_file_that_cannot_be_read_is_left_alone)
 {
-    save(u"片名"_s);
+    saveNew(u"片名"_s);
     const QList<SubtitleStylePreset> before = model.stylePresets();
     outside.file(u"StylePresets.json"_s, "[{\"id\":");
-    save(u"另一个"_s);
+    saveNew(u"另一个"_s);
     EXPECT_EQ(model.stylePresets(), before);
     EXPECT_TRUE(model.failure().has_value());
     EXPECT_EQ(status(), model.failure());

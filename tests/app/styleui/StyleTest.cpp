@@ -5,8 +5,11 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QInputMethodEvent>
 #include <QLabel>
 #include <QTest>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -63,12 +66,13 @@ StyleTest::StyleTest()
             workspace->dismiss();
     });
     LintoraSession job;
-    job.tracks =
-        QList{SubtitleTrack{.id = QUuid::createUuid(),
-                            .label = u"中文"_s,
-                            .items = {{.id = 1, .start = 0, .end = 2'000, .text = u"第一条"_s},
-                                      {.id = 2, .start = 2'000, .end = 4'000, .text = QString(90, u'长')}}},
-              SubtitleTrack{.id = QUuid::createUuid(), .label = u"English"_s, .items = {{.id = 1, .end = 900}}}};
+    job.tracks = QList{SubtitleTrack{.id = QUuid::createUuid(),
+                                     .label = u"中文"_s,
+                                     .items = {{.id = 1, .start = 0, .end = 2'000, .text = u"第一条"_s},
+                                               {.id = 2, .start = 2'000, .end = 4'000, .text = QString(90, u'长')}}},
+                       SubtitleTrack{.id = QUuid::createUuid(),
+                                     .label = u"English"_s,
+                                     .items = {{.id = 1, .start = 0, .end = 900, .text = u"One"_s}}}};
     job.selectedTrackID = job.tracks->first().id;
     model.apply(job);
     window.resize(640, 790);
@@ -95,7 +99,14 @@ void StyleTest::type(const QString &name, const QString &text)
     wanted->selectAll();
     if (text.isEmpty())
         QTest::keyClick(wanted, Qt::Key_Delete);
-    QTest::keyClicks(wanted, text);
+    const bool isOnKeyboard = std::ranges::all_of(text, [](QChar each) { return each.unicode() < 0x80; });
+    if (isOnKeyboard) {
+        QTest::keyClicks(wanted, text);
+    } else {
+        QInputMethodEvent event;
+        event.setCommitString(text);
+        QApplication::sendEvent(wanted, &event);
+    }
     Events::handle();
 }
 
@@ -115,7 +126,8 @@ void StyleTest::choose(const QString &name, const QString &entry)
     box->showPopup();
     box->view()->setCurrentIndex(box->model()->index(index, 0));
     QTest::keyClick(box->view(), Qt::Key_Return);
-    Events::handle();
+    window.activateWindow();
+    EXPECT_TRUE(Events::waitFor([] { return QApplication::focusWidget() != nullptr; }));
 }
 
 void StyleTest::press(int key, Qt::KeyboardModifiers modifiers) const
