@@ -11,6 +11,7 @@
 #include "app/Lintora/StyleStage.h"
 #include "store/Locations.h"
 
+#include <QKeyEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStackedWidget>
@@ -71,6 +72,9 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
 
     connect(this, &Sheet::closeRequested, &model, [&model] { model.setSettingsVisible(false); });
     connect(&model, &LintoraModel::optionsChanged, this, [this] { preview(std::nullopt); });
+    connect(&m_catalogue, &FontCatalogue::ready, this, [this] { m_isLoadingFonts = false; });
+    connect(&m_catalogue, &FontCatalogue::indexNotSaved, &model,
+            [&model](const QString &reason) { model.report(u"字体名称未能存下，下次需重新读取：%1"_s.arg(reason)); });
     connect(&model, &LintoraModel::itemsChanged, this, &StyleWorkspace::showTitle);
 }
 
@@ -117,8 +121,11 @@ void StyleWorkspace::present()
 {
     if (isVisible())
         return;
-    if (!m_catalogue.isReady())
+    // Each time, for fonts come and go while the program runs; what is known of the others is kept.
+    if (!m_isLoadingFonts) {
+        m_isLoadingFonts = true;
         m_catalogue.load();
+    }
     m_pages->setCurrentWidget(m_scroll);
     preview(std::nullopt);
     open(m_controls->fontButton());
@@ -144,6 +151,16 @@ void StyleWorkspace::preview(std::optional<Options> options)
 {
     m_pending = std::move(options);
     showTitle();
+}
+
+void StyleWorkspace::keyPressEvent(QKeyEvent *event)
+{
+    if (event->matches(QKeySequence::Undo))
+        m_model.undo();
+    else if (event->matches(QKeySequence::Redo))
+        m_model.redo();
+    else
+        Sheet::keyPressEvent(event);
 }
 
 void StyleWorkspace::resizeEvent(QResizeEvent *event)

@@ -37,6 +37,7 @@ public:
     void showCue(std::optional<qsizetype> cue); ///< Its position in the selected track; absent: a sample is shown.
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
@@ -66,4 +67,5 @@ private:
     std::optional<qsizetype> m_cue;
     std::optional<Options> m_pending; ///< What is looked at and not chosen yet.
     bool m_isWide = false;
+    bool m_isLoadingFonts = false;
 };

@@ -51,9 +51,14 @@ void TextField::revert()
 
 bool TextField::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != m_edit || event->type() != QEvent::KeyPress || !m_isTyped)
+    if (watched != m_edit || event->type() != QEvent::KeyPress)
         return FieldRow::eventFilter(watched, event);
-    if (static_cast<const QKeyEvent &>(*event).key() != Qt::Key_Escape)
+    const auto &key = static_cast<const QKeyEvent &>(*event);
+    if (!m_isTyped && (key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo))) {
+        event->ignore(); // With nothing typed here, it is the last change that is meant.
+        return true;
+    }
+    if (!m_isTyped || key.key() != Qt::Key_Escape)
         return false;
     revert();
     m_edit->selectAll();

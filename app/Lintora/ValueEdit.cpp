@@ -128,6 +128,8 @@ void ValueEdit::keyPressEvent(QKeyEvent *event)
     } else if (event->key() == Qt::Key_Escape && m_isTyped) {
         revert();
         selectAll();
+    } else if (!m_isTyped && (event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo))) {
+        event->ignore(); // With nothing typed here, it is the last change of the value that is meant.
     } else {
         const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
         QLineEdit::keyPressEvent(event);

@@ -158,6 +158,23 @@ TEST_F(StyleControlsTest, Arrow_keys_step_and_the_wheel_scrolls_past)
     }
 }
 
+TEST_F(StyleControlsTest, Undo_takes_back_what_is_typed_and_then_what_was_changed)
+{
+    for (const auto &[name, typed] : {std::pair(u"字号"_s, u"60"_s), std::pair(u"项目名称"_s, u"Trailer"_s)}) {
+        const Options before = model.options();
+        enter(name, typed);
+        const Options after = model.options();
+        press(Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(model.options(), before) << qPrintable(name);
+        press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_EQ(model.options(), after) << qPrintable(name);
+        type(name, u"9"_s);
+        press(Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(model.options(), after) << qPrintable(name);
+        press(Qt::Key_Escape);
+    }
+}
+
 TEST_F(StyleControlsTest, Pickers_set_the_frame_and_its_rate)
 {
     choose(u"帧率"_s, u"23.976 帧/秒"_s);
