@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QTextStream>
 #include <QTranslator>
@@ -21,17 +22,21 @@ void describeApplication()
     QCoreApplication::setApplicationName(u"lintora"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(LINTORA_VERSION));
     QGuiApplication::setApplicationDisplayName(u"VELMORA 字幕助手"_s);
-    QGuiApplication::setDesktopFileName(u"local.lintora.workflow"_s); // by which docks find name and icon
+    // By the one, docks find name and icon; by the other, window managers that know no desktop entries.
+    QGuiApplication::setDesktopFileName(u"local.lintora.workflow"_s);
+    QGuiApplication::setWindowIcon(QIcon(u":/local.lintora.workflow.png"_s));
 }
 
-QList<QUrl> requestedUrls(const QCoreApplication &application)
+QList<QUrl> requestedUrls(QStringList arguments)
 {
+    // Given to programs that macOS opens for the first time since their download; a number of no use.
+    arguments.removeIf([](const QString &argument) { return argument.startsWith(u"-psn_"); });
     QCommandLineParser parser;
     parser.setApplicationDescription(u"VELMORA 字幕助手"_s);
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(u"文件"_s, u"要打开的 SRT、FCPXML 文件或 lintora 链接。"_s, u"[文件…]"_s);
-    parser.process(application);
+    parser.process(arguments);
     return urls(parser.positionalArguments(), QDir::currentPath());
 }
 
@@ -61,7 +66,7 @@ int main(int argc, char **argv, LintoraApplicationDelegate::PanelFactory panel)
     describeApplication();
     QTranslator translator;
     loadTranslations(translator);
-    const QList<QUrl> requested = requestedUrls(application);
+    const QList<QUrl> requested = requestedUrls(QCoreApplication::arguments());
 
     SingleInstance instance; // outlives the delegate, so that the next launch finds the draft saved
     try {

@@ -5,6 +5,8 @@
 #include "core/CueEditing.h"
 #include "store/Locations.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 #include <utility>
 
@@ -97,11 +99,14 @@ void LintoraModel::replaceJob(LintoraSession next, Step step)
     const LintoraSession before = std::exchange(m_job, std::move(next));
     // A gesture goes on only through its own changes: whatever else happens in the middle is a step by itself.
     m_isGesture = m_isGesture && step != Step::record && step != Step::load;
-    if (step == Step::amend || (step == Step::gesture && m_isGesture && m_gestureRecorded))
+    const bool continues =
+        (step == Step::gesture && m_isGesture && m_gestureRecorded) || (m_isGroup && m_groupRecorded);
+    if (step == Step::amend || continues)
         m_history.amend(m_job);
     else
         m_history.record(m_job);
     m_gestureRecorded = m_gestureRecorded || step == Step::gesture;
+    m_groupRecorded = m_groupRecorded || step != Step::amend;
     tell(before, step == Step::load);
 }
 
@@ -231,6 +236,14 @@ std::optional<qsizetype> LintoraModel::joinWithNext(qsizetype index)
 }
 
 // History
+
+void LintoraModel::asOneStep(const std::function<void()> &changes)
+{
+    m_isGroup = true;
+    m_groupRecorded = false;
+    const auto end = qScopeGuard([this] { m_isGroup = false; });
+    changes();
+}
 
 bool LintoraModel::canUndo() const
 {

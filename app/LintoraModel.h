@@ -132,6 +132,9 @@ public:
 
     // History
 
+    /// Calls `changes`, and makes one step of all that it changes.
+    void asOneStep(const std::function<void()> &changes);
+
     bool canUndo() const;
     bool canRedo() const;
     void undo();
@@ -139,7 +142,7 @@ public:
 
     // Titles' look
 
-    /// Changes made between these two are one step: the drag of a slider.
+    /// Options set between these two are one step: the drag of a slider. Anything else that happens meanwhile ends it.
     void beginGesture();
     void endGesture();
 
@@ -351,6 +354,8 @@ private:
     EditHistory m_history;
     bool m_isGesture = false;
     bool m_gestureRecorded = false;
+    bool m_isGroup = false; ///< Whether asOneStep() is under way.
+    bool m_groupRecorded = false;
     bool m_isPersisting = false;                 ///< Whether persistSession() is on its way.
     bool m_isOpening = false;                    ///< Whether a session was opened whose version has not arrived.
     std::optional<LintoraSession> m_heldSession; ///< A version that arrived while a job owned the cues.

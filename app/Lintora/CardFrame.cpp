@@ -39,7 +39,7 @@ void paint(QPainter &painter, const QRectF &bounds, const QPalette &palette, Edg
 
 QColor secondaryText(const QPalette &palette)
 {
-    return blend(palette.color(QPalette::Base), palette.color(QPalette::Text), 0.7F);
+    return blend(palette.color(QPalette::Base), palette.color(QPalette::Text), 0.62F);
 }
 
 } // namespace CardFrame

@@ -272,13 +272,13 @@ void CueTable::splitAt(CueTextEditor &editor)
     const QString typed = editor.toPlainText();
     const qsizetype typedPosition = editor.textCursor().position();
     // What was typed and the split are one step.
-    m_model.beginGesture();
     std::optional<qsizetype> next;
-    if (CueTextDelegate::commit(editor)) {
+    m_model.asOneStep([&] {
+        if (!CueTextDelegate::commit(editor))
+            return;
         m_filter.keep(CueEditing::nextID(m_model.items()));
         next = m_model.splitCue(cue, SplitPosition::inTidied(typed, typedPosition, m_cues.cue(cue).text));
-    }
-    m_model.endGesture();
+    });
     if (!next)
         return;
     closeText();
@@ -348,11 +348,11 @@ void CueTable::moveTo(const QUuid &track)
     if (cues.isEmpty() || !commitEdit())
         return;
     // From the last, so that the others keep their places; one step for all.
-    m_model.beginGesture();
-    const auto from = m_model.selectedTrackID();
-    for (auto cue = cues.crbegin(); cue != cues.crend() && m_model.selectedTrackID() == from; ++cue)
-        m_model.moveCue(*cue, track);
-    m_model.endGesture();
+    m_model.asOneStep([&] {
+        const auto from = m_model.selectedTrackID();
+        for (auto cue = cues.crbegin(); cue != cues.crend() && m_model.selectedTrackID() == from; ++cue)
+            m_model.moveCue(*cue, track);
+    });
 }
 
 // Keys and the pointer

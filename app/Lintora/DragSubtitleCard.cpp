@@ -115,7 +115,7 @@ QSize DragSubtitleCard::minimumSizeHint() const
     return {fontMetrics().averageCharWidth() * 12 + 2 * padding, sizeHint().height()};
 }
 
-void DragSubtitleCard::paintEvent(QPaintEvent *)
+void DragSubtitleCard::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     CardFrame::paint(painter, rect(), palette(), CardFrame::Edge::Solid,
@@ -164,7 +164,7 @@ void DragSubtitleCard::mouseMoveEvent(QMouseEvent *event)
     drag();
 }
 
-void DragSubtitleCard::mouseReleaseEvent(QMouseEvent *)
+void DragSubtitleCard::mouseReleaseEvent(QMouseEvent * /*event*/)
 {
     setCursor(Qt::OpenHandCursor);
 }

@@ -38,7 +38,7 @@ QSize FileDropArea::sizeHint() const
     return m_form == Form::Large ? text.expandedTo({320, 120}) : text;
 }
 
-void FileDropArea::paintEvent(QPaintEvent *)
+void FileDropArea::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     CardFrame::paint(painter, rect(), palette(), CardFrame::Edge::Dashed, {.highlighted = m_drop->isHovering()});

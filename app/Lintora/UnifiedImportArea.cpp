@@ -90,7 +90,7 @@ QSize UnifiedImportArea::minimumSizeHint() const
     return {texts.width(), std::max(texts.height(), lineHeight)};
 }
 
-void UnifiedImportArea::paintEvent(QPaintEvent *)
+void UnifiedImportArea::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     CardFrame::paint(painter, rect(), palette(), CardFrame::Edge::Dashed,

@@ -48,12 +48,12 @@ bool isApplicationHidden()
     return false; // programs cannot be hidden here, only their windows
 }
 
-void acceptDrops(QWindow &, const QStringList &)
+void acceptDrops(QWindow & /*window*/, const QStringList & /*types*/)
 {
     // Drops of every type are announced here.
 }
 
-std::unique_ptr<PasteboardTypes> translatePasteboardTypes(const QStringList &)
+std::unique_ptr<PasteboardTypes> translatePasteboardTypes(const QStringList & /*types*/)
 {
     return std::make_unique<PasteboardTypes>(); // types travel as they are
 }

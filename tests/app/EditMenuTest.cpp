@@ -1,5 +1,7 @@
 #include "app/EditMenu.h"
 
+#include "app/FCPPasteboard.h"
+#include "app/Lintora/DragSubtitleCard.h"
 #include "tests/app/TemporaryModel.h"
 #include "tests/support/Events.h"
 
@@ -179,6 +181,17 @@ TEST_F(EditMenuTest, Offers_what_the_focused_control_can_do)
     EXPECT_EQ(enabled(), u"全选"_s);
     choose(u"全选"_s);
     EXPECT_EQ(table->selectionModel()->selectedIndexes().size(), 3);
+}
+
+TEST_F(EditMenuTest, Copies_a_card_that_has_the_focus)
+{
+    load(1);
+    auto *const card = new DragSubtitleCard(m_model, std::nullopt);
+    m_window.layout()->addWidget(card);
+    focus(card);
+    EXPECT_EQ(enabled(), u"撤销 复制"_s);
+    choose(u"复制"_s);
+    EXPECT_TRUE(FCPPasteboard::offeredType(*QGuiApplication::clipboard()->mimeData()).has_value());
 }
 
 TEST_F(EditMenuTest, Forgets_a_field_that_is_gone)

@@ -295,6 +295,17 @@ TEST_F(ToolsTest, a_gesture_is_one_step_however_many_values_it_went_through)
     model->setCanvasHeight(1'080);
     EXPECT_EQ(model->options().height, 1'080);
 
+    loadTexts({u"甲乙"_s});
+    model->asOneStep([&] {
+        model->setText(0, u"丙丁"_s);
+        model->splitCue(0, 1);
+    });
+    model->setText(0, u"戊"_s);
+    model->undo();
+    EXPECT_EQ(texts(), (QStringList{u"丙"_s, u"丁"_s}));
+    model->undo();
+    EXPECT_EQ(texts(), QStringList{u"甲乙"_s});
+
     // A gesture that nobody ended takes nothing else in.
     loadTexts({u"一"_s, u"二"_s});
     model->beginGesture();
