@@ -13,8 +13,8 @@ void CueFilter::setText(const QString &text)
     if (text == m_text)
         return;
     m_text = text;
-    m_kept.clear();
-    invalidateFilter();
+    // To views a fresh list is several times quicker than thousands of rows that come and go one by one.
+    m_cues.startOver();
 }
 
 void CueFilter::keep(qint64 cueID)

@@ -70,6 +70,7 @@ CueTable::CueTable(LintoraModel &model, QWidget *parent)
 
     connect(&m_cues, &CueTableModel::changed, this, &CueTable::followRowCount);
     connect(&m_cues, &CueTableModel::changed, this, &CueTable::currentCueChanged);
+    connect(&m_filter, &QAbstractItemModel::modelReset, this, &CueTable::restorePlace, Qt::QueuedConnection);
     // The job's own signal comes before its cues are exchanged: the last moment to keep what was typed.
     connect(&model, &LintoraModel::loaded, this, &CueTable::commitEdit);
     connect(m_textDelegate, &CueTextDelegate::abandoned, this, [this](CueTextEditor *editor) { abandon(*editor); });
@@ -90,8 +91,6 @@ void CueTable::setFilter(const QString &text)
     if (!commitEdit())
         return;
     m_filter.setText(text);
-    if (currentIndex().isValid())
-        scrollTo(currentIndex());
 }
 
 /// The first column is as wide as the highest number needs.
@@ -154,6 +153,8 @@ void CueTable::currentChanged(const QModelIndex &current, const QModelIndex &pre
     if (m_cues.isFollowing())
         rescueTyped();
     QTableView::currentChanged(current, previous);
+    if (const auto cue = currentCue(); cue && m_cues.trackID() && !m_cues.isFollowing())
+        m_places.insert(*m_cues.trackID(), *cue);
     Q_EMIT currentCueChanged();
 }
 
@@ -241,6 +242,13 @@ void CueTable::reset()
 {
     rescueTyped();
     QTableView::reset();
+}
+
+/// Another track: back to where we were in it.
+void CueTable::restorePlace()
+{
+    if (m_cues.trackID() && m_cues.rowCount() > 0)
+        goTo(std::min(m_places.value(*m_cues.trackID(), 0), m_cues.rowCount() - 1));
 }
 
 // Commands

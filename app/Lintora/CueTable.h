@@ -3,6 +3,7 @@
 #include "app/Lintora/CueFilter.h"
 #include "app/Lintora/CueTextEditor.h"
 
+#include <QHash>
 #include <QPointer>
 #include <QTableView>
 
@@ -64,6 +65,7 @@ private:
     void followRowCount();
     void closeText();
     void rescueTyped();
+    void restorePlace();
     void abandon(CueTextEditor &editor);
     void splitAt(CueTextEditor &editor);
     void addMoveMenu(QMenu &menu);
@@ -74,5 +76,6 @@ private:
     CueFilter m_filter;
     CueTextDelegate *m_textDelegate;
     QPointer<CueTextEditor> m_editor; ///< While a text is edited.
+    QHash<QUuid, int> m_places;       ///< The cue that was current last, by track.
     qsizetype m_digits = 0;           ///< Of the highest number that the first column has room for.
 };

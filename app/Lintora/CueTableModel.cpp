@@ -53,6 +53,12 @@ void CueTableModel::reload()
     endResetModel();
 }
 
+void CueTableModel::startOver()
+{
+    beginResetModel();
+    endResetModel();
+}
+
 /// What stayed at the beginning and at the end keeps its rows; of what lies between, as many rows as there are on both
 /// sides have changed, and the rest came or went behind them.
 void CueTableModel::takeDifference(const QList<Subtitle> &items)

@@ -35,8 +35,11 @@ public:
     explicit CueTableModel(LintoraModel &model, QObject *parent = nullptr);
     ~CueTableModel() override;
 
+    const std::optional<QUuid> &trackID() const { return m_trackID; } ///< Whose cues these are; absent without any.
     const Subtitle &cue(int row) const { return m_items.at(row); }
     QList<CueWarnings::Warning> warnings(int row) const;
+
+    void startOver(); ///< A reset with the same cues, for who shows others of them from now on.
 
     /// Whether rows are just being brought in line with cues that have changed; no edit is taken meanwhile.
     bool isFollowing() const { return m_isFollowing; }

@@ -112,6 +112,10 @@ bool CueTimeDelegate::eventFilter(QObject *watched, QEvent *event)
     auto *const field = qobject_cast<QLineEdit *>(watched);
     if (!field)
         return CueCellDelegate::eventFilter(watched, event);
+    // What is wrong stays to be seen, and mended, wherever one has turned to.
+    if (event->type() == QEvent::FocusOut && static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason &&
+        !finish(*field))
+        return false;
     if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<const QKeyEvent *>(event)->key();
         const bool isTab = key == Qt::Key_Tab || key == Qt::Key_Backtab;

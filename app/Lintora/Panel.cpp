@@ -133,8 +133,9 @@ void LintoraPanel::followCues()
     m_workspace->setVisible(hasCues);
     m_emptyNote->setVisible(!hasCues);
     if (begins) {
-        m_table->goTo(0);
         m_table->setFocus();
+    } else if (!hasCues) {
+        m_import->setFocus();
     }
 }
 

@@ -30,6 +30,7 @@ UnifiedImportArea::UnifiedImportArea(LintoraModel &model, QWidget *parent)
     }
     connect(this, &QAbstractButton::clicked, &model, &LintoraModel::chooseImport);
     connect(m_drop, &MaterialDrop::hoveringChanged, this, &UnifiedImportArea::showTexts);
+    m_detail->setProperty("secondary", true);
     setForm(Form::Large);
     applyColours();
     showTexts();

@@ -7,7 +7,9 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
 #include <QToolTip>
 
@@ -302,6 +304,26 @@ TEST_F(CueEditing, Letters_on_a_row_do_nothing)
     EXPECT_EQ(editor(), nullptr);
 }
 
+TEST_F(CueEditing, Several_cues_move_to_another_track_in_one_step)
+{
+    loadTracks({u"一"_s, u"二"_s, u"三"_s}, {u"one"_s});
+    table().setFocus();
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    QContextMenuEvent request(QContextMenuEvent::Keyboard, QPoint(1, 1), QPoint(1, 1));
+    QApplication::sendEvent(table().viewport(), &request);
+    auto *const menu = table().findChild<QMenu *>();
+    ASSERT_NE(menu, nullptr);
+    for (const QAction *const entry : menu->actions()) {
+        if (entry->text() == u"移到其他语言组"_s)
+            entry->menu()->actions().first()->trigger();
+    }
+    menu->close();
+    EXPECT_EQ(texts(), QStringList{u"三"_s});
+    EXPECT_EQ(model.tracks().last().items.size(), 3);
+    model.undo();
+    EXPECT_EQ(texts().size(), 3);
+}
+
 TEST_F(CueEditing, Copies_cuts_and_pastes_rows_as_text)
 {
     load({u"一"_s, u"二"_s, u"三"_s});
@@ -345,6 +367,9 @@ TEST_F(CueEditing, What_is_no_time_is_said_where_it_is)
         EXPECT_TRUE(field->hasFocus());
         EXPECT_TRUE(field->property("invalid").toBool());
         EXPECT_FALSE(field->toolTip().isEmpty());
+        find<QLineEdit>(u"筛选字幕"_s)->setFocus(); // it stays to be mended
+        EXPECT_TRUE(field->isVisible());
+        field->setFocus();
         press(Qt::Key_Escape);
         EXPECT_EQ(model.items().at(1).end, 4'000);
     }

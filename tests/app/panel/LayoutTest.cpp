@@ -175,13 +175,17 @@ TEST_F(Layout, Tabs_show_the_tracks_and_change_them)
     ASSERT_EQ(tabs->count(), 2);
     EXPECT_EQ(tabs->tabText(0), u"中文 2"_s);
     EXPECT_EQ(tabs->tabText(1), u"English 1"_s);
+    table().goTo(1);
     tabs->setFocus();
     press(Qt::Key_Right);
+    EXPECT_EQ(table().currentCue(), 0);
     EXPECT_EQ(texts(), QStringList{u"one"_s});
     model.insertCue(0);
     EXPECT_EQ(tabs->tabText(1), u"English 2"_s);
     QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(0).center());
+    Events::handle();
     EXPECT_EQ(texts(), (QStringList{u"一"_s, u"二"_s}));
+    EXPECT_EQ(table().currentCue(), 1); // where we were
 }
 
 TEST_F(Layout, Buttons_do_what_they_say)

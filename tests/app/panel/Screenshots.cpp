@@ -14,9 +14,11 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSettings>
@@ -106,6 +108,30 @@ QList<State> states()
          [load](LintoraModel &model, LintoraPanel &panel) {
              load(model, panel);
              panel.table().editText(2);
+         }},
+        {u"time"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             CueTable &table = panel.table();
+             table.setCurrentIndex(table.model()->index(4, CueTableModel::endColumn));
+             static_cast<QAbstractItemView &>(table).edit(table.currentIndex());
+             auto *const field = qobject_cast<QLineEdit *>(table.indexWidget(table.currentIndex()));
+             QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+             field->insert(u"1:7x"_s);
+             field->setModified(true);
+             QApplication::sendEvent(field, &press);
+         }},
+        {u"confirm"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             LintoraSession job = loadedJob();
+             job.splitOriginal = job.tracks->last().id;
+             model.apply(job);
+             Events::handle();
+             for (QPushButton *const each : panel.findChildren<QPushButton *>()) {
+                 if (each->text() == u"恢复原稿"_s)
+                     each->click();
+             }
          }},
         {u"find-replace"_s,
          [load](LintoraModel &model, LintoraPanel &panel) {
@@ -216,7 +242,7 @@ QList<State> states()
 bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance appearance)
 {
     if (size == QSize(640, 790))
-        return state != u"fcp-import"_s && state != u"style-portrait"_s &&
+        return !QStringList{u"fcp-import"_s, u"time"_s, u"confirm"_s, u"style-portrait"_s}.contains(state) &&
                (appearance == VELTheme::Appearance::light || state == u"loaded"_s);
     return state == u"loaded"_s && size.width() == 560 && appearance == VELTheme::Appearance::dark;
 }
