@@ -46,10 +46,13 @@ void FontRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
 
     QRect room = row.adjusted(starIn(row).right() + 1 - row.left() + VELTheme::step, 0, -VELTheme::gap, 0);
     const QString name = index.data(Qt::DisplayRole).toString();
-    QString aside = index.data(FontListModel::familyRole).toString();
-    const bool isRecent = index.data(FontListModel::recentRole).toBool();
-    if (isRecent)
-        aside = u"%1 · 最近"_s.arg(aside);
+    const QString family = index.data(FontListModel::familyRole).toString();
+    QStringList asides;
+    if (family != name)
+        asides += family;
+    if (index.data(FontListModel::recentRole).toBool())
+        asides += u"最近"_s;
+    const QString aside = asides.join(u" · "_s);
     painter->setFont(VELTheme::smallFont());
     const QFontMetrics small(VELTheme::smallFont());
     const QString shown = small.elidedText(aside, Qt::ElideMiddle, room.width() * 2 / 5);
@@ -59,7 +62,7 @@ void FontRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
 
     const FontSamples::Look look{
         .pixels = sampleSize, .color = colors.text, .ratio = option.widget->devicePixelRatioF()};
-    if (const QImage *const sample = m_samples.sample(index.data(FontListModel::familyRole).toString(), name, look)) {
+    if (const QImage *const sample = m_samples.sample(family, name, look)) {
         const QSize size = sample->deviceIndependentSize().toSize();
         const QPoint corner(room.left(), row.top() + (row.height() - size.height()) / 2);
         painter->save();

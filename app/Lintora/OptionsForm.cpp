@@ -71,7 +71,12 @@ CheckBox *OptionsForm::addSwitch(const QString &text, bool Options::*field)
 {
     auto *const box = new CheckBox(text, this);
     box->setAccessibleName(text);
-    m_rows->addWidget(box);
+    // Its sign stands where the controls of the other rows begin.
+    auto *const row = new QHBoxLayout;
+    row->setContentsMargins(FieldRow::labelWidth + VELTheme::gap - VELTheme::step, 0, 0, 0);
+    row->addWidget(box);
+    row->addStretch();
+    m_rows->addLayout(row);
     connect(box, &CheckBox::clicked, this,
             [this, field](bool isOn) { change([&](Options &options) { options.*field = isOn; }); });
     whenChanged([box, field](const Options &options) { box->setChecked(options.*field); });

@@ -190,6 +190,15 @@ QList<State> states()
              Events::waitFor([&] { return model.stylePresets().size() == 3; });
              model.setSettingsVisible(true);
          }},
+        {u"style-name"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.setSettingsVisible(true);
+             for (QPushButton *const button : panel.findChildren<QPushButton *>()) {
+                 if (button->text() == u"保存预设…"_s)
+                     button->click();
+             }
+         }},
         {u"style-portrait"_s,
          [load](LintoraModel &model, LintoraPanel &panel) {
              load(model, panel);
@@ -242,7 +251,8 @@ QList<State> states()
 bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance appearance)
 {
     if (size == QSize(640, 790))
-        return !QStringList{u"fcp-import"_s, u"time"_s, u"confirm"_s, u"style-portrait"_s}.contains(state) &&
+        return !QStringList{u"fcp-import"_s, u"time"_s, u"confirm"_s, u"style-name"_s, u"style-portrait"_s}.contains(
+                   state) &&
                (appearance == VELTheme::Appearance::light || state == u"loaded"_s);
     return state == u"loaded"_s && size.width() == 560 && appearance == VELTheme::Appearance::dark;
 }

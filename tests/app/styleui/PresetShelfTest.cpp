@@ -173,6 +173,15 @@ TEST_F(PresetShelfTest, No_more_than_a_hundred_are_kept)
     EXPECT_FALSE(names().contains(u"再一个"_s));
 }
 
+TEST_F(PresetShelfTest, A_file_that_cannot_be_read_at_the_start_is_told)
+{
+    outside.file(u"StylePresets.json"_s, "[{\"id\":");
+    LintoraModel started(outside.surroundings());
+    QWidget other;
+    StyleWorkspace opened(started, &other, {.indexFile = outside.path(u"Fonts.json"_s), .source = {}});
+    EXPECT_TRUE(opened.findChild<StatusLine *>()->text().startsWith(u"样式预设未能读取："_s));
+}
+
 TEST_F(PresetShelfTest, A_file_that_cannot_be_read_is_left_alone)
 {
     saveNew(u"片名"_s);

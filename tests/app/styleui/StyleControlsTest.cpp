@@ -15,6 +15,7 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QWheelEvent>
+#include <qtestspontaneevent.h>
 
 using namespace Qt::StringLiterals;
 
@@ -152,9 +153,11 @@ TEST_F(StyleControlsTest, Arrow_keys_step_and_the_wheel_scrolls_past)
         scroll->verticalScrollBar()->setValue(0);
         QWheelEvent wheel(QPointF(5, 5), control->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton, {},
                           Qt::NoScrollPhase, false);
-        QApplication::sendEvent(control, &wheel);
+        QSpontaneKeyEvent::setSpontaneous(&wheel); // Others are not handed on to what lies behind.
+        qApp->notify(control, &wheel);
         Events::handle();
         EXPECT_EQ(model.options(), before);
+        EXPECT_GT(scroll->verticalScrollBar()->value(), 0);
     }
 }
 
