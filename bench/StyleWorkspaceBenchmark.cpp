@@ -1,6 +1,6 @@
 // What a person waits for in the style workspace, off the screen: from the event until the changed window is painted.
-// Measured on 2 busy cores (dev build, g++ 12), main thread's own time in ms, two lines in stroke and shadow over a job
-// of 10,000 cues:
+// Measured on 2 busy cores (dev build, g++ 12), main thread's own time in ms, a cue in stroke and shadow in a job of
+// 10,000:
 //
 //   dragSize, 640 × 790      6.5     of which the workspace itself 1.9, the rest is the panel behind it
 //   dragSize, 1200 × 900     9.5     the workspace itself 3.5

@@ -22,6 +22,7 @@ QuestionSheet::QuestionSheet(QWidget *content)
     buttons->addWidget(cancel);
     buttons->addWidget(m_answer);
     m_name->setAccessibleName(u"名称"_s);
+    m_name->setPlaceholderText(u"名称"_s);
     m_wrong->setProperty("secondary", false);
     m_wrong->setProperty("failure", true);
     body()->addWidget(m_title);
