@@ -25,7 +25,7 @@ std::optional<QString> BackgroundTask::activity() const
     return m_runs.empty() ? std::nullopt : std::optional(m_runs.front().activity);
 }
 
-void BackgroundTask::start(const QString &what, Work work, Refused refused)
+void BackgroundTask::start(const QString &what, Work work, const Refused &refused)
 {
     if (m_order == Order::newestOnly) {
         for (const Run &run : std::exchange(m_runs, {}))
@@ -37,7 +37,7 @@ void BackgroundTask::start(const QString &what, Work work, Refused refused)
         QMetaObject::invokeMethod(
             this, [this, job, now] { setActivity(job.get(), now); }, Qt::QueuedConnection);
     };
-    m_pool.start([this, job, progress, work = std::move(work), refused = std::move(refused)] {
+    m_pool.start([this, job, progress, work = std::move(work), refused] {
         Delivery delivery = [] {};
         try {
             job->check();

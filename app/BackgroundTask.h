@@ -40,7 +40,7 @@ public:
 
     /// Runs `operation(job, progress)`. `what` is what it is doing at first.
     template <class Operation, class Done>
-    void run(const QString &what, Operation operation, Done done, Refused refused)
+    void run(const QString &what, Operation operation, Done done, const Refused &refused)
     {
         start(
             what,
@@ -48,7 +48,7 @@ public:
                 auto result = std::make_shared<decltype(operation(job, progress))>(operation(job, progress));
                 return [done, result] { done(std::move(*result)); };
             },
-            std::move(refused));
+            refused);
     }
 
     bool isRunning() const { return !m_runs.empty(); }
@@ -72,7 +72,7 @@ private:
         QString activity;
     };
 
-    void start(const QString &what, Work work, Refused refused);
+    void start(const QString &what, Work work, const Refused &refused);
     void deliver(const LocalAIJob *job, const Delivery &delivery);
     void setActivity(const LocalAIJob *job, const QString &what);
     std::deque<Run>::iterator find(const LocalAIJob *job);

@@ -2,12 +2,10 @@
 
 #include <QAbstractSpinBox>
 #include <QApplication>
-#include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMetaMethod>
-#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTextEdit>
 
@@ -93,13 +91,6 @@ EditMenu::EditMenu(LintoraModel &model, QWidget *parent)
 
     connect(&model, &LintoraModel::historyChanged, this, &EditMenu::update);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { follow(now); });
-    const auto readPasteboard = [this] {
-        const QMimeData *const offered = QGuiApplication::clipboard()->mimeData();
-        m_pasteboardHasText = offered && offered->hasText();
-        update();
-    };
-    connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, readPasteboard);
-    connect(this, &QMenu::aboutToShow, this, readPasteboard);
     follow(QApplication::focusWidget());
     update();
 }
@@ -145,7 +136,8 @@ void EditMenu::update()
     m_redo->setEnabled(isEdited ? text->canRedo : m_model.canRedo());
     m_cut->setEnabled(text ? text->editable && text->hasSelection : responder(m_target, "cut") != nullptr);
     m_copy->setEnabled(text ? text->hasSelection : responder(m_target, "copy") != nullptr);
-    m_paste->setEnabled(text ? text->editable && m_pasteboardHasText : responder(m_target, "paste") != nullptr);
+    // Whether there is anything to paste is not asked: the answer may take the time of another program.
+    m_paste->setEnabled(text ? text->editable : responder(m_target, "paste") != nullptr);
     m_selectAll->setEnabled(text ? !text->isEmpty : responder(m_target, "selectAll") != nullptr);
 }
 

@@ -8,7 +8,7 @@
 /// The menu of editing. Its entries act on what has the focus: on the text of a field that is being edited, else on the
 /// history of the job, and on what the focused control offers as slots: cut(), copy(), paste(), selectAll().
 ///
-/// An entry is enabled exactly while it would do something.
+/// An entry is enabled exactly while it would do something; pasting, while there is something to paste into.
 class EditMenu : public QMenu
 {
     Q_OBJECT
@@ -27,7 +27,6 @@ private:
     LintoraModel &m_model;
     QPointer<QWidget> m_target;       ///< What has, or outside menus had last, the focus.
     std::unique_ptr<QObject> m_watch; ///< Holds the connections to the target.
-    bool m_pasteboardHasText = true;  ///< As far as it is known: asking may take the time of another program.
     QAction *m_undo = nullptr;
     QAction *m_redo = nullptr;
     QAction *m_cut = nullptr;

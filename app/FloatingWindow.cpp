@@ -22,7 +22,8 @@ FloatingWindow::FloatingWindow(QWidget *panel, Preferences &preferences)
 {
     setWindowTitle(u"VELMORA 字幕助手"_s);
     setCentralWidget(panel);
-    setMinimumSize(leastSize);
+    // Of the content: a menu bar inside the window comes on top of it.
+    panel->setMinimumSize(leastSize);
     setContextMenuPolicy(Qt::NoContextMenu);
     m_frameChanged.setSingleShot(true);
     m_frameChanged.setInterval(500); // milliseconds; a frame is written once it rests
@@ -38,11 +39,12 @@ FloatingWindow::~FloatingWindow()
 
 void FloatingWindow::restoreFrame()
 {
+    const QSize usual = usualSize + QSize(0, menuWidget() ? menuWidget()->sizeHint().height() : 0);
     if (!restoreGeometry(m_preferences.windowFrame()))
-        setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, usualSize, screen()->availableGeometry()));
+        setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, usual, screen()->availableGeometry()));
     // Once, for those who come from a version that showed less. Who makes the window smaller afterwards, keeps it so.
     if (!m_preferences.expandedActionsLayout()) {
-        resize(size().expandedTo(usualSize));
+        resize(size().expandedTo(usual));
         m_preferences.setExpandedActionsLayout(true);
     }
 }

@@ -2,6 +2,8 @@
 
 #include "core/CueEditing.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -189,15 +191,24 @@ LintoraSession restored(LintoraSession job)
     return job;
 }
 
-LintoraSession movingCue(LintoraSession job, qsizetype index, const QUuid &to)
+LintoraSession movingCues(LintoraSession job, const QList<qsizetype> &indices, const QUuid &to)
 {
     const qsizetype source = *selectedIndex(job);
     QList<SubtitleTrack> &tracks = *job.tracks;
-    Subtitle cue = tracks[source].items.takeAt(index);
     QList<Subtitle> &target = tracks[*indexOf(job, to)].items;
-    if (std::any_of(target.cbegin(), target.cend(), [&](const Subtitle &each) { return each.id == cue.id; }))
-        cue.id = CueEditing::nextID(target);
-    target.insert(CueEditing::positionFor(target, cue.start), cue);
+    QSet<qint64> taken;
+    for (const Subtitle &cue : std::as_const(target))
+        taken += cue.id;
+    qint64 next = CueEditing::nextID(target);
+    for (const qsizetype index : indices) {
+        Subtitle cue = tracks.at(source).items.at(index);
+        next = std::max(next, taken.contains(cue.id) ? next : cue.id + 1);
+        if (taken.contains(cue.id))
+            cue.id = next++;
+        taken += cue.id;
+        target.insert(CueEditing::positionFor(target, cue.start), cue);
+    }
+    tracks[source].items = CueEditing::removing(tracks.at(source).items, indices);
     if (tracks[source].items.isEmpty()) {
         tracks.removeAt(source);
         job.selectedTrackID = to;

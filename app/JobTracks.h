@@ -47,8 +47,8 @@ LintoraSession separated(LintoraSession job, const QList<LanguageSeparation::Gro
 /// The job with the original as its only track. There must be one.
 LintoraSession restored(LintoraSession job);
 
-/// The job with the cue at `index` of the selected track moved to another track, in that track's order by start; it
+/// The job with the cues at `indices` of the selected track moved to another track, in that track's order by start; one
 /// takes a new id where its own is taken. A track that is left empty is closed, and the other one selected.
-LintoraSession movingCue(LintoraSession job, qsizetype index, const QUuid &to);
+LintoraSession movingCues(LintoraSession job, const QList<qsizetype> &indices, const QUuid &to);
 
 } // namespace JobTracks

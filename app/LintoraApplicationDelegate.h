@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/CompositionGuard.h"
 #include "app/EditMenu.h"
 #include "app/FloatingWindow.h"
 #include "app/LintoraModel.h"
@@ -63,6 +64,7 @@ private:
     void applicationDidResignActive();
 
     const PanelFactory m_panel;
+    const CompositionGuard m_compositionGuard;
     const std::unique_ptr<Platform::PasteboardTypes> m_pasteboardTypes;
     const std::unique_ptr<LintoraModel> m_model;
     QPointer<QMenuBar> m_menuBar; ///< The window's, where menus end with it.

@@ -96,6 +96,8 @@ void LintoraModel::replaceJob(LintoraSession next, Step step)
 {
     if (next == m_job)
         return;
+    if (step == Step::load)
+        Q_EMIT aboutToLoad();
     const LintoraSession before = std::exchange(m_job, std::move(next));
     // A gesture goes on only through its own changes: whatever else happens in the middle is a step by itself.
     m_isGesture = m_isGesture && step != Step::record && step != Step::load;
@@ -166,12 +168,18 @@ void LintoraModel::selectTrack(const QUuid &id)
 
 void LintoraModel::moveCue(qsizetype index, QUuid to)
 {
+    moveCues({index}, to);
+}
+
+void LintoraModel::moveCues(const QList<qsizetype> &indices, QUuid to)
+{
     const auto target = JobTracks::indexOf(m_job, to);
-    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || index < 0 || index >= items().size() ||
-        to == selectedTrackID() || to == splitOriginal() || !target)
+    const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
+    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || indices.isEmpty() ||
+        !std::ranges::all_of(indices, isThere) || to == selectedTrackID() || to == splitOriginal() || !target)
         return;
     const QString label = tracks().at(*target).label;
-    replaceJob(JobTracks::movingCue(m_job, index, to));
+    replaceJob(JobTracks::movingCues(m_job, indices, to));
     report(u"已移到“%1”"_s.arg(label));
 }
 

@@ -87,6 +87,7 @@ public:
     /// Moves the cue at that position of the selected track to where it belongs by its start. A track that loses its
     /// last cue so is closed.
     void moveCue(qsizetype index, QUuid to);
+    void moveCues(const QList<qsizetype> &indices, QUuid to); ///< The same for several, as one step.
 
     // Cues of the selected track, by position. The position of the cue to look at next is returned, -1 when none is
     // left, absent when the operation was refused.
@@ -229,6 +230,7 @@ public:
     void shutdownAI(); ///< Cancels every long operation, and waits for its end.
 
 Q_SIGNALS:
+    void aboutToLoad(); ///< Another job is about to be brought in: the last moment to keep what is being typed.
     void loaded(); ///< Another job was brought in: a file, an opened session. Comes before the fields' own signals.
     void itemsChanged();
     void sourceChanged();

@@ -22,17 +22,17 @@ void LintoraModel::openSession(const QUrl &link)
     m_import.run(
         u"正在打开字幕…"_s,
         [link](LocalAIJob & /*job*/, const BackgroundTask::Progress & /*progress*/) {
-            const QString file = LaunchLink::sessionFile(link);
+            QString file = LaunchLink::sessionFile(link);
             LintoraSession::read(file); // What cannot be read is refused before anything is watched.
             return file;
         },
-        [this](const QString &file) {
+        [this](const QString &found) {
             if (refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
                 return;
             // The last edit still belongs to the session that was open till now.
             persistSession();
             m_isOpening = true;
-            m_keeper.watchSession(file);
+            m_keeper.watchSession(found);
             // A project that was kept for another job is not this one's.
             publish(m_project, std::optional<FCPProject>(), &LintoraModel::projectChanged);
             setPinned(true);
@@ -127,6 +127,8 @@ void LintoraModel::saveDraft()
 void LintoraModel::shutdownAI()
 {
     cancelAI();
+    if (aiBusy())
+        endAIJob(); // so that what is being typed can still be kept
     m_import.finish();
     m_match.finish();
     m_presets.wait();

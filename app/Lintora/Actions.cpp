@@ -5,6 +5,7 @@
 #include "app/Lintora/ElidedLabel.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenu>
 
 using namespace Qt::StringLiterals;
@@ -93,6 +94,7 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
         });
     });
     m_undo->setPopupMode(QToolButton::MenuButtonPopup);
+    m_undo->installEventFilter(this); // which opens the menu by the keyboard
     m_undo->setMenu(new QMenu(m_undo));
     connect(m_undo->menu(), &QMenu::aboutToShow, this, &EditingActions::offerUndo);
 
@@ -102,6 +104,16 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
           &LintoraModel::aiBusyChanged})
         connect(&model, signal, this, &EditingActions::update);
     update();
+}
+
+bool EditingActions::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_undo && event->type() == QEvent::KeyPress &&
+        static_cast<const QKeyEvent *>(event)->key() == Qt::Key_Down) {
+        m_undo->showMenu();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void EditingActions::perform(const std::function<void()> &action) const

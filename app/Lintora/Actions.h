@@ -35,6 +35,9 @@ public:
 Q_SIGNALS:
     void restoreRequested(); ///< Of the original from before separation; to be confirmed.
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void update();
     void undo();

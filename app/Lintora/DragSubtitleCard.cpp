@@ -166,6 +166,7 @@ void DragSubtitleCard::mouseMoveEvent(QMouseEvent *event)
 
 void DragSubtitleCard::mouseReleaseEvent(QMouseEvent * /*event*/)
 {
+    m_dragStarted = true; // moving counts only after a press of our own
     setCursor(Qt::OpenHandCursor);
 }
 

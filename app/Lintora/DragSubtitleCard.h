@@ -47,6 +47,6 @@ private:
     LintoraModel &m_model;
     const std::optional<QUuid> m_trackID;
     QString m_caption;
-    QPoint m_pressed;           ///< Where the button went down, in the card.
-    bool m_dragStarted = false; ///< Since the button went down.
+    QPoint m_pressed;          ///< Where the button went down, in the card.
+    bool m_dragStarted = true; ///< Since the button went down.
 };

@@ -6,6 +6,7 @@
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QListView>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -70,8 +71,16 @@ QWidget *FindReplaceWorkspace::makePreview()
     m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setAccessibleName(u"匹配的字幕"_s);
-    connect(m_list, &QListView::activated, this,
-            [this](const QModelIndex &index) { Q_EMIT cueRequested(m_matches.cueOf(index)); });
+    const auto request = [this](const QModelIndex &index) { Q_EMIT cueRequested(m_matches.cueOf(index)); };
+    connect(m_list, &QListView::doubleClicked, this, request);
+    // Where Return means editing, the list itself asks for nothing.
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto *const chosen = new QShortcut(key, m_list, nullptr, nullptr, Qt::WidgetShortcut);
+        connect(chosen, &QShortcut::activated, this, [this, request] {
+            if (m_list->currentIndex().isValid())
+                request(m_list->currentIndex());
+        });
+    }
     m_placeholder->setAlignment(Qt::AlignCenter);
     m_preview->addWidget(m_placeholder);
     m_preview->addWidget(m_list);

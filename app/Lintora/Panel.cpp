@@ -40,8 +40,9 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     setMinimumSize(smallest);
 
     // In the order of the eye, which the Tab key follows.
-    auto *const header = new Header(model, this);
-    m_import = new UnifiedImportArea(model, this);
+    m_stage = new QWidget(this);
+    auto *const header = new Header(model, m_stage);
+    m_import = new UnifiedImportArea(model, m_stage);
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
     note->setAlignment(Qt::AlignCenter);
     m_emptyNote = note;
@@ -54,12 +55,16 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     content->addWidget(m_emptyNote);
     content->addWidget(m_workspace, 1);
 
+    auto *const above = new QVBoxLayout(m_stage);
+    above->setContentsMargins(0, 0, 0, 0);
+    above->setSpacing(0);
+    above->addWidget(header);
+    above->addWidget(Controls::rule(this));
+    above->addLayout(content, 1);
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(header);
-    layout->addWidget(Controls::rule(this));
-    layout->addLayout(content, 1);
+    layout->addWidget(m_stage, 1);
     layout->addWidget(Controls::rule(this));
     layout->addWidget(new StatusLine(model, this));
 
@@ -133,7 +138,12 @@ void LintoraPanel::followCues()
     m_workspace->setVisible(hasCues);
     m_emptyNote->setVisible(!hasCues);
     if (begins) {
-        m_table->setFocus();
+        const QList<Sheet *> sheets = findChildren<Sheet *>();
+        const auto open = std::ranges::find_if(sheets, [](const Sheet *sheet) { return !sheet->isHidden(); });
+        if (open == sheets.end())
+            m_table->setFocus();
+        else
+            (*open)->returnTo(m_table);
     } else if (!hasCues) {
         m_import->setFocus();
     }
@@ -143,7 +153,7 @@ template <class Workspace>
 void LintoraPanel::showSheet(Workspace *&workspace, bool visible)
 {
     if (visible && !workspace)
-        workspace = new Workspace(m_model, this);
+        workspace = new Workspace(m_model, m_stage);
     if (visible)
         workspace->present();
     else if (workspace)
@@ -173,7 +183,7 @@ void LintoraPanel::showStyle()
 void LintoraPanel::showFCPImport(bool visible)
 {
     if (visible && !m_fcpImport) {
-        m_fcpImport = new Sheet(Sheet::Extent::compact, this);
+        m_fcpImport = new Sheet(Sheet::Extent::compact, m_stage);
         m_fcpImport->addHeading(u"从 FCP 导入"_s);
         QVBoxLayout &body = *m_fcpImport->body();
         body.addWidget(
@@ -200,7 +210,7 @@ void LintoraPanel::showCue(qsizetype cue)
 void LintoraPanel::confirmRestore()
 {
     if (!m_confirmation) {
-        m_confirmation = new Sheet(Sheet::Extent::compact, this);
+        m_confirmation = new Sheet(Sheet::Extent::compact, m_stage);
         auto *const title = Controls::heading(u"恢复分离前原稿？"_s, m_confirmation);
         auto *const text = Controls::note(u"分离后对各语言的修改将被原稿替换。"_s, m_confirmation);
         auto *const cancel = Controls::button(u"取消"_s, m_confirmation);
@@ -216,6 +226,8 @@ void LintoraPanel::confirmRestore()
         m_confirmation->body()->addLayout(buttons);
         connect(m_confirmation, &Sheet::closeRequested, m_confirmation, &Sheet::dismiss);
         connect(cancel, &QPushButton::clicked, m_confirmation, &Sheet::dismiss);
+        // The question may answer itself: the separation is undone, another job comes in.
+        connect(&m_model, &LintoraModel::splitOriginalChanged, m_confirmation, &Sheet::dismiss);
         connect(restore, &QPushButton::clicked, this, [this] {
             m_confirmation->dismiss();
             m_model.restoreOriginal();

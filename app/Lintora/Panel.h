@@ -43,6 +43,7 @@ private:
     void showSheet(Workspace *&workspace, bool visible);
 
     LintoraModel &m_model;
+    QWidget *m_stage = nullptr; ///< All but the status line, which stays in sight beside a sheet.
     UnifiedImportArea *m_import = nullptr;
     QWidget *m_emptyNote = nullptr;
     QWidget *m_workspace = nullptr;

@@ -46,7 +46,11 @@ void Sheet::addHeading(const QString &text)
 
 void Sheet::open(QWidget *focus)
 {
-    m_before = QApplication::focusWidget();
+    if (!isHidden())
+        return;
+    m_before.clear();
+    for (QWidget *each = QApplication::focusWidget(); each && each != parentWidget(); each = each->parentWidget())
+        m_before += each;
     setGeometry(parentWidget()->rect());
     show();
     raise();
@@ -66,9 +70,20 @@ void Sheet::dismiss()
 {
     if (isHidden())
         return;
+    // What was edited may be gone; then what it lay in takes the keyboard.
+    const auto takes = [](const QPointer<QWidget> &each) {
+        return each && each->isVisible() && each->isEnabled() && each->focusPolicy() != Qt::NoFocus;
+    };
+    const auto before = std::ranges::find_if(m_before, takes);
+    const bool hadFocus = isAncestorOf(QApplication::focusWidget()) || !QApplication::focusWidget();
     hide();
-    if (m_before && m_before->isVisible())
-        m_before->setFocus(Qt::OtherFocusReason);
+    if (hadFocus && before != m_before.end())
+        (*before)->setFocus(Qt::OtherFocusReason);
+}
+
+void Sheet::returnTo(QWidget *focus)
+{
+    m_before.prepend(focus);
 }
 
 bool Sheet::eventFilter(QObject *watched, QEvent *event)
@@ -101,6 +116,8 @@ void Sheet::resizeEvent(QResizeEvent * /*event*/)
 /// The keyboard goes round within the sheet.
 bool Sheet::focusNextPrevChild(bool next)
 {
+    if (isHidden())
+        return false;
     QWidget *const start = isAncestorOf(QApplication::focusWidget()) ? QApplication::focusWidget() : this;
     const auto step = [next](QWidget *from) { return next ? from->nextInFocusChain() : from->previousInFocusChain(); };
     for (QWidget *each = step(start); each != start; each = step(each)) {

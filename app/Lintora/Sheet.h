@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QPointer>
 #include <QWidget>
 
@@ -30,6 +31,7 @@ public:
     void open(QWidget *focus = nullptr); ///< `focus` is typed into first.
     void close();                        ///< Asks to be closed, as Escape does.
     void dismiss();                      ///< Closes without asking anybody.
+    void returnTo(QWidget *focus);       ///< What the keyboard goes to when the sheet closes.
 
 Q_SIGNALS:
     void closeRequested(); ///< Who opened the sheet dismisses it.
@@ -49,5 +51,5 @@ private:
     Extent m_extent;
     QFrame *m_frame;
     QVBoxLayout *m_body;
-    QPointer<QWidget> m_before; ///< What had the focus before.
+    QList<QPointer<QWidget>> m_before; ///< What had the focus before, and what that lay in.
 };

@@ -30,7 +30,7 @@ ValueEdit::Kind kind(const QString &name, double highest, double step, const QSt
 /// From a half to twelve hundredths of the frame's height: what can be read, and what a caption ever is.
 ValueField::Reach sizesFor(const Options &options)
 {
-    const double height = double(options.height);
+    const auto height = double(options.height);
     return {.lowest = std::max(1.0, std::round(height * 0.005)), .highest = std::max(2.0, std::round(height * 0.12))};
 }
 

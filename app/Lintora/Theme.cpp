@@ -145,7 +145,7 @@ QTabBar::tab:selected { color: %text%; border-bottom-color: %accent%; }
 QTabBar::tab:selected:focus { border-color: %accent%; border-radius: 6px; }
 QHeaderView { background: %surface%; border: none; }
 QHeaderView::section { background: %surface%; color: %secondary%; border: none; border-bottom: 1px solid %border%;
-    padding: 0 4px; }
+    padding: 0 6px; }
 QTableCornerButton::section { background: %surface%; border: none; }
 QScrollBar:vertical { background: transparent; width: 10px; margin: 2px; }
 QScrollBar:horizontal { background: transparent; height: 10px; margin: 2px; }
