@@ -4,6 +4,7 @@
 #include "app/platform/Platform.h"
 
 #include <QCloseEvent>
+#include <QMenuBar>
 #include <QScreen>
 #include <QStyle>
 #include <QWindow>
@@ -17,11 +18,13 @@ constexpr QSize leastSize(560, 650);
 
 } // namespace
 
-FloatingWindow::FloatingWindow(QWidget *panel, Preferences &preferences)
+FloatingWindow::FloatingWindow(QWidget *panel, Preferences &preferences, QMenuBar *menuBar)
     : m_preferences(preferences)
 {
     setWindowTitle(u"VELMORA 字幕助手"_s);
     setCentralWidget(panel);
+    if (menuBar)
+        setMenuBar(menuBar);
     // Of the content: a menu bar inside the window comes on top of it.
     panel->setMinimumSize(leastSize);
     setContextMenuPolicy(Qt::NoContextMenu);
@@ -39,9 +42,11 @@ FloatingWindow::~FloatingWindow()
 
 void FloatingWindow::restoreFrame()
 {
-    const QSize usual = usualSize + QSize(0, menuWidget() ? menuWidget()->sizeHint().height() : 0);
+    const QRect room = screen()->availableGeometry();
+    const int menuHeight = menuWidget() ? menuWidget()->sizeHint().height() : 0;
+    const QSize usual = (usualSize + QSize(0, menuHeight)).boundedTo(room.size());
     if (!restoreGeometry(m_preferences.windowFrame()))
-        setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, usual, screen()->availableGeometry()));
+        setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, usual, room));
     // Once, for those who come from a version that showed less. Who makes the window smaller afterwards, keeps it so.
     if (!m_preferences.expandedActionsLayout()) {
         resize(size().expandedTo(usual));

@@ -13,7 +13,7 @@ class FloatingWindow : public QMainWindow
 
 public:
     /// Takes `panel`. `preferences` must live as long as the window.
-    FloatingWindow(QWidget *panel, Preferences &preferences);
+    FloatingWindow(QWidget *panel, Preferences &preferences, QMenuBar *menuBar);
     ~FloatingWindow() override;
 
     /// Stands above other programs' windows from now on, or among them. The window system forgets; this object does

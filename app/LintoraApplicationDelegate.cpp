@@ -71,9 +71,8 @@ void LintoraApplicationDelegate::applicationWillTerminate()
 void LintoraApplicationDelegate::showWindow()
 {
     if (!m_window) {
-        m_window = std::make_unique<FloatingWindow>(m_panel(*m_model), m_model->preferences());
-        if (m_menuBar && !Platform::programOutlivesWindow())
-            m_window->setMenuBar(m_menuBar);
+        QMenuBar *const inWindow = Platform::programOutlivesWindow() ? nullptr : m_menuBar;
+        m_window = std::make_unique<FloatingWindow>(m_panel(*m_model), m_model->preferences(), inWindow);
     }
     applyPinned();
     m_window->showInFront();

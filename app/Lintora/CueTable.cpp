@@ -71,8 +71,8 @@ CueTable::CueTable(LintoraModel &model, QWidget *parent)
     connect(&m_cues, &CueTableModel::changed, this, &CueTable::followRowCount);
     connect(&m_cues, &CueTableModel::changed, this, &CueTable::currentCueChanged);
     connect(&m_filter, &QAbstractItemModel::modelReset, this, &CueTable::restorePlace, Qt::QueuedConnection);
-    // The job's own signal comes before its cues are exchanged: the last moment to keep what was typed.
-    connect(&model, &LintoraModel::loaded, this, &CueTable::commitEdit);
+    connect(&model, &LintoraModel::aboutToLoad, this, &CueTable::commitEdit);
+    connect(&m_cues, &CueTableModel::aboutToFollow, this, &CueTable::keepEditorOnItsCue);
     connect(m_textDelegate, &CueTextDelegate::abandoned, this, [this](CueTextEditor *editor) { abandon(*editor); });
     connect(m_textDelegate, &CueTextDelegate::splitRequested, this,
             [this](CueTextEditor *editor) { splitAt(*editor); });
@@ -88,8 +88,7 @@ CueTable::~CueTable()
 
 void CueTable::setFilter(const QString &text)
 {
-    if (!commitEdit())
-        return;
+    commitEdit(); // The cue that is edited stays in sight, also when this is refused.
     m_filter.setText(text);
 }
 
@@ -205,14 +204,35 @@ void CueTable::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint h
 /// Escape takes back what was typed, as it does everywhere; the history still has it, for a slip of the finger.
 void CueTable::abandon(CueTextEditor &editor)
 {
-    const bool keepsTyped = editor.isModified() && !editor.toPlainText().trimmed().isEmpty();
-    const bool isKept = keepsTyped && CueTextDelegate::commit(editor);
+    // What was undone before must stay to be redone: then the text is given up for good, as in any other field.
+    const bool keepsTyped = editor.isModified() && !editor.toPlainText().trimmed().isEmpty() && !m_model.canRedo();
+    const QList<Subtitle> before = m_model.items();
+    const bool isKept = keepsTyped && CueTextDelegate::commit(editor) && m_model.items() != before;
     closeText();
     if (isKept && m_model.canUndo()) {
         m_model.undo();
         const QString redo = QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z).toString(QKeySequence::NativeText);
         m_model.report(u"已放弃修改，按 %1 可找回"_s.arg(redo));
     }
+}
+
+/// Cues came from elsewhere while one is edited: unless its row is still its own, what was typed is rescued before the
+/// row becomes another cue's.
+void CueTable::keepEditorOnItsCue(const QList<Subtitle> &items)
+{
+    if (state() != EditingState)
+        return;
+    const int row = m_filter.mapToSource(m_editor ? QModelIndex(m_editor->cue()) : currentIndex()).row();
+    if (row < 0)
+        return;
+    const qint64 id = m_cues.cue(row).id;
+    const auto next = m_cues.rowAfter(row, items);
+    if (next && items.at(*next).id == id)
+        return;
+    QWidget *const field = m_editor ? static_cast<QWidget *>(m_editor) : indexWidget(currentIndex());
+    rescueTyped();
+    if (field)
+        QTableView::closeEditor(field, QAbstractItemDelegate::NoHint);
 }
 
 /// The cue under the editor goes, perhaps with words in it that nothing else has: they are shown, and can be copied.
@@ -240,7 +260,11 @@ void CueTable::rowsAboutToBeRemoved(const QModelIndex &parent, int first, int la
 
 void CueTable::reset()
 {
+    const bool hadFocus = isAncestorOf(QApplication::focusWidget()) && QApplication::focusWidget() != this;
     rescueTyped();
+    // Before the editor goes: the keyboard would move on to whatever comes next in the window.
+    if (hadFocus)
+        setFocus();
     QTableView::reset();
 }
 
@@ -355,12 +379,7 @@ void CueTable::moveTo(const QUuid &track)
     const QList<qsizetype> cues = selectedCues();
     if (cues.isEmpty() || !commitEdit())
         return;
-    // From the last, so that the others keep their places; one step for all.
-    m_model.asOneStep([&] {
-        const auto from = m_model.selectedTrackID();
-        for (auto cue = cues.crbegin(); cue != cues.crend() && m_model.selectedTrackID() == from; ++cue)
-            m_model.moveCue(*cue, track);
-    });
+    m_model.moveCues(cues, track);
 }
 
 // Keys and the pointer
@@ -412,7 +431,7 @@ void CueTable::contextMenuEvent(QContextMenuEvent *event)
     const qsizetype selected = selectedCues().size();
     auto *const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const auto add = [&](const QString &title, QKeySequence key, bool enabled, void (CueTable::*command)()) {
+    const auto add = [&](const QString &title, const QKeySequence &key, bool enabled, void (CueTable::*command)()) {
         QAction *const action = menu->addAction(title, this, command);
         action->setShortcut(key);
         action->setShortcutVisibleInContextMenu(true);

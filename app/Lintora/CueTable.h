@@ -65,6 +65,7 @@ private:
     void followRowCount();
     void closeText();
     void rescueTyped();
+    void keepEditorOnItsCue(const QList<Subtitle> &items);
     void restorePlace();
     void abandon(CueTextEditor &editor);
     void splitAt(CueTextEditor &editor);

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int rememberedRows = 512; // some screens full
+constexpr qsizetype rememberedRows = 512; // some screens full
 
 } // namespace
 
@@ -19,7 +19,6 @@ CueTableModel::CueTableModel(LintoraModel &model, QObject *parent)
     , m_model(model)
     , m_items(model.items())
     , m_trackID(model.selectedTrackID())
-    , m_warnings(rememberedRows)
 {
     connect(&model, &LintoraModel::loaded, this, [this] { m_isLoading = true; });
     connect(&model, &LintoraModel::itemsChanged, this, &CueTableModel::follow);
@@ -34,6 +33,8 @@ void CueTableModel::follow()
     const bool isOther = std::exchange(m_isLoading, false) || m_trackID != m_model.selectedTrackID();
     if (!isOther && m_items == m_model.items())
         return;
+    if (!isOther)
+        Q_EMIT aboutToFollow(m_model.items());
     m_isFollowing = true;
     if (isOther)
         reload();
@@ -59,19 +60,30 @@ void CueTableModel::startOver()
     endResetModel();
 }
 
-/// What stayed at the beginning and at the end keeps its rows; of what lies between, as many rows as there are on both
-/// sides have changed, and the rest came or went behind them.
-void CueTableModel::takeDifference(const QList<Subtitle> &items)
+CueTableModel::Difference CueTableModel::difference(const QList<Subtitle> &items) const
 {
-    const auto [oldStop, newStop] = std::ranges::mismatch(std::as_const(m_items), items);
+    const auto [oldStop, newStop] = std::ranges::mismatch(m_items, items);
     const qsizetype head = oldStop - m_items.cbegin();
     const qsizetype shorter = std::min(m_items.size(), items.size());
     qsizetype tail = 0;
     while (head + tail < shorter && m_items.at(m_items.size() - 1 - tail) == items.at(items.size() - 1 - tail))
         ++tail;
-    const int kept = int(shorter - tail);
-    const int surplus = int(items.size() - m_items.size());
+    return {.head = int(head), .kept = int(shorter - tail), .surplus = int(items.size() - m_items.size())};
+}
 
+std::optional<int> CueTableModel::rowAfter(int row, const QList<Subtitle> &items) const
+{
+    const Difference change = difference(items);
+    if (row < change.kept)
+        return row;
+    return row < change.kept - change.surplus ? std::nullopt : std::optional(row + change.surplus);
+}
+
+/// What stayed at the beginning and at the end keeps its rows; of what lies between, as many rows as there are on both
+/// sides have changed, and the rest came or went behind them.
+void CueTableModel::takeDifference(const QList<Subtitle> &items)
+{
+    const auto [head, kept, surplus] = difference(items);
     m_warnings.clear();
     if (surplus > 0) {
         beginInsertRows({}, kept, kept + surplus - 1);
@@ -85,7 +97,7 @@ void CueTableModel::takeDifference(const QList<Subtitle> &items)
         m_items = items;
     }
     // The cue before is told too: its warnings look at the next one.
-    const int first = std::max(0, int(head) - 1);
+    const int first = std::max(0, head - 1);
     const int last = std::min(int(items.size()), kept + std::max(surplus, 0)) - 1;
     if (first <= last)
         Q_EMIT dataChanged(index(first, 0), index(last, columns - 1));
@@ -108,6 +120,19 @@ QList<CueWarnings::Warning> CueTableModel::warnings(int row) const
                            [this](QStringView text) { return m_measure->isWiderThanSafe(text); });
 }
 
+QStringList CueTableModel::warningSentences(int row) const
+{
+    if (const auto known = m_warnings.constFind(row); known != m_warnings.cend())
+        return *known;
+    QStringList sentences;
+    for (const CueWarnings::Warning &warning : warnings(row))
+        sentences += warning.sentence;
+    if (m_warnings.size() >= rememberedRows)
+        m_warnings.clear();
+    m_warnings.insert(row, sentences);
+    return sentences;
+}
+
 int CueTableModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : int(m_items.size());
@@ -124,15 +149,10 @@ QVariant CueTableModel::data(const QModelIndex &index, int role) const
         return {};
     const Subtitle &cue = m_items.at(index.row());
     if (role == warningsRole || role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole) {
-        const QStringList *known = m_warnings.object(index.row());
-        if (!known) {
-            auto *const sentences = new QStringList;
-            for (const CueWarnings::Warning &warning : warnings(index.row()))
-                sentences->append(warning.sentence);
-            m_warnings.insert(index.row(), sentences);
-            known = sentences;
-        }
-        return role == warningsRole ? QVariant(*known) : known->isEmpty() ? QVariant() : QVariant(known->join(u'\n'));
+        const QStringList sentences = warningSentences(index.row());
+        return role == warningsRole  ? QVariant(sentences)
+               : sentences.isEmpty() ? QVariant()
+                                     : QVariant(sentences.join(u'\n'));
     }
     switch (index.column()) {
     case numberColumn:
@@ -182,7 +202,8 @@ Qt::ItemFlags CueTableModel::flags(const QModelIndex &index) const
 
 bool CueTableModel::setData(const QModelIndex &index, const QVariant &value, int role)
 {
-    if (!index.isValid() || role != Qt::EditRole || m_isFollowing)
+    // Rows mean the job's cues only while they are the same.
+    if (!index.isValid() || role != Qt::EditRole || m_isFollowing || m_items != m_model.items())
         return false;
     const Subtitle cue = m_items.at(index.row());
     switch (index.column()) {

@@ -4,7 +4,7 @@
 #include "app/LintoraModel.h"
 
 #include <QAbstractTableModel>
-#include <QCache>
+#include <QHash>
 
 class TitleMeasure;
 
@@ -53,20 +53,34 @@ public:
     /// Takes the text, or a time in milliseconds. False when the model refused.
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 
+    /// Where a row stands once the rows have become those of `items`; absent when it goes.
+    std::optional<int> rowAfter(int row, const QList<Subtitle> &items) const;
+
 Q_SIGNALS:
-    void changed(); ///< After rows came, went or changed.
+    void aboutToFollow(const QList<Subtitle> &items); ///< The rows become those of `items`, of the same track.
+    void changed();                                   ///< After rows came, went or changed.
 
 private:
+    /// How other cues differ from ours, row by row.
+    struct Difference
+    {
+        int head;    ///< Rows at the beginning that are equal.
+        int kept;    ///< Rows that stay where they are; of these, those behind `head` have changed.
+        int surplus; ///< Rows that come behind the kept ones; where negative, that go there.
+    };
+
     void follow();
     void reload();
+    Difference difference(const QList<Subtitle> &items) const;
     void takeDifference(const QList<Subtitle> &items);
     void forgetStyle();
+    QStringList warningSentences(int row) const;
 
     LintoraModel &m_model;
     QList<Subtitle> m_items; ///< As the views know them.
     std::optional<QUuid> m_trackID;
     bool m_isLoading = false;
     bool m_isFollowing = false;
-    mutable QCache<int, QStringList> m_warnings; ///< Of rows that were shown since the last change.
+    mutable QHash<int, QStringList> m_warnings; ///< Of rows that were shown since the last change.
     mutable std::unique_ptr<TitleMeasure> m_measure;
 };

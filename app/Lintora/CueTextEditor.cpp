@@ -61,7 +61,9 @@ QSize CueTextEditor::sizeHint() const
 {
     const int lines = std::clamp(lineCount(*this), 1, mostLines);
     const int frame = 2 * (border + documentMargin) + 2 * viewportMargins().top();
-    return {0, std::max(VELTheme::rowHeight, lines * fontMetrics().lineSpacing() + frame)};
+    const int needed = lines * fontMetrics().lineSpacing() + frame;
+    const int rows = (needed + VELTheme::rowHeight - 1) / VELTheme::rowHeight; // no row shows in part beneath it
+    return {0, std::max(rows, 1) * VELTheme::rowHeight};
 }
 
 bool CueTextEditor::event(QEvent *event)

@@ -68,6 +68,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     layout->addWidget(Controls::rule(this));
     layout->addWidget(new StatusLine(model, this));
 
+    connect(&model, &LintoraModel::loaded, m_filter, &QLineEdit::clear); // which was about another job
     connect(&model, &LintoraModel::itemsChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::tracksChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::cleanupSettingsVisibleChanged, this, &LintoraPanel::followSheets);
@@ -137,16 +138,21 @@ void LintoraPanel::followCues()
     const bool begins = hasCues && m_workspace->isHidden();
     m_workspace->setVisible(hasCues);
     m_emptyNote->setVisible(!hasCues);
-    if (begins) {
-        const QList<Sheet *> sheets = findChildren<Sheet *>();
-        const auto open = std::ranges::find_if(sheets, [](const Sheet *sheet) { return !sheet->isHidden(); });
-        if (open == sheets.end())
-            m_table->setFocus();
-        else
-            (*open)->returnTo(m_table);
-    } else if (!hasCues) {
-        m_import->setFocus();
-    }
+    if (begins)
+        m_table->goTo(0);
+    if (begins || !hasCues)
+        giveKeyboard(begins ? static_cast<QWidget *>(m_table) : m_import);
+}
+
+/// Now, or when the sheet that is open closes: nothing behind a sheet has the keyboard.
+void LintoraPanel::giveKeyboard(QWidget *widget)
+{
+    const QList<Sheet *> sheets = findChildren<Sheet *>();
+    const auto open = std::ranges::find_if(sheets, [](const Sheet *sheet) { return !sheet->isHidden(); });
+    if (open == sheets.end())
+        widget->setFocus();
+    else
+        (*open)->returnTo(widget);
 }
 
 template <class Workspace>
@@ -204,6 +210,10 @@ void LintoraPanel::showCue(qsizetype cue)
 {
     m_model.setFindReplaceVisible(false);
     m_table->goTo(cue);
+    if (m_table->currentCue() != cue) { // which the filter hides
+        m_filter->clear();
+        m_table->goTo(cue);
+    }
     m_table->setFocus();
 }
 

@@ -34,6 +34,7 @@ private:
     QWidget *makeWorkspace();
     QWidget *makeTableHeading();
     void followCues();
+    void giveKeyboard(QWidget *widget);
     void followSheets();
     void showStyle();
     void showFCPImport(bool visible);

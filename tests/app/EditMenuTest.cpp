@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTableWidget>
 #include <QTest>
@@ -163,13 +164,18 @@ TEST_F(EditMenuTest, Leaves_the_history_within_reach_of_a_text_that_cannot_be_ed
     EXPECT_TRUE(m_model.items().isEmpty());
 }
 
-TEST_F(EditMenuTest, Pastes_only_text)
+TEST_F(EditMenuTest, Pastes_text_and_nothing_else)
 {
-    focus(add<QLineEdit>());
-    QGuiApplication::clipboard()->clear();
-    EXPECT_EQ(enabled(), QString());
+    auto *const field = add<QLineEdit>();
+    focus(field);
+    auto *const picture = new QMimeData;
+    picture->setData(u"image/png"_s, "x");
+    QGuiApplication::clipboard()->setMimeData(picture);
+    choose(u"粘贴"_s);
+    EXPECT_EQ(field->text(), QString());
     QGuiApplication::clipboard()->setText(u"贴"_s);
-    EXPECT_EQ(enabled(), u"粘贴"_s);
+    choose(u"粘贴"_s);
+    EXPECT_EQ(field->text(), u"贴"_s);
 }
 
 TEST_F(EditMenuTest, Offers_what_the_focused_control_can_do)

@@ -142,6 +142,55 @@ TEST_F(CueEditing, What_is_typed_into_a_cue_that_goes_is_shown)
     EXPECT_EQ(texts(), QStringList{u"一"_s});
 }
 
+TEST_F(CueEditing, What_is_typed_never_lands_in_another_cue)
+{
+    // A job that comes in while a text or a time is being typed stays as it came.
+    load({u"一"_s, u"二"_s, u"三"_s});
+    editWith(1, u"旧的"_s);
+    load({u"甲"_s, u"乙"_s, u"丙"_s});
+    Events::handle();
+    EXPECT_EQ(texts(), (QStringList{u"甲"_s, u"乙"_s, u"丙"_s}));
+    EXPECT_TRUE(table().hasFocus());
+    model.undo();
+    EXPECT_EQ(texts(), (QStringList{u"一"_s, u"旧的"_s, u"三"_s}));
+    Events::handle();
+
+    QLineEdit *const time = timeField(1, CueTableModel::startColumn);
+    ASSERT_NE(time, nullptr);
+    time->setText(u"2.1"_s);
+    load({u"子"_s, u"丑"_s, u"寅"_s});
+    Events::handle();
+    EXPECT_EQ(model.items()[1].start, 2'000);
+
+    // A version from outside takes one cue away and changes another: the rows between mean other cues.
+    load({u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s});
+    editWith(2, u"c 还在输入"_s);
+    model.asOneStep([&] {
+        model.deleteCues({0});
+        model.setText(3, u"E"_s);
+    });
+    Events::handle();
+    if (editor())
+        press(Qt::Key_Return);
+    EXPECT_EQ(texts().first(), u"b"_s);
+    EXPECT_EQ(texts().mid(2), (QStringList{u"d"_s, u"E"_s}));
+}
+
+TEST_F(CueEditing, Escape_undoes_nothing_but_what_was_typed)
+{
+    load({u"一"_s, u"二"_s});
+    model.setText(0, u"改过"_s);
+    editWith(1, u"二 "_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(texts(), (QStringList{u"改过"_s, u"二"_s}));
+    model.undo();
+    editWith(1, u"不要了"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(texts(), (QStringList{u"一"_s, u"二"_s}));
+    model.redo();
+    EXPECT_EQ(texts().first(), u"改过"_s) << "what was undone before can still be redone";
+}
+
 TEST_F(CueEditing, A_change_of_other_cues_leaves_the_editor_open)
 {
     load({u"一"_s, u"二"_s, u"三"_s});

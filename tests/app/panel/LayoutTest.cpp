@@ -216,6 +216,10 @@ TEST_F(Layout, Restoring_the_original_asks_first)
     EXPECT_FALSE(visibleTexts().contains(u"恢复分离前原稿？"_s));
 
     click(u"恢复原稿"_s);
+    model.undo();
+    EXPECT_FALSE(visibleTexts().contains(u"恢复分离前原稿？"_s)) << "nothing is left to be restored";
+    model.redo();
+    click(u"恢复原稿"_s);
     for (Sheet *const sheet : panel->findChildren<Sheet *>()) {
         if (!sheet->isVisible())
             continue;

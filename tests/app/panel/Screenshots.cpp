@@ -30,7 +30,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QList<Subtitle> interview()
+QList<Subtitle> interview(int rounds)
 {
     struct Line
     {
@@ -58,7 +58,7 @@ QList<Subtitle> interview()
     };
     QList<Subtitle> cues;
     qint64 start = 1000;
-    for (int round = 0; round < 18; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         for (const Line &line : lines) {
             cues += Subtitle{.id = cues.size() + 1, .start = start, .end = start + line.lengthMS, .text = line.text};
             start += line.lengthMS + (cues.size() % 3 == 0 ? 400 : 0);
@@ -75,12 +75,12 @@ QList<Subtitle> translated(const QList<Subtitle> &cues)
     return english;
 }
 
-LintoraSession loadedJob()
+LintoraSession loadedJob(int rounds = 18)
 {
     LintoraSession job;
     job.source = u"访谈_粗剪_v3.srt"_s;
     job.removeFillers = true;
-    const QList<Subtitle> cues = interview();
+    const QList<Subtitle> cues = interview(rounds);
     job.tracks = QList<SubtitleTrack>{
         {.id = QUuid::createUuid(), .label = u"中文"_s, .items = cues, .options = job.options, .removeFillers = true},
         {.id = QUuid::createUuid(), .label = u"English"_s, .items = translated(cues), .options = job.options}};
@@ -146,12 +146,12 @@ QList<State> states()
              }
          }},
         {u"script-match"_s,
-         [load](LintoraModel &model, LintoraPanel &panel) {
-             load(model, panel);
+         [](LintoraModel &model, LintoraPanel &) {
+             model.apply(loadedJob(1));
              QString script;
-             for (const Subtitle &cue : model.items().first(40))
+             for (const Subtitle &cue : model.items())
                  script += QString(cue.text).replace(u"嗯，直接"_s, u"直接"_s).replace(u"聊聊调色"_s, u"聊一聊调色"_s);
-             model.setScriptText(script + u"这一句没有说出来，只写在文稿里。"_s);
+             model.setScriptText(script + u"这一整段没有人说出来，只写在文稿里，留给下一期。"_s);
              model.setScriptMatchPresented(true);
              model.matchScript();
              Events::waitFor([&] { return !model.activity(); });
@@ -277,7 +277,7 @@ bool draw(const State &state, QSize size, VELTheme::Appearance appearance, const
     if (panel.size() != size)
         qWarning("%ls: %d x %d became %d x %d", qUtf16Printable(state.name), size.width(), size.height(), panel.width(),
                  panel.height());
-    return panel.grab().save(file);
+    return panel.grab().toImage().convertToFormat(QImage::Format_RGB888).save(file, "PNG", 0); // as small as can be
 }
 
 } // namespace

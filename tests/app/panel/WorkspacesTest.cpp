@@ -84,6 +84,31 @@ TEST_F(Workspaces, Escape_closes_a_sheet_and_the_keyboard_goes_back)
     EXPECT_EQ(table().currentCue(), 1);
 }
 
+TEST_F(Workspaces, The_keyboard_goes_back_to_what_is_still_there)
+{
+    load({u"一"_s, u"二"_s});
+    // The editor that had it is gone when the sheet closes.
+    edit(1);
+    model.setFindReplaceVisible(true);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(table().hasFocus());
+    // One sheet over the other, closed one by one.
+    model.showFCPImport();
+    model.setFindReplaceVisible(true);
+    press(Qt::Key_Escape);
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(model.fcpImportVisible());
+    EXPECT_TRUE(table().hasFocus());
+    // Cues that come in under a sheet get it when that closes.
+    model.deleteCues({0, 1});
+    model.setScriptMatchPresented(true);
+    load({u"三"_s});
+    Events::handle();
+    EXPECT_FALSE(table().hasFocus());
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(table().hasFocus());
+}
+
 TEST_F(Workspaces, The_keyboard_stays_within_an_open_sheet)
 {
     load({u"一"_s});
