@@ -133,6 +133,7 @@ void LintoraApplicationDelegate::buildMenus()
     addCommand(*application, u"打开 SRT…"_s, &LintoraApplicationDelegate::openSRT, Qt::CTRL | Qt::Key_O);
     addCommand(*application, u"从 FCP 导入…"_s, &LintoraApplicationDelegate::openFCP);
     addCommand(*application, u"文稿匹配…"_s, &LintoraApplicationDelegate::openScriptMatch);
+    addCommand(*application, u"字幕样式…"_s, &LintoraApplicationDelegate::openStyle, Qt::CTRL | Qt::Key_Comma);
     addCommand(*application, u"清理设置…"_s, &LintoraApplicationDelegate::openCleanup);
     application->addSeparator();
     QAction *const quit = application->addAction(u"退出 VELMORA 字幕助手"_s);
@@ -179,6 +180,11 @@ void LintoraApplicationDelegate::openFCP()
 void LintoraApplicationDelegate::openScriptMatch()
 {
     m_model->showScriptMatch();
+}
+
+void LintoraApplicationDelegate::openStyle()
+{
+    m_model->setSettingsVisible(true);
 }
 
 void LintoraApplicationDelegate::openCleanup()

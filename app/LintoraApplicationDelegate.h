@@ -48,6 +48,7 @@ public:
     void openSRT();
     void openFCP();
     void openScriptMatch();
+    void openStyle();
     void openCleanup();
     void openFindReplace(); ///< Does nothing while a job owns the cues.
 

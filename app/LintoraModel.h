@@ -173,6 +173,9 @@ public:
 
     /// The project that exports go into; absent until one is imported. Lasts for the run.
     const std::optional<FCPProject> &project() const { return m_project; }
+    /// Rate, size, font size and name that match the timeline imported last; absent until one is imported.
+    const std::optional<Options> &projectSettings() const { return m_projectSettings; }
+    void matchProject(); ///< Gives the selected track these settings again.
     /// What of the timeline can be heard; absent until one is imported.
     const std::optional<FCPAudioPlan> &aiTimelinePlan() const { return m_timelinePlan; }
 
@@ -212,6 +215,7 @@ public:
     std::function<void()> raisePinnedWindow = nullptr; ///< Set by the owner of the window.
 
     Preferences &preferences() { return m_preferences; }
+    const FileDialogs &dialogs() const { return m_dialogs; } ///< For files that are no part of the job.
 
     // Persistence
 
@@ -245,6 +249,7 @@ Q_SIGNALS:
     void fillerWordsChanged();
     void stylePresetsChanged();
     void projectChanged();
+    void projectSettingsChanged();
     void aiTimelinePlanChanged();
     void aiBusyChanged();
     void scriptTextChanged();
@@ -365,6 +370,7 @@ private:
     QList<SubtitleStylePreset> m_stylePresets;
     std::optional<RemovedPreset> m_removedPreset; ///< The one removed last.
     std::optional<FCPProject> m_project;
+    std::optional<Options> m_projectSettings;
     std::optional<FCPAudioPlan> m_timelinePlan;
     std::optional<Restore> m_replacement; ///< Of the last replacement.
     std::optional<Restore> m_scriptMatch; ///< Of the last applied rows.

@@ -144,6 +144,7 @@ void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
     if (timeline.project)
         publish(m_project, timeline.project, &LintoraModel::projectChanged);
     if (timeline.settings) {
+        publish(m_projectSettings, timeline.settings, &LintoraModel::projectSettingsChanged);
         LintoraSession next = m_job;
         next.options = Imports::matching(next.options, *timeline.settings);
         for (SubtitleTrack &track : *next.tracks)

@@ -51,6 +51,12 @@ void LintoraModel::setCanvasHeight(qint64 pixels)
     setOptions(options);
 }
 
+void LintoraModel::matchProject()
+{
+    if (m_projectSettings)
+        setOptions(Imports::matching(options(), *m_projectSettings));
+}
+
 void LintoraModel::applyStylePreset(const QUuid &id)
 {
     const auto preset = std::ranges::find(m_stylePresets, id, &SubtitleStylePreset::id);

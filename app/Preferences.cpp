@@ -11,6 +11,8 @@ namespace {
 const QString fillerWordsKey = u"fillerWords"_s;
 const QString pinnedKey = u"floatingPinned"_s;
 const QString expandedKey = u"expandedActionsLayout"_s;
+const QString favoritesKey = u"favoriteFonts"_s;
+const QString recentKey = u"recentFonts"_s;
 const QString frameKey = u"LintoraEditor"_s;
 
 /// Settings files of plain text hold booleans as words.
@@ -63,6 +65,26 @@ bool Preferences::expandedActionsLayout() const
 void Preferences::setExpandedActionsLayout(bool done)
 {
     m_settings->setValue(expandedKey, done);
+}
+
+QStringList Preferences::favoriteFonts() const
+{
+    return m_settings->value(favoritesKey).toStringList();
+}
+
+void Preferences::setFavoriteFonts(const QStringList &families)
+{
+    m_settings->setValue(favoritesKey, families);
+}
+
+QStringList Preferences::recentFonts() const
+{
+    return m_settings->value(recentKey).toStringList();
+}
+
+void Preferences::setRecentFonts(const QStringList &families)
+{
+    m_settings->setValue(recentKey, families);
 }
 
 QByteArray Preferences::windowFrame() const

@@ -22,6 +22,12 @@ public:
     bool expandedActionsLayout() const; ///< Whether the window was enlarged once for its newer layout.
     void setExpandedActionsLayout(bool done);
 
+    QStringList favoriteFonts() const; ///< Families, in the order in which they became favourites.
+    void setFavoriteFonts(const QStringList &families);
+
+    QStringList recentFonts() const; ///< Families, the one used last first.
+    void setRecentFonts(const QStringList &families);
+
     QByteArray windowFrame() const; ///< As the window saved it; empty when absent.
     void setWindowFrame(const QByteArray &frame);
 

@@ -25,6 +25,11 @@ QString stylePresets()
     return belowHome(u"Library/Application Support/Lintora/StylePresets.json"_s);
 }
 
+QString fontIndex()
+{
+    return belowHome(u"Library/Application Support/Lintora/FontIndex.json"_s);
+}
+
 QString sessions()
 {
     return belowHome(u"Library/Containers/local.lintora.workflow.extension/Data/Library/Application Support/"

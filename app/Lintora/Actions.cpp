@@ -62,8 +62,11 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
     , m_find(Controls::button(u"查找替换"_s, this, u"批量查找与替换关键词（⌘F）"_s))
     , m_separate(Controls::button(u"分离中英"_s, this))
 {
+    auto *const style = Controls::button(u"样式"_s, this, u"设置字幕样式与画面（⌘,）"_s);
     QHBoxLayout *const row = rowIn(this);
     row->setSpacing(VELTheme::step);
+    for (QPushButton *const each : {m_clean, m_find, m_separate, style})
+        each->setProperty("tight", true);
     row->addWidget(m_fillers);
     row->addWidget(m_settings);
     row->addWidget(m_punctuation);
@@ -72,6 +75,7 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
     row->addWidget(m_undo);
     row->addWidget(m_find);
     row->addWidget(m_separate);
+    row->addWidget(style);
 
     connect(m_fillers, &CheckBox::clicked, &model, &LintoraModel::setRemoveFillers);
     connect(m_punctuation, &CheckBox::clicked, &model, &LintoraModel::setRemovePunctuation);
@@ -80,6 +84,7 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
     connect(m_clean, &QPushButton::clicked, this, [this] { perform([this] { m_model.clean(); }); });
     connect(m_undo, &QToolButton::clicked, this, [this] { perform([this] { undo(); }); });
     connect(m_find, &QPushButton::clicked, this, [this] { perform([this] { m_model.setFindReplaceVisible(true); }); });
+    connect(style, &QPushButton::clicked, this, [this] { perform([this] { m_model.setSettingsVisible(true); }); });
     connect(m_separate, &QPushButton::clicked, this, [this] {
         perform([this] {
             if (m_model.splitOriginal())

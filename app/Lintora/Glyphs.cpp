@@ -64,6 +64,25 @@ QPainterPath pin()
     return path;
 }
 
+QPainterPath star()
+{
+    QPainterPath path;
+    constexpr int points = 5;
+    constexpr double outer = 6.4;
+    constexpr double inner = 2.9;
+    for (int i = 0; i < 2 * points; ++i) {
+        const double angle = i * std::numbers::pi / points;
+        const double distance = i % 2 == 0 ? outer : inner;
+        const QPointF point(8 + distance * std::sin(angle), 8.4 - distance * std::cos(angle));
+        if (i == 0)
+            path.moveTo(point);
+        else
+            path.lineTo(point);
+    }
+    path.closeSubpath();
+    return path;
+}
+
 QPainterPath pathOf(Glyph glyph)
 {
     QPainterPath path;
@@ -103,6 +122,9 @@ QPainterPath pathOf(Glyph glyph)
         path.lineTo(8, 10);
         path.lineTo(11, 7);
         return path;
+    case Glyph::star:
+    case Glyph::starred:
+        return star();
     }
     return path;
 }
@@ -156,7 +178,7 @@ void paint(QPainter &painter, Glyph glyph, const QRectF &rectangle, const QColor
     painter.translate(rectangle.topLeft());
     painter.scale(rectangle.width() / side, rectangle.height() / side);
     painter.setPen(QPen(colour, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setBrush(Qt::NoBrush);
+    painter.setBrush(glyph == Glyph::starred ? QBrush(colour) : QBrush(Qt::NoBrush));
     painter.drawPath(pathOf(glyph));
     painter.restore();
 }

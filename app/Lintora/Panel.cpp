@@ -12,6 +12,7 @@
 #include "app/Lintora/ScriptMatchWorkspace.h"
 #include "app/Lintora/Sheet.h"
 #include "app/Lintora/StatusLine.h"
+#include "app/Lintora/StyleWorkspace.h"
 #include "app/Lintora/TrackTabs.h"
 #include "app/Lintora/UnifiedImportArea.h"
 
@@ -73,6 +74,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     connect(&model, &LintoraModel::cleanupSettingsVisibleChanged, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::findReplaceVisibleChanged, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::scriptMatchPresentedChanged, this, &LintoraPanel::followSheets);
+    connect(&model, &LintoraModel::settingsVisibleChanged, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::fcpImportVisibleChanged, this, &LintoraPanel::followSheets);
     followCues();
     followSheets();
@@ -93,6 +95,7 @@ QWidget *LintoraPanel::makeWorkspace()
     auto *const inspector = new Inspector(m_model, m_table->cues(), workspace);
     connect(m_table, &CueTable::currentCueChanged, inspector,
             [this, inspector] { inspector->show(m_table->currentCue()); });
+    connect(m_table, &CueTable::currentCueChanged, this, &LintoraPanel::showStyle);
 
     auto *const layout = new QVBoxLayout(workspace);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -172,6 +175,15 @@ void LintoraPanel::followSheets()
     if (isFirst && m_findReplace)
         connect(m_findReplace, &FindReplaceWorkspace::cueRequested, this, &LintoraPanel::showCue);
     showSheet(m_scriptMatch, m_model.scriptMatchPresented());
+    showSheet(m_style, m_model.settingsVisible());
+    showStyle();
+}
+
+/// A style is decided on the cue that is looked at.
+void LintoraPanel::showStyle()
+{
+    if (m_style)
+        m_style->showCue(m_table->currentCue());
 }
 
 void LintoraPanel::showFCPImport(bool visible)

@@ -11,6 +11,7 @@ class QLineEdit;
 class QVBoxLayout;
 class ScriptMatchWorkspace;
 class Sheet;
+class StyleWorkspace;
 class UnifiedImportArea;
 
 /// The content of the window: everything a person sees of the model, and does to it. It connects; what the parts do is
@@ -35,6 +36,7 @@ private:
     void followCues();
     void giveKeyboard(QWidget *widget);
     void followSheets();
+    void showStyle();
     void showFCPImport(bool visible);
     void showCue(qsizetype cue);
     void confirmRestore();
@@ -53,4 +55,5 @@ private:
     CleanupWorkspace *m_cleanup = nullptr;
     FindReplaceWorkspace *m_findReplace = nullptr;
     ScriptMatchWorkspace *m_scriptMatch = nullptr;
+    StyleWorkspace *m_style = nullptr;
 };

@@ -96,7 +96,7 @@ bool Sheet::eventFilter(QObject *watched, QEvent *event)
 void Sheet::placeFrame()
 {
     const QRect room = rect().adjusted(inset, inset, -inset, -inset);
-    QSize size(std::min(room.width(), widest), room.height());
+    QSize size(m_extent == Extent::wide ? room.width() : std::min(room.width(), widest), room.height());
     if (m_extent == Extent::compact) {
         size.setWidth(std::min(room.width(), compactWidth));
         const int needed =

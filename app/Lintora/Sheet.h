@@ -16,7 +16,8 @@ class Sheet : public QWidget
 public:
     enum class Extent
     {
-        whole,  ///< As large as the window allows.
+        whole,  ///< As large as the window allows, and no wider than lines are good to read.
+        wide,   ///< As large as the window allows.
         compact ///< As large as its content.
     };
 

@@ -116,6 +116,8 @@ QPushButton[primary="true"]:disabled { background: transparent; color: %disabled
 QPushButton[quiet="true"], QToolButton[quiet="true"] { background: transparent; border-color: transparent; }
 QPushButton[quiet="true"]:hover, QToolButton[quiet="true"]:hover { background: %hovered%; }
 QPushButton[quiet="true"]:checked { color: %accent%; background: %selection%; }
+QPushButton[tight="true"] { padding: 0 5px; }
+QPushButton[tight="true"]:focus { padding: 0 4px; }
 QPushButton[quiet="true"]:focus, QToolButton[quiet="true"]:focus { border: 2px solid %accent%; }
 QPushButton::menu-indicator { image: none; width: 0; }
 QToolButton::menu-button { border: none; border-left: 1px solid %border%; width: 16px; }
@@ -129,6 +131,7 @@ QLineEdit { padding: 0 7px; min-height: 26px; max-height: 26px; }
 QLineEdit:focus { border: 2px solid %accent%; padding: 0 6px; min-height: 24px; max-height: 24px; }
 QPlainTextEdit { padding: 3px; }
 QPlainTextEdit:focus { border: 2px solid %accent%; padding: 2px; }
+QLineEdit:disabled { color: %disabled%; background: transparent; border-color: %border%; }
 QLineEdit[invalid="true"] { border: 2px solid %failure%; padding: 0 6px; min-height: 24px; max-height: 24px; }
 QLineEdit[cell="true"] { border-radius: 2px; padding: 0 4px; min-height: 0; max-height: 1000px; }
 QPlainTextEdit[cell="true"] { border: 2px solid %accent%; border-radius: 2px; padding: 0; }
@@ -158,6 +161,7 @@ QMenu::separator { height: 1px; background: %border%; margin: 4px 0; }
 QToolTip { background: %raised%; color: %text%; border: 1px solid %outline%; padding: 4px; }
 QLabel[secondary="true"] { color: %secondary%; }
 QLabel[failure="true"] { color: %failure%; }
+QLabel:disabled { color: %disabled%; }
 QLabel[link="true"] { color: %accent%; }
 QProgressBar { background: %border%; border: none; border-radius: 2px; min-height: 4px; max-height: 4px; }
 QProgressBar::chunk { background: %accent%; border-radius: 2px; }

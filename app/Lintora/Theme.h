@@ -78,6 +78,8 @@ enum class Glyph
     search,
     copy,
     more,
+    star,    ///< Hollow.
+    starred, ///< Filled.
 };
 
 /// The sign in the colours of `widget`, whatever becomes of its appearance.

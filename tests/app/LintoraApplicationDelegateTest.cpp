@@ -71,8 +71,8 @@ private:
 TEST_F(Application, Has_its_commands_in_two_menus)
 {
     launch();
-    EXPECT_EQ(lines(0), QStringList({u"打开 SRT… Ctrl+O"_s, u"从 FCP 导入…"_s, u"文稿匹配…"_s, u"清理设置…"_s, u"-"_s,
-                                     u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
+    EXPECT_EQ(lines(0), QStringList({u"打开 SRT… Ctrl+O"_s, u"从 FCP 导入…"_s, u"文稿匹配…"_s, u"字幕样式… Ctrl+,"_s,
+                                     u"清理设置…"_s, u"-"_s, u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
     EXPECT_EQ(menu(1)->title(), u"编辑"_s);
     EXPECT_EQ(lines(1), QStringList({u"撤销 Ctrl+Z"_s, u"重做 Ctrl+Shift+Z"_s, u"剪切 Ctrl+X"_s, u"复制 Ctrl+C"_s,
                                      u"粘贴 Ctrl+V"_s, u"全选 Ctrl+A"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
@@ -85,6 +85,8 @@ TEST_F(Application, Commands_open_what_they_name)
     EXPECT_EQ(outside.openings.size(), 1);
     entry(u"从 FCP 导入…"_s)->trigger();
     EXPECT_TRUE(model.fcpImportVisible());
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(model.settingsVisible());
     entry(u"清理设置…"_s)->trigger();
     EXPECT_TRUE(model.cleanupSettingsVisible());
     entry(u"文稿匹配…"_s)->trigger();

@@ -6,7 +6,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
-/// What a model finds outside itself, in a folder that goes with this object. Dialogs only note that they were asked
+/// What a model finds outside itself, in a folder that goes with this object. Dialogs note that they were asked
 /// for.
 class TemporaryModel
 {
@@ -14,8 +14,10 @@ public:
     LintoraModel::Surroundings surroundings()
     {
         FileDialogs dialogs;
-        dialogs.open = [this](const FileDialogs::Opening &request, const FileDialogs::Chosen &) {
+        dialogs.open = [this](const FileDialogs::Opening &request, const FileDialogs::Chosen &chosen) {
             openings += request.title;
+            if (!answer.isEmpty())
+                chosen(answer);
         };
         dialogs.save = [](const FileDialogs::Saving &, const FileDialogs::Chosen &) {};
         return {.draftURL = path(QStringLiteral("Draft.json")),
@@ -44,6 +46,7 @@ public:
         return file(name, content);
     }
 
+    QString answer;       ///< What dialogs for opening are answered with; empty: given up.
     QStringList openings; ///< Titles of the dialogs for opening, in order.
 
 private:

@@ -4,17 +4,23 @@
 //   lintora_screenshots FOLDER   all of them
 
 #include "app/Lintora/CueTable.h"
+#include "app/Lintora/FontPicker.h"
 #include "app/Lintora/Panel.h"
 #include "app/Lintora/Theme.h"
 #include "app/LintoraModel.h"
 #include "tests/support/Events.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QListView>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -162,6 +168,82 @@ QList<State> states()
              model.reportFailure(
                  u"第 17 条字幕的结束时间早于开始时间，请修正后重新导入；文件其余部分没有改动，可用任何文本编辑器打开。"_s);
          }},
+        {u"style"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             Options options = model.options();
+             options.font = u"Noto Sans CJK SC"_s;
+             options.fontSize = 96;
+             options.strokeEnabled = true;
+             model.setOptions(options);
+             model.saveStylePreset(u"访谈 · 白字黑边"_s);
+             options.fontColor = u"1 0.83 0 1"_s;
+             options.shadowEnabled = true;
+             model.setOptions(options);
+             model.saveStylePreset(u"综艺黄字"_s);
+             options.font = u"Noto Serif CJK SC"_s;
+             options.fontColor = u"1 1 1 1"_s;
+             options.strokeEnabled = false;
+             options.shadowBlur = 12;
+             model.setOptions(options);
+             model.saveStylePreset(u"纪录片"_s);
+             Events::waitFor([&] { return model.stylePresets().size() == 3; });
+             model.setSettingsVisible(true);
+         }},
+        {u"style-name"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.setSettingsVisible(true);
+             for (QPushButton *const button : panel.findChildren<QPushButton *>()) {
+                 if (button->text() == u"保存预设…"_s)
+                     button->click();
+             }
+         }},
+        {u"style-portrait"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             panel.table().goTo(4);
+             Options options = model.options();
+             options.font = u"Noto Sans CJK SC"_s;
+             options.width = 1080;
+             options.height = 1920;
+             options.fontSize = 64;
+             options.shiftMS = -1500;
+             model.setOptions(options);
+             model.setSettingsVisible(true);
+             for (QAbstractButton *const button : panel.findChildren<QAbstractButton *>()) {
+                 if (button->accessibleName() == u"背景：灰阶"_s || button->accessibleName() == u"放大"_s ||
+                     button->accessibleName() == u"给文字加描边"_s)
+                     button->click();
+             }
+             QScrollBar &bar = *panel.findChild<QScrollArea *>()->verticalScrollBar();
+             bar.setValue(bar.maximum() / 2);
+             for (QLineEdit *const field : panel.findChildren<QLineEdit *>()) {
+                 if (field->accessibleName() != u"描边宽度"_s)
+                     continue;
+                 field->setFocus();
+                 field->selectAll();
+                 field->insert(u"24"_s);
+                 Q_EMIT field->textEdited(u"24"_s);
+             }
+         }},
+        {u"style-fonts"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.setSettingsVisible(true);
+             for (QComboBox *const box : panel.findChildren<QComboBox *>()) {
+                 if (box->accessibleName() == u"字体"_s)
+                     box->showPopup();
+             }
+             const auto *const list = panel.findChild<FontPicker *>()->findChild<QListView *>();
+             Events::waitFor([&] { return list->model()->rowCount() > 0; });
+             for (QLineEdit *const field : panel.findChildren<QLineEdit *>()) {
+                 if (field->accessibleName() == u"查找字体"_s)
+                     field->setText(u"noto"_s);
+             }
+             for (int i = 0; i < 60; ++i)
+                 Events::handle();
+         }},
         {u"fcp-import"_s, [](LintoraModel &model, LintoraPanel &) { model.showFCPImport(); }},
     };
 }
@@ -169,7 +251,8 @@ QList<State> states()
 bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance appearance)
 {
     if (size == QSize(640, 790))
-        return !QStringList{u"fcp-import"_s, u"time"_s, u"confirm"_s}.contains(state) &&
+        return !QStringList{u"fcp-import"_s, u"time"_s, u"confirm"_s, u"style-name"_s, u"style-portrait"_s}.contains(
+                   state) &&
                (appearance == VELTheme::Appearance::light || state == u"loaded"_s);
     return state == u"loaded"_s && size.width() == 560 && appearance == VELTheme::Appearance::dark;
 }
@@ -201,6 +284,9 @@ bool draw(const State &state, QSize size, VELTheme::Appearance appearance, const
 
 int main(int argc, char **argv)
 {
+    // What is kept in the home folder is none of the pictures' business.
+    const QTemporaryDir home;
+    qputenv("HOME", home.path().toLocal8Bit());
     const QApplication application(argc, argv);
     const bool wantsAll = argc > 1;
     const QDir folder(wantsAll ? QString::fromLocal8Bit(argv[1]) : u"docs/images"_s);
