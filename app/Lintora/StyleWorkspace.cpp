@@ -6,7 +6,6 @@
 #include "app/Lintora/FontPicker.h"
 #include "app/Lintora/PresetShelf.h"
 #include "app/Lintora/QuestionSheet.h"
-#include "app/Lintora/StatusLine.h"
 #include "app/Lintora/StyleControls.h"
 #include "app/Lintora/StyleStage.h"
 #include "store/Locations.h"
@@ -63,11 +62,6 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
     m_columns->addWidget(m_stageColumn);
     m_columns->addWidget(m_rule);
     m_columns->addWidget(m_pages);
-    body()->addWidget(Controls::rule(this));
-    auto *const status = new StatusLine(model, this);
-    status->layout()->setContentsMargins(0, 0, 0, 0);
-    status->setFixedHeight(VELTheme::controlHeight);
-    body()->addWidget(status);
     arrange();
 
     connect(this, &Sheet::closeRequested, &model, [&model] { model.setSettingsVisible(false); });
