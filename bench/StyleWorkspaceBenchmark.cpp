@@ -1,11 +1,11 @@
 // What a person waits for in the style workspace, off the screen: from the event until the changed window is painted.
-// Measured on 2 busy cores (dev build, g++ 12), main thread's own time in ms, a cue in stroke and shadow in a job of
-// 10,000:
+// Measured in Release on 2 cores at 2.3 GHz, quiet, in ms of processor time, a cue in stroke and shadow in a job of
+// 10,000. All but a fifth to a third of a step of the drag is the panel behind the workspace.
 //
-//   dragSize, 640 × 790      6.5     of which the workspace itself 1.9, the rest is the panel behind it
-//   dragSize, 1200 × 900     9.5     the workspace itself 3.5
-//   openFont                 1.0     one of the fonts of the list, the first time
-//   reopen                   7.5
+//   dragSize, 640 × 790     10.5
+//   dragSize, 1200 × 900    13.4
+//   openFont                 1.4     one of the fonts of the list, the first time
+//   reopen                   7.8
 
 #include "app/Lintora/FontSamples.h"
 #include "app/Lintora/Panel.h"

@@ -29,12 +29,12 @@
 
 /// The real window, offscreen: what an editor waits for.
 ///
-/// Measured on 2 cores at 2.3 GHz with eight other programs at work; processor time, so that they count for little:
-/// - start to the first painted window 45.5 ms, a bare window of the same views 31.1 ms (1.46 times); 47.6 MB resident;
-/// - opening a file of 10,000 cues 45 ms (82 ms of real time), of 100,000 cues 0.47 s (0.73 s), until it is painted;
-/// - at 10,000 cues, median and 99 of 100: a key in a cell 0.35 and 0.77 ms, an edit from opening the cell to its
-///   commit 2.7 and 7.0 ms, a page scrolled 0.92 and 2.4 ms (5.2 ms at 100,000 cues), another tab 3.1 and 9.0 ms, a
-///   new keyword with its preview 4.4 and 6.1 ms.
+/// Measured on 2 cores at 2.3 GHz, quiet:
+/// - start to the first painted window 64.6 ms, a bare window of the same views 44.2 ms (1.46 times); 44 MB resident;
+/// - opening a file of 10,000 cues 34 ms, of 100,000 cues 0.25 s, until it is painted;
+/// - at 10,000 cues, median and 99 of 100: a key in a cell 0.39 and 0.85 ms, an edit from opening the cell to its
+///   commit 2.9 and 4.3 ms, a page scrolled 0.91 and 1.7 ms (1.5 and 1.8 ms at 100,000 cues), another tab 3.2 and
+///   5.1 ms, a new keyword with its preview 4.2 and 5.2 ms.
 namespace {
 
 using namespace Qt::StringLiterals;
