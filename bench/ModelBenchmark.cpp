@@ -12,8 +12,8 @@
 ///
 /// Measured on 2 cores at 2.3 GHz, quiet (medians of 5): the edit until every observer has been told and has read all
 /// cues 0.31 ms, with the hand-over of its save 0.25 ms (nothing waits then); undo and redo together 0.38 ms. From the
-/// edit until it is durably on the disk 11.5 ms, where encoding and a bare write, sync and rename of the same bytes take
-/// 12.0 ms.
+/// edit until it is durably on the disk 11.5 ms, where encoding and a bare write, sync and rename of the same bytes
+/// take 12.0 ms.
 namespace {
 
 using namespace Qt::StringLiterals;
