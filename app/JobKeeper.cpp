@@ -43,6 +43,12 @@ void JobKeeper::announceChange()
         m_session->announceChange();
 }
 
+void JobKeeper::retractChange()
+{
+    if (m_session)
+        m_session->retractChange();
+}
+
 void JobKeeper::note(std::optional<QString> &failure, const QString &description)
 {
     failure = description;

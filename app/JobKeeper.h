@@ -28,6 +28,7 @@ public:
     void watchSession(const QString &file);
 
     void announceChange();                       ///< The job has changed, and save() follows.
+    void retractChange();                        ///< No saveSession() follows after all.
     void saveDraft(const LintoraSession &job);   ///< Returns at once.
     void saveSession(const LintoraSession &job); ///< Returns at once.
     void adopt(const LintoraSession &job);       ///< What became of the version that has just arrived.

@@ -8,6 +8,7 @@
 #include <QScopeGuard>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -103,10 +104,14 @@ void LintoraModel::replaceJob(LintoraSession next, Step step)
     m_isGesture = m_isGesture && step != Step::record && step != Step::load;
     const bool continues =
         (step == Step::gesture && m_isGesture && m_gestureRecorded) || (m_isGroup && m_groupRecorded);
-    if (step == Step::amend || continues)
+    if (step == Step::amend || continues) {
         m_history.amend(m_job);
-    else
+    } else {
+        // A step made beyond the session's opening leads away from it for good.
+        if (m_history.pastCount() < m_sessionBegins)
+            m_sessionBegins = std::numeric_limits<size_t>::max();
         m_history.record(m_job);
+    }
     m_gestureRecorded = m_gestureRecorded || step == Step::gesture;
     m_groupRecorded = m_groupRecorded || step != Step::amend;
     tell(before, step == Step::load);
@@ -115,7 +120,9 @@ void LintoraModel::replaceJob(LintoraSession next, Step step)
 /// Says and saves what has changed.
 void LintoraModel::tell(const LintoraSession &before, bool isLoaded)
 {
-    m_keeper.announceChange();
+    // Only what will be written: until then the session's own versions wait.
+    if (isInSession() && !m_heldSession)
+        m_keeper.announceChange();
     schedulePersist();
     if (isLoaded)
         Q_EMIT loaded();

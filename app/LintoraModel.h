@@ -362,7 +362,8 @@ private:
     bool m_isOpening = false;                    ///< Whether a session was opened whose version has not arrived.
     std::optional<LintoraSession> m_heldSession; ///< A version that arrived while a job owned the cues.
     LintoraSession m_jobWhenHeld;                ///< This job when it arrived.
-    size_t m_sessionBegins = 0; ///< Steps of the history up to the opening of the session, that one included.
+    size_t m_sessionBegins =
+        0; ///< Steps of the history up to the session's opening; the largest number: left for good.
     QString m_message;
     std::optional<QString> m_failure;
 

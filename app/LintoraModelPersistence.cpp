@@ -103,6 +103,8 @@ void LintoraModel::persistSession()
     // A version that waits for a job's end must not be written over.
     if (isInSession() && !m_heldSession)
         m_keeper.saveSession(m_job);
+    else
+        m_keeper.retractChange();
     reportUnsaved();
 }
 

@@ -32,6 +32,15 @@ void SessionFile::announceChange()
     m_isChanging = true;
 }
 
+void SessionFile::retractChange()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isChanging = false;
+    }
+    m_thread.wake();
+}
+
 void SessionFile::save(const LintoraSession &state)
 {
     {

@@ -42,6 +42,9 @@ public:
     /// Says that the state has changed here and that save() follows.
     void announceChange();
 
+    /// Says that no save() follows after all.
+    void retractChange();
+
     /// Keeps `state` for writing, unless it equals the agreed one, and returns at once.
     void save(const LintoraSession &state);
 

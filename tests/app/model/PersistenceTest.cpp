@@ -237,6 +237,19 @@ TEST_F(PersistenceTest, undoing_beyond_the_opening_of_a_session_leaves_the_sessi
     model->setText(0, u"又在"_s);
     model->saveDraft();
     EXPECT_EQ(LintoraSession::read(path).items[0].text, u"又在"_s);
+
+    // An edit there is the other job's; the extension's next version is taken up all the same.
+    model->undo();
+    model->undo();
+    model->setText(0, u"别的工作"_s);
+    model->setText(1, u"还是别的"_s);
+    model->saveDraft();
+    EXPECT_EQ(LintoraSession::read(path).source, u"extension 1"_s);
+    putSession(Sessions::uniform(u"extension 2"_s));
+    EXPECT_TRUE(waitForSource(u"extension 2"_s));
+    model->setText(0, u"回来了"_s);
+    model->saveDraft();
+    EXPECT_EQ(LintoraSession::read(path).items[0].text, u"回来了"_s);
 }
 
 TEST_F(PersistenceTest, two_models_share_one_session)
