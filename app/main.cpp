@@ -1,5 +1,5 @@
 #include "app/Lintora/Panel.h"
-#include "app/LintoraContainer.h"
+#include "app/window/LintoraContainer.h"
 
 int main(int argc, char **argv)
 {

@@ -9,10 +9,10 @@
 //   find, English             0.20
 //   find, no such family      0.24
 
-#include "app/style/FontIndexFile.h"
-#include "app/style/FontSearch.h"
-#include "app/style/Pinyin.h"
-#include "tests/app/style/SyntheticFonts.h"
+#include "app/fonts/FontIndexFile.h"
+#include "app/fonts/FontSearch.h"
+#include "app/fonts/Pinyin.h"
+#include "tests/app/fonts/SyntheticFonts.h"
 
 #include <benchmark/benchmark.h>
 

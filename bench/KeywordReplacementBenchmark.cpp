@@ -10,7 +10,7 @@
 // replaces nothing. A keyword that is in a third of the cues, one that is in none, and one of two characters.
 
 #include "bench/Corpus.h"
-#include "core/KeywordReplacement.h"
+#include "core/text/KeywordReplacement.h"
 
 #include <benchmark/benchmark.h>
 

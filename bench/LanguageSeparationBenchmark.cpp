@@ -8,7 +8,7 @@
 // makes the strings that any separation has to make, without looking at a character.
 
 #include "bench/Corpus.h"
-#include "core/LanguageSeparation.h"
+#include "core/text/LanguageSeparation.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
-#include "app/LintoraModel.h"
+#include "app/model/LintoraModel.h"
 #include "bench/Corpus.h"
-#include "core/AtomicFile.h"
+#include "core/files/AtomicFile.h"
 #include "tests/support/Generator.h"
 
 #include <QCoreApplication>

@@ -16,7 +16,7 @@
 
 #include "bench/Corpus.h"
 #include "core/SRT.h"
-#include "core/Utf8Writer.h"
+#include "core/files/Utf8Writer.h"
 
 #include <QStringEncoder>
 

@@ -10,10 +10,10 @@
 // and speech that the transcript lacks, 56,000 in all. The counter `kept` is the part of the longest common subsequence
 // that was paired, the whole texts taken (`longestCommon`, 64 cells at a time).
 
-#include "core/CommonSubsequence.h"
 #include "core/ConversionError.h"
-#include "core/ScriptAlignment.h"
-#include "core/SequenceAlignment.h"
+#include "core/text/CommonSubsequence.h"
+#include "core/text/ScriptAlignment.h"
+#include "core/text/SequenceAlignment.h"
 #include "tests/support/Generator.h"
 
 #include <benchmark/benchmark.h>

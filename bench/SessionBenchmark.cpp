@@ -1,4 +1,4 @@
-#include "core/AtomicFile.h"
+#include "core/files/AtomicFile.h"
 #include "store/DraftFile.h"
 #include "store/LintoraSession.h"
 #include "store/Uuid.h"

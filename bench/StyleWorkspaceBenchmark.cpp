@@ -7,9 +7,9 @@
 //   openFont                 1.4     one of the fonts of the list, the first time
 //   reopen                   7.8
 
-#include "app/Lintora/FontSamples.h"
 #include "app/Lintora/Panel.h"
-#include "app/LintoraModel.h"
+#include "app/Lintora/look/FontSamples.h"
+#include "app/model/LintoraModel.h"
 #include "bench/Corpus.h"
 
 #include <QApplication>

@@ -14,7 +14,7 @@
 // hostile list has a hundred words, nearly all of 60 characters, that begin alike, on a cue that is
 // nearly made of them.
 
-#include "core/SubtitleCleanup.h"
+#include "core/text/SubtitleCleanup.h"
 #include "tests/support/Generator.h"
 
 #include <QRegularExpression>

@@ -19,8 +19,8 @@
 //
 // Before glyphs were drawn in pieces and strokes grown from their coverage, two lines with both took 21 and 198 ms.
 
-#include "app/style/TitleMeasure.h"
-#include "app/style/TitlePicture.h"
+#include "app/titles/TitleMeasure.h"
+#include "app/titles/TitlePicture.h"
 #include "bench/Corpus.h"
 
 #include <QGuiApplication>

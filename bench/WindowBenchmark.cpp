@@ -1,10 +1,10 @@
-#include "app/Lintora/CueTable.h"
-#include "app/Lintora/FindReplaceWorkspace.h"
 #include "app/Lintora/Panel.h"
-#include "app/LintoraApplicationDelegate.h"
+#include "app/Lintora/cues/CueTable.h"
+#include "app/Lintora/tools/FindReplaceWorkspace.h"
+#include "app/window/LintoraApplicationDelegate.h"
 #include "bench/Corpus.h"
-#include "core/AtomicFile.h"
 #include "core/SRT.h"
+#include "core/files/AtomicFile.h"
 #include "tests/support/Generator.h"
 
 #include <QApplication>

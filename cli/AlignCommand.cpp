@@ -2,7 +2,7 @@
 #include "cli/Interrupt.h"
 #include "cli/Result.h"
 #include "core/SRT.h"
-#include "core/ScriptAlignment.h"
+#include "core/text/ScriptAlignment.h"
 
 #include <algorithm>
 #include <memory>

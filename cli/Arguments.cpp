@@ -2,8 +2,8 @@
 
 #include "cli/StandardStreams.h"
 #include "core/ConversionError.h"
-#include "core/FileReader.h"
 #include "core/PlatformError.h"
+#include "core/files/FileReader.h"
 #include "fcp/FCPXML.h"
 
 #include <QDir>

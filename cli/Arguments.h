@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fcp/XmlDocument.h"
+#include "fcp/xml/XmlDocument.h"
 
 #include <QByteArray>
 #include <QString>

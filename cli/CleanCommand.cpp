@@ -1,7 +1,7 @@
 #include "cli/Commands.h"
 #include "cli/Result.h"
 #include "core/SRT.h"
-#include "core/SubtitleCleanup.h"
+#include "core/text/SubtitleCleanup.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,8 +1,8 @@
 #include "cli/Commands.h"
 #include "cli/Result.h"
 #include "cli/StandardStreams.h"
-#include "fcp/FCPAudioPlan.h"
 #include "fcp/FCPXML.h"
+#include "fcp/audio/FCPAudioPlan.h"
 
 #include <QFileInfo>
 

@@ -1,7 +1,7 @@
 #include "cli/Commands.h"
 #include "cli/Result.h"
-#include "core/KeywordReplacement.h"
 #include "core/SRT.h"
+#include "core/text/KeywordReplacement.h"
 
 #include <memory>
 

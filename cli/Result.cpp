@@ -2,7 +2,7 @@
 
 #include "cli/Interrupt.h"
 #include "cli/StandardStreams.h"
-#include "core/AtomicFile.h"
+#include "core/files/AtomicFile.h"
 
 namespace Result {
 

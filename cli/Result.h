@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/Arguments.h"
-#include "core/JsonWriter.h"
+#include "core/json/JsonWriter.h"
 
 #include <functional>
 

@@ -1,11 +1,11 @@
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
 #include "cli/Result.h"
-#include "core/AtomicFile.h"
 #include "core/ConversionError.h"
-#include "core/LanguageSeparation.h"
 #include "core/PlatformError.h"
 #include "core/SRT.h"
+#include "core/files/AtomicFile.h"
+#include "core/text/LanguageSeparation.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "cli/StyleArguments.h"
 
 #include "cli/Arguments.h"
-#include "core/JsonReader.h"
+#include "core/json/JsonReader.h"
 #include "store/StylePresetStore.h"
 
 #include <QRegularExpression>

@@ -4,7 +4,7 @@
 #include "cli/StyleArguments.h"
 #include "core/SRT.h"
 #include "fcp/FCPXML.h"
-#include "fcp/NewDocument.h"
+#include "fcp/titles/NewDocument.h"
 
 #include <memory>
 

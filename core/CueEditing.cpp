@@ -1,7 +1,7 @@
 #include "core/CueEditing.h"
 
-#include "core/Characters.h"
 #include "core/ConversionError.h"
+#include "core/text/Characters.h"
 
 #include <QStringList>
 

@@ -1,9 +1,9 @@
 #include "core/SRT.h"
 
 #include "core/ConversionError.h"
-#include "core/FileReader.h"
-#include "core/Utf8.h"
-#include "core/Utf8Writer.h"
+#include "core/files/FileReader.h"
+#include "core/files/Utf8.h"
+#include "core/files/Utf8Writer.h"
 
 #include <QtEndian>
 

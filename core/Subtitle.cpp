@@ -1,7 +1,7 @@
 #include "core/Subtitle.h"
 
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 
 Subtitle readSubtitle(JsonReader &json)
 {

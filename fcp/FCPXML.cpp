@@ -1,9 +1,9 @@
 #include "fcp/FCPXML.h"
 
 #include "core/ConversionError.h"
-#include "core/FileReader.h"
-#include "fcp/NewDocument.h"
-#include "fcp/TitleConnection.h"
+#include "core/files/FileReader.h"
+#include "fcp/titles/NewDocument.h"
+#include "fcp/titles/TitleConnection.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fcp/TitleDocument.h"
+#include "fcp/titles/TitleDocument.h"
 
 #include <optional>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "fcp/Options.h"
 
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 
 Options readOptions(JsonReader &json)
 {

@@ -1,9 +1,9 @@
 // Any bytes at all as dragged data: a plan that keeps its promises, or a refusal.
 
 #include "core/ConversionError.h"
-#include "core/JsonWriter.h"
 #include "core/PlatformError.h"
-#include "fcp/FCPAudioPlan.h"
+#include "core/json/JsonWriter.h"
+#include "fcp/audio/FCPAudioPlan.h"
 
 #include <cmath>
 #include <cstdio>

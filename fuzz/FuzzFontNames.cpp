@@ -1,4 +1,4 @@
-#include "app/style/FontNames.h"
+#include "app/fonts/FontNames.h"
 
 #include <cstdlib>
 

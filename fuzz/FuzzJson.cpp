@@ -1,7 +1,7 @@
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
 #include "core/PlatformError.h"
 #include "core/Subtitle.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 #include "fcp/Options.h"
 
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "core/ConversionError.h"
-#include "core/JsonWriter.h"
 #include "core/PlatformError.h"
+#include "core/json/JsonWriter.h"
 #include "store/StylePresetStore.h"
 
 #include <cmath>

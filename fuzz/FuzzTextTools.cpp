@@ -1,7 +1,7 @@
 #include "core/ConversionError.h"
-#include "core/LanguageSeparation.h"
-#include "core/ScriptAlignment.h"
-#include "core/SubtitleCleanup.h"
+#include "core/text/LanguageSeparation.h"
+#include "core/text/ScriptAlignment.h"
+#include "core/text/SubtitleCleanup.h"
 
 #include <cstdlib>
 

@@ -1,8 +1,8 @@
 #include "store/DraftFile.h"
 
-#include "core/AtomicFile.h"
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
+#include "core/files/AtomicFile.h"
 
 #include <QDir>
 #include <QFile>

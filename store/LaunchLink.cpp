@@ -1,7 +1,7 @@
 #include "store/LaunchLink.h"
 
 #include "core/ConversionError.h"
-#include "core/Utf8.h"
+#include "core/files/Utf8.h"
 #include "store/Locations.h"
 #include "store/Uuid.h"
 

@@ -1,10 +1,10 @@
 #include "store/LintoraSession.h"
 
 #include "core/ConversionError.h"
-#include "core/FileReader.h"
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
 #include "core/PlatformError.h"
+#include "core/files/FileReader.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 #include "store/Uuid.h"
 
 #include <QFileInfo>

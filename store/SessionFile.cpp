@@ -1,9 +1,9 @@
 #include "store/SessionFile.h"
 
-#include "core/AtomicFile.h"
 #include "core/ConversionError.h"
-#include "core/FileReader.h"
 #include "core/PlatformError.h"
+#include "core/files/AtomicFile.h"
+#include "core/files/FileReader.h"
 
 #include <QFileInfo>
 

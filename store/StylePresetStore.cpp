@@ -1,11 +1,11 @@
 #include "store/StylePresetStore.h"
 
-#include "core/AtomicFile.h"
 #include "core/ConversionError.h"
-#include "core/FileReader.h"
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
 #include "core/PlatformError.h"
+#include "core/files/AtomicFile.h"
+#include "core/files/FileReader.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 #include "store/Locations.h"
 
 #include <QDir>

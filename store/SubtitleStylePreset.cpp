@@ -1,8 +1,8 @@
 #include "store/SubtitleStylePreset.h"
 
 #include "core/ConversionError.h"
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 #include "store/Uuid.h"
 
 #include <QStringList>

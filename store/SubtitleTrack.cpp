@@ -1,7 +1,7 @@
 #include "store/SubtitleTrack.h"
 
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 #include "store/Uuid.h"
 
 SubtitleTrack readSubtitleTrack(JsonReader &json)

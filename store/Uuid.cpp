@@ -1,7 +1,7 @@
 #include "store/Uuid.h"
 
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 
 #include <algorithm>
 

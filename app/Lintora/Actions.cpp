@@ -1,8 +1,8 @@
 #include "app/Lintora/Actions.h"
 
-#include "app/Lintora/CheckBox.h"
-#include "app/Lintora/Controls.h"
-#include "app/Lintora/ElidedLabel.h"
+#include "app/Lintora/controls/CheckBox.h"
+#include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/ElidedLabel.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 #include "app/Lintora/Header.h"
 
-#include "app/Lintora/Controls.h"
+#include "app/Lintora/controls/Controls.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/LintoraModel.h"
+#include "app/model/LintoraModel.h"
 
 #include <QWidget>
 

@@ -1,8 +1,8 @@
 #include "app/Lintora/StatusLine.h"
 
-#include "app/Lintora/BusyBar.h"
-#include "app/Lintora/Controls.h"
-#include "app/Lintora/ElidedLabel.h"
+#include "app/Lintora/controls/BusyBar.h"
+#include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/ElidedLabel.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 #include "tests/support/CommandLine.h"
 
-#include "core/FileReader.h"
 #include "core/SRT.h"
+#include "core/files/FileReader.h"
 #include "tests/support/Generator.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "tests/support/CommandLine.h"
 
-#include "core/FileReader.h"
-#include "core/JsonWriter.h"
+#include "core/files/FileReader.h"
+#include "core/json/JsonWriter.h"
 #include "store/LaunchLink.h"
 #include "store/Locations.h"
 #include "store/StylePresetStore.h"

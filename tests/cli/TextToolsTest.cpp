@@ -1,4 +1,4 @@
-#include "core/FileReader.h"
+#include "core/files/FileReader.h"
 #include "tests/support/CommandLine.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "fcp/FCPXML.h"
 
 #include "core/ConversionError.h"
-#include "fcp/SubtitleTransfer.h"
+#include "fcp/titles/SubtitleTransfer.h"
 #include "tests/fcp/PublishedDtd.h"
 #include "tests/support/Generator.h"
 

@@ -1,8 +1,8 @@
 #include "fcp/Options.h"
 
-#include "core/JsonReader.h"
-#include "core/JsonWriter.h"
 #include "core/PlatformError.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 
 #include <gtest/gtest.h>
 

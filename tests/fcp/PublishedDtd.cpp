@@ -1,6 +1,6 @@
 #include "tests/fcp/PublishedDtd.h"
 
-#include "fcp/XmlDocument.h"
+#include "fcp/xml/XmlDocument.h"
 #include "tests/support/SharedData.h"
 
 #include <libxml/parser.h>

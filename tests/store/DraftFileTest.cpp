@@ -1,8 +1,8 @@
 #include "store/DraftFile.h"
 
 #include "core/ConversionError.h"
-#include "core/FileReader.h"
 #include "core/PlatformError.h"
+#include "core/files/FileReader.h"
 #include "tests/support/Events.h"
 #include "tests/support/FileIdentity.h"
 #include "tests/support/Sessions.h"

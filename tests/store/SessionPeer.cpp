@@ -1,5 +1,5 @@
-#include "core/AtomicFile.h"
 #include "core/PlatformError.h"
+#include "core/files/AtomicFile.h"
 #include "tests/support/Generator.h"
 #include "tests/support/Sessions.h"
 

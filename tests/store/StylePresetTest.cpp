@@ -1,9 +1,9 @@
 #include "store/StylePresetStore.h"
 
 #include "core/ConversionError.h"
-#include "core/FileReader.h"
-#include "core/JsonWriter.h"
 #include "core/PlatformError.h"
+#include "core/files/FileReader.h"
+#include "core/json/JsonWriter.h"
 #include "tests/support/Unprivileged.h"
 
 #include <QDir>

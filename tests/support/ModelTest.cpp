@@ -1,8 +1,8 @@
 #include "tests/support/ModelTest.h"
 
-#include "core/AtomicFile.h"
-#include "core/FileReader.h"
 #include "core/SRT.h"
+#include "core/files/AtomicFile.h"
+#include "core/files/FileReader.h"
 #include "tests/support/Events.h"
 
 #include <QMetaMethod>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fcp/FCPAudioPlan.h"
+#include "fcp/audio/FCPAudioPlan.h"
 
 #include <QStringList>
 

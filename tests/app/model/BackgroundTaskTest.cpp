@@ -1,4 +1,4 @@
-#include "app/BackgroundTask.h"
+#include "app/model/BackgroundTask.h"
 
 #include "core/ConversionError.h"
 #include "tests/support/Events.h"
@@ -40,7 +40,7 @@ TEST(BackgroundTask, brings_progress_and_result_to_the_main_thread)
     QThread *worker = nullptr;
     task.run(
         u"开始"_s,
-        [&](LocalAIJob & /*job*/, const Progress &progress) {
+        [&](Job & /*job*/, const Progress &progress) {
             worker = QThread::currentThread();
             progress(u"一半"_s);
             goOn.acquire();
@@ -65,7 +65,7 @@ TEST(BackgroundTask, tells_why_an_operation_failed)
     BackgroundTask task(BackgroundTask::Order::newestOnly);
     Delivered delivered;
     task.run(
-        u"开始"_s, [](LocalAIJob &, const Progress &) -> int { throw ConversionError(u"不行。"_s); }, delivered.done(),
+        u"开始"_s, [](Job &, const Progress &) -> int { throw ConversionError(u"不行。"_s); }, delivered.done(),
         delivered.refused());
     EXPECT_TRUE(Events::waitFor([&] { return !task.isRunning(); }));
     EXPECT_EQ(delivered.refusals, QStringList{u"不行。"_s});
@@ -76,14 +76,14 @@ TEST(BackgroundTask, hears_nothing_more_of_what_was_cancelled_or_replaced_howeve
     BackgroundTask task(BackgroundTask::Order::newestOnly);
     Delivered delivered;
     QSemaphore goOn;
-    const auto slow = [&](LocalAIJob & /*job*/, const Progress &progress) {
+    const auto slow = [&](Job & /*job*/, const Progress &progress) {
         goOn.acquire(); // Does not notice that it was cancelled.
         progress(u"太晚"_s);
         return 1;
     };
     task.run(u"慢"_s, slow, delivered.done(), delivered.refused());
     task.run(
-        u"快"_s, [](LocalAIJob &, const Progress &) { return 2; }, delivered.done(), delivered.refused());
+        u"快"_s, [](Job &, const Progress &) { return 2; }, delivered.done(), delivered.refused());
     EXPECT_TRUE(Events::waitFor([&] { return delivered.results == QList<int>{2}; }));
 
     task.run(u"慢"_s, slow, delivered.done(), delivered.refused());
@@ -104,16 +104,16 @@ TEST(BackgroundTask, runs_one_after_another_where_each_counts)
     QSemaphore goOn;
     task.run(
         u"一"_s,
-        [&](LocalAIJob &, const Progress &) {
+        [&](Job &, const Progress &) {
             goOn.acquire();
             return 1;
         },
         delivered.done(), delivered.refused());
     task.run(
-        u"二"_s, [](LocalAIJob &, const Progress &) -> int { throw ConversionError(u"不行。"_s); }, delivered.done(),
+        u"二"_s, [](Job &, const Progress &) -> int { throw ConversionError(u"不行。"_s); }, delivered.done(),
         delivered.refused());
     task.run(
-        u"三"_s, [](LocalAIJob &, const Progress &) { return 3; }, delivered.done(), delivered.refused());
+        u"三"_s, [](Job &, const Progress &) { return 3; }, delivered.done(), delivered.refused());
     EXPECT_EQ(task.activity(), u"一"_s);
     goOn.release();
     EXPECT_TRUE(Events::waitFor([&] { return !task.isRunning(); }));
@@ -130,7 +130,7 @@ TEST(BackgroundTask, stops_the_operation_when_it_goes)
         BackgroundTask task(BackgroundTask::Order::newestOnly);
         task.run(
             u"无尽"_s,
-            [&](LocalAIJob &job, const Progress & /*progress*/) -> int {
+            [&](Job &job, const Progress & /*progress*/) -> int {
                 const auto note = qScopeGuard([&] { ended = true; });
                 started.release();
                 for (;;)

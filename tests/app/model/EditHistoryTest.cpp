@@ -1,6 +1,6 @@
-#include "app/EditHistory.h"
+#include "app/model/EditHistory.h"
 
-#include "app/JobTracks.h"
+#include "app/model/SessionTracks.h"
 #include "tests/support/Generator.h"
 #include "tests/support/Sessions.h"
 
@@ -16,13 +16,13 @@ namespace {
 
 LintoraSession jobOf(const QList<Subtitle> &cues)
 {
-    return JobTracks::importing(JobTracks::normalized({}), cues, u"a.srt"_s);
+    return SessionTracks::importing(SessionTracks::normalized({}), cues, u"a.srt"_s);
 }
 
 LintoraSession withItems(LintoraSession job, const QList<Subtitle> &cues)
 {
     job.items = cues;
-    return JobTracks::committed(std::move(job));
+    return SessionTracks::committed(std::move(job));
 }
 
 } // namespace
@@ -30,8 +30,8 @@ LintoraSession withItems(LintoraSession job, const QList<Subtitle> &cues)
 TEST(EditHistory, gives_back_every_state_whatever_changed)
 {
     Generator generator(3);
-    std::vector<LintoraSession> states{jobOf(generator.cues(300)), JobTracks::normalized({}),
-                                       JobTracks::normalized(Sessions::full())};
+    std::vector<LintoraSession> states{jobOf(generator.cues(300)), SessionTracks::normalized({}),
+                                       SessionTracks::normalized(Sessions::full())};
     states.push_back(jobOf(generator.cues(300)));
     for (int i = 0; i < 200; ++i) {
         LintoraSession next = states.back();

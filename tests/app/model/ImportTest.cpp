@@ -1,4 +1,4 @@
-#include "app/FCPPasteboard.h"
+#include "app/model/FCPPasteboard.h"
 #include "tests/support/Events.h"
 #include "tests/support/Generator.h"
 #include "tests/support/ModelTest.h"
@@ -211,7 +211,7 @@ TEST_F(ImportTest, refuses_everything_while_a_job_owns_the_cues)
 {
     loadCues(Generator(1).cues(3));
     const LintoraSession before = model->snapshot();
-    const auto job = std::make_shared<LocalAIJob>();
+    const auto job = std::make_shared<Job>();
     model->beginAIJob(job);
     EXPECT_TRUE(model->aiBusy());
 
@@ -257,7 +257,7 @@ TEST_F(ImportTest, what_was_read_too_late_changes_nothing)
 {
     const QUrl first = QUrl::fromLocalFile(write(u"first.srt"_s, oneCue));
     model->load(first);
-    model->beginAIJob(std::make_shared<LocalAIJob>());
+    model->beginAIJob(std::make_shared<Job>());
     settle();
     EXPECT_EQ(failure(), u"任务处理中，请先取消再导入"_s);
     EXPECT_TRUE(model->items().isEmpty());

@@ -1,6 +1,6 @@
-#include "app/LintoraModel.h"
+#include "app/model/LintoraModel.h"
 #include "core/SRT.h"
-#include "core/Utf8Writer.h"
+#include "core/files/Utf8Writer.h"
 #include "tests/support/Events.h"
 #include "tests/support/Generator.h"
 

@@ -1,4 +1,4 @@
-#include "core/AtomicFile.h"
+#include "core/files/AtomicFile.h"
 #include "store/LaunchLink.h"
 #include "store/Locations.h"
 #include "tests/support/Events.h"
@@ -199,7 +199,7 @@ TEST_F(PersistenceTest, a_version_that_comes_while_a_job_owns_the_cues_waits_and
         second.source = u"extension 2"_s;
         const QString path = open(first);
         model->saveDraft();
-        model->beginAIJob(std::make_shared<LocalAIJob>());
+        model->beginAIJob(std::make_shared<Job>());
         putSession(second);
         model->refreshSession();
         EXPECT_EQ(model->source(), u"extension 1"_s);

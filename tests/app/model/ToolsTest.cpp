@@ -1,5 +1,5 @@
 #include "core/ConversionError.h"
-#include "core/SubtitleCleanup.h"
+#include "core/text/SubtitleCleanup.h"
 #include "tests/support/Events.h"
 #include "tests/support/Generator.h"
 #include "tests/support/ModelTest.h"

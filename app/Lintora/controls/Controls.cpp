@@ -1,0 +1,75 @@
+#include "app/Lintora/controls/Controls.h"
+
+#include <QFrame>
+
+namespace Controls {
+
+namespace {
+
+void describe(QAbstractButton &button, const QString &name, const QString &help)
+{
+    button.setFocusPolicy(Qt::StrongFocus);
+    button.setAccessibleName(name);
+    button.setToolTip(help);
+    button.setAccessibleDescription(help);
+}
+
+} // namespace
+
+QPushButton *button(const QString &text, QWidget *parent, const QString &help)
+{
+    auto *const button = new QPushButton(text, parent);
+    button->setAutoDefault(false);
+    describe(*button, text, help);
+    return button;
+}
+
+QPushButton *primaryButton(const QString &text, QWidget *parent)
+{
+    QPushButton *const primary = button(text, parent);
+    primary->setProperty("primary", true);
+    return primary;
+}
+
+QPushButton *quietButton(const QString &text, QWidget *parent)
+{
+    QPushButton *const quiet = button(text, parent);
+    quiet->setProperty("quiet", true);
+    return quiet;
+}
+
+QToolButton *signButton(VELTheme::Glyph glyph, const QString &name, QWidget *parent, const QString &help)
+{
+    auto *const button = new QToolButton(parent);
+    button->setIcon(VELTheme::icon(glyph, *button));
+    button->setIconSize({VELTheme::iconSize, VELTheme::iconSize});
+    button->setProperty("quiet", true);
+    describe(*button, name, help.isEmpty() ? name : help);
+    return button;
+}
+
+QLabel *heading(const QString &text, QWidget *parent)
+{
+    auto *const label = new QLabel(text, parent);
+    label->setFont(VELTheme::headingFont());
+    return label;
+}
+
+QLabel *note(const QString &text, QWidget *parent)
+{
+    auto *const label = new QLabel(text, parent);
+    label->setFont(VELTheme::smallFont());
+    label->setProperty("secondary", true);
+    label->setWordWrap(true);
+    label->setMinimumWidth(0);
+    return label;
+}
+
+QWidget *rule(QWidget *parent)
+{
+    auto *const line = new QFrame(parent);
+    line->setProperty("rule", true);
+    return line;
+}
+
+} // namespace Controls

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "app/Lintora/controls/Theme.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QToolButton>
+
+/// The controls that the window is made of, with what all of them share: a name for who cannot see them, a help text,
+/// and the keyboard's way to them.
+namespace Controls {
+
+QPushButton *button(const QString &text, QWidget *parent, const QString &help = {});
+QPushButton *primaryButton(const QString &text, QWidget *parent); ///< The one that a sheet is about.
+QPushButton *quietButton(const QString &text, QWidget *parent);   ///< Without an outline.
+
+/// A button that shows a sign; `name` is what it is called.
+QToolButton *signButton(VELTheme::Glyph glyph, const QString &name, QWidget *parent, const QString &help = {});
+
+QLabel *heading(const QString &text, QWidget *parent);
+QLabel *note(const QString &text, QWidget *parent); ///< Small, secondary, wrapped.
+QWidget *rule(QWidget *parent);                     ///< A line across.
+
+} // namespace Controls

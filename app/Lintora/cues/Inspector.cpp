@@ -1,0 +1,118 @@
+#include "app/Lintora/cues/Inspector.h"
+
+#include "app/Lintora/controls/ElidedLabel.h"
+#include "app/Lintora/controls/Theme.h"
+#include "app/Lintora/cues/TitlePreview.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int lowest = 22 * VELTheme::step;
+constexpr int highest = 40 * VELTheme::step;
+
+} // namespace
+
+namespace CueNumbers {
+
+QString summary(const Subtitle &cue)
+{
+    const double seconds = double(cue.end - cue.start) / 1000.0;
+    const qint64 characters = CueWarnings::readCharacters(cue.text);
+    const QString speed = seconds > 0 ? QString::number(double(characters) / seconds, 'f', 1) : u"–"_s;
+    return u"时长 %1 s · %2 字 · %3 字/秒"_s.arg(QString::number(seconds, 'f', 1), QString::number(characters), speed);
+}
+
+QString gap(const Subtitle &cue, const Subtitle *next, const FrameRate &rate)
+{
+    if (!next)
+        return u"最后一条"_s;
+    const auto end = rate.frame(cue.end);
+    const auto start = rate.frame(next->start);
+    if (!end || !start)
+        return {};
+    const qint64 frames = *start - *end;
+    return frames >= 0 ? u"下一条间隔 %1 帧"_s.arg(frames) : u"与下一条重叠 %1 帧"_s.arg(-frames);
+}
+
+} // namespace CueNumbers
+
+Inspector::Inspector(LintoraModel &model, CueTableModel &cues, QWidget *parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_cues(cues)
+    , m_preview(new TitlePreview(this))
+    , m_numbers(new ElidedLabel(this))
+    , m_gap(new ElidedLabel(this))
+    , m_warnings(new ElidedLabel(this))
+{
+    setMinimumHeight(lowest);
+    setMaximumHeight(highest);
+    m_gap->setProperty("secondary", true);
+    for (ElidedLabel *const label : {m_gap, m_warnings})
+        label->setFont(VELTheme::smallFont());
+    m_numbers->setAccessibleName(u"所选字幕"_s);
+    m_warnings->setAccessibleName(u"提醒"_s);
+
+    auto *const words = new QVBoxLayout;
+    words->setSpacing(VELTheme::step);
+    words->addWidget(m_numbers);
+    words->addWidget(m_gap);
+    words->addWidget(m_warnings);
+    words->addStretch();
+    auto *const layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(3 * VELTheme::step);
+    layout->addWidget(m_preview);
+    layout->addLayout(words, 1);
+
+    connect(&cues, &CueTableModel::changed, this, &Inspector::update);
+    connect(&model, &LintoraModel::optionsChanged, this, &Inspector::update);
+    connect(&model, &LintoraModel::optionsChanged, this, &Inspector::shapePreview);
+    update();
+}
+
+void Inspector::show(std::optional<int> cue)
+{
+    m_cue = cue;
+    update();
+}
+
+/// The picture takes the whole height, in the shape of the frame, and never more than half the width.
+void Inspector::shapePreview()
+{
+    const Options &options = m_model.options();
+    const double shape = options.width > 0 && options.height > 0 ? double(options.width) / double(options.height) : 1;
+    m_preview->setFixedWidth(std::clamp(int(height() * shape), 1, std::max(1, width() / 2)));
+}
+
+void Inspector::resizeEvent(QResizeEvent * /*event*/)
+{
+    shapePreview();
+}
+
+void Inspector::update()
+{
+    if (!m_cue || *m_cue >= m_cues.rowCount()) {
+        m_numbers->setText(u"选中一条字幕，查看时长与画面"_s);
+        m_gap->clear();
+        m_warnings->clear();
+        m_preview->show({}, m_model.options());
+        return;
+    }
+    const Subtitle &cue = m_cues.cue(*m_cue);
+    const Subtitle *const next = *m_cue + 1 < m_cues.rowCount() ? &m_cues.cue(*m_cue + 1) : nullptr;
+    m_numbers->setText(CueNumbers::summary(cue));
+    m_gap->setText(CueNumbers::gap(cue, next, m_model.options().rate));
+    const QString warnings = m_cues.index(*m_cue, 0).data(CueTableModel::warningsRole).toStringList().join(u" · "_s);
+    m_warnings->setText(warnings);
+    QPalette palette = m_warnings->palette();
+    palette.setColor(QPalette::WindowText, VELTheme::colors(*this).warning);
+    m_warnings->setPalette(palette);
+    m_preview->show(cue.text, m_model.options());
+}

@@ -1,0 +1,84 @@
+#include "app/Lintora/drag/CardRow.h"
+
+#include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/ElidedLabel.h"
+#include "app/Lintora/drag/DragSubtitleCard.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QMenu>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+CardRow::CardRow(LintoraModel &model, std::function<bool()> mayAct, QWidget *parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_mayAct(std::move(mayAct))
+    , m_cards(new QHBoxLayout)
+    , m_exportSRT(Controls::quietButton(u"导出 SRT"_s, this))
+    , m_exportFCPXML(Controls::quietButton(u"导出 FCPXML"_s, this))
+{
+    auto *const hint = new ElidedLabel(u"按住下方卡片，拖入 FCP 时间线"_s, this);
+    hint->setFont(VELTheme::smallFont());
+    hint->setProperty("secondary", true);
+    auto *const heading = new QHBoxLayout;
+    heading->setSpacing(VELTheme::step);
+    heading->addWidget(hint, 1);
+    heading->addWidget(m_exportSRT);
+    heading->addWidget(m_exportFCPXML);
+    m_cards->setSpacing(VELTheme::gap);
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(VELTheme::step);
+    layout->addLayout(heading);
+    layout->addLayout(m_cards);
+
+    const auto perform = [this](void (LintoraModel::*action)()) {
+        return [this, action] {
+            if (m_mayAct())
+                (m_model.*action)();
+        };
+    };
+    connect(m_exportSRT, &QPushButton::clicked, this, perform(&LintoraModel::exportSRT));
+    auto *const menu = new QMenu(m_exportFCPXML);
+    menu->addAction(u"独立文档"_s, this, perform(&LintoraModel::exportFCPXML));
+    menu->addAction(u"写入项目…"_s, this, perform(&LintoraModel::exportToProject));
+    m_exportFCPXML->setMenu(menu);
+    m_exportFCPXML->setIcon(VELTheme::icon(VELTheme::Glyph::more, *m_exportFCPXML));
+    m_exportFCPXML->setLayoutDirection(Qt::RightToLeft); // The sign stands behind the words.
+    menu->setLayoutDirection(Qt::LeftToRight);
+
+    connect(&model, &LintoraModel::tracksChanged, this, &CardRow::follow);
+    connect(&model, &LintoraModel::splitOriginalChanged, this, &CardRow::follow);
+    connect(&model, &LintoraModel::itemsChanged, this, &CardRow::follow);
+    follow();
+}
+
+void CardRow::follow()
+{
+    m_exportSRT->setEnabled(!m_model.items().isEmpty());
+    m_exportFCPXML->setEnabled(!m_model.items().isEmpty());
+    QList<QUuid> tracks;
+    for (const SubtitleTrack &track : m_model.visibleTracks())
+        tracks += track.id;
+    if (tracks == m_tracks)
+        return;
+    m_tracks = tracks;
+    qDeleteAll(m_shown);
+    m_shown.clear();
+    QWidget *before = m_exportFCPXML;
+    for (const QUuid &track : tracks) {
+        auto *const card = new DragSubtitleCard(m_model, track, this);
+        card->installEventFilter(this);
+        m_cards->addWidget(card, 1);
+        m_shown += card;
+        setTabOrder(before, card);
+        before = card;
+    }
+}
+
+bool CardRow::eventFilter(QObject * /*watched*/, QEvent *event)
+{
+    return event->type() == QEvent::MouseButtonPress && !m_mayAct();
+}

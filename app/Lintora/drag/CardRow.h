@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/model/LintoraModel.h"
+
+#include <QWidget>
+
+class QHBoxLayout;
+class QPushButton;
+
+/// A card for each language group, to be dragged into Final Cut Pro, and the exports of the selected one.
+class CardRow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `model` must live as long as this. Before cues leave the window `mayAct` is asked, so that what is being typed
+    /// goes with them.
+    CardRow(LintoraModel &model, std::function<bool()> mayAct, QWidget *parent = nullptr);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void follow();
+
+    LintoraModel &m_model;
+    std::function<bool()> m_mayAct;
+    QHBoxLayout *m_cards;
+    QPushButton *m_exportSRT;
+    QPushButton *m_exportFCPXML;
+    QList<QUuid> m_tracks; ///< Of the cards.
+    QList<QWidget *> m_shown;
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "app/model/LintoraModel.h"
+
+#include <QAbstractListModel>
+
+/// The style presets of the model, in their order.
+class PresetListModel : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    /// `model` must live as long as this.
+    explicit PresetListModel(LintoraModel &model, QObject *parent = nullptr);
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+
+    const SubtitleStylePreset &preset(const QModelIndex &index) const { return m_presets.at(index.row()); }
+    QModelIndex indexOf(const QUuid &id) const;
+    QModelIndex indexOf(const QString &name) const; ///< As it is compared when one is saved.
+
+private:
+    void follow();
+
+    LintoraModel &m_model;
+    QList<SubtitleStylePreset> m_presets;
+};

@@ -1,0 +1,82 @@
+#include "app/Lintora/tools/CleanupWorkspace.h"
+
+#include "app/Lintora/controls/Controls.h"
+#include "core/ConversionError.h"
+#include "core/text/SubtitleCleanup.h"
+
+#include <QHBoxLayout>
+#include <QPlainTextEdit>
+#include <QStyle>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+CleanupWorkspace::CleanupWorkspace(LintoraModel &model, QWidget *content)
+    : Sheet(Extent::whole, content)
+    , m_model(model)
+    , m_text(new QPlainTextEdit(this))
+    , m_note(Controls::note({}, this))
+{
+    addHeading(u"VELMORA  /  CLEANUP"_s);
+    body()->addWidget(Controls::note(u"输入想去掉的语气词，每行一个，也可用逗号分隔。清理时按词表匹配移除。"_s, this));
+    m_text->setAccessibleName(u"语气词"_s);
+    m_text->setTabChangesFocus(true);
+    body()->addWidget(m_text, 1);
+    body()->addWidget(
+        Controls::note(u"词表只在开启「去语气词」并点击「一键清理」后使用。留空可停用全部词条。"_s, this));
+
+    m_note->setAccessibleName(u"状态"_s);
+    auto *const defaults = Controls::button(u"恢复默认词表"_s, this);
+    auto *const saving = Controls::primaryButton(u"保存"_s, this);
+    auto *const row = new QHBoxLayout;
+    row->setSpacing(VELTheme::gap);
+    row->addWidget(m_note, 1);
+    row->addWidget(defaults);
+    row->addWidget(saving);
+    body()->addSpacing(VELTheme::step);
+    body()->addLayout(row);
+
+    connect(this, &Sheet::closeRequested, &model, [&model] { model.setCleanupSettingsVisible(false); });
+    connect(defaults, &QPushButton::clicked, this, &CleanupWorkspace::restoreDefaults);
+    connect(saving, &QPushButton::clicked, this, &CleanupWorkspace::save);
+    connect(m_text, &QPlainTextEdit::textChanged, this, [this] { setNote({}, false); });
+}
+
+void CleanupWorkspace::present()
+{
+    if (isVisible())
+        return;
+    // What was typed and not saved is still there; a list changed elsewhere is shown when nothing was.
+    const QString kept = m_model.fillerWords().join(u'\n');
+    if (m_text->toPlainText() == m_kept)
+        m_text->setPlainText(kept);
+    m_kept = kept;
+    setNote({}, false);
+    open(m_text);
+}
+
+void CleanupWorkspace::restoreDefaults()
+{
+    m_text->selectAll(); // Replaced as a typed text is, so that it can be taken back.
+    m_text->insertPlainText(SubtitleCleanup::defaultFillerWords().join(u'\n'));
+    setNote(u"点击保存后生效"_s, false);
+}
+
+void CleanupWorkspace::save()
+{
+    try {
+        m_model.saveFillerWords(m_text->toPlainText());
+        m_kept = m_text->toPlainText();
+        setNote(u"已保存，下次打开会继续保留"_s, false);
+    } catch (const ConversionError &error) {
+        setNote(error.message(), true);
+    }
+}
+
+void CleanupWorkspace::setNote(const QString &note, bool isFailure)
+{
+    m_note->setText(note);
+    m_note->setProperty("failure", isFailure);
+    m_note->style()->unpolish(m_note);
+    m_note->style()->polish(m_note);
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "app/Lintora/tools/TextDifference.h"
+
+#include <QStyledItemDelegate>
+
+/// One row of a list that compares two wordings of a cue.
+struct ComparedRow
+{
+    enum class Kind
+    {
+        comparison,
+        heading ///< `before` in bold, `after` as a remark beneath it.
+    };
+
+    Kind kind = Kind::comparison;
+    QString number;                             ///< Of the cue; may be empty.
+    QString before;                             ///< May have lines.
+    QString after;                              ///< Empty: there is only one wording.
+    QList<TextDifference::Stretch> beforeMarks; ///< What goes.
+    QList<TextDifference::Stretch> afterMarks;  ///< What comes.
+    bool isRemark = false;                      ///< Whether `after` is said about the cue instead of shown by it.
+    bool needsReview = false;
+};
+
+Q_DECLARE_METATYPE(ComparedRow)
+
+/// Draws compared rows: the wording as it is, and under an arrow what becomes of it, with what differs marked in both.
+/// Rows that can be ticked have a box in front. All rows are of one height, and only what is seen is compared.
+class MarkedTextDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    static constexpr int comparedRole = Qt::UserRole; ///< A ComparedRow.
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+
+protected:
+    bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
+                     const QModelIndex &index) override;
+};

@@ -1,0 +1,93 @@
+#include "app/Lintora/tools/ScriptMatchWorkspace.h"
+
+#include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/ElidedLabel.h"
+#include "app/Lintora/tools/MarkedTextDelegate.h"
+
+#include <QHBoxLayout>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+ScriptMatchWorkspace::ScriptMatchWorkspace(LintoraModel &model, QWidget *content)
+    : Sheet(Extent::whole, content)
+    , m_model(model)
+    , m_rows(model)
+    , m_text(new QPlainTextEdit(this))
+    , m_list(new QListView(this))
+    , m_status(new ElidedLabel(this))
+    , m_match(Controls::button(u"开始匹配"_s, this))
+    , m_undo(Controls::button(u"撤销修改"_s, this))
+    , m_apply(Controls::primaryButton({}, this))
+{
+    addHeading(u"按文稿校正文字，保留字幕时间。"_s);
+    body()->addWidget(Controls::note(u"本机匹配 · 时间码不变"_s, this));
+    m_text->setPlaceholderText(u"在这里粘贴文稿正文…\n无需填写时间码，段落顺序应与字幕一致。"_s);
+    m_text->setAccessibleName(u"文稿正文"_s);
+    m_text->setTabChangesFocus(true);
+    m_text->setPlainText(model.scriptText());
+    m_list->setModel(&m_rows);
+    m_list->setItemDelegate(new MarkedTextDelegate(m_list));
+    m_list->setUniformItemSizes(true);
+    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->setAccessibleName(u"对照"_s);
+    body()->addWidget(m_text, 1);
+    body()->addWidget(m_list, 3);
+    body()->addWidget(makeButtons());
+
+    connect(this, &Sheet::closeRequested, &model, [&model] { model.setScriptMatchPresented(false); });
+    connect(m_text, &QPlainTextEdit::textChanged, this, [this] { m_model.setScriptText(m_text->toPlainText()); });
+    for (const auto signal :
+         {&LintoraModel::scriptRowsChanged, &LintoraModel::scriptStatusChanged, &LintoraModel::historyChanged,
+          &LintoraModel::activityChanged, &LintoraModel::aiBusyChanged, &LintoraModel::selectedTrackIDChanged})
+        connect(&model, signal, this, &ScriptMatchWorkspace::follow);
+}
+
+QWidget *ScriptMatchWorkspace::makeButtons()
+{
+    auto *const row = new QWidget(this);
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, VELTheme::step, 0, 0);
+    layout->setSpacing(VELTheme::gap);
+    m_status->setFont(VELTheme::smallFont());
+    m_status->setProperty("secondary", true);
+    m_status->setAccessibleName(u"状态"_s);
+    layout->addWidget(m_status, 1);
+    layout->addWidget(m_undo);
+    layout->addWidget(m_match);
+    layout->addWidget(m_apply);
+    connect(m_undo, &QPushButton::clicked, &m_model, &LintoraModel::undoScriptMatch);
+    connect(m_match, &QPushButton::clicked, &m_model, &LintoraModel::matchScript);
+    connect(m_apply, &QPushButton::clicked, &m_model, &LintoraModel::applyScriptRows);
+    return row;
+}
+
+void ScriptMatchWorkspace::present()
+{
+    if (isVisible())
+        return;
+    if (m_text->toPlainText() != m_model.scriptText())
+        m_text->setPlainText(m_model.scriptText());
+    open(m_text);
+    follow();
+}
+
+void ScriptMatchWorkspace::follow()
+{
+    if (!isVisible())
+        return;
+    const bool hasRows = !m_model.scriptRows().isEmpty();
+    const qsizetype ticked = m_rows.ticked();
+    m_list->setVisible(hasRows);
+    m_status->setText(m_model.scriptStatus());
+    m_match->setEnabled(!m_model.aiBusy() && !m_model.items().isEmpty());
+    m_undo->setVisible(m_model.canUndoScriptMatch());
+    m_apply->setText(u"应用勾选 · %1"_s.arg(ticked));
+    m_apply->setAccessibleName(m_apply->text());
+    m_apply->setVisible(hasRows);
+    m_apply->setEnabled(ticked > 0 && !m_model.aiBusy());
+}

@@ -1,0 +1,151 @@
+#include "app/model/EditHistory.h"
+
+#include "app/model/SessionTracks.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// Clearing a shared list would give it as much room of its own as it had.
+
+LintoraSession withoutCues(LintoraSession state)
+{
+    state.items = {};
+    state.previousItems.reset();
+    state.tracks.reset();
+    return state;
+}
+
+SubtitleTrack withoutCues(SubtitleTrack track)
+{
+    track.items = {};
+    track.previousItems.reset();
+    return track;
+}
+
+bool isShared(const QList<Subtitle> &a, const QList<Subtitle> &b)
+{
+    return a.constData() == b.constData() && a.size() == b.size();
+}
+
+} // namespace
+
+EditHistory::EditHistory(const LintoraSession &first)
+{
+    makeCurrent(freeze(first), first);
+}
+
+void EditHistory::record(const LintoraSession &state)
+{
+    FrozenJob frozen = freeze(state);
+    m_past.push_back(std::move(m_frozen));
+    m_future.clear();
+    makeCurrent(std::move(frozen), state);
+}
+
+void EditHistory::amend(const LintoraSession &state)
+{
+    makeCurrent(freeze(state), state);
+}
+
+void EditHistory::insertBefore(const LintoraSession &state)
+{
+    m_past.push_back(freeze(state));
+}
+
+const LintoraSession &EditHistory::undo()
+{
+    FrozenJob target = std::move(m_past.back());
+    m_past.pop_back();
+    const LintoraSession state = thaw(target);
+    m_future.push_back(std::move(m_frozen));
+    makeCurrent(std::move(target), state);
+    return m_current;
+}
+
+const LintoraSession &EditHistory::redo()
+{
+    FrozenJob target = std::move(m_future.back());
+    m_future.pop_back();
+    const LintoraSession state = thaw(target);
+    m_past.push_back(std::move(m_frozen));
+    makeCurrent(std::move(target), state);
+    return m_current;
+}
+
+void EditHistory::makeCurrent(FrozenJob frozen, const LintoraSession &state)
+{
+    m_frozen = std::move(frozen);
+    m_current = state;
+}
+
+EditHistory::FrozenJob EditHistory::freeze(const LintoraSession &state) const
+{
+    FrozenJob job{.rest = withoutCues(state), .tracks = {}};
+    for (const SubtitleTrack &track : state.tracks.value_or(QList<SubtitleTrack>()))
+        job.tracks.push_back(freeze(track));
+    return job;
+}
+
+std::shared_ptr<const EditHistory::FrozenTrack> EditHistory::freeze(const SubtitleTrack &track) const
+{
+    const FrozenTrack *before = nullptr;
+    const SubtitleTrack *original = nullptr;
+    for (size_t i = 0; i < m_frozen.tracks.size(); ++i) {
+        if (m_frozen.tracks[i]->rest.id != track.id)
+            continue;
+        before = m_frozen.tracks[i].get();
+        original = &m_current.tracks->at(qsizetype(i));
+        // Cues that differ are compared once, when they are put away.
+        if (isShared(track.items, original->items) && track == *original)
+            return m_frozen.tracks[i];
+    }
+    auto frozen = std::make_shared<FrozenTrack>();
+    frozen->rest = withoutCues(track);
+    frozen->items = freeze(track.items, before, original);
+    if (track.previousItems)
+        frozen->previousItems = freeze(*track.previousItems, before, original);
+    return frozen;
+}
+
+/// Shares with the same list of the current state wherever it hangs there, else with the track's own cues.
+EditHistory::Cues EditHistory::freeze(const QList<Subtitle> &cues, const FrozenTrack *before,
+                                      const SubtitleTrack *original) const
+{
+    for (size_t i = 0; i < m_frozen.tracks.size(); ++i) {
+        const SubtitleTrack &track = m_current.tracks->at(qsizetype(i));
+        if (isShared(cues, track.items))
+            return m_frozen.tracks[i]->items;
+        if (track.previousItems && isShared(cues, *track.previousItems))
+            return m_frozen.tracks[i]->previousItems;
+    }
+    return before ? FrozenCues::freeze(cues, original->items, *before->items)
+                  : FrozenCues::freeze(cues, {}, FrozenCues());
+}
+
+LintoraSession EditHistory::thaw(const FrozenJob &job) const
+{
+    LintoraSession state = job.rest;
+    QList<SubtitleTrack> tracks;
+    for (const auto &frozen : job.tracks) {
+        SubtitleTrack track = frozen->rest;
+        track.items = thaw(frozen->items);
+        if (frozen->previousItems)
+            track.previousItems = thaw(frozen->previousItems);
+        tracks += track;
+    }
+    state.tracks = tracks;
+    return SessionTracks::activated(std::move(state));
+}
+
+QList<Subtitle> EditHistory::thaw(const Cues &cues) const
+{
+    for (size_t i = 0; i < m_frozen.tracks.size(); ++i) {
+        if (m_frozen.tracks[i]->items == cues)
+            return m_current.tracks->at(qsizetype(i)).items;
+        if (cues && m_frozen.tracks[i]->previousItems == cues)
+            return *m_current.tracks->at(qsizetype(i)).previousItems;
+    }
+    return cues->thaw();
+}

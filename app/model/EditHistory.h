@@ -1,0 +1,67 @@
+#pragma once
+
+#include "app/model/FrozenCues.h"
+#include "store/LintoraSession.h"
+
+#include <deque>
+
+/// The states that a job went through, to go back and forth between. Without a limit.
+///
+/// ```
+///   first ── record ── record ── current ── undone ── undone
+///                                   ◀ undo   redo ▶
+/// ```
+/// States share what did not change: a state that differs from its neighbour in one cue takes some kilobytes, however
+/// many cues there are. A recorded state makes the undone ones unreachable.
+///
+/// The cues of a state are those of its tracks; a state without tracks has none.
+class EditHistory
+{
+public:
+    explicit EditHistory(const LintoraSession &first);
+
+    const LintoraSession &current() const { return m_current; }
+    bool canUndo() const { return !m_past.empty(); }
+    bool canRedo() const { return !m_future.empty(); }
+    size_t pastCount() const { return m_past.size(); } ///< How often undo() can be called.
+
+    /// `state` follows the current one.
+    void record(const LintoraSession &state);
+
+    /// `state` takes the current one's place: what changed is no step of its own. The undone states stay.
+    void amend(const LintoraSession &state);
+
+    /// Puts `state` between the current one and the one before, so that undoing once leads to it.
+    void insertBefore(const LintoraSession &state);
+
+    const LintoraSession &undo(); ///< Goes back and returns the state. There must be one.
+    const LintoraSession &redo(); ///< Goes forth and returns the state. There must be one.
+
+private:
+    using Cues = std::shared_ptr<const FrozenCues>;
+
+    struct FrozenTrack
+    {
+        SubtitleTrack rest; ///< Without cues.
+        Cues items;
+        Cues previousItems; ///< Null when absent.
+    };
+
+    struct FrozenJob
+    {
+        LintoraSession rest; ///< Without tracks and cues.
+        std::vector<std::shared_ptr<const FrozenTrack>> tracks;
+    };
+
+    FrozenJob freeze(const LintoraSession &state) const;
+    std::shared_ptr<const FrozenTrack> freeze(const SubtitleTrack &track) const;
+    Cues freeze(const QList<Subtitle> &cues, const FrozenTrack *before, const SubtitleTrack *original) const;
+    LintoraSession thaw(const FrozenJob &job) const;
+    QList<Subtitle> thaw(const Cues &cues) const;
+    void makeCurrent(FrozenJob frozen, const LintoraSession &state);
+
+    std::deque<FrozenJob> m_past;   ///< Oldest first.
+    std::deque<FrozenJob> m_future; ///< The next one to be redone last.
+    FrozenJob m_frozen;             ///< The current state, put away.
+    LintoraSession m_current;
+};

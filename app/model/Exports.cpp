@@ -1,0 +1,76 @@
+#include "app/model/Exports.h"
+
+#include "core/ConversionError.h"
+#include "core/SRT.h"
+#include "core/files/AtomicFile.h"
+#include "core/files/Utf8Writer.h"
+#include "fcp/FCPXML.h"
+#include "fcp/titles/WrittenTitles.h"
+
+using namespace Qt::StringLiterals;
+
+namespace Exports {
+
+namespace {
+
+XmlDocument parse(const FCPProject &project)
+{
+    return project.folder ? FCPXML::document(project.document, *project.folder)
+                          : XmlDocument::parse(project.document, u"不支持含外部实体的 XML。");
+}
+
+/// Writes into `file`, and asks between blocks whether to go on.
+Utf8Writer writerInto(AtomicFile &file, Job &job)
+{
+    return Utf8Writer([&](QByteArrayView block) {
+        job.check();
+        file.write(block);
+    });
+}
+
+} // namespace
+
+void writeSRT(const QString &path, const QList<Subtitle> &cues, Job &job)
+{
+    if (cues.isEmpty())
+        throw ConversionError(u"请先打开 SRT。"_s);
+    AtomicFile file(path);
+    Utf8Writer out = writerInto(file, job);
+    SRT::serialize(cues, out);
+    file.sync();
+    job.check();
+    file.commit(AtomicFile::Durability::PowerCut);
+}
+
+void writeTitles(const QString &path, const QList<Subtitle> &cues, const Options &options,
+                 const std::optional<FCPProject> &project, Job &job)
+{
+    auto base = project ? std::optional(parse(*project)) : std::nullopt;
+    job.check();
+    const TitleDocument document = FCPXML::convert(cues, std::move(base), options);
+    job.check();
+    AtomicFile file(path);
+    Utf8Writer out = writerInto(file, job);
+    document.write(out);
+    file.sync();
+    WrittenTitles::verify(file.readBack(), document.effectID(), cues, options);
+    job.check();
+    file.commit(AtomicFile::Durability::PowerCut);
+}
+
+QString fileName(const QString &name)
+{
+    QString kept;
+    for (const QChar c : name)
+        kept += c == u'/' || c == u':' || c == u'\\' || c.unicode() < u' ' ? QChar(u'_') : c;
+    kept = kept.trimmed();
+    while (kept.startsWith(u'.'))
+        kept.remove(0, 1);
+    constexpr qsizetype longest = 80; // characters; file systems take 255 bytes, three for a Chinese character
+    kept.truncate(longest);
+    if (!kept.isEmpty() && kept.back().isHighSurrogate())
+        kept.chop(1);
+    return kept.isEmpty() ? u"字幕"_s : kept;
+}
+
+} // namespace Exports

@@ -1,0 +1,117 @@
+#include "app/model/Imports.h"
+
+#include "core/SRT.h"
+#include "core/files/FileReader.h"
+#include "fcp/FCPXML.h"
+#include "fcp/titles/SubtitleTransfer.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace Imports {
+
+namespace {
+
+/// Opening what is no regular file, a pipe for instance, might wait forever.
+void checkRegular(const QString &path)
+{
+    const QFileInfo file(path);
+    if (file.exists() && !file.isFile())
+        throw ConversionError(u"“%1”不是可读取的文件。"_s.arg(file.fileName()));
+}
+
+/// Matches a project and keeps it. Sets `failure` when that cannot be.
+void keepProject(ImportedTimeline &timeline, const XmlDocument &document, FCPProject project)
+{
+    try {
+        timeline.settings = FCPXML::settings(Options(), document);
+        project.name = QString::fromUtf8(Xml::attribute(FCPXML::project(document), "name").value_or(""));
+        project.rate = timeline.settings->rate;
+        timeline.project = std::move(project);
+    } catch (const ConversionError &error) {
+        timeline.failure = error.message();
+    }
+}
+
+ImportedTimeline readTimeline(const XmlDocument &document, FCPProject project, Job &job)
+{
+    ImportedTimeline timeline;
+    const bool isProject = FCPXML::projects(document).size() == 1;
+    if (isProject)
+        keepProject(timeline, document, std::move(project));
+    job.check();
+    try {
+        timeline.plan = FCPAudioPlan::parse(document);
+        if (!timeline.settings)
+            timeline.settings = timeline.plan->settings;
+    } catch (const NothingAudible &error) {
+        if (!timeline.project)
+            throw timeline.failure ? ConversionError(*timeline.failure) : static_cast<const ConversionError &>(error);
+        timeline.isSilent = true;
+    } catch (const ConversionError &error) {
+        if (!timeline.project)
+            throw timeline.failure ? ConversionError(*timeline.failure) : error;
+        timeline.failure = error.message();
+    }
+    return timeline;
+}
+
+} // namespace
+
+std::optional<Kind> kindOf(const QString &path)
+{
+    // The name of a bundle, which is a folder, may end with a slash.
+    const QString suffix = QFileInfo(QDir::cleanPath(path)).suffix().toLower();
+    if (suffix == u"srt")
+        return Kind::subtitles;
+    if (suffix == u"fcpxml" || suffix == u"fcpxmld")
+        return Kind::project;
+    return std::nullopt;
+}
+
+ImportedCues readSubtitles(const QString &path, const Options &options, Job &job)
+{
+    checkRegular(path);
+    ImportedCues imported{.cues = SRT::read(path), .source = QFileInfo(path).fileName()};
+    job.check();
+    SubtitleTransfer::clip(imported.cues, options);
+    return imported;
+}
+
+ImportedTimeline readTimeline(const QString &path, Job &job)
+{
+    const QFileInfo given(QDir::cleanPath(path));
+    const QString file =
+        given.suffix().toLower() == u"fcpxmld" ? given.filePath() + u"/Info.fcpxml"_s : given.filePath();
+    checkRegular(file);
+    const auto bytes = FileReader::readUpTo(file, FCPXML::largestFile);
+    if (!bytes)
+        throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
+    job.check();
+    const QString folder = QFileInfo(file).absolutePath();
+    const XmlDocument document = FCPXML::document(*bytes, folder);
+    return readTimeline(document, {.document = *bytes, .folder = folder, .name = {}, .rate = {}}, job);
+}
+
+ImportedTimeline readTimeline(const QByteArray &dragged, Job &job)
+{
+    static constexpr QStringView refusal = u"FCP 数据过大或含不支持的 XML 实体。";
+    if (dragged.size() > FCPXML::largestFile)
+        throw ConversionError(refusal.toString());
+    const XmlDocument document = XmlDocument::parse(dragged, refusal);
+    return readTimeline(document, {.document = dragged, .folder = std::nullopt, .name = {}, .rate = {}}, job);
+}
+
+Options matching(Options options, const Options &matched)
+{
+    options.rate = matched.rate;
+    options.width = matched.width;
+    options.height = matched.height;
+    options.fontSize = matched.fontSize;
+    options.name = matched.name;
+    return options;
+}
+
+} // namespace Imports

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "app/model/FCPProject.h"
+#include "core/Job.h"
+#include "core/Subtitle.h"
+#include "fcp/audio/FCPAudioPlan.h"
+
+#include <QString>
+
+#include <variant>
+
+/// What comes in, read and judged. All of these block and belong on a worker.
+namespace Imports {
+
+/// Cues that are ready to become a job.
+struct ImportedCues
+{
+    QList<Subtitle> cues;
+    QString source; ///< The file's name.
+};
+
+/// What a project or a selection of clips brings. At least one of the first three is there.
+struct ImportedTimeline
+{
+    std::optional<FCPProject> project = {}; ///< Absent when titles cannot be written into it.
+    std::optional<Options> settings = {};   ///< Rate, size, font size and name that match it.
+    std::optional<FCPAudioPlan> plan = {};  ///< Absent when it cannot be heard.
+    bool isSilent = false;                  ///< Nothing on it can be heard, and that is all that is wrong with it.
+    std::optional<QString> failure = {};    ///< What is wrong in spite of all that is there.
+};
+
+using Imported = std::variant<ImportedCues, ImportedTimeline>;
+
+/// What `load` takes.
+enum class Kind
+{
+    subtitles,
+    project
+};
+
+/// By the file name's extension, in any case; absent for what is not taken.
+std::optional<Kind> kindOf(const QString &path);
+
+/// Reads an SRT file, and makes sure that titles with `options` can be made of it.
+/// @throws ConversionError, PlatformError
+ImportedCues readSubtitles(const QString &path, const Options &options, Job &job);
+
+/// Reads a project file or bundle. @throws ConversionError, PlatformError when nothing of it is of use
+ImportedTimeline readTimeline(const QString &path, Job &job);
+
+/// The same for data that was dragged. @throws ConversionError "FCP 数据过大或含不支持的 XML 实体。" too
+ImportedTimeline readTimeline(const QByteArray &dragged, Job &job);
+
+/// `options` with the rate, sizes and name of `matched`.
+Options matching(Options options, const Options &matched);
+
+} // namespace Imports

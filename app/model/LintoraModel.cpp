@@ -1,0 +1,318 @@
+#include "app/model/LintoraModel.h"
+
+#include "app/model/SessionTracks.h"
+#include "core/ConversionError.h"
+#include "core/CueEditing.h"
+#include "store/Locations.h"
+
+#include <QScopeGuard>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
+    : QObject(parent)
+    , m_dialogs(std::move(surroundings.dialogs))
+    , m_preferences(std::move(surroundings.settings))
+    , m_presetStore(surroundings.stylePresetsURL ? StylePresetStore(*surroundings.stylePresetsURL) : StylePresetStore())
+    , m_keeper(surroundings.draftURL.value_or(Locations::draft()))
+    , m_job(SessionTracks::normalized(m_keeper.loadDraft().value_or(LintoraSession())))
+    , m_history(m_job)
+    , m_fillerWords(m_preferences.fillerWords())
+    , m_pinned(m_preferences.floatingPinned())
+{
+    try {
+        m_stylePresets = m_presetStore.load();
+    } catch (const std::exception &error) {
+        m_message = u"样式预设未能读取："_s + QString::fromUtf8(error.what());
+    }
+    for (const BackgroundTask *const task : {&m_import, &m_export, &m_match})
+        connect(task, &BackgroundTask::activityChanged, this, &LintoraModel::activityChanged);
+    connect(&m_keeper, &SessionKeeper::arrived, this, &LintoraModel::takeSession);
+    connect(&m_keeper, &SessionKeeper::overruled, this, &LintoraModel::keepOverruled);
+    connect(&m_keeper, &SessionKeeper::failed, this, &LintoraModel::reportUnsaved);
+}
+
+LintoraModel::~LintoraModel() = default;
+
+QList<SubtitleTrack> LintoraModel::visibleTracks() const
+{
+    QList<SubtitleTrack> shown = tracks();
+    if (shown.size() > 1)
+        shown.removeIf([&](const SubtitleTrack &track) { return track.id == m_job.splitOriginal; });
+    return shown;
+}
+
+void LintoraModel::apply(const LintoraSession &session)
+{
+    if (!refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
+        replaceJob(SessionTracks::normalized(session), Step::load);
+}
+
+// What is said
+
+std::optional<QString> LintoraModel::activity() const
+{
+    for (const BackgroundTask *const task : {&m_import, &m_export, &m_match}) {
+        if (task->activity())
+            return task->activity();
+    }
+    return std::nullopt;
+}
+
+void LintoraModel::cancelActivity()
+{
+    const bool wasMatching = m_match.isRunning();
+    m_import.cancel();
+    m_export.cancel();
+    m_match.cancel();
+    if (wasMatching)
+        setScriptStatus({});
+}
+
+void LintoraModel::report(const QString &message)
+{
+    publish(m_failure, std::optional<QString>(), &LintoraModel::failureChanged);
+    publish(m_message, message, &LintoraModel::messageChanged);
+}
+
+void LintoraModel::reportFailure(const QString &sentence)
+{
+    publish(m_failure, std::optional(sentence), &LintoraModel::failureChanged);
+}
+
+bool LintoraModel::refuseWhileBusy(const QString &sentence)
+{
+    if (aiBusy())
+        reportFailure(sentence);
+    return aiBusy();
+}
+
+// The job
+
+void LintoraModel::replaceJob(LintoraSession next, Step step)
+{
+    if (next == m_job)
+        return;
+    if (step == Step::load)
+        Q_EMIT aboutToLoad();
+    const LintoraSession before = std::exchange(m_job, std::move(next));
+    // A gesture goes on only through its own changes: whatever else happens in the middle is a step by itself.
+    m_isGesture = m_isGesture && step != Step::record && step != Step::load;
+    const bool continues =
+        (step == Step::gesture && m_isGesture && m_gestureRecorded) || (m_isGroup && m_groupRecorded);
+    if (step == Step::amend || continues) {
+        m_history.amend(m_job);
+    } else {
+        // A step made beyond the session's opening leads away from it for good.
+        if (m_history.pastCount() < m_sessionBegins)
+            m_sessionBegins = std::numeric_limits<size_t>::max();
+        m_history.record(m_job);
+    }
+    m_gestureRecorded = m_gestureRecorded || step == Step::gesture;
+    m_groupRecorded = m_groupRecorded || step != Step::amend;
+    tell(before, step == Step::load);
+}
+
+/// Says and saves what has changed.
+void LintoraModel::tell(const LintoraSession &before, bool isLoaded)
+{
+    // Only what will be written: until then the session's own versions wait.
+    if (isInSession() && !m_heldSession)
+        m_keeper.announceChange();
+    schedulePersist();
+    if (isLoaded)
+        Q_EMIT loaded();
+    emitChanges(before);
+    Q_EMIT historyChanged();
+}
+
+void LintoraModel::replaceItems(const QList<Subtitle> &items)
+{
+    LintoraSession next = m_job;
+    next.items = items;
+    replaceJob(SessionTracks::committed(std::move(next)));
+}
+
+void LintoraModel::emitChanges(const LintoraSession &before)
+{
+    // A receiver may change the job again; it then hears of that first, which is the newer state anyway.
+    const LintoraSession now = m_job;
+    const bool haveCuesChanged = before.items != now.items;
+    if (haveCuesChanged)
+        Q_EMIT itemsChanged();
+    if (before.source != now.source)
+        Q_EMIT sourceChanged();
+    if (before.options != now.options)
+        Q_EMIT optionsChanged();
+    if (before.removeFillers != now.removeFillers)
+        Q_EMIT removeFillersChanged();
+    if (before.removePunctuation != now.removePunctuation)
+        Q_EMIT removePunctuationChanged();
+    if (before.previousItems != now.previousItems)
+        Q_EMIT previousItemsChanged();
+    if (before.cleaned != now.cleaned)
+        Q_EMIT cleanedChanged();
+    // The selected track has the cues too, which need not be compared again. Another one may be selected now.
+    const bool isSameTrack = before.selectedTrackID == now.selectedTrackID;
+    if ((haveCuesChanged && isSameTrack) || before.tracks != now.tracks)
+        Q_EMIT tracksChanged();
+    if (before.selectedTrackID != now.selectedTrackID)
+        Q_EMIT selectedTrackIDChanged();
+    if (before.splitOriginal != now.splitOriginal)
+        Q_EMIT splitOriginalChanged();
+}
+
+// Tracks
+
+void LintoraModel::selectTrack(const QUuid &id)
+{
+    replaceJob(SessionTracks::selecting(m_job, id), Step::amend);
+}
+
+void LintoraModel::moveCue(qsizetype index, QUuid to)
+{
+    moveCues({index}, to);
+}
+
+void LintoraModel::moveCues(const QList<qsizetype> &indices, QUuid to)
+{
+    const auto target = SessionTracks::indexOf(m_job, to);
+    const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
+    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || indices.isEmpty() ||
+        !std::ranges::all_of(indices, isThere) || to == selectedTrackID() || to == splitOriginal() || !target)
+        return;
+    const QString label = tracks().at(*target).label;
+    replaceJob(SessionTracks::movingCues(m_job, indices, to));
+    report(u"已移到“%1”"_s.arg(label));
+}
+
+// Cues
+
+template <class Change>
+std::optional<qsizetype> LintoraModel::editCues(const QList<qsizetype> &indices, qsizetype next, const Change &change)
+{
+    // The list may have become shorter since somebody looked at it.
+    const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
+    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || !std::ranges::all_of(indices, isThere))
+        return std::nullopt;
+    try {
+        replaceItems(change(items()));
+    } catch (const ConversionError &error) {
+        reportFailure(error.message());
+        return std::nullopt;
+    }
+    publish(m_failure, std::optional<QString>(), &LintoraModel::failureChanged);
+    return std::clamp<qsizetype>(next, -1, items().size() - 1);
+}
+
+std::optional<qsizetype> LintoraModel::setText(qsizetype index, const QString &text)
+{
+    return editCues({index}, index, [&](const auto &cues) { return CueEditing::settingText(cues, index, text); });
+}
+
+std::optional<qsizetype> LintoraModel::setTimes(qsizetype index, qint64 startMS, qint64 endMS)
+{
+    return editCues({index}, index,
+                    [&](const auto &cues) { return CueEditing::settingTimes(cues, index, startMS, endMS); });
+}
+
+std::optional<qsizetype> LintoraModel::insertCue(qsizetype after)
+{
+    if (tracks().isEmpty() && !aiBusy()) {
+        const QList<Subtitle> first = CueEditing::inserting({}, -1);
+        replaceJob(SessionTracks::importing(m_job, first, source()));
+        return 0;
+    }
+    const QList<qsizetype> neighbours = after < 0 ? QList<qsizetype>() : QList<qsizetype>{after};
+    return editCues(neighbours, std::max<qsizetype>(after, -1) + 1,
+                    [&](const auto &cues) { return CueEditing::inserting(cues, std::max<qsizetype>(after, -1)); });
+}
+
+std::optional<qsizetype> LintoraModel::deleteCues(const QList<qsizetype> &indices)
+{
+    const qsizetype first = indices.isEmpty() ? 0 : *std::min_element(indices.begin(), indices.end());
+    return editCues(indices, first, [&](const auto &cues) { return CueEditing::removing(cues, indices); });
+}
+
+std::optional<qsizetype> LintoraModel::splitCue(qsizetype index, qsizetype position)
+{
+    if (index < 0 || index >= items().size() || position < 0 || position > items().at(index).text.size())
+        return std::nullopt;
+    return editCues({index}, index + 1, [&](const auto &cues) { return CueEditing::splitting(cues, index, position); });
+}
+
+std::optional<qsizetype> LintoraModel::joinWithNext(qsizetype index)
+{
+    return editCues({index}, index, [&](const auto &cues) { return CueEditing::joining(cues, index); });
+}
+
+// History
+
+void LintoraModel::asOneStep(const std::function<void()> &changes)
+{
+    m_isGroup = true;
+    m_groupRecorded = false;
+    const auto end = qScopeGuard([this] { m_isGroup = false; });
+    changes();
+}
+
+bool LintoraModel::canUndo() const
+{
+    return m_history.canUndo() && !aiBusy();
+}
+
+bool LintoraModel::canRedo() const
+{
+    return m_history.canRedo() && !aiBusy();
+}
+
+void LintoraModel::undo()
+{
+    if (canUndo())
+        step(&EditHistory::undo, u"已撤销"_s);
+}
+
+void LintoraModel::redo()
+{
+    if (canRedo())
+        step(&EditHistory::redo, u"已重做"_s);
+}
+
+void LintoraModel::step(const LintoraSession &(EditHistory::*direction)(), const QString &message)
+{
+    endGesture();
+    const LintoraSession before = std::exchange(m_job, (m_history.*direction)());
+    // What changed is to be seen, also when another track was selected in the meantime.
+    if (const auto changed = SessionTracks::changedTrack(before, m_job)) {
+        m_job = SessionTracks::selecting(std::move(m_job), *changed);
+        m_history.amend(m_job);
+    }
+    tell(before, false);
+    report(message);
+}
+
+// Jobs that own the cues
+
+void LintoraModel::beginAIJob(std::shared_ptr<Job> job)
+{
+    setFindReplaceVisible(false);
+    publish(m_aiJob, std::move(job), &LintoraModel::aiBusyChanged);
+    Q_EMIT historyChanged();
+}
+
+void LintoraModel::endAIJob()
+{
+    publish(m_aiJob, std::shared_ptr<Job>(), &LintoraModel::aiBusyChanged);
+    Q_EMIT historyChanged();
+    takeHeldSession();
+}
+
+void LintoraModel::cancelAI()
+{
+    if (m_aiJob)
+        m_aiJob->cancel();
+}

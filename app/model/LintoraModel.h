@@ -1,0 +1,392 @@
+#pragma once
+
+#include "app/model/BackgroundTask.h"
+#include "app/model/EditHistory.h"
+#include "app/model/FileDialogs.h"
+#include "app/model/Imports.h"
+#include "app/model/Preferences.h"
+#include "app/model/SessionKeeper.h"
+#include "core/Job.h"
+#include "core/text/ScriptAlignment.h"
+#include "store/StylePresetStore.h"
+
+#include <QMimeData>
+#include <QObject>
+#include <QUrl>
+
+#include <memory>
+
+/// Everything the window shows, and everything a person can do to it: the one live owner of the job.
+///
+/// Each published field has a signal of its own, emitted once the whole change is in place, and only when the field
+/// has another value. Every operation says what became of it in `message` (in passing) or in `failure` (until the next
+/// success), in the words that the person sees; none throws unless it says so. A refused operation changes nothing
+/// else; nor does one that names a position or a track that is not there.
+///
+/// Every change of the job is one step of the history, and is saved to the draft and to the shared session, if there is
+/// one, as soon as control is back in the event loop. Files are read and written on workers; their operations return at
+/// once.
+///
+/// Lives on the main thread. Knows no widget and no file format.
+class LintoraModel : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// What the model finds outside itself, so that a test can put it elsewhere.
+    struct Surroundings
+    {
+        std::optional<QString> draftURL = {};        ///< Path of the draft; absent: the user's own.
+        std::optional<QString> stylePresetsURL = {}; ///< Path of the presets; absent: the user's own.
+        std::shared_ptr<QSettings> settings = {};    ///< Where preferences are kept. Never null.
+        FileDialogs dialogs = {};
+    };
+
+    /// Takes up the job that the draft holds; an unreadable draft is as none.
+    explicit LintoraModel(Surroundings surroundings, QObject *parent = nullptr);
+    ~LintoraModel() override;
+
+    // The job. Cues, options and switches are those of the selected track.
+
+    const QList<Subtitle> &items() const { return m_job.items; }
+    const QString &source() const { return m_job.source; } ///< Display name of where the cues came from.
+    const Options &options() const { return m_job.options; }
+    bool removeFillers() const { return m_job.removeFillers; }
+    bool removePunctuation() const { return m_job.removePunctuation; }
+    const std::optional<QList<Subtitle>> &previousItems() const { return m_job.previousItems; }
+    bool cleaned() const { return m_job.cleaned; }
+    const QList<SubtitleTrack> &tracks() const { return *m_job.tracks; } ///< All of them, up to date.
+    std::optional<QUuid> selectedTrackID() const { return m_job.selectedTrackID; }
+    std::optional<QUuid> splitOriginal() const { return m_job.splitOriginal; }
+
+    /// The tracks that are shown as tabs and cards: all but the one kept from before separation.
+    QList<SubtitleTrack> visibleTracks() const;
+
+    /// The whole job as it stands. Shares its data.
+    const LintoraSession &snapshot() const { return m_job; }
+
+    /// Puts `session` in the job's place, as one step.
+    void apply(const LintoraSession &session);
+
+    // What is said
+
+    const QString &message() const { return m_message; }
+    const std::optional<QString> &failure() const { return m_failure; } ///< Shown in the message's place.
+
+    /// What long work is doing; absent while there is none. cancelActivity() ends it, and leaves the job as it was.
+    std::optional<QString> activity() const;
+    void cancelActivity();
+
+    void report(const QString &message); ///< Puts `message` up and takes the failure down.
+    void reportFailure(const QString &sentence);
+
+    // Tracks
+
+    void selectTrack(const QUuid &id); ///< No step of the history. An unknown track is none.
+
+    /// Moves the cue at that position of the selected track to where it belongs by its start. A track that loses its
+    /// last cue so is closed.
+    void moveCue(qsizetype index, QUuid to);
+    void moveCues(const QList<qsizetype> &indices, QUuid to); ///< The same for several, as one step.
+
+    // Cues of the selected track, by position. The position of the cue to look at next is returned, -1 when none is
+    // left, absent when the operation was refused.
+
+    std::optional<qsizetype> setText(qsizetype index, const QString &text);
+    std::optional<qsizetype> setTimes(qsizetype index, qint64 startMS, qint64 endMS);
+    std::optional<qsizetype> insertCue(qsizetype after); ///< -1: before the first.
+    std::optional<qsizetype> deleteCues(const QList<qsizetype> &indices);
+    std::optional<qsizetype> splitCue(qsizetype index, qsizetype position); ///< In UTF-16 units of the text.
+    std::optional<qsizetype> joinWithNext(qsizetype index);
+
+    // Text tools on the selected track
+
+    void setRemoveFillers(bool on);
+    void setRemovePunctuation(bool on);
+    void clean();
+    void undoCleanup();
+
+    /// Replaces in all cues and returns how often; absent when refused.
+    std::optional<qint64> replaceKeywords(const QString &query, const QString &with);
+    bool canUndoReplacement() const; ///< While the cues are as the last replacement left them.
+    void undoReplacement();
+
+    const QStringList &fillerWords() const { return m_fillerWords; }
+    /// Keeps the list, as typed. @throws ConversionError "最多 100 个词，每个词不超过 60 字。"
+    void saveFillerWords(const QString &text);
+
+    void separateLanguages();
+    void restoreOriginal(); ///< Throws away the edits since the separation: ask first.
+
+    // Matching a transcript
+
+    const QString &scriptText() const { return m_script.text; }
+    const QList<ScriptMatchRow> &scriptRows() const { return m_script.rows; } ///< A row for each cue, or none.
+    const QStringList &scriptUnmatched() const { return m_script.unmatched; } ///< What of the transcript found no cue.
+    const QString &scriptStatus() const { return m_script.status; }
+    void setScriptText(const QString &text);
+    void matchScript(); ///< Editing goes on meanwhile; a change of cues or transcript drops the result.
+    void setScriptRowSelected(qsizetype row, bool selected);
+    void applyScriptRows();
+    bool canUndoScriptMatch() const; ///< While the cues are as the last applying left them.
+    void undoScriptMatch();
+
+    // History
+
+    /// Calls `changes`, and makes one step of all that it changes.
+    void asOneStep(const std::function<void()> &changes);
+
+    bool canUndo() const;
+    bool canRedo() const;
+    void undo();
+    void redo();
+
+    // Titles' look
+
+    /// Options set between these two are one step: the drag of a slider. Anything else that happens meanwhile ends it.
+    void beginGesture();
+    void endGesture();
+
+    /// @throws nothing; options that cannot be written are refused by the export.
+    void setOptions(const Options &options);
+    void setCanvasHeight(qint64 pixels);
+
+    const QList<SubtitleStylePreset> &stylePresets() const { return m_stylePresets; }
+    void saveStylePreset(const QString &named); ///< The selected track's; replaces the one of that name.
+    void renameStylePreset(const QUuid &id, const QString &name);
+    void removeStylePreset(const QUuid &id);
+    bool canRestoreStylePreset() const; ///< Whether the preset removed last is still missing.
+    void restoreStylePreset();
+    void applyStylePreset(const QUuid &id); ///< To the selected track.
+
+    // Import
+
+    void receiveURL(const QUrl &url); ///< A file, or a link of the workflow extension.
+    void load(const QUrl &file);
+
+    /// Takes a drop. Whether it was taken; what it holds is judged later.
+    bool receive(const QMimeData &pasteboard);
+
+    void choose();
+    void chooseImport();
+    void showFCPImport();
+
+    /// The project that exports go into; absent until one is imported. Lasts for the run.
+    const std::optional<FCPProject> &project() const { return m_project; }
+    /// Rate, size, font size and name that match the timeline imported last; absent until one is imported.
+    const std::optional<Options> &projectSettings() const { return m_projectSettings; }
+    void matchProject(); ///< Gives the selected track these settings again.
+    /// What of the timeline can be heard; absent until one is imported.
+    const std::optional<FCPAudioPlan> &aiTimelinePlan() const { return m_timelinePlan; }
+
+    // Export of the selected track
+
+    void exportSRT();
+    void exportFCPXML();    ///< A document of its own.
+    void exportToProject(); ///< Into the kept project; asks for one where there is none.
+
+    /// The clip document for a drag of that track, or of the selected one. Absent when it was refused.
+    std::optional<QByteArray> payload(std::optional<QUuid> trackID);
+
+    // Jobs that own the cues: while one runs, nothing else may change them.
+
+    bool aiBusy() const { return m_aiJob != nullptr; }
+    void beginAIJob(std::shared_ptr<Job> job);
+    void endAIJob();
+    void cancelAI(); ///< Asks the running job to end.
+
+    // Window
+
+    bool pinned() const { return m_pinned; }
+    void toggleFloating();
+    bool fcpImportVisible() const { return m_fcpImportVisible; }
+    bool settingsVisible() const { return m_settingsVisible; }
+    bool cleanupSettingsVisible() const { return m_cleanupSettingsVisible; }
+    bool findReplaceVisible() const { return m_findReplaceVisible; }
+    bool scriptMatchPresented() const { return m_scriptMatchPresented; }
+    void setFCPImportVisible(bool visible);
+    void setSettingsVisible(bool visible);
+    void setCleanupSettingsVisible(bool visible);
+    void setFindReplaceVisible(bool visible); ///< Not opened while a job owns the cues.
+    void setScriptMatchPresented(bool presented);
+    void showScriptMatch();
+
+    bool subtitleDragInProgress = false;               ///< Set by the card that is dragged.
+    std::function<void()> raisePinnedWindow = nullptr; ///< Set by the owner of the window.
+
+    Preferences &preferences() { return m_preferences; }
+    const FileDialogs &dialogs() const { return m_dialogs; } ///< For files that are no part of the job.
+
+    // Persistence
+
+    const QString &draftURL() const { return m_keeper.draftURL(); }
+    std::optional<QString> sessionURL() const { return m_keeper.sessionURL(); }
+
+    /// Looks at the shared session now, instead of at the next of its regular looks.
+    void refreshSession() { m_keeper.refreshSession(); }
+
+    /// Saves what still waits, draft and session, before it returns. Failures are said in `message`.
+    void saveDraft();
+    void shutdownAI(); ///< Cancels every long operation, and waits for its end.
+
+Q_SIGNALS:
+    void aboutToLoad(); ///< Another job is about to be brought in: the last moment to keep what is being typed.
+    void loaded(); ///< Another job was brought in: a file, an opened session. Comes before the fields' own signals.
+    void itemsChanged();
+    void sourceChanged();
+    void optionsChanged();
+    void removeFillersChanged();
+    void removePunctuationChanged();
+    void previousItemsChanged();
+    void cleanedChanged();
+    void tracksChanged();
+    void selectedTrackIDChanged();
+    void splitOriginalChanged();
+    void messageChanged();
+    void failureChanged();
+    void activityChanged();
+    void historyChanged();
+    void fillerWordsChanged();
+    void stylePresetsChanged();
+    void projectChanged();
+    void projectSettingsChanged();
+    void aiTimelinePlanChanged();
+    void aiBusyChanged();
+    void scriptTextChanged();
+    void scriptRowsChanged(); ///< Rows and what was not matched.
+    void scriptStatusChanged();
+    void pinnedChanged();
+    void fcpImportVisibleChanged();
+    void settingsVisibleChanged();
+    void cleanupSettingsVisibleChanged();
+    void findReplaceVisibleChanged();
+    void scriptMatchPresentedChanged();
+
+private:
+    enum class Step
+    {
+        record,  ///< A step of the history.
+        load,    ///< A step that brings in another job.
+        gesture, ///< A step, or a part of the step that a gesture is.
+        amend    ///< No step of its own.
+    };
+
+    /// One-step restore of a text tool: how the cues of a track were, and how the tool left them.
+    struct Restore
+    {
+        QUuid track;
+        QList<Subtitle> before;
+        QList<Subtitle> after;
+    };
+
+    struct RemovedPreset
+    {
+        SubtitleStylePreset preset;
+        qsizetype index; ///< Where it stood.
+    };
+
+    struct ScriptMatching
+    {
+        QString text;
+        QList<ScriptMatchRow> rows;
+        QStringList unmatched;
+        QString status;
+        std::optional<QUuid> trackID; ///< The track that the rows are about.
+        QList<Subtitle> items;        ///< Its cues when they were matched.
+        QString manuscript;           ///< The transcript when it was matched.
+    };
+
+    // The job
+    void replaceJob(LintoraSession next, Step step = Step::record);
+    void replaceItems(const QList<Subtitle> &items);
+    void tell(const LintoraSession &before, bool isLoaded);
+    void emitChanges(const LintoraSession &before);
+    template <class Change>
+    std::optional<qsizetype> editCues(const QList<qsizetype> &indices, qsizetype next, const Change &change);
+    /// Sets a field and says so, unless it has that value already.
+    template <class T, class Value>
+    void publish(T &field, Value value, void (LintoraModel::*changed)())
+    {
+        if (field == value)
+            return;
+        field = std::move(value);
+        Q_EMIT(this->*changed)();
+    }
+    void step(const LintoraSession &(EditHistory::*direction)(), const QString &message);
+    bool refuseWhileBusy(const QString &sentence);
+    bool isRestorable(const std::optional<Restore> &restore) const;
+    void restore(std::optional<Restore> &restore, const QString &message);
+
+    // Import and export
+    void importFrom(const QString &what, std::function<Imports::Imported(Job &)> read, std::function<void()> then);
+    void takeImported(const Imports::Imported &imported);
+    void takeCues(const Imports::ImportedCues &imported);
+    void receiveFCP(const Imports::ImportedTimeline &timeline);
+    void loadProject(const QString &path, std::function<void()> then);
+    void exportTitles(const std::optional<FCPProject> &project);
+    QString exportName(const QString &of = {}) const;
+
+    // Script matching
+    void takeScriptResult(const ScriptMatchResult &result);
+    void setScriptStatus(const QString &status);
+    void clearScriptRows();
+
+    // Style presets
+    void changePresets(std::function<QList<SubtitleStylePreset>(QList<SubtitleStylePreset>)> change,
+                       const QString &message);
+
+    // Persistence
+    void openSession(const QUrl &link);
+    void schedulePersist();
+    void persistSession();
+    void takeSession(const LintoraSession &session);
+    void takeHeldSession();
+    void keepOverruled(const LintoraSession &session);
+    bool isInSession() const;
+    void reportUnsaved();
+    void setPinned(bool pinned);
+
+    FileDialogs m_dialogs;
+    Preferences m_preferences;
+    StylePresetStore m_presetStore;
+    SessionKeeper m_keeper;
+
+    LintoraSession m_job; ///< In the order of SessionTracks.
+    EditHistory m_history;
+    bool m_isGesture = false;
+    bool m_gestureRecorded = false;
+    bool m_isGroup = false; ///< Whether asOneStep() is under way.
+    bool m_groupRecorded = false;
+    bool m_isPersisting = false;                 ///< Whether persistSession() is on its way.
+    bool m_isOpening = false;                    ///< Whether a session was opened whose version has not arrived.
+    std::optional<LintoraSession> m_heldSession; ///< A version that arrived while a job owned the cues.
+    LintoraSession m_jobWhenHeld;                ///< This job when it arrived.
+    size_t m_sessionBegins =
+        0; ///< Steps of the history up to the session's opening; the largest number: left for good.
+    QString m_message;
+    std::optional<QString> m_failure;
+
+    QStringList m_fillerWords;
+    QList<SubtitleStylePreset> m_stylePresets;
+    std::optional<RemovedPreset> m_removedPreset; ///< The one removed last.
+    std::optional<FCPProject> m_project;
+    std::optional<Options> m_projectSettings;
+    std::optional<FCPAudioPlan> m_timelinePlan;
+    std::optional<Restore> m_replacement; ///< Of the last replacement.
+    std::optional<Restore> m_scriptMatch; ///< Of the last applied rows.
+    ScriptMatching m_script;
+    std::shared_ptr<Job> m_aiJob; ///< The job that owns the cues; null while there is none.
+
+    bool m_pinned;
+    bool m_fcpImportVisible = false;
+    bool m_settingsVisible = false;
+    bool m_cleanupSettingsVisible = false;
+    bool m_findReplaceVisible = false;
+    bool m_scriptMatchPresented = false;
+
+    // The tasks come last, so that they end first.
+    BackgroundTask m_import{BackgroundTask::Order::oneAfterAnother};
+    BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother};
+    BackgroundTask m_match{BackgroundTask::Order::newestOnly};
+    BackgroundTask m_presets{BackgroundTask::Order::oneAfterAnother};
+};

@@ -1,0 +1,160 @@
+// What comes in.
+
+#include "app/model/FCPPasteboard.h"
+#include "app/model/LintoraModel.h"
+#include "app/model/SessionTracks.h"
+#include "fcp/FCPXML.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString &unknownFile()
+{
+    static const QString sentence = u"请拖入 SRT 文件，或 FCP 项目以匹配画面和帧率。"_s;
+    return sentence;
+}
+
+QString planMessage(const FCPAudioPlan &plan)
+{
+    if (plan.name.isEmpty())
+        return u"已接入 FCP 时间线"_s;
+    QString message =
+        u"已接入 FCP：%1 · %2 个音频片段 · 保留剪切范围与间隔"_s.arg(plan.name, QString::number(plan.segments.size()));
+    if (plan.hasAudioEffects)
+        message += u" · 按原始音轨识别，音频特效不参与"_s;
+    if (const auto notice = plan.retimeNotice())
+        message += u" · "_s + *notice;
+    return message;
+}
+
+} // namespace
+
+void LintoraModel::receiveURL(const QUrl &url)
+{
+    if (refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
+        return;
+    if (url.scheme() == u"lintora")
+        openSession(url);
+    else
+        load(url);
+}
+
+void LintoraModel::load(const QUrl &file)
+{
+    if (refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
+        return;
+    const QString path = file.toLocalFile();
+    const auto kind = Imports::kindOf(path);
+    if (path.isEmpty() || !kind) {
+        reportFailure(unknownFile());
+    } else if (*kind == Imports::Kind::project) {
+        loadProject(path, [] {});
+    } else {
+        importFrom(
+            u"正在读取字幕…"_s,
+            [path, options = options()](Job &job) { return Imports::readSubtitles(path, options, job); }, [] {});
+    }
+}
+
+void LintoraModel::loadProject(const QString &path, std::function<void()> then)
+{
+    importFrom(
+        u"正在读取项目…"_s, [path](Job &job) { return Imports::readTimeline(path, job); }, std::move(then));
+}
+
+bool LintoraModel::receive(const QMimeData &pasteboard)
+{
+    if (refuseWhileBusy(u"任务处理中，请先取消再导入"_s))
+        return false;
+    if (const auto type = FCPPasteboard::offeredType(pasteboard)) {
+        const QByteArray data = pasteboard.data(*type);
+        if (data.size() > FCPXML::largestFile) {
+            reportFailure(u"FCP 数据过大或含不支持的 XML 实体。"_s);
+            return false;
+        }
+        importFrom(
+            u"正在读取项目…"_s, [data](Job &job) { return Imports::readTimeline(data, job); }, [] {});
+        return true;
+    }
+    QList<QUrl> files = pasteboard.urls();
+    files.removeIf([](const QUrl &url) { return !url.isLocalFile(); });
+    if (files.size() != 1) {
+        reportFailure(u"请一次拖入一个字幕或 FCP 项目。"_s);
+        return false;
+    }
+    load(files.first());
+    return true;
+}
+
+void LintoraModel::choose()
+{
+    m_dialogs.open({.title = u"打开 SRT"_s, .extensions = {u"srt"_s}},
+                   [this](const QString &path) { load(QUrl::fromLocalFile(path)); });
+}
+
+void LintoraModel::chooseImport()
+{
+    m_dialogs.open({.title = u"导入字幕或 FCP 项目"_s, .extensions = {u"srt"_s, u"fcpxml"_s, u"fcpxmld"_s}},
+                   [this](const QString &path) { load(QUrl::fromLocalFile(path)); });
+}
+
+void LintoraModel::showFCPImport()
+{
+    setFCPImportVisible(true);
+}
+
+/// Reads on a worker, takes what was read, and goes on with `then` when it could be taken.
+void LintoraModel::importFrom(const QString &what, std::function<Imports::Imported(Job &)> read,
+                              std::function<void()> then)
+{
+    m_import.run(
+        what, [read = std::move(read)](Job &job, const BackgroundTask::Progress & /*progress*/) { return read(job); },
+        [this, then = std::move(then)](const Imports::Imported &imported) {
+            // A job may have begun while the file was read.
+            if (refuseWhileBusy(u"任务处理中，请先取消再导入"_s))
+                return;
+            takeImported(imported);
+            then();
+        },
+        [this](const QString &sentence) { reportFailure(sentence); });
+}
+
+void LintoraModel::takeImported(const Imports::Imported &imported)
+{
+    if (const auto *const cues = std::get_if<Imports::ImportedCues>(&imported))
+        takeCues(*cues);
+    else
+        receiveFCP(std::get<Imports::ImportedTimeline>(imported));
+    setFCPImportVisible(false);
+}
+
+void LintoraModel::takeCues(const Imports::ImportedCues &imported)
+{
+    replaceJob(SessionTracks::importing(m_job, imported.cues, imported.source), Step::load);
+    report(u"已载入"_s);
+}
+
+/// The project first: what can be heard on it matters less than that the titles fit it.
+void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
+{
+    if (timeline.project)
+        publish(m_project, timeline.project, &LintoraModel::projectChanged);
+    if (timeline.settings) {
+        publish(m_projectSettings, timeline.settings, &LintoraModel::projectSettingsChanged);
+        LintoraSession next = m_job;
+        next.options = Imports::matching(next.options, *timeline.settings);
+        for (SubtitleTrack &track : *next.tracks)
+            track.options = Imports::matching(track.options, *timeline.settings);
+        replaceJob(std::move(next));
+    }
+    publish(m_timelinePlan, timeline.plan, &LintoraModel::aiTimelinePlanChanged);
+    if (timeline.plan)
+        report(planMessage(*timeline.plan));
+    else if (timeline.isSilent)
+        report(u"已匹配项目；没有发现可识别音轨"_s);
+    if (timeline.failure)
+        reportFailure(*timeline.failure);
+}

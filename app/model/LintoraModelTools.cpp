@@ -1,0 +1,155 @@
+// The text tools.
+
+#include "app/model/LintoraModel.h"
+#include "app/model/SessionTracks.h"
+#include "core/ConversionError.h"
+#include "core/text/KeywordReplacement.h"
+#include "core/text/LanguageSeparation.h"
+#include "core/text/SubtitleCleanup.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString joinedText(const QList<Subtitle> &cues)
+{
+    QString text;
+    for (const Subtitle &cue : cues)
+        text += cue.text + u'\n';
+    return text;
+}
+
+} // namespace
+
+void LintoraModel::setRemoveFillers(bool on)
+{
+    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+        return;
+    LintoraSession next = m_job;
+    next.removeFillers = on;
+    replaceJob(SessionTracks::committed(std::move(next)));
+}
+
+void LintoraModel::setRemovePunctuation(bool on)
+{
+    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+        return;
+    LintoraSession next = m_job;
+    next.removePunctuation = on;
+    replaceJob(SessionTracks::committed(std::move(next)));
+}
+
+void LintoraModel::clean()
+{
+    if (refuseWhileBusy(u"请等待当前任务完成后再清理。"_s))
+        return;
+    // With both switches off there is nothing to clean, whatever the cues hold.
+    const QList<Subtitle> result =
+        removeFillers() || removePunctuation()
+            ? SubtitleCleanup::apply(
+                  items(), {.removeFillers = removeFillers(), .removePunctuation = removePunctuation()}, m_fillerWords)
+            : items();
+    if (joinedText(result) == joinedText(items())) {
+        report(u"没有需要清理的内容"_s);
+        return;
+    }
+    LintoraSession next = m_job;
+    next.previousItems = items();
+    next.items = result;
+    next.cleaned = true;
+    replaceJob(SessionTracks::committed(std::move(next)));
+    report(u"已清理"_s);
+}
+
+void LintoraModel::undoCleanup()
+{
+    if (!previousItems() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+        return;
+    LintoraSession next = m_job;
+    next.items = *std::exchange(next.previousItems, std::nullopt);
+    next.cleaned = false;
+    replaceJob(SessionTracks::committed(std::move(next)));
+    report(u"已撤销"_s);
+}
+
+std::optional<qint64> LintoraModel::replaceKeywords(const QString &query, const QString &with)
+{
+    if (refuseWhileBusy(u"请等待当前任务完成后再替换。"_s))
+        return std::nullopt;
+    try {
+        const KeywordReplacement::Outcome outcome = KeywordReplacement::apply(items(), query, with);
+        if (outcome.changedCues == 0) {
+            report(u"没有需要替换的内容"_s);
+            return 0;
+        }
+        // Known before anybody hears of the change, and asks whether it can be undone.
+        m_replacement = Restore{.track = *selectedTrackID(), .before = items(), .after = outcome.items};
+        replaceItems(outcome.items);
+        report(u"已替换 %1 处 · %2 条字幕，可撤销修改"_s.arg(outcome.occurrences).arg(outcome.changedCues));
+        return outcome.occurrences;
+    } catch (const ConversionError &error) {
+        reportFailure(error.message());
+        return std::nullopt;
+    }
+}
+
+bool LintoraModel::isRestorable(const std::optional<Restore> &restore) const
+{
+    if (!restore || aiBusy())
+        return false;
+    const auto index = SessionTracks::indexOf(m_job, restore->track);
+    return index && tracks().at(*index).items == restore->after;
+}
+
+/// Puts the cues back, in their own track and as a step of its own.
+void LintoraModel::restore(std::optional<Restore> &restore, const QString &message)
+{
+    if (!isRestorable(restore))
+        return;
+    LintoraSession next = SessionTracks::selecting(m_job, restore->track);
+    next.items = restore->before;
+    replaceJob(SessionTracks::committed(std::move(next)));
+    report(message);
+}
+
+bool LintoraModel::canUndoReplacement() const
+{
+    return isRestorable(m_replacement);
+}
+
+void LintoraModel::undoReplacement()
+{
+    restore(m_replacement, u"已撤销，字幕恢复为替换前内容"_s);
+}
+
+void LintoraModel::saveFillerWords(const QString &text)
+{
+    const QStringList words = SubtitleCleanup::savedWords(text);
+    m_preferences.setFillerWords(words);
+    publish(m_fillerWords, words, &LintoraModel::fillerWordsChanged);
+}
+
+void LintoraModel::separateLanguages()
+{
+    if (refuseWhileBusy(u"请等待当前任务完成后再分离。"_s))
+        return;
+    const QList<LanguageSeparation::GroupedCues> groups = LanguageSeparation::split(items());
+    if (!LanguageSeparation::holdsBothLanguages(groups)) {
+        reportFailure(LanguageSeparation::nothingToSeparate());
+        return;
+    }
+    replaceJob(SessionTracks::separated(m_job, groups));
+    const bool leftSome = groups.last().group == LanguageSeparation::Group::unassigned;
+    report(leftSome ? u"已分离，未识别文字保留在“待归类”中"_s : u"已分离，中文和 English 可独立编辑、拖入 FCP"_s);
+}
+
+void LintoraModel::restoreOriginal()
+{
+    if (!splitOriginal() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+        return;
+    replaceJob(SessionTracks::restored(m_job));
+    report(u"已恢复分离前原稿"_s);
+}

@@ -1,0 +1,98 @@
+#include "app/model/Preferences.h"
+
+#include "core/text/SubtitleCleanup.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString fillerWordsKey = u"fillerWords"_s;
+const QString pinnedKey = u"floatingPinned"_s;
+const QString expandedKey = u"expandedActionsLayout"_s;
+const QString favoritesKey = u"favoriteFonts"_s;
+const QString recentKey = u"recentFonts"_s;
+const QString frameKey = u"LintoraEditor"_s;
+
+/// Settings files of plain text hold booleans as words.
+bool readBool(const QSettings &settings, const QString &key, bool otherwise)
+{
+    const QVariant value = settings.value(key);
+    if (value.typeId() == QMetaType::Bool)
+        return value.toBool();
+    const QString word = value.toString();
+    if (word == u"true" || word == u"false")
+        return word == u"true";
+    return otherwise;
+}
+
+} // namespace
+
+Preferences::Preferences(std::shared_ptr<QSettings> settings)
+    : m_settings(std::move(settings))
+{}
+
+QStringList Preferences::fillerWords() const
+{
+    const QVariant value = m_settings->value(fillerWordsKey);
+    // A list of one is stored as that one; an empty one as nothing that is a text.
+    if (!value.isValid())
+        return m_settings->contains(fillerWordsKey) ? QStringList() : SubtitleCleanup::defaultFillerWords();
+    return value.canConvert<QStringList>() ? value.toStringList() : SubtitleCleanup::defaultFillerWords();
+}
+
+void Preferences::setFillerWords(const QStringList &words)
+{
+    m_settings->setValue(fillerWordsKey, words);
+}
+
+bool Preferences::floatingPinned() const
+{
+    return readBool(*m_settings, pinnedKey, true);
+}
+
+void Preferences::setFloatingPinned(bool pinned)
+{
+    m_settings->setValue(pinnedKey, pinned);
+}
+
+bool Preferences::expandedActionsLayout() const
+{
+    return readBool(*m_settings, expandedKey, false);
+}
+
+void Preferences::setExpandedActionsLayout(bool done)
+{
+    m_settings->setValue(expandedKey, done);
+}
+
+QStringList Preferences::favoriteFonts() const
+{
+    return m_settings->value(favoritesKey).toStringList();
+}
+
+void Preferences::setFavoriteFonts(const QStringList &families)
+{
+    m_settings->setValue(favoritesKey, families);
+}
+
+QStringList Preferences::recentFonts() const
+{
+    return m_settings->value(recentKey).toStringList();
+}
+
+void Preferences::setRecentFonts(const QStringList &families)
+{
+    m_settings->setValue(recentKey, families);
+}
+
+QByteArray Preferences::windowFrame() const
+{
+    return m_settings->value(frameKey).toByteArray();
+}
+
+void Preferences::setWindowFrame(const QByteArray &frame)
+{
+    m_settings->setValue(frameKey, frame);
+}

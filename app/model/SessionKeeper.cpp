@@ -1,0 +1,90 @@
+#include "app/model/SessionKeeper.h"
+
+SessionKeeper::SessionKeeper(const QString &draftURL, QObject *parent)
+    : QObject(parent)
+    , m_draftURL(draftURL)
+    , m_draft(draftURL)
+{
+    connect(&m_draft, &DraftFile::failed, this,
+            [this](const QString &description) { note(m_draftFailure, description); });
+    connect(&m_draft, &DraftFile::recovered, this, [this] { m_draftFailure.reset(); });
+}
+
+SessionKeeper::~SessionKeeper() = default;
+
+std::optional<QString> SessionKeeper::sessionURL() const
+{
+    return m_session ? std::optional(m_session->path()) : std::nullopt;
+}
+
+std::optional<LintoraSession> SessionKeeper::loadDraft()
+{
+    return m_draft.load();
+}
+
+void SessionKeeper::watchSession(const QString &file)
+{
+    m_hasArrived = false;
+    m_sessionFailure.reset();
+    m_session = std::make_unique<SessionFile>(file);
+    connect(m_session.get(), &SessionFile::arrived, this, [this](const LintoraSession &session) {
+        m_hasArrived = true;
+        Q_EMIT arrived(session);
+    });
+    connect(m_session.get(), &SessionFile::overruled, this, &SessionKeeper::overruled);
+    connect(m_session.get(), &SessionFile::failed, this,
+            [this](const QString &description) { note(m_sessionFailure, description); });
+    connect(m_session.get(), &SessionFile::recovered, this, [this] { m_sessionFailure.reset(); });
+}
+
+void SessionKeeper::announceChange()
+{
+    if (m_hasArrived)
+        m_session->announceChange();
+}
+
+void SessionKeeper::retractChange()
+{
+    if (m_session)
+        m_session->retractChange();
+}
+
+void SessionKeeper::note(std::optional<QString> &failure, const QString &description)
+{
+    failure = description;
+    Q_EMIT failed();
+}
+
+void SessionKeeper::saveDraft(const LintoraSession &job)
+{
+    m_draft.save(job);
+}
+
+void SessionKeeper::saveSession(const LintoraSession &job)
+{
+    if (m_hasArrived)
+        m_session->save(job);
+}
+
+void SessionKeeper::adopt(const LintoraSession &job)
+{
+    if (m_hasArrived)
+        m_session->adopt(job);
+}
+
+void SessionKeeper::refreshSession()
+{
+    if (m_session)
+        m_session->refresh();
+}
+
+void SessionKeeper::flushDraft()
+{
+    m_draft.flush();
+}
+
+void SessionKeeper::flushSession()
+{
+    if (m_hasArrived)
+        m_session->flush();
+}

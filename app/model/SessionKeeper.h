@@ -1,0 +1,54 @@
+#pragma once
+
+#include "store/DraftFile.h"
+#include "store/SessionFile.h"
+
+/// Keeps a job in its draft, and in a session file once one is shared with the workflow extension.
+///
+/// Nothing goes into a session file before the version in it has arrived: a link opens what the extension wrote.
+class SessionKeeper : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SessionKeeper(const QString &draftURL, QObject *parent = nullptr);
+    ~SessionKeeper() override;
+
+    const QString &draftURL() const { return m_draftURL; }
+    std::optional<QString> sessionURL() const; ///< The file that is watched; absent while none is.
+
+    /// Why the newest job is not in the draft, or not in the session; absent while all is well. In the platform's
+    /// words.
+    const std::optional<QString> &draftFailure() const { return m_draftFailure; }
+    const std::optional<QString> &sessionFailure() const { return m_sessionFailure; }
+
+    std::optional<LintoraSession> loadDraft(); ///< Absent when there is none that can be read.
+
+    /// Watches that file in place of any other. Its version arrives soon, also when it is the one last seen.
+    void watchSession(const QString &file);
+
+    void announceChange();                       ///< The job has changed, and save() follows.
+    void retractChange();                        ///< No saveSession() follows after all.
+    void saveDraft(const LintoraSession &job);   ///< Returns at once.
+    void saveSession(const LintoraSession &job); ///< Returns at once.
+    void adopt(const LintoraSession &job);       ///< What became of the version that has just arrived.
+    void refreshSession();                       ///< Delivers a new version, if there is one, before it returns.
+
+    void flushDraft();   ///< @throws ConversionError, PlatformError when the newest job could not be saved.
+    void flushSession(); ///< @throws ConversionError, PlatformError when the newest job could not be written.
+
+Q_SIGNALS:
+    void arrived(const LintoraSession &session);   ///< The extension has put this version in place.
+    void overruled(const LintoraSession &session); ///< Our change has taken the place of this version, unseen.
+    void failed();                                 ///< Draft or session could not be saved, for a reason that is news.
+
+private:
+    void note(std::optional<QString> &failure, const QString &description);
+
+    QString m_draftURL;
+    std::optional<QString> m_draftFailure;
+    std::optional<QString> m_sessionFailure;
+    DraftFile m_draft;
+    std::unique_ptr<SessionFile> m_session; ///< Null while none is watched.
+    bool m_hasArrived = false;              ///< Whether the watched session's first version has come.
+};

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "app/model/LintoraModel.h"
+
+#include <QMenu>
+#include <QPointer>
+
+/// The menu of editing. Its entries act on what has the focus: on the text of a field that is being edited, else on the
+/// history of the job, and on what the focused control offers as slots: cut(), copy(), paste(), selectAll().
+///
+/// An entry is enabled exactly while it would do something; pasting, while there is something to paste into.
+class EditMenu : public QMenu
+{
+    Q_OBJECT
+
+public:
+    /// `model` must live as long as the menu.
+    explicit EditMenu(LintoraModel &model, QWidget *parent = nullptr);
+    ~EditMenu() override;
+
+private:
+    QAction *add(const QString &title, const QKeySequence &key, const char *slot);
+    void follow(QWidget *focus);
+    void update();
+    void perform(const char *slot);
+
+    LintoraModel &m_model;
+    QPointer<QWidget> m_target;       ///< What has, or outside menus had last, the focus.
+    std::unique_ptr<QObject> m_watch; ///< Holds the connections to the target.
+    QAction *m_undo = nullptr;
+    QAction *m_redo = nullptr;
+    QAction *m_cut = nullptr;
+    QAction *m_copy = nullptr;
+    QAction *m_paste = nullptr;
+    QAction *m_selectAll = nullptr;
+};

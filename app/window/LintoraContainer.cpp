@@ -1,0 +1,88 @@
+#include "app/window/LintoraContainer.h"
+
+#include "app/window/SingleInstance.h"
+#include "core/ConversionError.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QTextStream>
+#include <QTranslator>
+
+using namespace Qt::StringLiterals;
+
+namespace LintoraContainer {
+
+namespace {
+
+void describeApplication()
+{
+    QCoreApplication::setApplicationName(u"lintora"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(LINTORA_VERSION));
+    QGuiApplication::setApplicationDisplayName(u"VELMORA 字幕助手"_s);
+    // By the one, docks find name and icon; by the other, window managers that know no desktop entries.
+    QGuiApplication::setDesktopFileName(u"local.lintora.workflow"_s);
+    QGuiApplication::setWindowIcon(QIcon(u":/local.lintora.workflow.png"_s));
+}
+
+QList<QUrl> requestedUrls(QStringList arguments)
+{
+    // Given to programs that macOS opens for the first time since their download; a number of no use.
+    arguments.removeIf([](const QString &argument) { return argument.startsWith(u"-psn_"); });
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"VELMORA 字幕助手"_s);
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(u"文件"_s, u"要打开的 SRT、FCPXML 文件或 lintora 链接。"_s, u"[文件…]"_s);
+    parser.process(arguments);
+    return urls(parser.positionalArguments(), QDir::currentPath());
+}
+
+/// The system's own dialogs and descriptions of errors are Chinese where Qt's translations are installed.
+void loadTranslations(QTranslator &translator)
+{
+    if (translator.load(u"qtbase_zh_CN"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&translator);
+}
+
+} // namespace
+
+QList<QUrl> urls(const QStringList &arguments, const QString &folder)
+{
+    QList<QUrl> result;
+    for (const QString &argument : arguments) {
+        const bool isLink =
+            argument.startsWith(u"lintora:", Qt::CaseInsensitive) || argument.startsWith(u"file:", Qt::CaseInsensitive);
+        result += isLink ? QUrl(argument) : QUrl::fromLocalFile(QDir::cleanPath(QDir(folder).filePath(argument)));
+    }
+    return result;
+}
+
+int main(int argc, char **argv, LintoraApplicationDelegate::PanelFactory panel)
+{
+    const QApplication application(argc, argv);
+    describeApplication();
+    QTranslator translator;
+    loadTranslations(translator);
+    const QList<QUrl> requested = requestedUrls(QCoreApplication::arguments());
+
+    SingleInstance instance; // outlives the delegate, so that the next launch finds the draft saved
+    try {
+        if (instance.launch(requested) == SingleInstance::Launch::HandedOver)
+            return 0;
+    } catch (const ConversionError &error) {
+        QTextStream(stderr) << error.message() << Qt::endl;
+        return 1;
+    }
+
+    LintoraApplicationDelegate delegate(std::move(panel));
+    QObject::connect(&instance, &SingleInstance::received, &delegate, &LintoraApplicationDelegate::open);
+    delegate.applicationDidFinishLaunching();
+    if (!requested.isEmpty())
+        delegate.open(requested);
+    return QApplication::exec();
+}
+
+} // namespace LintoraContainer

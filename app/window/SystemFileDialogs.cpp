@@ -1,0 +1,82 @@
+#include "app/window/SystemFileDialogs.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QPointer>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What the dialogs of one window have in common.
+struct Shared
+{
+    std::function<QWidget *()> window;
+    QPointer<QFileDialog> open = {};
+    QString folder = QDir::homePath(); ///< Where the last file was chosen.
+};
+
+/// "SRT、FCPXML (*.srt *.SRT …)". Extensions are taken in either case, but some systems' dialogs go by the letter.
+QString nameFilter(const QStringList &extensions)
+{
+    QStringList names;
+    QStringList patterns;
+    for (const QString &extension : extensions) {
+        names += extension.toUpper();
+        patterns += u"*."_s + extension;
+        patterns += u"*."_s + extension.toUpper();
+    }
+    return u"%1 (%2)"_s.arg(names.join(u"、"), patterns.join(u' '));
+}
+
+void present(const std::shared_ptr<Shared> &shared, QFileDialog &dialog, const FileDialogs::Chosen &chosen)
+{
+    shared->open = &dialog;
+    dialog.setAttribute(Qt::WA_DeleteOnClose);
+    dialog.setDirectory(shared->folder);
+    QObject::connect(&dialog, &QFileDialog::fileSelected, &dialog, [shared, chosen](const QString &path) {
+        shared->folder = QFileInfo(path).absolutePath();
+        chosen(path);
+    });
+    dialog.open();
+}
+
+/// Whether a dialog is open already, which then comes forward.
+bool isAsking(const Shared &shared)
+{
+    if (!shared.open)
+        return false;
+    shared.open->raise();
+    shared.open->activateWindow();
+    return true;
+}
+
+} // namespace
+
+FileDialogs systemFileDialogs(std::function<QWidget *()> window)
+{
+    const auto shared = std::make_shared<Shared>(Shared{.window = std::move(window)});
+    FileDialogs dialogs;
+    dialogs.open = [shared](const FileDialogs::Opening &request, const FileDialogs::Chosen &chosen) {
+        if (isAsking(*shared))
+            return;
+        auto *const dialog = new QFileDialog(shared->window(), request.title);
+        dialog->setFileMode(QFileDialog::ExistingFile);
+        dialog->setNameFilter(nameFilter(request.extensions));
+        present(shared, *dialog, chosen);
+    };
+    dialogs.save = [shared](const FileDialogs::Saving &request, const FileDialogs::Chosen &chosen) {
+        if (isAsking(*shared))
+            return;
+        auto *const dialog = new QFileDialog(shared->window(), request.title);
+        dialog->setAcceptMode(QFileDialog::AcceptSave);
+        dialog->setNameFilter(nameFilter({request.extension}));
+        dialog->setDefaultSuffix(request.extension);
+        dialog->selectFile(request.suggestion);
+        present(shared, *dialog, chosen);
+    };
+    return dialogs;
+}

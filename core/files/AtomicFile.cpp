@@ -1,0 +1,132 @@
+#include "core/files/AtomicFile.h"
+
+#include "core/PlatformError.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QScopeGuard>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isReplaceable(const QString &path)
+{
+    const QFileInfo target(path);
+    return !target.exists() || target.isFile() || target.isDir();
+}
+
+/// Brings what was written to an open file or folder to the disk. Where the file system has no such thing, nothing can
+/// be done.
+void syncDescriptor(int descriptor)
+{
+#ifdef F_FULLFSYNC
+    // Here fsync leaves the data in the disk's own cache.
+    if (fcntl(descriptor, F_FULLFSYNC) == 0)
+        return;
+#endif
+    if (fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP)
+        throw PlatformError(qt_error_string(errno));
+}
+
+/// Brings the names in a folder to the disk. A folder that we may write to but not read cannot be opened for that.
+void syncFolder(const QString &folder)
+{
+    const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    const auto close = qScopeGuard([=] { ::close(descriptor); });
+    syncDescriptor(descriptor);
+}
+
+} // namespace
+
+AtomicFile::AtomicFile(const QString &path)
+{
+    if (isReplaceable(path))
+        m_file = std::make_unique<QSaveFile>(path);
+    else
+        m_file = std::make_unique<QFile>(path);
+    if (!m_file->open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        throw PlatformError(m_file->errorString());
+}
+
+AtomicFile::~AtomicFile() = default;
+
+void AtomicFile::write(QByteArrayView bytes)
+{
+    if (m_file->write(bytes.data(), bytes.size()) != bytes.size())
+        throw PlatformError(m_file->errorString());
+}
+
+void AtomicFile::sync()
+{
+    // The replacement syncs its content too, but keeps to itself when that fails.
+    if (qobject_cast<QSaveFile *>(m_file.get()) != nullptr)
+        syncDescriptor(m_file->handle());
+}
+
+QByteArray AtomicFile::readBack() const
+{
+    // The name of the file beside the target is not told, but it is open for reading too.
+    const int descriptor = m_file->handle();
+    struct stat status
+    {};
+    if (fstat(descriptor, &status) != 0)
+        throw PlatformError(qt_error_string(errno));
+    QByteArray bytes(status.st_size, Qt::Uninitialized);
+    for (qsizetype done = 0; done < bytes.size();) {
+        const ssize_t read = pread(descriptor, bytes.data() + done, size_t(bytes.size() - done), off_t(done));
+        if (read < 0 && errno == EINTR)
+            continue;
+        if (read < 0)
+            throw PlatformError(qt_error_string(errno));
+        if (read == 0)
+            bytes.truncate(done);
+        done += read;
+    }
+    return bytes;
+}
+
+void AtomicFile::commit(Durability durability)
+{
+    auto *const replacement = qobject_cast<QSaveFile *>(m_file.get());
+    if (replacement == nullptr) {
+        if (!m_file->flush())
+            throw PlatformError(m_file->errorString());
+        m_file->close();
+        return;
+    }
+    if (durability == Durability::PowerCut)
+        sync();
+    if (!replacement->commit())
+        throw PlatformError(replacement->errorString());
+    if (durability == Durability::PowerCut)
+        syncFolder(QFileInfo(QFileInfo(replacement->fileName()).canonicalFilePath()).path());
+}
+
+void AtomicFile::removeLeftovers(const QString &path)
+{
+    const QFileInfo target(path);
+    // QSaveFile writes to the target's name with six random letters behind it. Only what mixes small letters and
+    // capitals is taken for one: "Draft.json.backup" and "Draft.json.Backup" are somebody's.
+    const QRegularExpression form(QRegularExpression::anchoredPattern(
+        QRegularExpression::escape(target.fileName()) + u"\\.(?=[A-Za-z]*[a-z])(?=[A-Za-z]+[A-Z])[A-Za-z]{6}"_s));
+    constexpr int age = 10 * 60; // seconds; whoever writes now is done long before
+    const QDateTime oldest = QDateTime::currentDateTime().addSecs(-age);
+    const QFileInfoList files = QDir(target.path()).entryInfoList(QDir::Files | QDir::Hidden);
+    for (const QFileInfo &file : files) {
+        if (file.lastModified() < oldest && form.match(file.fileName()).hasMatch())
+            QFile::remove(file.filePath());
+    }
+}

@@ -1,0 +1,186 @@
+#include "core/text/Characters.h"
+
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+#include <array>
+
+namespace Characters {
+
+namespace {
+
+// Between two scalars that neither extend, join nor pair up there is always a boundary. Nearly all text is made of
+// them: only the rest goes through Unicode's segmentation rules, which cost a hundred times as much. These are the
+// ranges of such scalars that matter; one that is missing costs time, not correctness.
+struct Range
+{
+    char16_t first;
+    char16_t last;
+};
+
+constexpr Range plainRanges[] = {
+    {u'\t', u'\n'},   {0x0020, 0x02FF}, {0x0370, 0x0482}, {0x048A, 0x0590}, {0x1E00, 0x1FFF},
+    {0x2010, 0x2027}, {0x2030, 0x205F}, {0x2070, 0x20CF}, {0x2100, 0x2BFF}, {0x2E00, 0x3029},
+    {0x3030, 0x3098}, {0x309B, 0xA48F}, {0xAC00, 0xD7A3}, {0xF900, 0xFAFF}, {0xFF01, 0xFF9D},
+};
+
+/// One bit for each of the 65,536 code units: small enough to stay in the first cache.
+constexpr std::array<quint64, 1024> plainBits = [] {
+    std::array<quint64, 1024> bits = {};
+    for (const Range range : plainRanges) {
+        for (size_t unit = range.first; unit <= range.last; ++unit)
+            bits[unit / 64] |= quint64(1) << (unit % 64);
+    }
+    return bits;
+}();
+
+bool isPlain(QChar unit)
+{
+    return (plainBits[unit.unicode() / 64] >> (unit.unicode() % 64) & 1) != 0;
+}
+
+constexpr quint32 bit(QChar::Category category)
+{
+    return 1U << category;
+}
+
+constexpr quint32 letters = bit(QChar::Letter_Uppercase) | bit(QChar::Letter_Lowercase) | bit(QChar::Letter_Titlecase) |
+                            bit(QChar::Letter_Modifier) | bit(QChar::Letter_Other);
+constexpr quint32 marks = bit(QChar::Mark_NonSpacing) | bit(QChar::Mark_SpacingCombining) | bit(QChar::Mark_Enclosing);
+constexpr quint32 numbers = bit(QChar::Number_DecimalDigit) | bit(QChar::Number_Letter) | bit(QChar::Number_Other);
+
+bool isIn(quint32 categories, char32_t scalar)
+{
+    return (bit(QChar::category(scalar)) & categories) != 0;
+}
+
+} // namespace
+
+bool isSpace(char32_t scalar)
+{
+    return QChar::isSpace(scalar);
+}
+
+bool isBlank(char32_t scalar)
+{
+    return scalar == U'\t' || QChar::category(scalar) == QChar::Separator_Space;
+}
+
+bool isLetter(char32_t scalar)
+{
+    return isIn(letters | marks, scalar);
+}
+
+bool isLetterOrDigit(char32_t scalar)
+{
+    return isIn(letters | numbers, scalar);
+}
+
+bool isAlphanumeric(char32_t scalar)
+{
+    return isIn(letters | marks | numbers, scalar);
+}
+
+QChar::Script script(char32_t scalar)
+{
+    return QChar::script(scalar);
+}
+
+QStringView trimmed(QStringView text)
+{
+    const bool isTrimmed =
+        text.isEmpty() || (isCommonIdeograph(text.front().unicode()) && isCommonIdeograph(text.back().unicode()));
+    return isTrimmed ? text : text.trimmed();
+}
+
+QStringView trimmedBlanks(QStringView text)
+{
+    // All blanks are single code units.
+    while (!text.isEmpty() && isBlank(text.front().unicode()))
+        text = text.sliced(1);
+    while (!text.isEmpty() && isBlank(text.back().unicode()))
+        text.chop(1);
+    return text;
+}
+
+bool holdsControl(QStringView text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar c) { return c < u' ' && c != u'\t' && c != u'\n'; });
+}
+
+bool isWritable(QStringView text)
+{
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        if (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r')
+            return false;
+        if (c < 0xD800)
+            continue;
+        if (c == 0xFFFE || c == 0xFFFF)
+            return false;
+        if (!QChar::isSurrogate(c))
+            continue;
+        if (!QChar::isHighSurrogate(c) || i + 1 == text.size() || !text[i + 1].isLowSurrogate())
+            return false;
+        ++i;
+    }
+    return true;
+}
+
+qsizetype count(QStringView text)
+{
+    if (std::all_of(text.begin(), text.end(), isPlain))
+        return text.size();
+    qsizetype characters = 0;
+    for (Cursor at(text); at.next();)
+        ++characters;
+    return characters;
+}
+
+bool isLonger(QStringView text, qsizetype limit)
+{
+    if (text.size() <= limit)
+        return false;
+    // A text that is far too long is not read to its end.
+    Cursor at(text);
+    for (qsizetype characters = 0; characters <= limit; ++characters) {
+        if (!at.next())
+            return false;
+    }
+    return true;
+}
+
+Cursor::Cursor(QStringView text)
+    : m_text(text)
+{}
+
+Cursor::~Cursor() = default;
+
+bool Cursor::next()
+{
+    m_begin = m_end;
+    if (m_begin == m_text.size())
+        return false;
+    if (m_begin == m_windowEnd) {
+        const bool lastUnit = m_begin + 1 == m_text.size();
+        if (isPlain(m_text[m_begin]) && (lastUnit || isPlain(m_text[m_begin + 1]))) {
+            m_windowEnd = m_end = m_begin + 1;
+            return true;
+        }
+        openWindow();
+    }
+    m_end = m_windowBegin + m_finder->toNextBoundary();
+    return true;
+}
+
+void Cursor::openWindow()
+{
+    m_windowBegin = m_begin;
+    m_windowEnd = m_begin + 1;
+    while (m_windowEnd != m_text.size() && !(isPlain(m_text[m_windowEnd - 1]) && isPlain(m_text[m_windowEnd])))
+        ++m_windowEnd;
+    m_finder = std::make_unique<QTextBoundaryFinder>(QTextBoundaryFinder::Grapheme,
+                                                     m_text.sliced(m_windowBegin, m_windowEnd - m_windowBegin));
+}
+
+} // namespace Characters

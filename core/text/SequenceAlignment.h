@@ -1,0 +1,27 @@
+#pragma once
+
+#include "core/text/CommonSubsequence.h"
+
+#include <functional>
+#include <span>
+#include <vector>
+
+/// Pairs up what two long sequences of keys have in common.
+///
+/// Stretches of eight keys that stand exactly once in either sequence, in the same order, are anchors; between them a
+/// longest common subsequence is found. Where texts correspond the anchors are dense and the stretches between them
+/// short.
+namespace SequenceAlignment {
+
+using Key = CommonSubsequence::Key;
+
+/// A stretch between anchors whose table would have more cells, (n + 1) × (m + 1), stays unpaired.
+constexpr size_t mostCells = 3'000'000;
+
+/// For each element of `source` the position of its partner in `script`, or -1. Partners have equal keys and ascend.
+/// Keys are below `keyCount`, and both sequences are shorter than 2^31. What `check`, called from time to time, throws
+/// ends the call.
+std::vector<qint32> match(std::span<const Key> source, std::span<const Key> script, Key keyCount,
+                          const std::function<void()> &check);
+
+} // namespace SequenceAlignment

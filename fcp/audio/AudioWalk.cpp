@@ -1,0 +1,303 @@
+#include "fcp/audio/AudioWalk.h"
+
+#include "core/ConversionError.h"
+#include "fcp/timeline/ConformRate.h"
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Kind = StoryElement::Kind;
+
+/// A piece shorter than this is a leftover of rounding, not sound. Seconds.
+const Rational shortestPiece(1, 10'000);
+
+[[noreturn]] void throwStructure()
+{
+    throw ConversionError(u"此复合或多机位结构暂不能直接读取，请先在 FCP 导出音频。"_s);
+}
+
+[[noreturn]] void throwSourceRange()
+{
+    throw ConversionError(u"FCP 媒体的源时间范围无法准确读取，请先导出音频。"_s);
+}
+
+bool isTooShort(const TimeRange &piece)
+{
+    return piece.isEmpty() || (piece.end && *piece.end - piece.begin < shortestPiece);
+}
+
+/// Gains of nested clips multiply; no number of them makes what a record cannot hold.
+double multiplied(double a, double b)
+{
+    return std::min(a * b, std::numeric_limits<double>::max());
+}
+
+Rational absolute(const Rational &value)
+{
+    return value < 0 ? -value : value;
+}
+
+/// What the asset's file holds, on the plan.
+TimeRange assetRange(const MediaAsset &asset, const TimeMap &own)
+{
+    TimeRange range{.begin = own.toPlan(asset.start)};
+    if (asset.duration)
+        range.end = own.toPlan(asset.start + *asset.duration);
+    return range;
+}
+
+} // namespace
+
+AudioWalk::AudioWalk(MediaResources &resources)
+    : m_resources(resources)
+{}
+
+void AudioWalk::walkSequence(const StorySequence &sequence, const TimeRange &window)
+{
+    const Place place{.times = {.local = sequence.start}, .window = window, .frameDuration = sequence.frameDuration};
+    forEachItem(sequence.spine, sequence.start,
+                [&](const xmlNode *item, const Rational &offset) { visit(item, offset, place); });
+}
+
+void AudioWalk::walkClip(const xmlNode *clip, const Rational &offset, const Rational &origin, const TimeRange &window)
+{
+    visit(clip, offset, {.times = {.local = origin}, .window = window});
+}
+
+const StoryElement &AudioWalk::story(const xmlNode *element)
+{
+    const auto known = m_stories.find(element);
+    return known != m_stories.end()
+               ? known->second
+               : m_stories.emplace(element, StoryElement::read(element, m_resources)).first->second;
+}
+
+std::optional<Rational> AudioWalk::length(const StoryElement &story)
+{
+    if (story.kind == Kind::Audition)
+        return story.content.empty() ? std::nullopt : length(this->story(story.content.front()));
+    if (story.duration || !story.resource)
+        return story.duration;
+    if (Xml::isElement(story.resource, "asset"))
+        return m_resources.asset(story.resource).duration;
+    return Xml::isElement(story.resource, "media") ? m_resources.compound(story.resource).duration : std::nullopt;
+}
+
+Rational AudioWalk::storylineEnd(const StorySequence &sequence)
+{
+    Rational end;
+    forEachItem(sequence.spine, sequence.start, [&](const xmlNode *item, const Rational &offset) {
+        end = std::max(end, offset + length(story(item)).value_or(0) - sequence.start);
+    });
+    return end;
+}
+
+/// Whether an element has sound of its own, as far as it and its resource tell. One whose resource is missing might
+/// have.
+bool AudioWalk::canSound(const StoryElement &story)
+{
+    if (story.kind != Kind::Reference || !story.resource)
+        return story.kind != Kind::Picture;
+    if (Xml::isElement(story.resource, "asset"))
+        return m_resources.asset(story.resource).hasSound;
+    // An "audio" of an effect is a generated tone, which nobody speaks.
+    return !Xml::isElement(story.resource, "effect") || !Xml::isElement(story.element, "audio");
+}
+
+/// Calls `visitor` with each item of a storyline and its offset. An item that states none begins where the one before
+/// it ends.
+template <class Visitor>
+void AudioWalk::forEachItem(const xmlNode *spine, const Rational &begin, Visitor &&visitor)
+{
+    Rational offset = begin;
+    const StoryElement *previous = nullptr;
+    for (const xmlNode *const item : story(spine).content) {
+        const StoryElement &current = story(item);
+        if (current.offset)
+            offset = *current.offset;
+        else if (previous)
+            offset = offset + length(*previous).value_or(0);
+        visitor(item, offset);
+        previous = &current;
+    }
+}
+
+void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Place &place)
+{
+    if (++m_visits > mostVisits || place.nesting > deepestNesting)
+        throwStructure();
+    const StoryElement &story = this->story(element);
+    if (!story.enabled)
+        return;
+    if (story.kind == Kind::Storyline)
+        return visitStoryline(story, offset, place);
+    if (story.kind == Kind::Audition) {
+        Place active = place;
+        ++active.nesting;
+        if (!story.content.empty())
+            visit(story.content.front(), offset, active);
+        return;
+    }
+    const bool sounds = !story.muted && !place.muted && canSound(story);
+    if (!sounds && story.content.empty() && story.connected.empty())
+        return;
+    m_found.hasAudioEffects |= sounds && story.hasEffects;
+    if (sounds && story.retimed) {
+        // A clip that compounds show again and again counts once.
+        if (m_retimed.insert(element).second)
+            m_found.skippedRetimedAudio.append(story.name());
+        if (story.connected.empty())
+            return;
+    }
+    const TimeMap own = ownTimes(story, offset, place);
+    if (sounds && !story.retimed)
+        play(story, own, place);
+    else if (!story.muted && !story.retimed && (story.kind == Kind::Picture || !place.muted))
+        visitContent(story, own, place);
+    visitConnected(story, own, place);
+}
+
+void AudioWalk::visitStoryline(const StoryElement &spine, const Rational &offset, const Place &place)
+{
+    Place inner = place;
+    inner.times = {.plan = place.times.toPlan(offset), .scale = place.scale};
+    ++inner.nesting;
+    if (spine.frameDuration)
+        inner.frameDuration = spine.frameDuration;
+    forEachItem(spine.element, 0,
+                [&](const xmlNode *item, const Rational &itemOffset) { visit(item, itemOffset, inner); });
+}
+
+/// What hangs on an element keeps its own pace, level and length: only where it begins is told by the element.
+void AudioWalk::visitConnected(const StoryElement &story, const TimeMap &own, const Place &place)
+{
+    Place outer = place;
+    outer.times = own;
+    outer.muted = place.connectedMuted;
+    ++outer.nesting;
+    for (const xmlNode *const child : story.connected)
+        visit(child, this->story(child).offset.value_or(0), outer);
+}
+
+void AudioWalk::visitContent(const StoryElement &story, const TimeMap &own, const Place &place)
+{
+    if (story.content.empty())
+        return;
+    const Place inner = inside(story, own, place);
+    for (const xmlNode *const child : story.content) {
+        const StoryElement &content = this->story(child);
+        const Rational begin = content.kind == Kind::Storyline ? story.contentStart.value_or(0) : Rational(0);
+        visit(child, content.offset.value_or(begin), inner);
+    }
+}
+
+void AudioWalk::play(const StoryElement &story, const TimeMap &own, const Place &place)
+{
+    if (story.kind == Kind::Container)
+        return visitContent(story, own, place);
+    if (!story.resource)
+        throw ConversionError(u"FCP 片段缺少媒体资源，请重新拖入。"_s);
+    if (Xml::isElement(story.resource, "asset"))
+        playAsset(story, own, place);
+    else if (Xml::isElement(story.resource, "media"))
+        playCompound(story, own, place);
+    else
+        throwStructure();
+    visitContent(story, own, place);
+}
+
+void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const Place &place)
+{
+    const MediaAsset &asset = m_resources.asset(story.resource);
+    const TimeRange sound = soundRange(story, own, place);
+    const TimeRange audible = sound.cutTo(place.window);
+    if (isTooShort(audible))
+        return;
+    if (!asset.file)
+        throw ConversionError(u"找不到片段原始音视频，请先在 FCP 重新连接媒体。"_s);
+    const TimeRange held = assetRange(asset, own);
+    // A clip that shows nothing of its file has its times from somewhere else.
+    if (sound.cutTo(held).isEmpty())
+        throwSourceRange();
+    TimeRange piece = audible.cutTo(held);
+    if (isTooShort(piece))
+        return;
+    // The file is played at its own pace; what that is off by the end must stay below a frame.
+    const Rational length = *piece.end - piece.begin;
+    const Rational drift = absolute(length / own.scale - length);
+    if (drift > place.frameDuration.value_or(0))
+        throwSourceRange();
+    // Played at its own pace, a piece may reach past the file's end by what it is off.
+    if (asset.duration)
+        piece.end = std::min(*piece.end, piece.begin + (asset.start + *asset.duration - own.toLocal(piece.begin)));
+    add(asset, piece, own, multiplied(place.gain, story.volume));
+}
+
+void AudioWalk::playCompound(const StoryElement &story, const TimeMap &own, const Place &place)
+{
+    if (place.compounds == deepestCompound)
+        throw ConversionError(u"复合片段嵌套过深，请先在 FCP 导出音频。"_s);
+    const StorySequence &sequence = m_resources.compound(story.resource);
+    if (!sequence.spine)
+        throwStructure();
+    Place inner = inside(story, own, place);
+    ++inner.compounds;
+    inner.frameDuration = sequence.frameDuration;
+    forEachItem(sequence.spine, sequence.start,
+                [&](const xmlNode *item, const Rational &offset) { visit(item, offset, inner); });
+}
+
+void AudioWalk::add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain)
+{
+    if (m_found.segments.size() > mostSegments)
+        return;
+    m_found.segments.append({.url = *asset.file,
+                             .fileStart = (own.toLocal(piece.begin) - asset.start).toDouble(),
+                             .offset = piece.begin.toDouble(),
+                             .duration = (*piece.end - piece.begin).toDouble(),
+                             .gain = gain});
+}
+
+TimeMap AudioWalk::ownTimes(const StoryElement &story, const Rational &offset, const Place &place)
+{
+    TimeMap own{.local = story.start, .plan = place.times.toPlan(offset), .scale = place.scale};
+    if (!story.sourceRate)
+        return own;
+    if (!place.frameDuration)
+        throwSourceRange();
+    own.scale = place.scale / ConformRate::pace(*story.sourceRate, *place.frameDuration);
+    return own;
+}
+
+/// Where a clip, or what it contains, sounds on the plan. Never open.
+TimeRange AudioWalk::soundRange(const StoryElement &story, const TimeMap &own, const Place &place)
+{
+    const auto duration = length(story);
+    const Rational soundDuration = story.soundDuration.value_or(0);
+    if (!duration || *duration <= 0 || soundDuration < 0)
+        throw ConversionError(u"片段时长无效。"_s);
+    const Rational begin = own.toPlan(story.soundStart.value_or(story.start));
+    const Rational planDuration = story.soundDuration ? soundDuration * own.scale : *duration * place.scale;
+    return {.begin = begin, .end = begin + planDuration};
+}
+
+/// The place of what a clip contains.
+AudioWalk::Place AudioWalk::inside(const StoryElement &story, const TimeMap &own, const Place &place)
+{
+    Place inner = place;
+    inner.times = own;
+    inner.scale = own.scale;
+    inner.window = soundRange(story, own, place).cutTo(place.window);
+    inner.gain = multiplied(place.gain, story.volume);
+    ++inner.nesting;
+    if (story.frameDuration)
+        inner.frameDuration = story.frameDuration;
+    if (story.kind != Kind::Picture) {
+        inner.muted = story.storylineMuted;
+        inner.connectedMuted = story.connectedMuted;
+    }
+    return inner;
+}

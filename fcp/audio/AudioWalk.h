@@ -1,0 +1,93 @@
+#pragma once
+
+#include "fcp/audio/FCPAudioPlan.h"
+#include "fcp/timeline/MediaResources.h"
+#include "fcp/timeline/StoryElement.h"
+#include "fcp/timeline/TimeMap.h"
+#include "fcp/timeline/TimeRange.h"
+
+#include <set>
+#include <unordered_map>
+
+/// Walks the clips of a timeline, what is connected to them and what is nested in compound clips, and collects what
+/// sounds.
+///
+/// Places are exact; a RationalOverflow passes through. The document must outlive the walk. It never takes longer than
+/// a million elements do, however often a document shows its compound clips.
+class AudioWalk
+{
+public:
+    static constexpr int deepestCompound = 24;
+    static constexpr int deepestNesting = 256;     ///< Of elements, so that the stack of any thread suffices.
+    static constexpr int mostVisits = 1'000'000;   ///< Of elements.
+    static constexpr qsizetype mostSegments = 250; ///< One more is collected, to show that there are too many.
+
+    struct Found
+    {
+        QList<FCPAudioSegment> segments; ///< In document order.
+        bool hasAudioEffects = false;
+        QStringList skippedRetimedAudio;
+    };
+
+    explicit AudioWalk(MediaResources &resources);
+
+    /// Collects what sounds in the storyline of a project within `window` of the plan, whose 0 is the sequence's start.
+    /// @throws ConversionError
+    void walkSequence(const StorySequence &sequence, const TimeRange &window);
+
+    /// Collects what sounds in a clip that stands in no project, and in what is connected to it. The plan's 0 is
+    /// `origin` in the time in which the clip's `offset` counts.
+    /// @throws ConversionError
+    void walkClip(const xmlNode *clip, const Rational &offset, const Rational &origin, const TimeRange &window);
+
+    /// What is known of an element, for as long as the walk lives.
+    /// @throws ConversionError as StoryElement::read
+    const StoryElement &story(const xmlNode *element);
+
+    /// How long a clip lies on its timeline: what it states, or what its resource does. Seconds; absent when neither
+    /// tells.
+    std::optional<Rational> length(const StoryElement &story);
+
+    /// Where the last element of the sequence's storyline ends on the plan, 0 when there is none. Seconds.
+    Rational storylineEnd(const StorySequence &sequence);
+
+    const Found &found() const { return m_found; }
+
+private:
+    /// What the surroundings of an element mean for it.
+    struct Place
+    {
+        TimeMap times = {};    ///< From the time in which its offset counts. The scale says how fast that time runs.
+        Rational scale = 1;    ///< Plan seconds in which a second of its duration passes.
+        TimeRange window = {}; ///< Outside of it nothing sounds. On the plan.
+        std::optional<Rational> frameDuration = {}; ///< Seconds, of the timeline on which it lies.
+        double gain = 1;
+        int compounds = 0;           ///< Compound clips around it.
+        int nesting = 0;             ///< Elements around it.
+        bool muted = false;          ///< Its own sound is switched off from outside ...
+        bool connectedMuted = false; ///< ... or that of what is connected to it.
+    };
+
+    template <class Visitor>
+    void forEachItem(const xmlNode *spine, const Rational &begin, Visitor &&visitor);
+
+    void visit(const xmlNode *element, const Rational &offset, const Place &place);
+    void visitStoryline(const StoryElement &spine, const Rational &offset, const Place &place);
+    void visitConnected(const StoryElement &story, const TimeMap &own, const Place &place);
+    void visitContent(const StoryElement &story, const TimeMap &own, const Place &place);
+    void play(const StoryElement &story, const TimeMap &own, const Place &place);
+    void playAsset(const StoryElement &story, const TimeMap &own, const Place &place);
+    void playCompound(const StoryElement &story, const TimeMap &own, const Place &place);
+    void add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain);
+
+    bool canSound(const StoryElement &story);
+    static TimeMap ownTimes(const StoryElement &story, const Rational &offset, const Place &place);
+    TimeRange soundRange(const StoryElement &story, const TimeMap &own, const Place &place);
+    Place inside(const StoryElement &story, const TimeMap &own, const Place &place);
+
+    MediaResources &m_resources;
+    std::unordered_map<const xmlNode *, StoryElement> m_stories;
+    Found m_found;
+    std::set<const xmlNode *> m_retimed; ///< Speed-changed clips that are counted already.
+    int m_visits = 0;
+};

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "core/ConversionError.h"
+#include "fcp/Options.h"
+#include "fcp/xml/XmlDocument.h"
+
+#include <QList>
+#include <QStringList>
+#include <QUrl>
+
+#include <optional>
+
+class JsonWriter;
+
+/// Refuses a timeline on which nothing can be heard, and that has no other fault.
+class NothingAudible : public ConversionError
+{
+public:
+    using ConversionError::ConversionError;
+};
+
+/// A piece of a media file and where it sounds. Times are seconds, exact to the last bit of a double.
+struct FCPAudioSegment
+{
+    QUrl url;             ///< A file URL. Whether the file exists is for the renderer to find out.
+    double fileStart = 0; ///< Where in the file the piece begins, not negative.
+    double offset = 0;    ///< Where on the plan's timeline it begins, not negative.
+    double duration = 0;  ///< Above 0.
+    double gain = 1;      ///< Linear volume factor; 1 leaves the sound as it is.
+
+    friend bool operator==(const FCPAudioSegment &, const FCPAudioSegment &) = default;
+};
+
+/// Which pieces of which files sound where on the timeline of a Final Cut Pro project or of selected clips.
+struct FCPAudioPlan
+{
+    QString name; ///< Of the project, or of the first selected clip.
+    QList<FCPAudioSegment>
+        segments;        ///< By offset, equal ones in document order. At least 1, at most 250; they may overlap.
+    double duration = 0; ///< Seconds, above 0 and at most three hours. No segment reaches beyond it.
+    std::optional<Options>
+        settings; ///< Matched to the timeline; absent when its frame rate is not known, or not supported.
+    bool hasAudioEffects = false;    ///< Some clip has audio filters, which the plan leaves out.
+    QStringList skippedRetimedAudio; ///< Names of speed-changed clips whose own sound was left out, one for each clip.
+
+    /// Plans dragged data: a document of at most 16 MiB with one project, one clip, or several clips with offsets.
+    /// @throws ConversionError with the sentence that says what cannot be planned; NothingAudible is one.
+    /// @throws PlatformError when the data is no XML.
+    static FCPAudioPlan parse(QByteArrayView data);
+
+    /// Plans a document that was read from a file. @throws ConversionError as above
+    static FCPAudioPlan parse(const XmlDocument &document);
+
+    /// Tells how many clips were left out for their speed change; absent when none was.
+    std::optional<QString> retimeNotice() const;
+
+    friend bool operator==(const FCPAudioPlan &, const FCPAudioPlan &) = default;
+};
+
+/// Writes the plan as an object with the field names as keys, and "retimeNotice" where there is one. Absent fields are
+/// left out.
+void writeAudioPlan(JsonWriter &json, const FCPAudioPlan &plan);

@@ -1,0 +1,32 @@
+#include "fcp/titles/Identifiers.h"
+
+qint64 Identifiers::Counter::next()
+{
+    do
+        ++m_last;
+    while (m_taken.contains(m_last));
+    return m_last;
+}
+
+Identifiers::Identifiers(const XmlDocument &document)
+{
+    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
+        if (const auto id = Xml::attribute(element, "id"))
+            m_used.insert(*id);
+    }
+}
+
+Identifiers::Counter Identifiers::counter(QByteArrayView prefix) const
+{
+    QSet<qint64> taken;
+    for (const QByteArray &id : m_used) {
+        if (!id.startsWith(prefix))
+            continue;
+        const QByteArray digits = id.sliced(prefix.size());
+        const qint64 number = digits.toLongLong();
+        // "007" and "+7" are other ids than 7.
+        if (QByteArray::number(number) == digits)
+            taken.insert(number);
+    }
+    return Counter(std::move(taken));
+}

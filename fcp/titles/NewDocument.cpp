@@ -1,0 +1,109 @@
+#include "fcp/titles/NewDocument.h"
+
+#include "core/ConversionError.h"
+#include "fcp/FCPXML.h"
+#include "fcp/titles/TitleConnection.h"
+
+#include <algorithm>
+
+namespace NewDocument {
+
+namespace {
+
+// The two documents share their head and their sequence. What depends on the options is filled in; blanks stand as
+// written.
+
+constexpr QByteArrayView head = R"xml(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE fcpxml>
+<fcpxml version="1.10">
+    <resources>
+        <format id="r1" frameDuration="" width="" height="" colorSpace="1-1-1 (Rec. 709)"/>
+        <effect id="subeffect1" name="基本字幕" uid=""/>
+)xml";
+
+constexpr QByteArrayView sequence =
+    R"xml(            <sequence format="r1" duration="" tcStart="0s" tcFormat="NDF" audioLayout="stereo" audioRate="48k">
+                <spine>
+                    <gap name="字幕底层" offset="0s" start="0s" duration=""/>
+                </spine>
+            </sequence>
+)xml";
+
+/// Blanks before a title, which stands inside the gap.
+constexpr int titleIndentation = 24;
+
+QByteArray projectFrame()
+{
+    return head.toByteArray() + R"xml(    </resources>
+    <event name="Lintora">
+        <project name="">
+)xml" + sequence.toByteArray() +
+           R"xml(        </project>
+    </event>
+</fcpxml>)xml";
+}
+
+QByteArray clipFrame()
+{
+    return head.toByteArray() + R"xml(        <media id="lintoraMedia" name="">
+)xml" + sequence.toByteArray() +
+           R"xml(        </media>
+    </resources>
+    <ref-clip name="" ref="lintoraMedia" start="0s" duration=""/>
+</fcpxml>)xml";
+}
+
+/// Fills in the options and the length, and finds the storyline.
+const xmlNode *complete(const XmlDocument &tree, const Options &options, qint64 frames)
+{
+    const QByteArray length = options.rate.time(frames);
+    const xmlNode *spine = nullptr;
+    for (xmlNode *element = tree.root(); element; element = Xml::nextElement(element, tree.root())) {
+        const QByteArrayView name = Xml::elementName(element);
+        if (name == "format") {
+            Xml::setAttribute(element, "frameDuration", options.rate.time(1));
+            Xml::setAttribute(element, "width", QByteArray::number(options.width));
+            Xml::setAttribute(element, "height", QByteArray::number(options.height));
+        } else if (name == "effect") {
+            Xml::setAttribute(element, "uid", FCPXML::uid.toByteArray());
+        } else if (name == "project" || name == "media" || name == "ref-clip") {
+            Xml::setAttribute(element, "name", options.name.toUtf8());
+        } else if (name == "spine") {
+            spine = element;
+        }
+        if (name == "sequence" || name == "gap" || name == "ref-clip")
+            Xml::setAttribute(element, "duration", length);
+    }
+    return spine;
+}
+
+TitleDocument build(const QByteArray &frame, const QList<Subtitle> &cues, const Options &options)
+{
+    const auto titles = TitleGrid::place(cues, options);
+    const auto longest = std::max_element(titles.begin(), titles.end(),
+                                          [](const auto &a, const auto &b) { return a.endFrame < b.endFrame; });
+    XmlDocument tree = XmlDocument::parse(frame, {});
+    const xmlNode *const spine = complete(tree, options, longest->endFrame);
+    const Identifiers ids(tree);
+    return TitleConnection::connect({.tree = std::move(tree),
+                                     .spine = spine,
+                                     .projectStart = 0,
+                                     .styles = ids.counter("substyle"),
+                                     .effectID = "subeffect1",
+                                     .indentation = titleIndentation},
+                                    titles, cues, options);
+}
+
+} // namespace
+
+TitleDocument project(const QList<Subtitle> &cues, const Options &options)
+{
+    return build(projectFrame(), cues, options);
+}
+
+TitleDocument clip(const QList<Subtitle> &cues, const Options &options)
+{
+    return build(clipFrame(), cues, options);
+}
+
+} // namespace NewDocument

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "fcp/titles/TitleDocument.h"
+
+/// Title documents that stand on no project of the user's.
+namespace NewDocument {
+
+/// One event with one project, whose storyline is a gap that carries the titles. @throws ConversionError
+TitleDocument project(const QList<Subtitle> &cues, const Options &options);
+
+/// The same sequence as a media resource "lintoraMedia" with a clip that refers to it. @throws ConversionError
+TitleDocument clip(const QList<Subtitle> &cues, const Options &options);
+
+} // namespace NewDocument

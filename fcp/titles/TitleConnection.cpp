@@ -1,0 +1,116 @@
+#include "fcp/titles/TitleConnection.h"
+
+#include "core/ConversionError.h"
+#include "fcp/titles/Storyline.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace TitleConnection {
+
+namespace {
+
+/// What the published element order puts after connected items, in any kind of storyline clip.
+bool followsConnectedItems(const xmlNode *element)
+{
+    static constexpr std::array<QByteArrayView, 14> names{"marker",
+                                                          "chapter-marker",
+                                                          "rating",
+                                                          "keyword",
+                                                          "analysis-marker",
+                                                          "hidden-clip-marker",
+                                                          "audio-channel-source",
+                                                          "audio-role-source",
+                                                          "sync-source",
+                                                          "filter-video",
+                                                          "filter-video-mask",
+                                                          "filter-audio",
+                                                          "metadata",
+                                                          "reserved"};
+    return std::find(names.begin(), names.end(), Xml::elementName(element)) != names.end();
+}
+
+const xmlNode *insertionPoint(const xmlNode *clip)
+{
+    for (const xmlNode *const child : Xml::Children(clip)) {
+        if (followsConnectedItems(child))
+            return child;
+    }
+    return nullptr;
+}
+
+/// One above the highest lane of the document, and at least 1.
+quint64 freeLane(const XmlDocument &document)
+{
+    qint64 highest = 0;
+    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root()))
+        highest = std::max(highest, Xml::integerAttribute(element, "lane").value_or(0));
+    return static_cast<quint64>(highest) + 1;
+}
+
+qint64 connectionFrame(const TitleGrid::Title &title, const Storyline::Clip &clip, const FrameRate &rate)
+{
+    try {
+        const qint64 frame = clip.localFrame(title.startFrame);
+        if (TitleGrid::isWritable(frame, rate))
+            return frame;
+    } catch (const RationalOverflow &) { // NOLINT(bugprone-empty-catch): both ways lead to the refusal below
+    }
+    throw ConversionError::aboutCue(title.cueID, u" 条字幕内容或时间无效。");
+}
+
+} // namespace
+
+TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles, const QList<Subtitle> &cues,
+                      const Options &options)
+{
+    const Storyline storyline(target.spine, target.projectStart, options.rate);
+    struct Hung
+    {
+        const Storyline::Clip *clip;
+        ConnectedTitle title;
+    };
+    std::vector<Hung> hung;
+    hung.reserve(titles.size());
+    for (const TitleGrid::Title &title : titles) {
+        const Storyline::Clip *const clip = storyline.clipAt(title.startFrame);
+        if (!clip)
+            throw ConversionError::aboutCue(title.cueID, u" 条字幕起点不在主时间线片段内。");
+        if (clip->retimed)
+            throw ConversionError(u"字幕连接位置位于变速主片段。请先将项目制作为复合片段，再导出 XML。"_s);
+        hung.push_back({.clip = clip,
+                        .title = {.text = title.text,
+                                  .offsetFrame = connectionFrame(title, *clip, options.rate),
+                                  .frames = title.endFrame - title.startFrame,
+                                  .styleNumber = target.styles.next()}});
+    }
+    // Titles come by time, clips nearly always too; where clips overlap, those of one clip are brought together here.
+    std::stable_sort(hung.begin(), hung.end(), [](const Hung &a, const Hung &b) { return a.clip < b.clip; });
+
+    TitleDocument::Content content{.tree = std::move(target.tree),
+                                   .cues = cues,
+                                   .options = options,
+                                   .effectID = target.effectID,
+                                   .lane = 0,
+                                   .indentation = target.indentation,
+                                   .titles = {},
+                                   .runs = {}};
+    content.lane = freeLane(content.tree);
+    content.titles.reserve(hung.size());
+    const Storyline::Clip *last = nullptr;
+    for (const Hung &each : hung) {
+        if (each.clip != last)
+            content.runs.push_back({.clip = each.clip->element,
+                                    .before = insertionPoint(each.clip->element),
+                                    .first = content.titles.size(),
+                                    .end = 0});
+        last = each.clip;
+        content.titles.push_back(each.title);
+        content.runs.back().end = content.titles.size();
+    }
+    return TitleDocument(std::move(content));
+}
+
+} // namespace TitleConnection

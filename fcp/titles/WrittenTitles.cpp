@@ -1,0 +1,107 @@
+#include "fcp/titles/WrittenTitles.h"
+
+#include "core/ConversionError.h"
+#include "fcp/FCPXML.h"
+#include "fcp/titles/Storyline.h"
+#include "fcp/titles/TitleGrid.h"
+
+#include <algorithm>
+#include <map>
+
+using namespace Qt::StringLiterals;
+
+namespace WrittenTitles {
+
+namespace {
+
+struct Found
+{
+    const xmlNode *parent;
+    QString text;
+    std::optional<Rational> offset;   ///< Seconds, in the parent's own time.
+    std::optional<Rational> duration; ///< Seconds.
+};
+
+std::optional<qint64> wholeFrames(const std::optional<Rational> &seconds, const FrameRate &rate)
+{
+    if (!seconds)
+        return std::nullopt;
+    const Rational frames = *seconds * Rational(rate.numerator, rate.denominator);
+    return frames.denominator() == 1 ? std::optional(frames.numerator()) : std::nullopt;
+}
+
+/// The titles by the time at which they stand on the timeline.
+std::vector<Found> inOrder(std::vector<Found> titles, const Storyline &storyline,
+                           const std::vector<TitleGrid::Title> &expected, const FrameRate &rate)
+{
+    std::map<const xmlNode *, const Storyline::Clip *> clips;
+    for (const TitleGrid::Title &title : expected) {
+        if (const Storyline::Clip *const clip = storyline.clipAt(title.startFrame))
+            clips.emplace(clip->element, clip);
+    }
+    const Rational framesPerSecond(rate.numerator, rate.denominator);
+    std::vector<std::pair<qint64, Found>> placed;
+    for (Found &title : titles) {
+        const auto clip = clips.find(title.parent);
+        // What hangs where no cue belongs counts as standing behind all others.
+        qint64 frame = std::numeric_limits<qint64>::max();
+        if (clip != clips.end() && title.offset)
+            frame = ((*title.offset * framesPerSecond - clip->second->origin) / clip->second->pace).rounded();
+        placed.emplace_back(frame, std::move(title));
+    }
+    std::ranges::stable_sort(placed, {}, &std::pair<qint64, Found>::first);
+    std::vector<Found> result;
+    result.reserve(placed.size());
+    for (auto &[frame, title] : placed)
+        result.push_back(std::move(title));
+    return result;
+}
+
+bool stands(const Found &title, const TitleGrid::Title &expected, const Storyline &storyline, const FrameRate &rate)
+{
+    const Storyline::Clip *const clip = storyline.clipAt(expected.startFrame);
+    return clip && clip->element == title.parent &&
+           wholeFrames(title.offset, rate) == clip->localFrame(expected.startFrame) &&
+           wholeFrames(title.duration, rate) == expected.endFrame - expected.startFrame && title.text == expected.text;
+}
+
+ConversionError difference(qint64 cueID)
+{
+    return ConversionError::aboutCue(cueID, u" 条字幕写入后核对不一致，原文件没有改动。");
+}
+
+} // namespace
+
+void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options)
+{
+    std::vector<Found> titles;
+    const XmlDocument::Extraction extraction{
+        .element = "title", .attribute = "ref", .value = effectID, .take = [&](const XmlDocument::Extract &title) {
+            titles.push_back({.parent = title.parent,
+                              .text = QString::fromUtf8(title.text),
+                              .offset = Rational::parseTime(title.attribute("offset")),
+                              .duration = Rational::parseTime(title.attribute("duration"))});
+        }};
+    const XmlDocument rest = XmlDocument::parse(document, u"不支持含外部实体的 XML。", extraction);
+    const std::vector<TitleGrid::Title> expected = TitleGrid::place(cues, options);
+    const xmlNode *const sequence = Xml::child(FCPXML::project(rest), "sequence");
+    const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
+    const auto start =
+        sequence ? Rational::parseTime(Xml::attribute(sequence, "tcStart").value_or("0s")) : std::nullopt;
+    if (!spine || !start)
+        throw difference(expected.front().cueID);
+    try {
+        const Storyline storyline(spine, *start, options.rate);
+        titles = inOrder(std::move(titles), storyline, expected, options.rate);
+        for (size_t i = 0; i < expected.size(); ++i) {
+            if (i >= titles.size() || !stands(titles[i], expected[i], storyline, options.rate))
+                throw difference(expected[i].cueID);
+        }
+    } catch (const RationalOverflow &) {
+        throw difference(expected.front().cueID);
+    }
+    if (titles.size() > expected.size())
+        throw difference(expected.back().cueID);
+}
+
+} // namespace WrittenTitles

@@ -1,0 +1,256 @@
+// What can be seen, reached and pressed, and what it says.
+
+#include "app/Lintora/StatusLine.h"
+#include "app/Lintora/controls/CheckBox.h"
+#include "app/Lintora/controls/ElidedLabel.h"
+#include "app/Lintora/controls/Sheet.h"
+#include "app/Lintora/drag/UnifiedImportArea.h"
+#include "tests/app/Lintora/PanelTest.h"
+#include "tests/support/Events.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QTest>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class Layout : public PanelTest
+{
+protected:
+    QStringList visibleTexts() const
+    {
+        QStringList texts;
+        for (const QLabel *const label : panel->findChildren<QLabel *>()) {
+            if (label->isVisible())
+                texts += label->text();
+        }
+        return texts;
+    }
+
+    /// The controls that Tab goes through, from the import area on.
+    QStringList tabOrder()
+    {
+        QStringList names;
+        panel->findChild<UnifiedImportArea *>()->setFocus();
+        const QWidget *const first = QApplication::focusWidget();
+        do {
+            names += QApplication::focusWidget()->accessibleName();
+            press(Qt::Key_Tab);
+        } while (QApplication::focusWidget() != first && names.size() < 60);
+        return names;
+    }
+};
+
+TEST_F(Layout, An_empty_workspace_shows_where_material_goes)
+{
+    EXPECT_EQ(panel->findChild<UnifiedImportArea *>()->form(), UnifiedImportArea::Form::Large);
+    EXPECT_TRUE(visibleTexts().contains(u"导入素材后，在这里编辑字幕。"_s));
+    EXPECT_TRUE(visibleTexts().contains(u"语音识别 · 中英互译 · FCP"_s));
+    EXPECT_FALSE(table().isVisible());
+    EXPECT_EQ(button(u"一键清理"_s), nullptr);
+}
+
+TEST_F(Layout, Cues_take_the_place_of_the_large_area)
+{
+    load({u"一"_s});
+    EXPECT_EQ(panel->findChild<UnifiedImportArea *>()->form(), UnifiedImportArea::Form::OneLine);
+    EXPECT_TRUE(table().isVisible());
+    EXPECT_TRUE(table().hasFocus());
+    EXPECT_TRUE(visibleTexts().contains(u"按住下方卡片，拖入 FCP 时间线"_s));
+    model.undo();
+    Events::handle();
+    EXPECT_FALSE(table().isVisible());
+}
+
+TEST_F(Layout, Controls_say_what_they_are_for)
+{
+    load({u"一"_s});
+    const std::pair<QString, QString> helps[] = {
+        {u"置顶"_s, u"让字幕助手保持在 FCP 前方，再次点击取消"_s},
+        {u"去标点并分句"_s, u"去标点并分句"_s},
+        {u"语气词设置"_s, u"自定义需要去掉的语气词"_s},
+        {u"撤销"_s, u"撤销最近一次文字修改"_s},
+        {u"查找替换"_s, u"批量查找与替换关键词（⌘F）"_s},
+    };
+    for (const auto &[name, help] : helps) {
+        ASSERT_NE(button(name), nullptr) << qPrintable(name);
+        EXPECT_EQ(button(name)->toolTip(), help);
+    }
+}
+
+TEST_F(Layout, Every_control_has_a_name_and_is_reached_by_the_keyboard)
+{
+    loadTracks({u"一"_s}, {u"one"_s});
+    model.reportFailure(u"出错"_s); // its copy button is a control too
+    Events::handle();
+    const QStringList reached = tabOrder();
+    for (const QWidget *const each : panel->findChildren<QWidget *>()) {
+        const bool isControl = qobject_cast<const QAbstractButton *>(each) || qobject_cast<const QLineEdit *>(each) ||
+                               qobject_cast<const QAbstractItemView *>(each) || qobject_cast<const QTabBar *>(each);
+        const bool isPart = each->parent()->inherits("QLineEdit") || each->parent()->inherits("QTabBar") ||
+                            each->parent()->inherits("QTableView") || each->inherits("QHeaderView");
+        if (!isControl || isPart || !each->isVisible())
+            continue;
+        EXPECT_FALSE(each->accessibleName().isEmpty()) << each->metaObject()->className();
+        EXPECT_TRUE(!each->isEnabled() || reached.contains(each->accessibleName()))
+            << qPrintable(each->accessibleName());
+    }
+}
+
+TEST_F(Layout, Tab_follows_the_eye)
+{
+    loadTracks({u"一"_s}, {u"one"_s});
+    const QStringList reached = tabOrder();
+    const QStringList expected = {u"文稿匹配"_s, u"去语气词"_s, u"语气词设置"_s, u"去标点并分句"_s, u"一键清理"_s,
+                                  u"撤销"_s,     u"查找替换"_s, u"分离中英"_s,   u"语言组"_s,       u"筛选字幕"_s,
+                                  u"字幕列表"_s, u"导出 SRT"_s, u"导出 FCPXML"_s};
+    qsizetype last = -1;
+    for (const QString &name : expected) {
+        const qsizetype place = reached.indexOf(name);
+        EXPECT_GT(place, last) << qPrintable(name);
+        last = place;
+    }
+}
+
+TEST_F(Layout, Nothing_is_clipped_in_the_smallest_window)
+{
+    loadTracks({u"一"_s, u"二"_s}, {u"one"_s});
+    model.reportFailure(QString(200, u'错'));
+    window.resize(1, 1);
+    Events::handle();
+    EXPECT_EQ(panel->size(), QSize(560, 650));
+    for (const QWidget *const each : panel->findChildren<QWidget *>()) {
+        if (!each->isVisible() || qobject_cast<const ElidedLabel *>(each))
+            continue;
+        const bool isLabelled = qobject_cast<const QPushButton *>(each) || qobject_cast<const CheckBox *>(each) ||
+                                qobject_cast<const QLabel *>(each);
+        EXPECT_TRUE(!isLabelled || each->width() >= each->sizeHint().width()) << qPrintable(each->accessibleName());
+        EXPECT_TRUE(panel->rect().contains(QRect(each->mapTo(panel, QPoint()), each->size())) ||
+                    table().isAncestorOf(each) || each->inherits("QAbstractScrollArea") ||
+                    each->parentWidget()->inherits("QTabBar"))
+            << each->metaObject()->className() << qPrintable(each->accessibleName());
+    }
+    EXPECT_GE(table().height(), 5 * 28);
+}
+
+TEST_F(Layout, A_failure_is_one_line_that_can_be_read_in_full_and_copied)
+{
+    load({u"一"_s});
+    const QString sentence = QString(100, u'长');
+    model.report(u"已载入"_s);
+    EXPECT_EQ(status(), u"已载入"_s);
+    EXPECT_EQ(button(u"复制出错信息"_s), nullptr);
+    model.reportFailure(sentence);
+    Events::handle();
+    EXPECT_EQ(status(), sentence);
+    EXPECT_EQ(find<ElidedLabel>(u"状态"_s)->toolTip(), sentence);
+    click(u"复制出错信息"_s);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), sentence);
+    model.report(u"好了"_s);
+    EXPECT_EQ(button(u"复制出错信息"_s), nullptr);
+}
+
+TEST_F(Layout, Long_work_is_named_and_can_be_cancelled)
+{
+    load({u"一"_s});
+    model.setScriptText(u"一"_s);
+    model.matchScript();
+    ASSERT_TRUE(model.activity().has_value());
+    EXPECT_EQ(status(), u"正在匹配文稿…"_s);
+    click(u"取消"_s);
+    EXPECT_FALSE(model.activity().has_value());
+    EXPECT_EQ(button(u"取消"_s), nullptr);
+}
+
+TEST_F(Layout, Tabs_show_the_tracks_and_change_them)
+{
+    loadTracks({u"一"_s, u"二"_s}, {u"one"_s});
+    auto *const tabs = find<QTabBar>(u"语言组"_s);
+    ASSERT_EQ(tabs->count(), 2);
+    EXPECT_EQ(tabs->tabText(0), u"中文 2"_s);
+    EXPECT_EQ(tabs->tabText(1), u"English 1"_s);
+    table().goTo(1);
+    tabs->setFocus();
+    press(Qt::Key_Right);
+    EXPECT_EQ(table().currentCue(), 0);
+    EXPECT_EQ(texts(), QStringList{u"one"_s});
+    model.insertCue(0);
+    EXPECT_EQ(tabs->tabText(1), u"English 2"_s);
+    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(0).center());
+    Events::handle();
+    EXPECT_EQ(texts(), (QStringList{u"一"_s, u"二"_s}));
+    EXPECT_EQ(table().currentCue(), 1); // where we were
+}
+
+TEST_F(Layout, Buttons_do_what_they_say)
+{
+    load({u"嗯好的。一起来。"_s});
+    click(u"去标点并分句"_s);
+    EXPECT_TRUE(model.removePunctuation());
+    click(u"一键清理"_s);
+    EXPECT_EQ(texts(), (QStringList{u"嗯好的"_s, u"一起来"_s}));
+    QTest::mouseClick(button(u"撤销"_s), Qt::LeftButton, {}, QPoint(10, 10));
+    EXPECT_EQ(texts(), QStringList{u"嗯好的。一起来。"_s});
+    click(u"置顶"_s);
+    EXPECT_FALSE(model.pinned());
+    EXPECT_FALSE(button(u"置顶"_s)->isChecked());
+}
+
+TEST_F(Layout, Restoring_the_original_asks_first)
+{
+    load({u"你好\nhello"_s, u"再见\nbye"_s});
+    click(u"分离中英"_s);
+    EXPECT_EQ(model.visibleTracks().size(), 2);
+    EXPECT_EQ(button(u"分离中英"_s), nullptr);
+    click(u"恢复原稿"_s);
+    EXPECT_TRUE(visibleTexts().contains(u"恢复分离前原稿？"_s));
+    EXPECT_TRUE(visibleTexts().contains(u"分离后对各语言的修改将被原稿替换。"_s));
+    press(Qt::Key_Escape);
+    EXPECT_EQ(model.visibleTracks().size(), 2);
+    EXPECT_FALSE(visibleTexts().contains(u"恢复分离前原稿？"_s));
+
+    click(u"恢复原稿"_s);
+    model.undo();
+    EXPECT_FALSE(visibleTexts().contains(u"恢复分离前原稿？"_s)) << "nothing is left to be restored";
+    model.redo();
+    click(u"恢复原稿"_s);
+    for (Sheet *const sheet : panel->findChildren<Sheet *>()) {
+        if (!sheet->isVisible())
+            continue;
+        for (QPushButton *const each : sheet->findChildren<QPushButton *>()) {
+            if (each->text() == u"恢复原稿"_s)
+                QTest::mouseClick(each, Qt::LeftButton);
+        }
+    }
+    EXPECT_EQ(texts(), (QStringList{u"你好\nhello"_s, u"再见\nbye"_s}));
+}
+
+TEST_F(Layout, A_job_that_owns_the_cues_disables_what_would_change_them)
+{
+    load({u"一"_s});
+    model.beginAIJob(std::make_shared<Job>());
+    Events::handle();
+    for (const QString &name : {u"一键清理"_s, u"撤销"_s, u"查找替换"_s, u"分离中英"_s})
+        EXPECT_FALSE(button(name)->isEnabled()) << qPrintable(name);
+    model.endAIJob();
+    EXPECT_TRUE(button(u"一键清理"_s)->isEnabled());
+}
+
+TEST_F(Layout, Exports_are_offered_for_a_document_and_for_a_project)
+{
+    load({u"一"_s});
+    QStringList entries;
+    const auto *const fcpxml = qobject_cast<QPushButton *>(button(u"导出 FCPXML"_s));
+    ASSERT_NE(fcpxml, nullptr);
+    for (const QAction *const action : fcpxml->menu()->actions())
+        entries += action->text();
+    EXPECT_EQ(entries, (QStringList{u"独立文档"_s, u"写入项目…"_s}));
+}
+
+} // namespace

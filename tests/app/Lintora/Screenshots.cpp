@@ -1,0 +1,309 @@
+// Draws the window's main states, to be looked at: in both appearances and in three sizes.
+//
+//   lintora_screenshots          the selection that the documentation shows, into docs/images/
+//   lintora_screenshots FOLDER   all of them
+
+#include "app/Lintora/Panel.h"
+#include "app/Lintora/controls/Theme.h"
+#include "app/Lintora/cues/CueTable.h"
+#include "app/Lintora/look/FontPicker.h"
+#include "app/model/LintoraModel.h"
+#include "tests/support/Events.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QList<Subtitle> interview(int rounds)
+{
+    struct Line
+    {
+        qint64 lengthMS;
+        QString text;
+    };
+    const Line lines[] = {
+        {1500, u"大家好，欢迎回来"_s},
+        {1620, u"今天我们聊聊调色"_s},
+        {2400, u"先看这一段素材，它是用 Log 拍的\nThis clip was shot in Log"_s},
+        {600, u"灰"_s},
+        {1800, u"嗯，直接看会觉得画面又灰又平，其实细节都还在里面没有丢掉"_s},
+        {2200, u"第一步，把它转换到 Rec. 709"_s},
+        {2600, u"转换之后，对比度和饱和度就回来了"_s},
+        {1900, u"这时候先不要急着加 LUT"_s},
+        {2100, u"我们来看一下示波器"_s},
+        {2800, u"高光压到九十左右，阴影留一点余量"_s},
+        {7600, u"肤色落在这条线附近，就不会偏得太离谱"_s},
+        {2000, u"接下来处理天空"_s},
+        {2300, u"用形状遮罩把天空单独选出来"_s},
+        {2000, u"羽化给大一点，边缘才自然"_s},
+        {2500, u"最后统一一下前后两个镜头"_s},
+        {1700, u"好，今天就到这里"_s},
+        {1600, u"我们下期再见"_s},
+    };
+    QList<Subtitle> cues;
+    qint64 start = 1000;
+    for (int round = 0; round < rounds; ++round) {
+        for (const Line &line : lines) {
+            cues += Subtitle{.id = cues.size() + 1, .start = start, .end = start + line.lengthMS, .text = line.text};
+            start += line.lengthMS + (cues.size() % 3 == 0 ? 400 : 0);
+        }
+    }
+    return cues;
+}
+
+QList<Subtitle> translated(const QList<Subtitle> &cues)
+{
+    QList<Subtitle> english = cues;
+    for (Subtitle &cue : english)
+        cue.text = u"Let us look at the scopes first"_s;
+    return english;
+}
+
+LintoraSession loadedJob(int rounds = 18)
+{
+    LintoraSession job;
+    job.source = u"访谈_粗剪_v3.srt"_s;
+    job.removeFillers = true;
+    const QList<Subtitle> cues = interview(rounds);
+    job.tracks = QList<SubtitleTrack>{
+        {.id = QUuid::createUuid(), .label = u"中文"_s, .items = cues, .options = job.options, .removeFillers = true},
+        {.id = QUuid::createUuid(), .label = u"English"_s, .items = translated(cues), .options = job.options}};
+    job.selectedTrackID = job.tracks->first().id;
+    return job;
+}
+
+struct State
+{
+    QString name;
+    std::function<void(LintoraModel &, LintoraPanel &)> reach;
+};
+
+QList<State> states()
+{
+    const auto load = [](LintoraModel &model, LintoraPanel &panel) {
+        model.apply(loadedJob());
+        model.report(u"已载入"_s);
+        panel.table().goTo(2);
+    };
+    return {
+        {u"empty"_s, [](LintoraModel &, LintoraPanel &) {}},
+        {u"loaded"_s, load},
+        {u"editing"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             panel.table().editText(2);
+         }},
+        {u"time"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             CueTable &table = panel.table();
+             table.setCurrentIndex(table.model()->index(4, CueTableModel::endColumn));
+             static_cast<QAbstractItemView &>(table).edit(table.currentIndex());
+             auto *const field = qobject_cast<QLineEdit *>(table.indexWidget(table.currentIndex()));
+             QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+             field->insert(u"1:7x"_s);
+             field->setModified(true);
+             QApplication::sendEvent(field, &press);
+         }},
+        {u"confirm"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             LintoraSession job = loadedJob();
+             job.splitOriginal = job.tracks->last().id;
+             model.apply(job);
+             Events::handle();
+             for (QPushButton *const each : panel.findChildren<QPushButton *>()) {
+                 if (each->text() == u"恢复原稿"_s)
+                     each->click();
+             }
+         }},
+        {u"find-replace"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.setFindReplaceVisible(true);
+             const QList<QLineEdit *> fields = panel.findChildren<QLineEdit *>();
+             for (QLineEdit *const field : fields) {
+                 if (field->accessibleName() == u"关键词"_s)
+                     field->setText(u"转换"_s);
+                 if (field->accessibleName() == u"替换为（留空则删除关键词）"_s)
+                     field->setText(u"还原"_s);
+             }
+         }},
+        {u"script-match"_s,
+         [](LintoraModel &model, LintoraPanel &) {
+             model.apply(loadedJob(1));
+             QString script;
+             for (const Subtitle &cue : model.items())
+                 script += QString(cue.text).replace(u"嗯，直接"_s, u"直接"_s).replace(u"聊聊调色"_s, u"聊一聊调色"_s);
+             model.setScriptText(script + u"这一整段没有人说出来，只写在文稿里，留给下一期。"_s);
+             model.setScriptMatchPresented(true);
+             model.matchScript();
+             Events::waitFor([&] { return !model.activity(); });
+         }},
+        {u"cleanup"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.setCleanupSettingsVisible(true);
+         }},
+        {u"failure"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             panel.table().goTo(10);
+             model.reportFailure(
+                 u"第 17 条字幕的结束时间早于开始时间，请修正后重新导入；文件其余部分没有改动，可用任何文本编辑器打开。"_s);
+         }},
+        {u"style"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             Options options = model.options();
+             options.font = u"Noto Sans CJK SC"_s;
+             options.fontSize = 96;
+             options.strokeEnabled = true;
+             model.setOptions(options);
+             model.saveStylePreset(u"访谈 · 白字黑边"_s);
+             options.fontColor = u"1 0.83 0 1"_s;
+             options.shadowEnabled = true;
+             model.setOptions(options);
+             model.saveStylePreset(u"综艺黄字"_s);
+             options.font = u"Noto Serif CJK SC"_s;
+             options.fontColor = u"1 1 1 1"_s;
+             options.strokeEnabled = false;
+             options.shadowBlur = 12;
+             model.setOptions(options);
+             model.saveStylePreset(u"纪录片"_s);
+             Events::waitFor([&] { return model.stylePresets().size() == 3; });
+             model.setSettingsVisible(true);
+         }},
+        {u"style-name"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.setSettingsVisible(true);
+             for (QPushButton *const button : panel.findChildren<QPushButton *>()) {
+                 if (button->text() == u"保存预设…"_s)
+                     button->click();
+             }
+         }},
+        {u"style-portrait"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             panel.table().goTo(4);
+             Options options = model.options();
+             options.font = u"Noto Sans CJK SC"_s;
+             options.width = 1080;
+             options.height = 1920;
+             options.fontSize = 64;
+             options.shiftMS = -1500;
+             model.setOptions(options);
+             model.setSettingsVisible(true);
+             for (QAbstractButton *const button : panel.findChildren<QAbstractButton *>()) {
+                 if (button->accessibleName() == u"背景：灰阶"_s || button->accessibleName() == u"放大"_s ||
+                     button->accessibleName() == u"给文字加描边"_s)
+                     button->click();
+             }
+             QScrollBar &bar = *panel.findChild<QScrollArea *>()->verticalScrollBar();
+             bar.setValue(bar.maximum() / 2);
+             for (QLineEdit *const field : panel.findChildren<QLineEdit *>()) {
+                 if (field->accessibleName() != u"描边宽度"_s)
+                     continue;
+                 field->setFocus();
+                 field->selectAll();
+                 field->insert(u"24"_s);
+                 Q_EMIT field->textEdited(u"24"_s);
+             }
+         }},
+        {u"style-fonts"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.setSettingsVisible(true);
+             for (QComboBox *const box : panel.findChildren<QComboBox *>()) {
+                 if (box->accessibleName() == u"字体"_s)
+                     box->showPopup();
+             }
+             const auto *const list = panel.findChild<FontPicker *>()->findChild<QListView *>();
+             Events::waitFor([&] { return list->model()->rowCount() > 0; });
+             for (QLineEdit *const field : panel.findChildren<QLineEdit *>()) {
+                 if (field->accessibleName() == u"查找字体"_s)
+                     field->setText(u"noto"_s);
+             }
+             for (int i = 0; i < 60; ++i)
+                 Events::handle();
+         }},
+        {u"fcp-import"_s, [](LintoraModel &model, LintoraPanel &) { model.showFCPImport(); }},
+    };
+}
+
+bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance appearance)
+{
+    if (size == QSize(640, 790))
+        return !QStringList{u"fcp-import"_s, u"time"_s, u"confirm"_s, u"style-name"_s, u"style-portrait"_s}.contains(
+                   state) &&
+               (appearance == VELTheme::Appearance::light || state == u"loaded"_s);
+    return state == u"loaded"_s && size.width() == 560 && appearance == VELTheme::Appearance::dark;
+}
+
+bool draw(const State &state, QSize size, VELTheme::Appearance appearance, const QString &file)
+{
+    const QTemporaryDir folder;
+    LintoraModel model(
+        {.draftURL = folder.filePath(u"Draft.json"_s),
+         .stylePresetsURL = folder.filePath(u"Presets.json"_s),
+         .settings = std::make_shared<QSettings>(folder.filePath(u"settings.ini"_s), QSettings::IniFormat),
+         .dialogs = {}});
+    LintoraPanel panel(model);
+    VELTheme::setAppearance(panel, appearance);
+    panel.resize(size);
+    panel.show();
+    panel.activateWindow();
+    Events::handle();
+    state.reach(model, panel);
+    for (int i = 0; i < 5; ++i)
+        Events::handle();
+    if (panel.size() != size)
+        qWarning("%ls: %d x %d became %d x %d", qUtf16Printable(state.name), size.width(), size.height(), panel.width(),
+                 panel.height());
+    return panel.grab().toImage().convertToFormat(QImage::Format_RGB888).save(file, "PNG", 0); // as small as can be
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    // What is kept in the home folder is none of the pictures' business.
+    const QTemporaryDir home;
+    qputenv("HOME", home.path().toLocal8Bit());
+    const QApplication application(argc, argv);
+    const bool wantsAll = argc > 1;
+    const QDir folder(wantsAll ? QString::fromLocal8Bit(argv[1]) : u"docs/images"_s);
+    if (!folder.mkpath(u"."_s))
+        return 1;
+    for (const State &state : states()) {
+        for (const QSize size : {QSize(560, 650), QSize(640, 790), QSize(1200, 900)}) {
+            for (const auto appearance : {VELTheme::Appearance::light, VELTheme::Appearance::dark}) {
+                if (!wantsAll && !isForDocumentation(state.name, size, appearance))
+                    continue;
+                const QString name =
+                    u"%1-%2-%3.png"_s.arg(state.name, QString::number(size.width()),
+                                          appearance == VELTheme::Appearance::dark ? u"dark"_s : u"light"_s);
+                if (!draw(state, size, appearance, folder.filePath(name)))
+                    return 1;
+            }
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,476 @@
+// Cues are edited in the table, with the mouse, the keyboard and an input method.
+
+#include "tests/app/Lintora/PanelTest.h"
+#include "tests/support/Events.h"
+
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTest>
+#include <QToolTip>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class CueEditing : public PanelTest
+{
+protected:
+    void editWith(int cue, const QString &text)
+    {
+        edit(cue);
+        ASSERT_NE(editor(), nullptr);
+        editor()->selectAll();
+        type(text);
+    }
+
+    QLineEdit *timeField(int cue, int column)
+    {
+        const QModelIndex index = table().model()->index(cue, column);
+        table().setCurrentIndex(index);
+        table().setFocus();
+        press(Qt::Key_Return);
+        return qobject_cast<QLineEdit *>(QApplication::focusWidget());
+    }
+};
+
+TEST_F(CueEditing, Return_keeps_what_was_typed)
+{
+    load({u"一"_s, u"二"_s});
+    editWith(1, u"改过的字幕"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(editor(), nullptr);
+    EXPECT_EQ(texts(), (QStringList{u"一"_s, u"改过的字幕"_s}));
+    EXPECT_TRUE(table().hasFocus());
+}
+
+TEST_F(CueEditing, Return_opens_the_editor_on_the_current_cue)
+{
+    load({u"一"_s, u"二"_s});
+    EXPECT_TRUE(table().hasFocus());
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(editor()->toPlainText(), u"二"_s);
+}
+
+TEST_F(CueEditing, Shift_and_Return_break_the_line)
+{
+    load({u"一"_s});
+    edit(0);
+    editor()->moveCursor(QTextCursor::End);
+    press(Qt::Key_Return, Qt::ShiftModifier);
+    type(u"二"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(texts(), QStringList{u"一\n二"_s});
+}
+
+TEST_F(CueEditing, Escape_takes_back_what_was_typed_and_redo_brings_it)
+{
+    load({u"一"_s});
+    editWith(0, u"打错了"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(editor(), nullptr);
+    EXPECT_EQ(texts(), QStringList{u"一"_s});
+    model.redo();
+    EXPECT_EQ(texts(), QStringList{u"打错了"_s});
+}
+
+TEST_F(CueEditing, What_is_typed_is_kept_when_something_else_is_turned_to)
+{
+    using Turn = std::function<void()>;
+    const std::pair<const char *, Turn> turns[] = {
+        {"another row",
+         [this] {
+             const QModelIndex other = table().model()->index(2, CueTableModel::textColumn);
+             QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, table().visualRect(other).center());
+         }},
+        {"a tab",
+         [this] {
+             auto *const tabs = find<QTabBar>(u"语言组"_s);
+             QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
+         }},
+        {"a tool", [this] { click(u"查找替换"_s); }},
+        {"a tool of the menu", [this] { model.setScriptMatchPresented(true); }},
+        {"another job", [this] { load({u"新"_s}); }},
+        {"another window",
+         [this] {
+             QWidget other;
+             other.show();
+             other.activateWindow();
+             EXPECT_TRUE(Events::waitFor([&] { return other.isActiveWindow(); }));
+             window.activateWindow();
+         }},
+        {"a hidden window", [this] { window.hide(); }},
+    };
+    for (const auto &[name, turn] : turns) {
+        SCOPED_TRACE(name);
+        window.show();
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        model.setFindReplaceVisible(false);
+        model.setScriptMatchPresented(false);
+        loadTracks({u"一"_s, u"二"_s, u"三"_s}, {u"one"_s});
+        editWith(0, u"刚刚输入"_s);
+        turn();
+        Events::handle();
+        // Undo reaches the job in which it was typed, whatever has come since.
+        bool isKept = false;
+        do {
+            for (const SubtitleTrack &track : model.tracks())
+                isKept = isKept || track.items.first().text == u"刚刚输入"_s;
+            if (!isKept && model.canUndo())
+                model.undo();
+            else
+                break;
+        } while (true);
+        EXPECT_TRUE(isKept);
+    }
+}
+
+TEST_F(CueEditing, What_is_typed_into_a_cue_that_goes_is_shown)
+{
+    load({u"一"_s, u"二"_s});
+    editWith(1, u"来不及保存"_s);
+    model.deleteCues({1});
+    ASSERT_TRUE(Events::waitFor([&] { return model.failure().has_value(); }));
+    EXPECT_TRUE(status().contains(u"来不及保存"_s));
+    EXPECT_EQ(texts(), QStringList{u"一"_s});
+}
+
+TEST_F(CueEditing, What_is_typed_never_lands_in_another_cue)
+{
+    // A job that comes in while a text or a time is being typed stays as it came.
+    load({u"一"_s, u"二"_s, u"三"_s});
+    editWith(1, u"旧的"_s);
+    load({u"甲"_s, u"乙"_s, u"丙"_s});
+    Events::handle();
+    EXPECT_EQ(texts(), (QStringList{u"甲"_s, u"乙"_s, u"丙"_s}));
+    EXPECT_TRUE(table().hasFocus());
+    model.undo();
+    EXPECT_EQ(texts(), (QStringList{u"一"_s, u"旧的"_s, u"三"_s}));
+    Events::handle();
+
+    QLineEdit *const time = timeField(1, CueTableModel::startColumn);
+    ASSERT_NE(time, nullptr);
+    time->setText(u"2.1"_s);
+    load({u"子"_s, u"丑"_s, u"寅"_s});
+    Events::handle();
+    EXPECT_EQ(model.items()[1].start, 2'000);
+
+    // A version from outside takes one cue away and changes another: the rows between mean other cues.
+    load({u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s});
+    editWith(2, u"c 还在输入"_s);
+    model.asOneStep([&] {
+        model.deleteCues({0});
+        model.setText(3, u"E"_s);
+    });
+    Events::handle();
+    if (editor())
+        press(Qt::Key_Return);
+    EXPECT_EQ(texts().first(), u"b"_s);
+    EXPECT_EQ(texts().mid(2), (QStringList{u"d"_s, u"E"_s}));
+}
+
+TEST_F(CueEditing, Escape_undoes_nothing_but_what_was_typed)
+{
+    load({u"一"_s, u"二"_s});
+    model.setText(0, u"改过"_s);
+    editWith(1, u"二 "_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(texts(), (QStringList{u"改过"_s, u"二"_s}));
+    model.undo();
+    editWith(1, u"不要了"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(texts(), (QStringList{u"一"_s, u"二"_s}));
+    model.redo();
+    EXPECT_EQ(texts().first(), u"改过"_s) << "what was undone before can still be redone";
+}
+
+TEST_F(CueEditing, A_change_of_other_cues_leaves_the_editor_open)
+{
+    load({u"一"_s, u"二"_s, u"三"_s});
+    editWith(2, u"还在输入"_s);
+    model.deleteCues({0});
+    Events::handle();
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(editor()->toPlainText(), u"还在输入"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(texts(), (QStringList{u"二"_s, u"还在输入"_s}));
+}
+
+TEST_F(CueEditing, A_blank_text_is_refused_and_stays_to_be_mended)
+{
+    load({u"一"_s});
+    editWith(0, u" "_s);
+    press(Qt::Key_Return);
+    EXPECT_NE(editor(), nullptr);
+    EXPECT_TRUE(model.failure().has_value());
+    table().commitEdit();
+    EXPECT_EQ(editor(), nullptr);
+    EXPECT_EQ(texts(), QStringList{u"一"_s});
+}
+
+TEST_F(CueEditing, Undo_in_the_editor_is_the_texts_own)
+{
+    load({u"一"_s, u"二"_s});
+    model.setText(1, u"贰"_s);
+    edit(0);
+    editor()->moveCursor(QTextCursor::End);
+    type(u"二三"_s);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(editor()->toPlainText(), u"一"_s);
+    EXPECT_EQ(model.items().at(1).text, u"贰"_s);
+}
+
+TEST_F(CueEditing, Undo_outside_an_editor_is_the_jobs)
+{
+    load({u"一"_s});
+    editWith(0, u"改"_s);
+    press(Qt::Key_Return);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(texts(), QStringList{u"一"_s});
+    press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(texts(), QStringList{u"改"_s});
+}
+
+TEST_F(CueEditing, Splits_at_the_cursor_and_goes_on_in_the_second_half)
+{
+    load({u"大家好今天聊调色"_s, u"尾"_s});
+    edit(0);
+    QTextCursor cursor = editor()->textCursor();
+    cursor.setPosition(3);
+    editor()->setTextCursor(cursor);
+    press(Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(texts(), (QStringList{u"大家好"_s, u"今天聊调色"_s, u"尾"_s}));
+    EXPECT_EQ(model.items().first().end, 750); // three of eight characters
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(editor()->toPlainText(), u"今天聊调色"_s);
+    EXPECT_EQ(editor()->textCursor().position(), 0);
+    EXPECT_EQ(model.items().at(1).id, 3); // the highest number and one
+}
+
+TEST_F(CueEditing, Typing_and_splitting_are_one_step)
+{
+    load({u"一二"_s});
+    editWith(0, u" 三四五六"_s);
+    QTextCursor cursor = editor()->textCursor();
+    cursor.setPosition(3);
+    editor()->setTextCursor(cursor);
+    press(Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(texts(), (QStringList{u"三四"_s, u"五六"_s}));
+    model.undo();
+    EXPECT_EQ(texts(), QStringList{u"一二"_s});
+}
+
+TEST_F(CueEditing, A_split_without_text_on_one_side_is_refused)
+{
+    load({u"一二"_s});
+    edit(0);
+    editor()->moveCursor(QTextCursor::End);
+    press(Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(texts(), QStringList{u"一二"_s});
+    EXPECT_TRUE(model.failure().has_value());
+    EXPECT_NE(editor(), nullptr);
+}
+
+TEST_F(CueEditing, Joins_with_the_next_inside_and_outside_the_editor)
+{
+    load({u"一"_s, u"二"_s, u"三"_s});
+    edit(0);
+    press(Qt::Key_J, Qt::ControlModifier);
+    EXPECT_EQ(texts(), (QStringList{u"一 二"_s, u"三"_s}));
+    press(Qt::Key_J, Qt::ControlModifier);
+    EXPECT_EQ(texts(), QStringList{u"一 二 三"_s});
+    press(Qt::Key_J, Qt::ControlModifier);
+    EXPECT_EQ(texts(), QStringList{u"一 二 三"_s});
+}
+
+TEST_F(CueEditing, Inserts_behind_the_current_cue_and_opens_the_editor)
+{
+    load({u"一"_s, u"二"_s});
+    editWith(0, u"壹"_s);
+    press(Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_EQ(model.items().size(), 3);
+    EXPECT_EQ(model.items().first().text, u"壹"_s);
+    EXPECT_EQ(model.items().at(1).id, 3);
+    ASSERT_NE(editor(), nullptr);
+    type(u"新写的"_s); // in the place of the selected placeholder
+    press(Qt::Key_Return);
+    EXPECT_EQ(texts(), (QStringList{u"壹"_s, u"新写的"_s, u"二"_s}));
+}
+
+TEST_F(CueEditing, Deletes_the_selected_cues_in_one_step)
+{
+    load({u"一"_s, u"二"_s, u"三"_s, u"四"_s});
+    table().goTo(1);
+    table().setFocus();
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    EXPECT_EQ(texts(), (QStringList{u"一"_s, u"四"_s}));
+    EXPECT_EQ(table().currentCue(), 1);
+    model.undo();
+    EXPECT_EQ(model.items().size(), 4);
+}
+
+TEST_F(CueEditing, In_the_editor_the_key_that_deletes_cues_deletes_text)
+{
+    load({u"一"_s, u"二"_s});
+    edit(0);
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    EXPECT_EQ(model.items().size(), 2);
+}
+
+TEST_F(CueEditing, No_key_is_a_command_while_an_input_method_composes)
+{
+    load({u"一"_s, u"二"_s});
+    edit(0);
+    editor()->moveCursor(QTextCursor::End);
+    compose(u"ni'hao"_s);
+    for (const int key : {Qt::Key_K, Qt::Key_J, Qt::Key_Return})
+        press(key, Qt::ControlModifier);
+    press(Qt::Key_Return);
+    press(Qt::Key_Escape);
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(model.items().size(), 2);
+    type(u"你好"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(texts(), (QStringList{u"一你好"_s, u"二"_s}));
+}
+
+TEST_F(CueEditing, Letters_on_a_row_do_nothing)
+{
+    load({u"abc"_s, u"kbc"_s});
+    table().setFocus();
+    for (const int key : {Qt::Key_K, Qt::Key_J, Qt::Key_A, Qt::Key_D})
+        press(key);
+    EXPECT_EQ(texts(), (QStringList{u"abc"_s, u"kbc"_s}));
+    EXPECT_EQ(table().currentCue(), 0);
+    EXPECT_EQ(editor(), nullptr);
+}
+
+TEST_F(CueEditing, Several_cues_move_to_another_track_in_one_step)
+{
+    loadTracks({u"一"_s, u"二"_s, u"三"_s}, {u"one"_s});
+    table().setFocus();
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    QContextMenuEvent request(QContextMenuEvent::Keyboard, QPoint(1, 1), QPoint(1, 1));
+    QApplication::sendEvent(table().viewport(), &request);
+    auto *const menu = table().findChild<QMenu *>();
+    ASSERT_NE(menu, nullptr);
+    for (const QAction *const entry : menu->actions()) {
+        if (entry->text() == u"移到其他语言组"_s)
+            entry->menu()->actions().first()->trigger();
+    }
+    menu->close();
+    EXPECT_EQ(texts(), QStringList{u"三"_s});
+    EXPECT_EQ(model.tracks().last().items.size(), 3);
+    model.undo();
+    EXPECT_EQ(texts().size(), 3);
+}
+
+TEST_F(CueEditing, Copies_cuts_and_pastes_rows_as_text)
+{
+    load({u"一"_s, u"二"_s, u"三"_s});
+    table().setFocus();
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"一\n二"_s);
+    table().goTo(2);
+    press(Qt::Key_V, Qt::ControlModifier);
+    press(Qt::Key_Return);
+    EXPECT_EQ(texts(), (QStringList{u"一"_s, u"二"_s, u"一\n二"_s}));
+    table().goTo(0);
+    press(Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(texts(), (QStringList{u"二"_s, u"一\n二"_s}));
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"一"_s);
+}
+
+TEST_F(CueEditing, A_time_is_typed_in_short)
+{
+    load({u"一"_s, u"二"_s});
+    QLineEdit *const field = timeField(1, CueTableModel::endColumn);
+    ASSERT_NE(field, nullptr);
+    EXPECT_EQ(field->text(), u"00:00:04,000"_s);
+    field->selectAll();
+    type(u"5.25"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(model.items().at(1).end, 5'250);
+    EXPECT_TRUE(table().hasFocus());
+}
+
+TEST_F(CueEditing, What_is_no_time_is_said_where_it_is)
+{
+    load({u"一"_s, u"二"_s});
+    for (const QString &wrong : {u"很久"_s, u"1.5"_s}) { // the second ends before it starts
+        SCOPED_TRACE(qPrintable(wrong));
+        QLineEdit *const field = timeField(1, CueTableModel::endColumn);
+        ASSERT_NE(field, nullptr);
+        field->selectAll();
+        type(wrong);
+        press(Qt::Key_Return);
+        EXPECT_TRUE(field->hasFocus());
+        EXPECT_TRUE(field->property("invalid").toBool());
+        EXPECT_FALSE(field->toolTip().isEmpty());
+        find<QLineEdit>(u"筛选字幕"_s)->setFocus(); // it stays to be mended
+        EXPECT_TRUE(field->isVisible());
+        field->setFocus();
+        press(Qt::Key_Escape);
+        EXPECT_EQ(model.items().at(1).end, 4'000);
+    }
+}
+
+TEST_F(CueEditing, The_filter_keeps_what_is_edited_until_it_changes)
+{
+    load({u"苹果"_s, u"香蕉"_s, u"苹果派"_s});
+    auto *const filter = find<QLineEdit>(u"筛选字幕"_s);
+    ASSERT_NE(filter, nullptr);
+    filter->setFocus();
+    type(u"苹果"_s);
+    EXPECT_EQ(table().shownCues(), 2);
+    editWith(1, u"菠萝派"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(model.items().at(2).text, u"菠萝派"_s);
+    EXPECT_EQ(table().shownCues(), 2);
+    press(Qt::Key_Return, Qt::ControlModifier); // behind it
+    EXPECT_EQ(table().shownCues(), 3);
+    EXPECT_EQ(table().currentCue(), 3);
+    press(Qt::Key_Escape);
+    filter->setFocus();
+    type(u"派"_s);
+    EXPECT_EQ(table().shownCues(), 0);
+    filter->clear();
+    EXPECT_EQ(table().shownCues(), 4);
+}
+
+TEST_F(CueEditing, While_a_job_owns_the_cues_nothing_opens)
+{
+    load({u"一"_s, u"二"_s});
+    model.beginAIJob(std::make_shared<Job>());
+    edit(0);
+    EXPECT_EQ(editor(), nullptr);
+    press(Qt::Key_Return);
+    EXPECT_EQ(editor(), nullptr);
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    EXPECT_EQ(model.items().size(), 2);
+    model.endAIJob();
+}
+
+TEST_F(CueEditing, What_is_being_typed_waits_for_a_job_that_owns_the_cues)
+{
+    load({u"一"_s, u"二"_s});
+    editWith(0, u"打了一半"_s);
+    model.beginAIJob(std::make_shared<Job>());
+    table().setFocus();
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(editor()->toPlainText(), u"打了一半"_s);
+    model.endAIJob();
+    EXPECT_TRUE(table().commitEdit());
+    EXPECT_EQ(model.items().first().text, u"打了一半"_s);
+}
+
+} // namespace

@@ -1,0 +1,214 @@
+#include "app/window/EditMenu.h"
+
+#include "app/Lintora/drag/DragSubtitleCard.h"
+#include "app/model/FCPPasteboard.h"
+#include "tests/app/TemporaryModel.h"
+#include "tests/support/Events.h"
+
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QTableWidget>
+#include <QTest>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class EditMenuTest : public testing::Test
+{
+protected:
+    EditMenuTest()
+    {
+        QGuiApplication::clipboard()->setText(u"贴"_s);
+        new QVBoxLayout(&m_window);
+        m_bar.addMenu(&m_menu);
+        m_window.layout()->setMenuBar(&m_bar);
+        add<QWidget>()->setFocusPolicy(Qt::StrongFocus);
+        m_window.show();
+        m_window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&m_window));
+    }
+
+    template <class Widget>
+    Widget *add()
+    {
+        auto *const widget = new Widget;
+        m_window.layout()->addWidget(widget);
+        return widget;
+    }
+
+    void focus(QWidget *widget)
+    {
+        widget->setFocus();
+        Events::handle();
+    }
+
+    /// The entries that can be chosen.
+    QString enabled() const
+    {
+        QStringList titles;
+        for (const QAction *const action : m_menu.actions()) {
+            if (action->isEnabled())
+                titles += action->text();
+        }
+        return titles.join(u' ');
+    }
+
+    void choose(const QString &title)
+    {
+        for (QAction *const action : m_menu.actions()) {
+            if (action->text() == title)
+                action->trigger();
+        }
+        Events::handle();
+    }
+
+    void load(int cues)
+    {
+        m_model.load(m_outside.srt(u"a.srt"_s, cues));
+        ASSERT_TRUE(Events::waitFor([&] { return m_model.items().size() == cues; }));
+    }
+
+    TemporaryModel m_outside;
+    LintoraModel m_model{m_outside.surroundings()};
+    QWidget m_window;
+    QMenuBar m_bar;
+    EditMenu m_menu{m_model};
+};
+
+TEST_F(EditMenuTest, Acts_on_the_history_while_no_text_is_edited)
+{
+    focus(m_window.findChild<QWidget *>());
+    EXPECT_EQ(enabled(), QString());
+    load(2);
+    EXPECT_EQ(enabled(), u"撤销"_s);
+    choose(u"撤销"_s);
+    EXPECT_TRUE(m_model.items().isEmpty());
+    EXPECT_EQ(enabled(), u"重做"_s);
+    choose(u"重做"_s);
+    EXPECT_EQ(m_model.items().size(), 2);
+}
+
+TEST_F(EditMenuTest, Acts_on_the_text_of_a_line_that_is_edited)
+{
+    load(1);
+    auto *const line = add<QLineEdit>();
+    focus(line);
+    EXPECT_EQ(enabled(), u"粘贴"_s) << "the history is not to be reached from an untouched field";
+    line->insert(u"字"_s);
+    EXPECT_EQ(enabled(), u"撤销 粘贴 全选"_s);
+    choose(u"全选"_s);
+    EXPECT_EQ(enabled(), u"撤销 剪切 复制 粘贴 全选"_s);
+    choose(u"剪切"_s);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"字"_s);
+    choose(u"撤销"_s);
+    EXPECT_EQ(line->text(), u"字"_s);
+    choose(u"重做"_s);
+    EXPECT_EQ(line->text(), QString());
+    choose(u"粘贴"_s);
+    EXPECT_EQ(line->text(), u"字"_s);
+    EXPECT_EQ(m_model.items().size(), 1) << "the job is left alone";
+}
+
+TEST_F(EditMenuTest, Acts_on_the_text_of_many_lines)
+{
+    auto *const text = add<QPlainTextEdit>();
+    focus(text);
+    text->insertPlainText(u"一\n二"_s);
+    text->selectAll();
+    EXPECT_EQ(enabled(), u"撤销 剪切 复制 粘贴 全选"_s);
+    choose(u"撤销"_s);
+    EXPECT_EQ(text->toPlainText(), QString());
+}
+
+TEST_F(EditMenuTest, Finds_the_text_within_a_control)
+{
+    auto *const box = add<QComboBox>();
+    box->setEditable(true);
+    focus(box);
+    box->lineEdit()->insert(u"字"_s);
+    EXPECT_EQ(enabled(), u"撤销 粘贴 全选"_s);
+    choose(u"撤销"_s);
+    EXPECT_EQ(box->currentText(), QString());
+}
+
+TEST_F(EditMenuTest, Takes_nothing_out_of_a_field_that_hides_its_text)
+{
+    auto *const line = add<QLineEdit>();
+    line->setEchoMode(QLineEdit::Password);
+    focus(line);
+    line->insert(u"secret"_s);
+    line->selectAll();
+    EXPECT_EQ(enabled(), u"撤销 粘贴 全选"_s);
+}
+
+TEST_F(EditMenuTest, Leaves_the_history_within_reach_of_a_text_that_cannot_be_edited)
+{
+    load(1);
+    auto *const text = add<QPlainTextEdit>();
+    text->setPlainText(u"文稿"_s);
+    text->setReadOnly(true);
+    text->setTextInteractionFlags(Qt::TextSelectableByKeyboard | Qt::TextSelectableByMouse);
+    focus(text);
+    text->selectAll();
+    EXPECT_EQ(enabled(), u"撤销 复制 全选"_s);
+    choose(u"撤销"_s);
+    EXPECT_TRUE(m_model.items().isEmpty());
+}
+
+TEST_F(EditMenuTest, Pastes_text_and_nothing_else)
+{
+    auto *const field = add<QLineEdit>();
+    focus(field);
+    auto *const picture = new QMimeData;
+    picture->setData(u"image/png"_s, "x");
+    QGuiApplication::clipboard()->setMimeData(picture);
+    choose(u"粘贴"_s);
+    EXPECT_EQ(field->text(), QString());
+    QGuiApplication::clipboard()->setText(u"贴"_s);
+    choose(u"粘贴"_s);
+    EXPECT_EQ(field->text(), u"贴"_s);
+}
+
+TEST_F(EditMenuTest, Offers_what_the_focused_control_can_do)
+{
+    auto *const table = add<QTableWidget>();
+    table->setRowCount(3);
+    table->setColumnCount(1);
+    focus(table);
+    EXPECT_EQ(enabled(), u"全选"_s);
+    choose(u"全选"_s);
+    EXPECT_EQ(table->selectionModel()->selectedIndexes().size(), 3);
+}
+
+TEST_F(EditMenuTest, Copies_a_card_that_has_the_focus)
+{
+    load(1);
+    auto *const card = new DragSubtitleCard(m_model, std::nullopt);
+    m_window.layout()->addWidget(card);
+    focus(card);
+    EXPECT_EQ(enabled(), u"撤销 复制"_s);
+    choose(u"复制"_s);
+    EXPECT_TRUE(FCPPasteboard::offeredType(*QGuiApplication::clipboard()->mimeData()).has_value());
+}
+
+TEST_F(EditMenuTest, Forgets_a_field_that_is_gone)
+{
+    auto *const line = add<QLineEdit>();
+    focus(line);
+    line->setText(u"字"_s);
+    delete line;
+    Events::handle();
+    EXPECT_EQ(enabled(), QString());
+    choose(u"全选"_s);
+}
+
+} // namespace

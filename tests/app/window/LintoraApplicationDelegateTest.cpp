@@ -1,0 +1,305 @@
+#include "app/window/LintoraApplicationDelegate.h"
+
+#include "app/window/LintoraContainer.h"
+#include "store/LintoraSession.h"
+#include "tests/app/TemporaryModel.h"
+#include "tests/support/Events.h"
+
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QFileOpenEvent>
+#include <QLoggingCategory>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWindow>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize usual(640, 790);
+constexpr QSize least(560, 650);
+
+class Application : public testing::Test
+{
+protected:
+    /// Launches; whatever ran before has ended.
+    LintoraApplicationDelegate &launch()
+    {
+        m_delegate.reset();
+        m_delegate = std::make_unique<LintoraApplicationDelegate>([](LintoraModel &) { return new QWidget; },
+                                                                  outside.surroundings());
+        m_delegate->applicationDidFinishLaunching();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(m_delegate->window()));
+        return *m_delegate;
+    }
+
+    QMenu *menu(int index) const { return m_delegate->menuBar()->actions().at(index)->menu(); }
+
+    /// The entry that bears this text.
+    QAction *entry(const QString &text) const
+    {
+        for (const int index : {0, 1}) {
+            for (QAction *const action : menu(index)->actions()) {
+                if (action->text() == text)
+                    return action;
+            }
+        }
+        return nullptr;
+    }
+
+    /// "Title  key", a line each; "-" for a separator.
+    QStringList lines(int index) const
+    {
+        QStringList result;
+        for (const QAction *const action : menu(index)->actions()) {
+            const QString key = action->shortcut().toString(QKeySequence::PortableText);
+            result += action->isSeparator() ? u"-"_s : (action->text() + u' ' + key).trimmed();
+        }
+        return result;
+    }
+
+    qint64 level() const { return Platform::standing(*m_delegate->window()->windowHandle()).level; }
+
+    TemporaryModel outside;
+
+private:
+    std::unique_ptr<LintoraApplicationDelegate> m_delegate;
+};
+
+TEST_F(Application, Has_its_commands_in_two_menus)
+{
+    launch();
+    EXPECT_EQ(lines(0), QStringList({u"打开 SRT… Ctrl+O"_s, u"从 FCP 导入…"_s, u"文稿匹配…"_s, u"字幕样式… Ctrl+,"_s,
+                                     u"清理设置…"_s, u"-"_s, u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
+    EXPECT_EQ(menu(1)->title(), u"编辑"_s);
+    EXPECT_EQ(lines(1), QStringList({u"撤销 Ctrl+Z"_s, u"重做 Ctrl+Shift+Z"_s, u"剪切 Ctrl+X"_s, u"复制 Ctrl+C"_s,
+                                     u"粘贴 Ctrl+V"_s, u"全选 Ctrl+A"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
+}
+
+TEST_F(Application, Commands_open_what_they_name)
+{
+    LintoraModel &model = launch().model();
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(outside.openings.size(), 1);
+    entry(u"从 FCP 导入…"_s)->trigger();
+    EXPECT_TRUE(model.fcpImportVisible());
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(model.settingsVisible());
+    entry(u"清理设置…"_s)->trigger();
+    EXPECT_TRUE(model.cleanupSettingsVisible());
+    entry(u"文稿匹配…"_s)->trigger();
+    EXPECT_TRUE(model.scriptMatchPresented());
+}
+
+TEST_F(Application, Finding_waits_for_the_end_of_a_job)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    LintoraModel &model = delegate.model();
+    model.beginAIJob(std::make_shared<Job>());
+    EXPECT_FALSE(entry(u"查找与替换…"_s)->isEnabled());
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_F, Qt::ControlModifier);
+    delegate.openFindReplace();
+    EXPECT_FALSE(model.findReplaceVisible());
+    model.endAIJob();
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_TRUE(model.findReplaceVisible());
+}
+
+/// The usual size of the content, which a menu bar takes nothing of; unless the screen is too low for both.
+QSize sizeOnScreen(const FloatingWindow &window)
+{
+    const int room = window.screen()->availableGeometry().height() - window.menuWidget()->height();
+    return {usual.width(), std::min(usual.height(), room)};
+}
+
+TEST_F(Application, The_window_opens_in_the_middle_and_later_where_it_was_left)
+{
+    const QPoint middle = launch().window()->screen()->availableGeometry().center();
+    FloatingWindow *window = launch().window();
+    EXPECT_EQ(window->windowTitle(), u"VELMORA 字幕助手"_s);
+    EXPECT_EQ(window->centralWidget()->size(), sizeOnScreen(*window));
+    // The screen of these tests is as low as the window is high: its frame may push it.
+    const QPoint off = window->geometry().center() - middle;
+    EXPECT_LE(std::abs(off.x()), 2);
+    EXPECT_LE(std::abs(off.y()), window->menuWidget()->height());
+
+    window->resize(10, 10);
+    EXPECT_EQ(window->centralWidget()->size(), least);
+    window->move(70, 60);
+    const QRect left = window->geometry();
+    window->close();
+    EXPECT_EQ(launch().window()->geometry(), left);
+}
+
+TEST_F(Application, A_window_from_before_the_newer_layout_is_enlarged_once)
+{
+    launch().window()->resize(600, 700);
+    launch(); // which ends the one before
+    QSettings(outside.path(u"settings.ini"_s), QSettings::IniFormat).setValue(u"expandedActionsLayout"_s, false);
+    FloatingWindow *const window = launch().window();
+    EXPECT_EQ(window->centralWidget()->size(), sizeOnScreen(*window));
+}
+
+TEST_F(Application, A_pinned_window_stands_above_others_and_an_unpinned_one_among_them)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    EXPECT_EQ(level(), 3);
+    EXPECT_FALSE(Platform::standing(*delegate.window()->windowHandle()).hidesOnDeactivate);
+    delegate.model().toggleFloating();
+    EXPECT_EQ(level(), 0);
+    EXPECT_TRUE(delegate.window()->isVisible());
+    EXPECT_FALSE(Platform::standing(*delegate.window()->windowHandle()).hidesOnDeactivate);
+    delegate.model().toggleFloating();
+    EXPECT_EQ(level(), 3);
+}
+
+TEST_F(Application, A_window_that_is_made_anew_is_still_pinned)
+{
+    FloatingWindow *const window = launch().window();
+    window->setWindowFlags(window->windowFlags() | Qt::WindowMaximizeButtonHint);
+    window->show();
+    EXPECT_EQ(level(), 3);
+    window->setWindowState(Qt::WindowFullScreen);
+    window->setWindowState(Qt::WindowNoState);
+    EXPECT_EQ(level(), 3);
+}
+
+struct RaiseCase
+{
+    const char *name;
+    std::function<void(LintoraApplicationDelegate &)> before;
+    bool raises;
+};
+
+class Raising : public Application, public testing::WithParamInterface<RaiseCase>
+{};
+
+// Whether the window was touched shows in its level, which is taken away before.
+TEST_P(Raising, Happens_only_while_the_pinned_window_can_be_seen_and_nothing_is_dragged)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    GetParam().before(delegate);
+    Events::handle();
+    delegate.window()->windowHandle()->setFlag(Qt::WindowStaysOnTopHint, false);
+    const bool wasVisible = delegate.window()->isVisible();
+    delegate.model().raisePinnedWindow();
+    EXPECT_EQ(level(), GetParam().raises ? 3 : 0);
+    EXPECT_EQ(delegate.window()->isVisible(), wasVisible);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    When, Raising,
+    testing::Values(
+        RaiseCase{"Pinned", [](LintoraApplicationDelegate &) {}, true},
+        RaiseCase{"Not_pinned", [](LintoraApplicationDelegate &delegate) { delegate.model().toggleFloating(); }, false},
+        RaiseCase{"Dragging",
+                  [](LintoraApplicationDelegate &delegate) { delegate.model().subtitleDragInProgress = true; }, false},
+        RaiseCase{"Closed", [](LintoraApplicationDelegate &delegate) { delegate.window()->close(); }, false},
+        RaiseCase{"Minimised", [](LintoraApplicationDelegate &delegate) { delegate.window()->showMinimized(); },
+                  false}),
+    [](const auto &row) { return std::string(row.param.name); });
+
+TEST_F(Application, Raising_after_the_delegate_is_gone_does_nothing)
+{
+    std::function<void()> raise;
+    {
+        const TemporaryModel other;
+        LintoraApplicationDelegate delegate([](LintoraModel &) { return new QWidget; }, outside.surroundings());
+        delegate.applicationDidFinishLaunching();
+        raise = delegate.model().raisePinnedWindow;
+    }
+    raise();
+}
+
+TEST_F(Application, An_opened_file_is_loaded_and_brings_the_window_back)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    delegate.window()->close();
+    const QUrl file = outside.srt(u"访谈 一.srt"_s, 3);
+    QFileOpenEvent event(file);
+    QCoreApplication::sendEvent(qApp, &event);
+    EXPECT_TRUE(Events::waitFor([&] { return delegate.model().items().size() == 3; }));
+    EXPECT_TRUE(Events::waitFor([&] { return delegate.window()->isVisible(); }));
+}
+
+TEST_F(Application, Opened_links_reach_the_model_one_by_one)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    const QSignalSpy failures(&delegate.model(), &LintoraModel::failureChanged);
+    delegate.window()->showMinimized();
+    delegate.open({QUrl(u"file:///unknown.txt"_s), outside.srt(u"a.srt"_s, 2)});
+    EXPECT_EQ(failures.size(), 1);
+    EXPECT_FALSE(delegate.window()->isMinimized());
+    EXPECT_TRUE(Events::waitFor([&] { return delegate.model().items().size() == 2; }));
+    EXPECT_EQ(delegate.model().failure(), std::nullopt);
+}
+
+TEST_F(Application, A_command_brings_a_closed_window_back)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    delegate.window()->close();
+    entry(u"清理设置…"_s)->trigger();
+    EXPECT_TRUE(delegate.window()->isVisible());
+}
+
+TEST_F(Application, The_last_change_is_saved_at_the_end)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    delegate.model().load(outside.srt(u"a.srt"_s, 2));
+    ASSERT_TRUE(Events::waitFor([&] { return delegate.model().items().size() == 2; }));
+    delegate.model().setText(0, u"改过"_s);
+    delegate.applicationWillTerminate();
+    QFile draft(outside.path(u"Draft.json"_s));
+    ASSERT_TRUE(draft.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(draft.readAll().contains("改过"));
+}
+
+QStringList &logged()
+{
+    static QStringList lines;
+    return lines;
+}
+
+TEST_F(Application, Notes_how_the_window_stands_when_another_program_becomes_active)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    logged().clear();
+    const auto before = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &line) {
+        logged() += QString::fromUtf8(context.category) + u": "_s + line;
+    });
+    Q_EMIT qApp->applicationStateChanged(Qt::ApplicationInactive);
+    qInstallMessageHandler(before);
+    EXPECT_EQ(logged(), QStringList(u"FloatingWindow: Resigned active: visible=1 hidesOnDeactivate=0 level=3"_s));
+    EXPECT_TRUE(delegate.window()->isVisible());
+}
+
+struct ArgumentCase
+{
+    const char *name;
+    QString argument;
+    QString url;
+};
+
+class Argument : public testing::TestWithParam<ArgumentCase>
+{};
+
+TEST_P(Argument, Names_a_file_or_a_link)
+{
+    EXPECT_EQ(LintoraContainer::urls({GetParam().argument}, u"/影片"_s),
+              QList<QUrl>({QUrl(GetParam().url, QUrl::StrictMode)}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, Argument,
+                         testing::Values(ArgumentCase{"Relative", u"a b.srt"_s, u"file:///影片/a%20b.srt"_s},
+                                         ArgumentCase{"Above", u"../x.srt"_s, u"file:///x.srt"_s},
+                                         ArgumentCase{"Absolute", u"/x/100%.srt"_s, u"file:///x/100%25.srt"_s},
+                                         ArgumentCase{"File_link", u"file:///x.srt"_s, u"file:///x.srt"_s},
+                                         ArgumentCase{"Link", u"lintora://floating?session=/a%20b"_s,
+                                                      u"lintora://floating?session=/a%20b"_s},
+                                         ArgumentCase{"Colon_in_a_name", u"第1集:开场.srt"_s,
+                                                      u"file:///影片/第1集:开场.srt"_s}),
+                         [](const auto &row) { return std::string(row.param.name); });
+
+} // namespace
