@@ -1,21 +1,20 @@
 #include "ai/LocalAIJob.h"
 
-#include "core/Cancelled.h"
+#include <utility>
 
-void LocalAIJob::check() const
+void LocalAIJob::setRequest(std::function<void()> abort)
 {
-    if (isCancelled())
-        throw Cancelled();
+    replaceRequest(std::make_unique<OnCancel>(*this, std::move(abort)));
 }
 
-bool LocalAIJob::isCancelled() const
+void LocalAIJob::clearRequest()
 {
-    const std::lock_guard lock(m_mutex);
-    return m_cancelled;
+    replaceRequest(nullptr);
 }
 
-void LocalAIJob::cancel()
+void LocalAIJob::replaceRequest(std::unique_ptr<OnCancel> request)
 {
     const std::lock_guard lock(m_mutex);
-    m_cancelled = true;
+    // The parameter outlives the lock: the one before is let go after it, for that may wait for its abort to return.
+    std::swap(m_request, request);
 }
