@@ -40,6 +40,7 @@ void addCommands(CLI::App &app, Commands::Work &run)
     Commands::addReplace(app, run);
     Commands::addSeparate(app, run);
     Commands::addAlign(app, run);
+    Commands::addConvertScript(app, run);
     Commands::addSettings(app, run);
     Commands::addPlan(app, run);
     Commands::addSession(app, run);
