@@ -7,7 +7,7 @@ set -euo pipefail
 debian_packages() {
     case $1 in
     build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libicu-dev libopencc-dev libcli11-dev fonts-noto-cjk ;;
-    test) echo libgtest-dev libgmock-dev locales xauth xdotool xvfb ;;
+    test) echo libgtest-dev libgmock-dev locales openssl xauth xdotool xvfb ;;
     ci) echo git clang clang-format clang-tidy ccache desktop-file-utils libgnustep-gui-dev libobjc-12-dev ;;
     bench) echo libbenchmark-dev ;;
     fuzz) echo clang libclang-rt-14-dev ;;
