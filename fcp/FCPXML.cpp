@@ -200,6 +200,19 @@ xmlNode *project(const XmlDocument &document)
     return found.front();
 }
 
+xmlNode *project(const XmlDocument &document, const QString &name)
+{
+    if (name.isEmpty())
+        return project(document);
+    auto found = projects(document);
+    std::erase_if(found, [&](const xmlNode *each) { return Xml::attribute(each, "name") != name.toUtf8(); });
+    if (found.empty())
+        throw ConversionError(u"找不到名为“%1”的项目。"_s.arg(name));
+    if (found.size() > 1)
+        throw ConversionError(u"有多个名为“%1”的项目。"_s.arg(name));
+    return found.front();
+}
+
 Options settings(Options options, const XmlDocument &document)
 {
     const xmlNode *const project = FCPXML::project(document);

@@ -33,6 +33,10 @@ std::vector<xmlNode *> projects(const XmlDocument &document);
 /// @throws ConversionError "请选择只包含一个项目的 FCPXML。" when there is none, or several.
 xmlNode *project(const XmlDocument &document);
 
+/// The one project of a document that bears `name`; with an empty name as above.
+/// @throws ConversionError as above, "找不到名为“…”的项目。", or "有多个名为“…”的项目。"
+xmlNode *project(const XmlDocument &document, const QString &name);
+
 /// `options` with frame rate, frame size, font size (height ÷ 45) and name taken from the document's project.
 /// @throws ConversionError as project does, "找不到项目画面格式。" or "项目帧率暂不支持。"
 Options settings(Options options, const XmlDocument &document);

@@ -3,9 +3,9 @@
 QByteArray Tag::toXml() const
 {
     QByteArray xml = '<' + name + attributes;
-    if (children.isEmpty())
+    if (children.isEmpty() && text.isEmpty())
         return xml + "/>";
-    xml += '>';
+    xml += '>' + text;
     for (const Tag &child : children)
         xml += child.toXml();
     return xml + "</" + name + '>';
@@ -19,6 +19,13 @@ Tag tag(QByteArrayView description, const QList<Tag> &children)
         const qsizetype equals = word.indexOf('=');
         result.attributes += ' ' + word.first(equals) + "=\"" + word.sliced(equals + 1) + '"';
     }
+    return result;
+}
+
+Tag textTag(QByteArrayView description, const QByteArray &text)
+{
+    Tag result = tag(description);
+    result.text = text;
     return result;
 }
 

@@ -13,12 +13,16 @@ struct Tag
     QByteArray name;
     QByteArray attributes; ///< As they stand in XML, with a leading blank each.
     QList<Tag> children = {};
+    QByteArray text = {}; ///< Before the children, as it stands in XML.
 
     QByteArray toXml() const;
 };
 
 /// `description` is a name and attributes, separated by single blanks. A value holds none.
 Tag tag(QByteArrayView description, const QList<Tag> &children = {});
+
+/// The same around text.
+Tag textTag(QByteArrayView description, const QByteArray &text);
 
 /// Documents around a few tags. All know these resources:
 /// - formats "p24", "p25", "p2398", "p48" (of 48 frames a second) and "unrated", which does not tell its rate;

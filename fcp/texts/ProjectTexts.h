@@ -1,0 +1,44 @@
+#pragma once
+
+#include "core/Subtitle.h"
+#include "fcp/texts/TextWalk.h"
+#include "fcp/xml/XmlDocument.h"
+
+#include <QStringList>
+
+#include <vector>
+
+/// The titles and captions that stand in a project, as cues.
+namespace ProjectTexts {
+
+/// What gave no cue.
+struct Skipped
+{
+    QString name;   ///< Of the title, as it stands; its text where it has none.
+    QString reason; ///< For the user.
+
+    friend bool operator==(const Skipped &, const Skipped &) = default;
+};
+
+/// The texts of one role on one lane.
+struct Track
+{
+    QString label;                       ///< For people, different from those of the other tracks.
+    QString role;                        ///< As it stands; empty for titles that state none.
+    qint64 lane = 0;                     ///< 0 for the primary storyline.
+    bool captions = false;               ///< Native captions rather than titles.
+    QList<Subtitle> items;               ///< By start, numbered from 1. Times are what is seen, on the nearest frames.
+    std::vector<TextWalk::Found> places; ///< Where each item stands.
+    QList<Skipped> skipped;              ///< In document order.
+};
+
+/// All tracks, in the order in which the document first mentions them. Titles without any text are in none.
+/// `project` may be null for a document that holds clips instead: one, or several that say where they lie. The places
+/// refer to `document`.
+/// @throws ConversionError when the document is none of Final Cut Pro, holds nothing, or more than can be walked.
+std::vector<Track> read(const XmlDocument &document, const xmlNode *project);
+
+/// The tracks' labels, for a choice.
+QStringList labels(const std::vector<Track> &tracks);
+
+} // namespace ProjectTexts
