@@ -13,6 +13,7 @@ using Work = std::function<void()>;
 void addAlign(CLI::App &app, Work &run);
 void addClean(CLI::App &app, Work &run);
 void addConvertScript(CLI::App &app, Work &run);
+void addExtract(CLI::App &app, Work &run);
 void addPlan(CLI::App &app, Work &run);
 void addPresets(CLI::App &app, Work &run);
 void addReplace(CLI::App &app, Work &run);

@@ -1,16 +1,13 @@
 #include "cli/Commands.h"
-#include "cli/Interrupt.h"
 #include "cli/Result.h"
+#include "cli/SrtFolder.h"
 #include "core/ConversionError.h"
-#include "core/PlatformError.h"
 #include "core/SRT.h"
-#include "core/files/AtomicFile.h"
 #include "core/text/LanguageSeparation.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -30,25 +27,12 @@ struct SeparateArguments
     Arguments::Output output;
 };
 
-/// Writes one SRT file a group. No file is replaced before all are written and `beforeCommit` has done its part.
-void writeFiles(const QDir &folder, const QList<GroupedCues> &groups, const std::function<void()> &beforeCommit)
+std::vector<SrtFolder::File> toFiles(const QList<GroupedCues> &groups)
 {
-    if (!folder.mkpath(u"."_s))
-        throw PlatformError(u"无法创建文件夹“%1”。"_s.arg(folder.path()));
-    std::vector<std::unique_ptr<AtomicFile>> files;
-    for (const auto &[group, items] : groups) {
-        AtomicFile &file = *files.emplace_back(
-            std::make_unique<AtomicFile>(folder.filePath(LanguageSeparation::label(group) + u".srt"_s)));
-        Utf8Writer out([&](QByteArrayView block) {
-            Interrupt::check();
-            file.write(block);
-        });
-        SRT::serialize(items, out);
-    }
-    beforeCommit();
-    Interrupt::check();
-    for (const auto &file : files)
-        file->commit();
+    std::vector<SrtFolder::File> files;
+    for (const auto &[group, items] : groups)
+        files.push_back({.name = LanguageSeparation::label(group) + u".srt"_s, .items = items});
+    return files;
 }
 
 void writeGroups(JsonWriter &json, const QList<GroupedCues> &groups)
@@ -89,7 +73,7 @@ void runSeparate(const SeparateArguments &arguments)
     };
     if (arguments.folder || !arguments.output.json) {
         refuseToReplaceInput(arguments, folder, groups);
-        writeFiles(folder, groups, sayJson);
+        SrtFolder::write(folder, toFiles(groups), sayJson);
     } else {
         sayJson();
     }

@@ -36,6 +36,7 @@ void addCommands(CLI::App &app, Commands::Work &run)
         "示例：\n  lintora-cli titles 访谈.srt -o 访谈.fcpxml --rate 25\n\n每个命令的选项：lintora-cli 命令 --help");
     Commands::addSrt(app, run);
     Commands::addTitles(app, run);
+    Commands::addExtract(app, run);
     Commands::addClean(app, run);
     Commands::addReplace(app, run);
     Commands::addSeparate(app, run);

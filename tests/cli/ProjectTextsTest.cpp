@@ -1,0 +1,100 @@
+#include "core/files/FileReader.h"
+#include "tests/support/CommandLine.h"
+#include "tests/support/StoryDocument.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Tag text(const QByteArray &content)
+{
+    return tag("text", {textTag("text-style ref=ts1", content)});
+}
+
+Tag title(const QByteArray &attributes, const QByteArray &content)
+{
+    return tag("title ref=title " + attributes, {text(content)});
+}
+
+/// A folder with projects that hold titles.
+class ProjectTextCommands : public ::testing::Test
+{
+protected:
+    ProjectTextCommands()
+    {
+        file(u"one.fcpxml"_s,
+             StoryDocument::project("20s", {tag("gap offset=0s duration=20s",
+                                                {title("lane=1 offset=1s duration=2s", "你好"),
+                                                 title("lane=1 offset=5s duration=2s name=藏 enabled=0", "隐藏"),
+                                                 title("lane=1 offset=7s duration=1s", "再见")})}));
+        file(u"two.fcpxml"_s,
+             StoryDocument::project("20s", {tag("gap offset=0s duration=20s",
+                                                {title("lane=1 offset=1s duration=2s role=中/文", "你好"),
+                                                 title("lane=2 offset=1s duration=2s role=English", "Hello")})}));
+        file(u"bare.fcpxml"_s, StoryDocument::project("20s", {tag("gap offset=0s duration=20s")}));
+    }
+
+    QString path(const QString &name) const { return m_folder.filePath(name); }
+
+    void file(const QString &name, const QByteArray &content) const
+    {
+        QFile target(path(name));
+        EXPECT_TRUE(target.open(QIODevice::WriteOnly));
+        target.write(content);
+    }
+
+    QByteArray content(const QString &name) const { return FileReader::readAll(path(name)); }
+
+    CommandLine::Outcome run(const QString &command, const QString &input, const QStringList &arguments = {}) const
+    {
+        return CommandLine::run(QStringList{command, path(input)} + arguments);
+    }
+
+    void expect(const CommandLine::Outcome &outcome, int status, const QByteArray &output, const QByteArray &error)
+    {
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.output.toStdString(), output.toStdString());
+        EXPECT_EQ(outcome.error.toStdString(), error.toStdString());
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+TEST_F(ProjectTextCommands, extract_writes_what_stands_in_a_project)
+{
+    const QByteArray srt = "1\n00:00:01,000 --> 00:00:03,000\n你好\n\n2\n00:00:07,000 --> 00:00:08,000\n再见\n";
+    const auto outcome = run(u"extract"_s, u"one.fcpxml"_s);
+    EXPECT_EQ(outcome.output.trimmed().toStdString(), srt.trimmed().toStdString());
+    expect(
+        run(u"extract"_s, u"one.fcpxml"_s, {u"--json"_s}), 0,
+        R"([{"items":[{"end":3000,"id":1,"start":1000,"text":"你好"},{"end":8000,"id":2,"start":7000,"text":"再见"}],)"
+        R"("label":"标题","lane":1,"role":"","skipped":[{"name":"藏","reason":"已停用"}]}])"
+        "\n",
+        "");
+}
+
+TEST_F(ProjectTextCommands, extract_writes_a_file_for_each_track)
+{
+    expect(run(u"extract"_s, u"two.fcpxml"_s), 1, "", "项目中有 2 条字幕轨，请用 --into 分别写入文件夹。\n");
+    expect(run(u"extract"_s, u"two.fcpxml"_s, {u"--into"_s, path(u"out"_s)}), 0, "", "");
+    EXPECT_EQ(QDir(path(u"out"_s)).entryList(QDir::Files, QDir::Name), (QStringList{u"English.srt"_s, u"中_文.srt"_s}));
+    EXPECT_TRUE(content(u"out/English.srt"_s).contains("Hello"));
+}
+
+TEST_F(ProjectTextCommands, extract_says_what_it_cannot_read)
+{
+    expect(run(u"extract"_s, u"bare.fcpxml"_s), 1, "", "项目中没有可读取的字幕。\n");
+    expect(run(u"extract"_s, u"bare.fcpxml"_s, {u"--json"_s}), 0, "[]\n", "");
+    expect(run(u"extract"_s, u"one.fcpxml"_s, {u"--project"_s, u"别的"_s}), 1, "", "找不到名为“别的”的项目。\n");
+    EXPECT_EQ(run(u"extract"_s, u"one.fcpxml"_s, {u"--project"_s, u"Film"_s}).status, 0);
+    EXPECT_EQ(run(u"extract"_s, u"one.fcpxml"_s, {u"--into"_s, path(u"x"_s), u"-o"_s, path(u"y"_s)}).status, 2);
+}
+
+} // namespace
