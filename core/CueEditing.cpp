@@ -2,6 +2,7 @@
 
 #include "core/ConversionError.h"
 #include "core/text/Characters.h"
+#include "core/text/LineJoining.h"
 
 #include <QStringList>
 
@@ -27,8 +28,8 @@ const QString &placeholder()
 qint64 weight(QStringView text)
 {
     qint64 characters = 0;
-    for (const char32_t scalar : Characters::Scalars(text))
-        characters += Characters::isSpace(scalar) ? 0 : 1;
+    for (Characters::Cursor at(text); at.next();)
+        characters += Characters::isSpace(*Characters::Scalars(at.character()).begin()) ? 0 : 1;
     return characters;
 }
 
@@ -116,7 +117,7 @@ QList<Subtitle> splitting(QList<Subtitle> items, qsizetype index, qsizetype posi
     const qint64 tailWeight = weight(tail);
     if (headWeight == 0 || tailWeight == 0)
         throw ConversionError(u"请把光标放在要拆分的文字之间。"_s);
-    if (!Characters::isWritable(head) || !Characters::isWritable(tail))
+    if (!Characters::isBoundary(text, position) || !Characters::isWritable(head) || !Characters::isWritable(tail))
         throw ConversionError(u"这里是一个字的中间，不能拆分。"_s);
     qint64 length = 0;
     if (__builtin_sub_overflow(cue.end, cue.start, &length) || length > latest)
@@ -140,7 +141,7 @@ QList<Subtitle> joining(QList<Subtitle> items, qsizetype index)
     Subtitle &cue = items[index];
     cue.start = std::min(cue.start, next.start);
     cue.end = std::max(cue.end, next.end);
-    cue.text += u' ' + next.text;
+    cue.text = LineJoining::joined(cue.text, next.text);
     return items;
 }
 

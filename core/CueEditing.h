@@ -34,8 +34,8 @@ QList<Subtitle> removing(QList<Subtitle> items, QList<qsizetype> indices);
 /// are not white space. @throws ConversionError when one side would be without text or without time
 QList<Subtitle> splitting(QList<Subtitle> items, qsizetype index, qsizetype position);
 
-/// One cue of two neighbours, with the first one's id, from the earlier start to the later end. Their texts are joined
-/// by a blank. @throws ConversionError when there is no next cue
+/// One cue of two neighbours, with the first one's id, from the earlier start to the later end. Their texts become one
+/// as LineJoining has it. @throws ConversionError when there is no next cue
 QList<Subtitle> joining(QList<Subtitle> items, qsizetype index);
 
 /// Where a cue that starts at `startMS` belongs in a list ordered by start: behind those that start no later.

@@ -3,10 +3,10 @@
 #include "core/ConversionError.h"
 #include "core/json/JsonReader.h"
 #include "core/json/JsonWriter.h"
+#include "core/text/Characters.h"
 #include "store/Uuid.h"
 
 #include <QStringList>
-#include <QTextBoundaryFinder>
 
 #include <algorithm>
 #include <cmath>
@@ -15,21 +15,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int longestName = 60;
+constexpr qsizetype longestName = 60; // characters
 
 ConversionError invalidContent()
 {
     return ConversionError(u"样式预设内容无效，请检查字号与位置。"_s);
-}
-
-/// Whether `text` holds at least one and at most `limit` characters as perceived by a reader.
-bool hasCharacters(const QString &text, int limit)
-{
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    int count = 0;
-    while (count <= limit && finder.toNextBoundary() >= 0)
-        ++count;
-    return count >= 1 && count <= limit;
 }
 
 bool isWithin(double value, double highest)
@@ -61,9 +51,10 @@ bool hasControlCharacter(const QString &name)
 
 void SubtitleStylePreset::validate() const
 {
-    const bool isSound = hasCharacters(name.trimmed(), longestName) && !style.font.isEmpty() && style.width >= 1 &&
-                         style.height >= 1 && isWithin(style.fontSize, 10'000) && style.fontSize > 0 &&
-                         isWithin(style.strokeWidth, 20) && isWithin(style.shadowBlur, 30) &&
+    const QString shown = name.trimmed();
+    const bool isSound = !shown.isEmpty() && !Characters::isLonger(shown, longestName) && !style.font.isEmpty() &&
+                         style.width >= 1 && style.height >= 1 && isWithin(style.fontSize, 10'000) &&
+                         style.fontSize > 0 && isWithin(style.strokeWidth, 20) && isWithin(style.shadowBlur, 30) &&
                          isWithin(style.bottomPercent, 40);
     if (!isSound)
         throw invalidContent();

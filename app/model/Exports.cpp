@@ -4,6 +4,7 @@
 #include "core/SRT.h"
 #include "core/files/AtomicFile.h"
 #include "core/files/Utf8Writer.h"
+#include "core/text/Characters.h"
 #include "fcp/FCPXML.h"
 #include "fcp/titles/WrittenTitles.h"
 
@@ -66,10 +67,11 @@ QString fileName(const QString &name)
     kept = kept.trimmed();
     while (kept.startsWith(u'.'))
         kept.remove(0, 1);
-    constexpr qsizetype longest = 80; // characters; file systems take 255 bytes, three for a Chinese character
-    kept.truncate(longest);
-    if (!kept.isEmpty() && kept.back().isHighSurrogate())
-        kept.chop(1);
+    constexpr qsizetype longest = 80; // UTF-16 code units; file systems take 255 bytes, three for a Chinese character
+    qsizetype length = std::min(longest, kept.size());
+    while (!Characters::isBoundary(kept, length))
+        --length;
+    kept.truncate(length);
     return kept.isEmpty() ? u"字幕"_s : kept;
 }
 

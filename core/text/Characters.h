@@ -5,7 +5,7 @@
 #include <iterator>
 #include <memory>
 
-class QTextBoundaryFinder;
+struct UBreakIterator;
 
 /// What the text tools mean by a character, a letter, a mark or a blank: Unicode's own sets, in one place.
 ///
@@ -56,6 +56,9 @@ qsizetype count(QStringView text);
 
 /// Whether there are more than `limit` characters.
 bool isLonger(QStringView text, qsizetype limit);
+
+/// Whether a character begins at the UTF-16 code unit `position` of `text`, or the text ends there.
+bool isBoundary(QStringView text, qsizetype position);
 
 /// Walks over the scalars of a text: `for (const char32_t scalar : Characters::Scalars(text))`.
 class Scalars
@@ -109,8 +112,14 @@ private:
     const char16_t *m_end;
 };
 
+struct RulesCloser
+{
+    void operator()(UBreakIterator *rules) const;
+};
+
 /// Walks over the characters of a text, which must outlive it:
 /// `for (Characters::Cursor at(text); at.next();) use(at.character());`
+/// @throws PlatformError when the segmentation rules cannot be loaded
 class Cursor
 {
 public:
@@ -132,7 +141,7 @@ private:
     qsizetype m_end = 0;
     qsizetype m_windowBegin = 0; ///< The stretch that needs Unicode's segmentation rules.
     qsizetype m_windowEnd = 0;
-    std::unique_ptr<QTextBoundaryFinder> m_finder;
+    std::unique_ptr<UBreakIterator, RulesCloser> m_rules; ///< Null before the first such stretch.
 };
 
 } // namespace Characters

@@ -88,6 +88,9 @@ TEST(CueEditing, splits_time_by_length_and_keeps_every_character)
     EXPECT_EQ(refusal([&] { CueEditing::splitting(narrow, 0, 1); }), u"字幕时间太短，不能拆分。"_s);
     const QList<Subtitle> pair{{.id = 1, .start = 0, .end = 9, .text = u"a😀b"_s}};
     EXPECT_EQ(refusal([&] { CueEditing::splitting(pair, 0, 2); }), u"这里是一个字的中间，不能拆分。"_s);
+    const QList<Subtitle> flags{{.id = 1, .start = 0, .end = 9, .text = u"🇨🇳字幕"_s}};
+    EXPECT_EQ(refusal([&] { CueEditing::splitting(flags, 0, 2); }), u"这里是一个字的中间，不能拆分。"_s);
+    EXPECT_EQ(CueEditing::splitting(flags, 0, 4)[0].end, 3); // a flag is as long as a letter
 }
 
 TEST(CueEditing, joins_neighbours_over_their_whole_time)

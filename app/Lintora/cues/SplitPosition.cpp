@@ -2,8 +2,6 @@
 
 #include "core/text/Characters.h"
 
-#include <QTextBoundaryFinder>
-
 #include <algorithm>
 
 namespace SplitPosition {
@@ -28,12 +26,11 @@ qsizetype nearMiddle(const QString &text)
     const qsizetype middle = text.size() / 2;
     qsizetype best = middle;
     int bestQuality = -1;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    for (qsizetype at = finder.toNextBoundary(); at > 0 && at < text.size(); at = finder.toNextBoundary()) {
-        const int found = quality(text, at);
-        const bool isNearer = std::abs(at - middle) < std::abs(best - middle);
+    for (Characters::Cursor at(text); at.next() && at.end() < text.size();) {
+        const int found = quality(text, at.end());
+        const bool isNearer = std::abs(at.end() - middle) < std::abs(best - middle);
         if (found > bestQuality || (found == bestQuality && isNearer)) {
-            best = at;
+            best = at.end();
             bestQuality = found;
         }
     }

@@ -1,9 +1,9 @@
 #include "app/Lintora/tools/TextDifference.h"
 
+#include "core/text/Characters.h"
 #include "core/text/CommonSubsequence.h"
 
 #include <QHash>
-#include <QTextBoundaryFinder>
 
 #include <vector>
 
@@ -20,17 +20,14 @@ struct Text
 Text read(const QString &text, QHash<QStringView, CommonSubsequence::Key> &keyOfCharacter)
 {
     Text result;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    qsizetype start = 0;
-    for (qsizetype end = finder.toNextBoundary(); end > 0; end = finder.toNextBoundary()) {
-        const QStringView character = QStringView(text).sliced(start, end - start);
+    for (Characters::Cursor at(text); at.next();) {
+        const QStringView character = at.character();
         const auto fresh = CommonSubsequence::Key(keyOfCharacter.size());
         const auto known = keyOfCharacter.constFind(character);
         result.keys.push_back(known == keyOfCharacter.cend() ? fresh : *known);
         if (known == keyOfCharacter.cend())
             keyOfCharacter.insert(character, fresh);
-        result.characters.push_back({.start = start, .length = end - start});
-        start = end;
+        result.characters.push_back({.start = at.begin(), .length = character.size()});
     }
     return result;
 }

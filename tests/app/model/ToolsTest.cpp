@@ -173,7 +173,7 @@ TEST_F(ToolsTest, every_edit_says_what_to_look_at_next_or_why_it_was_refused)
     EXPECT_EQ(model->insertCue(1), 2);
     EXPECT_EQ(model->joinWithNext(2), 2);
     EXPECT_EQ(model->setTimes(0, 5, 10), 0);
-    EXPECT_EQ(texts(), (QStringList{u"大家"_s, u"好"_s, u"新字幕 今天"_s}));
+    EXPECT_EQ(texts(), (QStringList{u"大家"_s, u"好"_s, u"新字幕今天"_s}));
     EXPECT_EQ(model->setTimes(0, 5, 5), std::nullopt);
     EXPECT_EQ(failure(), u"结束时间须晚于开始时间。"_s);
     EXPECT_EQ(model->deleteCues({2, 1}), 0);

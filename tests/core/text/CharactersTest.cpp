@@ -2,9 +2,9 @@
 
 #include "tests/support/Generator.h"
 
-#include <QTextBoundaryFinder>
-
 #include <gtest/gtest.h>
+
+#include <unicode/ubrk.h>
 
 using namespace Qt::StringLiterals;
 
@@ -21,9 +21,11 @@ QList<qsizetype> boundaries(QStringView text)
 QList<qsizetype> boundariesByTheRules(QStringView text)
 {
     QList<qsizetype> ends;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    while (finder.toNextBoundary() >= 0)
-        ends.append(finder.position());
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::LocalUBreakIteratorPointer rules(
+        ubrk_open(UBRK_CHARACTER, "", text.utf16(), int32_t(text.size()), &status));
+    while (U_SUCCESS(status) && ubrk_next(rules.getAlias()) != UBRK_DONE)
+        ends.append(ubrk_current(rules.getAlias()));
     return ends;
 }
 
@@ -45,6 +47,9 @@ TEST(Characters, counts_what_a_reader_sees_as_one)
              {u"\U00020000葛\U000E0100"_s, 2},
              {u"\r\n\n\r"_s, 3},
              {u"กำนี่"_s, 2},
+             {u"🚀🇨🇳"_s, 2},
+             {u"ย🎬"_s, 2},
+             {u"ও়"_s, 1},
          }) {
         EXPECT_EQ(Characters::count(text), expected) << text.toStdString();
         EXPECT_TRUE(Characters::isLonger(text, expected - 1)) << text.toStdString();
@@ -58,17 +63,30 @@ TEST(Characters, the_short_way_finds_the_boundaries_that_the_rules_find)
         const QString text = u"aé"_s + QString::fromUcs4(&scalar, 1) + u"中ａ가"_s;
         ASSERT_EQ(boundaries(text), boundariesByTheRules(text)) << "U+" << std::hex << uint(scalar);
     }
-    // Without Thai and Indic signs: the library's rules for them look at the whole run of neutral characters before.
     Generator generator(1);
     const QStringList pieces = {
         u"中"_s,     u"a"_s,      u"，"_s, u"\r"_s,     u"\n"_s,     u"\u0301"_s, u"\u200D"_s,
         u"❤"_s,      u"\uFE0F"_s, u"👩"_s,  u"💻"_s,      u"🏽"_s,   u"🇨"_s,      u"🇳"_s,
-        u"\u1112"_s, u"\u1161"_s, u"하"_s, u"\u11AB"_s, u"\u0600"_s, u"ﾞ"_s,      QString(QChar(0xD800))};
+        u"\u1112"_s, u"\u1161"_s, u"하"_s, u"\u11AB"_s, u"\u0600"_s, u"ﾞ"_s,      u"ย"_s,
+        u"ำ"_s,      u"ও"_s,      u"়"_s,   u"क"_s,      u"्"_s,       u"🎬"_s,      QString(QChar(0xD800))};
     for (int round = 0; round < 20'000; ++round) {
         QString text;
         for (qint64 left = generator.number(0, 12); left > 0; --left)
             text += generator.pick(pieces);
-        ASSERT_EQ(boundaries(text), boundariesByTheRules(text)) << text.toStdString();
+        const QList<qsizetype> ends = boundaries(text);
+        ASSERT_EQ(ends, boundariesByTheRules(text)) << text.toStdString();
+        for (qsizetype at = 0; at <= text.size(); ++at)
+            ASSERT_EQ(Characters::isBoundary(text, at), at == 0 || ends.contains(at)) << text.toStdString();
+    }
+}
+
+TEST(Characters, walks_over_one_text_within_another)
+{
+    Characters::Cursor outer(u"🚀🇨🇳👍🏽");
+    for (const qsizetype end : {2, 6, 10}) {
+        ASSERT_TRUE(outer.next());
+        EXPECT_EQ(outer.end(), end);
+        EXPECT_EQ(Characters::count(u"ย🎬"), 2);
     }
 }
 
