@@ -2,16 +2,37 @@
 
 #include "core/text/Characters.h"
 
+#include <QStringTokenizer>
+
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace CueWarnings {
 
 namespace {
 
+/// Characters of one or more lines of the same writing, in which words of the other may stand.
 struct Reading
 {
     qint64 chinese = 0;
     qint64 latin = 0;
+
+    /// Time that it takes, in units of which a second has chinesePerSecond * latinPerSecond.
+    qint64 need() const { return chinese * latinPerSecond + latin * chinesePerSecond; }
+
+    Reading &operator+=(const Reading &other)
+    {
+        chinese += other.chinese;
+        latin += other.latin;
+        return *this;
+    }
+};
+
+struct Readings
+{
+    Reading chinese; ///< Of the lines of Chinese writing.
+    Reading latin;   ///< Of the others.
 };
 
 bool isWide(char32_t letter)
@@ -42,40 +63,59 @@ Reading readingOf(QStringView text)
     return reading;
 }
 
+Readings readingsOf(const QString &text)
+{
+    Readings readings;
+    for (const QStringView line : QStringTokenizer(text, u'\n')) {
+        const Reading reading = readingOf(line);
+        const bool isChinese = reading.chinese * latinPerSecond > reading.latin * chinesePerSecond;
+        (isChinese ? readings.chinese : readings.latin) += reading;
+    }
+    return readings;
+}
+
 QString inSeconds(qint64 milliseconds)
 {
     return QString::number(double(milliseconds) / 1000.0, 'f', 1);
 }
 
-Warning tooFast(const Reading &reading, qint64 lengthMS)
+/// `reading` a second in characters of which `limit` can be read. Rounded up: what is beyond the limit looks so too.
+QString speed(const Reading &reading, qint64 limit, qint64 lengthMS)
 {
-    const qint64 characters = reading.chinese + reading.latin;
-    const QString speed = QString::number(double(characters) * 1000.0 / double(lengthMS), 'f', 1);
-    const bool isChinese = reading.chinese * latinPerSecond >= reading.latin * chinesePerSecond;
-    return {.kind = Kind::tooFast,
-            .sentence =
-                (isChinese ? u"读不完：每秒 %1 字，宜在 %2 字以内"_s : u"读不完：每秒 %1 个字符，宜在 %2 个以内"_s)
-                    .arg(speed)
-                    .arg(isChinese ? chinesePerSecond : latinPerSecond)};
+    const qint64 whole = chinesePerSecond * latinPerSecond * lengthMS;
+    const qint64 tenths = (reading.need() * limit * 10'000 + whole - 1) / whole;
+    return u"%1.%2"_s.arg(tenths / 10).arg(tenths % 10);
+}
+
+std::optional<Warning> tooFast(const Readings &readings, qint64 lengthMS)
+{
+    const bool isChinese = readings.chinese.need() >= readings.latin.need();
+    const Reading &reading = isChinese ? readings.chinese : readings.latin;
+    // Compared in whole numbers, so that a cue exactly at the limit passes.
+    if (lengthMS <= 0 || reading.need() * 1000 <= lengthMS * chinesePerSecond * latinPerSecond)
+        return std::nullopt;
+    const qint64 limit = isChinese ? chinesePerSecond : latinPerSecond;
+    return Warning{
+        .kind = Kind::tooFast,
+        .sentence = (isChinese ? u"读不完：每秒 %1 字，宜在 %2 字以内"_s : u"读不完：每秒 %1 个字符，宜在 %2 个以内"_s)
+                        .arg(speed(reading, limit, lengthMS))
+                        .arg(limit)};
 }
 
 } // namespace
 
-qint64 readCharacters(QStringView text)
+Read readCharacters(const QString &text)
 {
-    const Reading reading = readingOf(text);
-    return reading.chinese + reading.latin;
+    const auto [chinese, latin] = readingsOf(text);
+    return {.chinese = chinese.chinese + chinese.latin, .latin = latin.chinese + latin.latin};
 }
 
 QList<Warning> of(const Subtitle &cue, const Subtitle *next, const IsTooWide &isTooWide)
 {
     QList<Warning> warnings;
     const qint64 lengthMS = cue.end - cue.start;
-    const Reading reading = readingOf(cue.text);
-    // Compared in whole numbers, so that a cue exactly at the limit passes.
-    const qint64 needed = (reading.chinese * latinPerSecond + reading.latin * chinesePerSecond) * 1000;
-    if (lengthMS > 0 && needed > lengthMS * chinesePerSecond * latinPerSecond)
-        warnings += tooFast(reading, lengthMS);
+    if (const auto warning = tooFast(readingsOf(cue.text), lengthMS))
+        warnings += *warning;
     if (lengthMS < shortestMS)
         warnings += Warning{.kind = Kind::tooShort, .sentence = u"只有 %1 毫秒，宜不短于 0.7 秒"_s.arg(lengthMS)};
     if (lengthMS > longestMS)

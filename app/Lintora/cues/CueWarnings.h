@@ -17,7 +17,7 @@ constexpr qsizetype mostLines = 2;
 
 enum class Kind
 {
-    tooFast, ///< Less time than its characters need; those of either script need theirs.
+    tooFast, ///< Less time than the lines of either writing need; who reads the one need not read the other.
     tooShort,
     tooLong,
     overlapping, ///< Ends after the next cue begins.
@@ -39,7 +39,13 @@ using IsTooWide = std::function<bool(QStringView text)>;
 /// The warnings about `cue`, in the order of Kind; `next` is the cue that follows it in the list, or null.
 QList<Warning> of(const Subtitle &cue, const Subtitle *next, const IsTooWide &isTooWide);
 
-/// Characters that are read: all but white space and punctuation.
-qint64 readCharacters(QStringView text);
+/// Characters that are read, all but white space and punctuation, by the writing of the line in which they stand.
+struct Read
+{
+    qint64 chinese = 0; ///< Of lines whose Chinese characters take longer to read than the others.
+    qint64 latin = 0;   ///< Of the other lines.
+};
+
+Read readCharacters(const QString &text);
 
 } // namespace CueWarnings

@@ -23,9 +23,17 @@ namespace CueNumbers {
 QString summary(const Subtitle &cue)
 {
     const double seconds = double(cue.end - cue.start) / 1000.0;
-    const qint64 characters = CueWarnings::readCharacters(cue.text);
-    const QString speed = seconds > 0 ? QString::number(double(characters) / seconds, 'f', 1) : u"–"_s;
-    return u"时长 %1 s · %2 字 · %3 字/秒"_s.arg(QString::number(seconds, 'f', 1), QString::number(characters), speed);
+    const CueWarnings::Read read = CueWarnings::readCharacters(cue.text);
+    const auto counted = [&](qint64 characters, const QString &unit) {
+        const QString speed = seconds > 0 ? QString::number(double(characters) / seconds, 'f', 1) : u"–"_s;
+        return u" · %1 %2 · %3 %2/秒"_s.arg(QString::number(characters), unit, speed);
+    };
+    QString numbers = u"时长 %1 s"_s.arg(QString::number(seconds, 'f', 1));
+    if (read.chinese > 0 || read.latin == 0)
+        numbers += counted(read.chinese, u"字"_s);
+    if (read.latin > 0)
+        numbers += counted(read.latin, u"字符"_s);
+    return numbers;
 }
 
 QString gap(const Subtitle &cue, const Subtitle *next, const FrameRate &rate)

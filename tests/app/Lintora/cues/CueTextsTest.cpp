@@ -46,6 +46,9 @@ TEST(CueWarnings, Limits_are_not_yet_beyond)
         {"twenty-one", cue(1'000, twenty + u'x'), {Kind::tooFast}},
         {"each script needs its time", cue(2'000, twelve + twenty), {}},
         {"and a little less is too fast", cue(1'999, twelve + twenty), {Kind::tooFast}},
+        {"who reads one language need not read the other", cue(1'000, twelve + u'\n' + twenty), {}},
+        {"but needs the time for that one", cue(999, u"好\n"_s + twenty), {Kind::tooFast}},
+        {"two lines of one language are both read", cue(1'000, u"一二三四五六\n七八九十一二三"_s), {Kind::tooFast}},
         {"as short as may be", cue(700, u"好"_s), {}},
         {"too short", cue(699, u"好"_s), {Kind::tooShort}},
         {"as long as may be", cue(7'000, u"好"_s), {}},
@@ -56,6 +59,20 @@ TEST(CueWarnings, Limits_are_not_yet_beyond)
     };
     for (const Row &row : rows)
         EXPECT_EQ(warningsOf(row.cue), row.expected) << row.name;
+}
+
+TEST(CueWarnings, Speeds_stand_beside_the_limit_that_they_are_over)
+{
+    const std::pair<QString, QString> rows[] = {
+        {u"一二三四五六七八九十一二三"_s, u"读不完：每秒 13.0 字，宜在 12 字以内"_s},
+        {u"你好\nHello wonderful wide world"_s, u"读不完：每秒 23.0 个字符，宜在 20 个以内"_s},
+        {u"欢迎 abcdefghijklmnopqr"_s, u"读不完：每秒 21.4 个字符，宜在 20 个以内"_s},
+    };
+    for (const auto &[text, sentence] : rows)
+        EXPECT_EQ(CueWarnings::of({.id = 1, .start = 0, .end = 1'000, .text = text}, nullptr, {}).value(0).sentence,
+                  sentence);
+    const Subtitle hardly{.id = 1, .start = 0, .end = 999, .text = QString(12, u'字')};
+    EXPECT_EQ(CueWarnings::of(hardly, nullptr, {}).value(0).sentence, u"读不完：每秒 12.1 字，宜在 12 字以内"_s);
 }
 
 TEST(CueWarnings, Neighbours_may_touch_but_not_overlap)
@@ -155,6 +172,8 @@ TEST(CueNumbers, Read_as_an_editor_says_them)
         return Subtitle{.id = 2, .start = start, .end = start + 1, .text = u"好"_s};
     };
     EXPECT_EQ(CueNumbers::summary(cue), u"时长 1.5 s · 12 字 · 8.0 字/秒"_s);
+    const Subtitle pair{.id = 1, .start = 0, .end = 2'000, .text = u"你好\nHello world"_s};
+    EXPECT_EQ(CueNumbers::summary(pair), u"时长 2.0 s · 2 字 · 1.0 字/秒 · 10 字符 · 5.0 字符/秒"_s);
     const Subtitle touching = nextAt(2'500);
     const Subtitle later = nextAt(2'900);
     const Subtitle earlier = nextAt(2'420);
