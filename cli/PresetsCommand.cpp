@@ -76,7 +76,7 @@ void addPresets(CLI::App &app, Work &run)
 
     const auto action = [&](const char *name, const char *description, void (*work)(const PresetsArguments &)) {
         auto *const added = command->add_subcommand(name, description);
-        added->get_option("--help")->description("显示帮助");
+        added->group("命令")->get_option("--help")->description("显示帮助");
         added->final_callback([&run, arguments, work] { run = [arguments, work] { work(*arguments); }; });
         return added;
     };

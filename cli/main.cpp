@@ -110,6 +110,10 @@ ExitStatus run(int argc, char **argv)
         StandardStreams::finish();
         return done;
     } catch (const CLI::ParseError &error) {
+        // The library asks for a command before it looks at what stands in its place.
+        const std::vector<std::string> unknown = app.remaining();
+        if (app.get_subcommands().empty() && !unknown.empty())
+            return sayWrongUse(u"不认识的命令：%1"_s.arg(QString::fromStdString(unknown.front())));
         return sayWrongUse(explain(error));
     }
     work();

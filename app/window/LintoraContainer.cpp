@@ -11,16 +11,23 @@
 #include <QTextStream>
 #include <QTranslator>
 
+#include <algorithm>
+#include <string_view>
+
 using namespace Qt::StringLiterals;
 
 namespace LintoraContainer {
 
 namespace {
 
-void describeApplication()
+void describeProgram()
 {
     QCoreApplication::setApplicationName(u"lintora"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(LINTORA_VERSION));
+}
+
+void describeApplication()
+{
     QGuiApplication::setApplicationDisplayName(u"VELMORA 字幕助手"_s);
     // By the one, docks find name and icon; by the other, window managers that know no desktop entries.
     QGuiApplication::setDesktopFileName(u"local.lintora.workflow"_s);
@@ -47,6 +54,24 @@ void loadTranslations(QTranslator &translator)
         QCoreApplication::installTranslator(&translator);
 }
 
+/// What can be answered without a window, and so without a display.
+bool isQuestion(int argc, char **argv)
+{
+    return std::any_of(argv + 1, argv + argc, [](std::string_view argument) {
+        return argument == "-h" || argument == "--help" || argument == "--help-all" || argument == "-v" ||
+               argument == "--version";
+    });
+}
+
+/// Answers, and ends the program.
+void answer(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    QTranslator translator;
+    loadTranslations(translator);
+    requestedUrls(QCoreApplication::arguments());
+}
+
 } // namespace
 
 QList<QUrl> urls(const QStringList &arguments, const QString &folder)
@@ -62,6 +87,9 @@ QList<QUrl> urls(const QStringList &arguments, const QString &folder)
 
 int main(int argc, char **argv, LintoraApplicationDelegate::PanelFactory panel)
 {
+    describeProgram();
+    if (isQuestion(argc, argv))
+        answer(argc, argv);
     const QApplication application(argc, argv);
     describeApplication();
     QTranslator translator;

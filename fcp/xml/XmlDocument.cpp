@@ -197,8 +197,11 @@ PlatformError parserError(xmlParserCtxt *parser)
     if (!error || !error->message)
         return parseError(u"内容不完整。"_s);
     // Some of libxml2's descriptions take two lines.
-    return parseError(
-        u"第 %1 行，%2"_s.arg(QString::number(error->line), QString::fromUtf8(error->message).simplified()));
+    const QString description = QString::fromUtf8(error->message).simplified();
+    // Its limits have no error codes of their own.
+    const bool isLimit = description.contains(u"too big") || description.contains(u"huge", Qt::CaseInsensitive);
+    return parseError(u"第 %1 行，%2"_s.arg(QString::number(error->line),
+                                            isLimit ? u"一段注释、指令或文字超过 10 MB。"_s : description));
 }
 
 } // namespace

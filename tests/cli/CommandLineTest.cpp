@@ -214,13 +214,14 @@ TEST_F(CommandLineTest, wrong_use_is_status_2)
 TEST_F(CommandLineTest, help_speaks_chinese_and_gives_an_example)
 {
     EXPECT_TRUE(CommandLine::run({u"--version"_s}).output.startsWith("lintora-cli "));
-    for (const QStringList &command : {QStringList{}, {u"srt"_s}, {u"titles"_s}, {u"settings"_s}}) {
+    for (const QStringList &command : {QStringList{}, {u"srt"_s}, {u"titles"_s}, {u"settings"_s}, {u"presets"_s}}) {
         const auto outcome = CommandLine::run(command + QStringList{u"--help"_s});
         EXPECT_EQ(outcome.status, 0);
         EXPECT_TRUE(outcome.output.contains("示例：")) << outcome.output.data();
-        for (const char *const english : {"Options", "Usage", "REQUIRED", "Print"})
+        for (const char *const english : {"Options", "Usage", "REQUIRED", "Print", "Subcommands"})
             EXPECT_FALSE(outcome.output.contains(english)) << english << " in\n" << outcome.output.data();
     }
+    EXPECT_TRUE(CommandLine::run({u"titel"_s, u"x.srt"_s}).error.startsWith("不认识的命令：titel\n"));
 }
 
 TEST_F(CommandLineTest, titles_take_their_style_in_order)

@@ -14,11 +14,12 @@ namespace {
 class Launch : public testing::Test
 {
 protected:
-    void start(QProcess &process, const QStringList &arguments) const
+    void start(QProcess &process, const QStringList &arguments, const QString &platform = u"offscreen"_s) const
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(u"HOME"_s, m_outside.path(QString()));
-        environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+        environment.insert(u"QT_QPA_PLATFORM"_s, platform);
+        environment.remove(u"DISPLAY"_s);
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory(m_outside.path(QString()));
         process.start(QStringLiteral(LINTORA_PROGRAM), arguments);
@@ -81,12 +82,14 @@ TEST_F(Launch, Takes_up_the_job_of_a_program_that_was_killed)
     kill(next);
 }
 
-TEST_F(Launch, Tells_its_version_without_opening_a_window)
+TEST_F(Launch, Tells_its_version_and_its_use_where_there_is_no_display)
 {
-    QProcess process;
-    start(process, {u"--version"_s});
-    EXPECT_EQ(status(process), 0);
-    EXPECT_THAT(process.readAllStandardOutput().toStdString(), testing::HasSubstr(LINTORA_VERSION));
+    for (const auto &[argument, said] : {std::pair(u"--version"_s, LINTORA_VERSION), {u"--help"_s, "SRT、FCPXML"}}) {
+        QProcess process;
+        start(process, {argument}, u"xcb"_s);
+        EXPECT_EQ(status(process), 0);
+        EXPECT_THAT(process.readAllStandardOutput().toStdString(), testing::HasSubstr(said));
+    }
 }
 
 } // namespace

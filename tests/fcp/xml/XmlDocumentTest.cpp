@@ -94,6 +94,20 @@ TEST(XmlDocument, small_documents_that_would_take_hours_are_refused_at_once)
               "not well-formed");
 }
 
+TEST(XmlDocument, says_in_chinese_what_is_too_large)
+{
+    const QByteArray much(11'000'000, 'a');
+    for (const QByteArray &document :
+         {QByteArray("<x><!--") + much + "--></x>", QByteArray("<x><?a " + much + "?></x>")}) {
+        try {
+            XmlDocument::parse(document, refusal);
+            ADD_FAILURE() << "accepted";
+        } catch (const PlatformError &error) {
+            EXPECT_EQ(error.description(), u"XML 无法解析：第 1 行，一段注释、指令或文字超过 10 MB。"_s);
+        }
+    }
+}
+
 TEST(XmlDocument, never_reads_another_file)
 {
     EXPECT_EQ(outcome("<!DOCTYPE x SYSTEM \"file:///etc/passwd\"><x/>"), "accepted");
