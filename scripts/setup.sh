@@ -30,6 +30,12 @@ as_root() {
     if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
+check_rights() {
+    [ "$(id -u)" = 0 ] || command -v sudo >/dev/null && return
+    echo "setup: 这里没有 sudo，请让管理员安装以上软件包：apt-get install --no-install-recommends $*" >&2
+    exit 1
+}
+
 wanted=()
 for purpose in "$@"; do
     if command -v apt-get >/dev/null; then
@@ -52,6 +58,7 @@ if command -v apt-get >/dev/null; then
     done
     [ ${#missing[@]} -gt 0 ] || exit 0
     echo "安装缺少的软件包：${missing[*]}"
+    check_rights "${missing[@]}"
     as_root apt-get -o DPkg::Lock::Timeout=550 -q update
     as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=550 -qq install --yes --no-install-recommends "${missing[@]}"
 else

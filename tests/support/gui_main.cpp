@@ -1,3 +1,5 @@
+#include "tests/support/OwnHome.h"
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -7,6 +9,7 @@ int main(int argc, char **argv)
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     ::testing::InitGoogleTest(&argc, argv);
+    const OwnHome home;
     const QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -6,7 +6,9 @@
 #include <gmock/gmock.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
+#include <QSettings>
 
 using namespace Qt::StringLiterals;
 
@@ -47,6 +49,9 @@ TEST_F(AskingForFiles, Answers_with_the_chosen_file_and_later_starts_in_its_fold
     ASSERT_TRUE(Events::waitFor([&] { return open().isEmpty(); }));
     ask();
     EXPECT_EQ(open().first()->directory(), QFileInfo(path).dir());
+    // Where the dialogs keep what they remember: in these tests, not in the developer's own.
+    EXPECT_THAT(QSettings(QSettings::UserScope, u"QtProject"_s).fileName().toStdString(),
+                testing::StartsWith(QDir::tempPath().toStdString()));
 }
 
 TEST_F(AskingForFiles, Does_not_answer_when_the_person_gives_up)
