@@ -283,11 +283,11 @@ TEST_F(CueEditing, Joins_with_the_next_inside_and_outside_the_editor)
     load({u"一"_s, u"二"_s, u"三"_s});
     edit(0);
     press(Qt::Key_J, Qt::ControlModifier);
-    EXPECT_EQ(texts(), (QStringList{u"一 二"_s, u"三"_s}));
+    EXPECT_EQ(texts(), (QStringList{u"一二"_s, u"三"_s}));
     press(Qt::Key_J, Qt::ControlModifier);
-    EXPECT_EQ(texts(), QStringList{u"一 二 三"_s});
+    EXPECT_EQ(texts(), QStringList{u"一二三"_s});
     press(Qt::Key_J, Qt::ControlModifier);
-    EXPECT_EQ(texts(), QStringList{u"一 二 三"_s});
+    EXPECT_EQ(texts(), QStringList{u"一二三"_s});
 }
 
 TEST_F(CueEditing, Inserts_behind_the_current_cue_and_opens_the_editor)
