@@ -9,7 +9,33 @@
 #include <QHBoxLayout>
 #include <QStyle>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// No more exact than anybody can know it: seconds in tens, then whole minutes.
+QString timeLeft(qint64 ms)
+{
+    constexpr qint64 tenSeconds = 10'000;
+    constexpr qint64 minute = 60'000;
+    constexpr qint64 hour = 60 * minute;
+    const auto roundedUp = [ms](qint64 unit) { return (ms + unit - 1) / unit; };
+    if (ms <= minute - tenSeconds)
+        return u"约剩 %1 秒"_s.arg(std::max<qint64>(1, roundedUp(tenSeconds)) * 10);
+    if (ms <= hour - minute)
+        return u"约剩 %1 分钟"_s.arg(roundedUp(minute));
+    const qint64 minutes = roundedUp(minute);
+    return u"约剩 %1 小时 %2 分钟"_s.arg(minutes / 60).arg(minutes % 60);
+}
+
+QString sentence(const Progress &progress)
+{
+    return progress.leftMS ? progress.what + u" · "_s + timeLeft(*progress.leftMS) : progress.what;
+}
+
+} // namespace
 
 StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
     : QWidget(parent)
@@ -46,9 +72,10 @@ QString StatusLine::text() const
 
 void StatusLine::update()
 {
-    const auto activity = m_model.activity();
-    const auto failure = m_model.failure();
-    m_text->setText(failure.value_or(activity.value_or(m_model.message())));
+    const std::optional<Progress> activity = m_model.activity();
+    const std::optional<QString> failure = m_model.failure();
+    const QString doing = activity ? sentence(*activity) : QString();
+    m_text->setText(failure.value_or(activity ? doing : m_model.message()));
     m_text->setToolTip(failure.value_or(QString()));
     if (m_text->property("failure").toBool() != failure.has_value()) {
         m_text->setProperty("failure", failure.has_value());
@@ -57,7 +84,8 @@ void StatusLine::update()
     }
     m_copy->setVisible(failure.has_value());
     m_busy->setVisible(activity.has_value());
-    m_busy->setToolTip(activity.value_or(QString()));
+    m_busy->setToolTip(doing);
+    m_busy->setShare(activity ? activity->share : std::nullopt);
     m_cancel->setVisible(activity.has_value());
 }
 

@@ -3,7 +3,34 @@
 #include "core/Cancelled.h"
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
+
+namespace {
+
+/// The newest progress of a run on its way to the main thread: however fast it comes, one event carries it.
+class Newest
+{
+public:
+    /// Whether nothing was on its way.
+    bool put(const Progress &progress)
+    {
+        const std::lock_guard lock(m_mutex);
+        return !std::exchange(m_progress, progress).has_value();
+    }
+
+    Progress take()
+    {
+        const std::lock_guard lock(m_mutex);
+        return *std::exchange(m_progress, std::nullopt);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::optional<Progress> m_progress;
+};
+
+} // namespace
 
 BackgroundTask::BackgroundTask(Order order)
     : m_order(order)
@@ -15,41 +42,45 @@ BackgroundTask::BackgroundTask(Order order)
 
 BackgroundTask::~BackgroundTask()
 {
-    for (const Run &run : m_runs)
-        run.job->cancel();
+    cancelRuns();
     m_pool.waitForDone();
 }
 
-std::optional<QString> BackgroundTask::activity() const
+std::optional<Progress> BackgroundTask::progress() const
 {
-    return m_runs.empty() ? std::nullopt : std::optional(m_runs.front().activity);
+    return m_runs.empty() ? std::nullopt : std::optional(m_runs.front().progress);
 }
 
-void BackgroundTask::start(const QString &what, Work work, const Refused &refused)
+void BackgroundTask::start(Run run, Work work)
 {
-    if (m_order == Order::newestOnly) {
-        for (const Run &run : std::exchange(m_runs, {}))
-            run.job->cancel();
-    }
-    const auto job = std::make_shared<Job>();
-    m_runs.push_back({.job = job, .activity = what});
-    const auto progress = [this, job](const QString &now) {
-        QMetaObject::invokeMethod(
-            this, [this, job, now] { setActivity(job.get(), now); }, Qt::QueuedConnection);
-    };
-    m_pool.start([this, job, progress, work = std::move(work), refused] {
-        Delivery delivery = [] {};
+    if (m_order != Order::oneAfterAnother)
+        cancelRuns();
+    const std::shared_ptr<Job> job = run.job;
+    m_pool.start([this, job, report = reportOf(job), refused = run.refused, work = std::move(work)] {
+        Ending ending;
         try {
             job->check();
-            delivery = work(*job, progress);
-        } catch (const Cancelled &) { // NOLINT(bugprone-empty-catch): an outcome, of which nothing is told
+            ending = work(report);
+        } catch (const Cancelled &) {
+            ending = nullptr;
         } catch (const std::exception &error) {
-            delivery = [refused, sentence = QString::fromUtf8(error.what())] { refused(sentence); };
+            ending = [refused, sentence = QString::fromUtf8(error.what())] { refused(sentence); };
         }
         QMetaObject::invokeMethod(
-            this, [this, job, delivery = std::move(delivery)] { deliver(job.get(), delivery); }, Qt::QueuedConnection);
+            this, [this, job, ending = std::move(ending)] { end(job.get(), ending); }, Qt::QueuedConnection);
     });
-    Q_EMIT activityChanged();
+    m_runs.push_back(std::move(run));
+    Q_EMIT progressChanged();
+}
+
+ProgressReport BackgroundTask::reportOf(const std::shared_ptr<Job> &job)
+{
+    return [this, job, newest = std::make_shared<Newest>()](const Progress &progress) {
+        if (newest->put(progress)) {
+            QMetaObject::invokeMethod(
+                this, [this, job, newest] { setProgress(job.get(), newest->take()); }, Qt::QueuedConnection);
+        }
+    };
 }
 
 std::deque<BackgroundTask::Run>::iterator BackgroundTask::find(const Job *job)
@@ -57,32 +88,46 @@ std::deque<BackgroundTask::Run>::iterator BackgroundTask::find(const Job *job)
     return std::ranges::find_if(m_runs, [job](const Run &run) { return run.job.get() == job; });
 }
 
-void BackgroundTask::deliver(const Job *job, const Delivery &delivery)
+void BackgroundTask::end(const Job *job, const Ending &ending)
 {
-    const auto run = find(job);
-    if (run == m_runs.end())
+    const auto found = find(job);
+    if (found == m_runs.end())
         return;
-    m_runs.erase(run);
-    Q_EMIT activityChanged();
-    delivery();
+    const Run run = std::move(*found);
+    m_runs.erase(found);
+    Q_EMIT progressChanged();
+    if (ending)
+        ending();
+    else if (run.cancelled)
+        run.cancelled();
 }
 
-void BackgroundTask::setActivity(const Job *job, const QString &what)
+void BackgroundTask::setProgress(const Job *job, const Progress &progress)
 {
     const auto run = find(job);
-    if (run == m_runs.end() || run->activity == what)
+    if (run == m_runs.end() || run->progress == progress)
         return;
-    run->activity = what;
-    Q_EMIT activityChanged();
+    run->progress = progress;
+    Q_EMIT progressChanged();
+}
+
+void BackgroundTask::cancelRuns()
+{
+    const std::deque<Run> runs = std::exchange(m_runs, {});
+    for (const Run &run : runs)
+        run.job->cancel();
+    for (const Run &run : runs) {
+        if (run.cancelled)
+            run.cancelled();
+    }
 }
 
 void BackgroundTask::cancel()
 {
     if (m_runs.empty())
         return;
-    for (const Run &run : std::exchange(m_runs, {}))
-        run.job->cancel();
-    Q_EMIT activityChanged();
+    cancelRuns();
+    Q_EMIT progressChanged();
 }
 
 void BackgroundTask::wait()

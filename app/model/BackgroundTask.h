@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Job.h"
+#include "core/Progress.h"
 
 #include <QObject>
 #include <QThreadPool>
@@ -12,72 +13,81 @@
 
 /// Long operations of one kind, on a worker thread, and their way back to the main thread.
 ///
-/// An operation is a blocking function that asks its job now and then whether to go on. Its result, or the sentence
-/// with which it failed, is delivered on the main thread; unless it was cancelled or replaced, or this object is gone:
-/// then nothing is heard of it any more.
+/// An operation is a blocking function that asks its job now and then whether to go on, and throws what it refuses.
+/// Every run ends exactly once, on the main thread, and says how:
 ///
-/// Lives on the main thread. The end of this object cancels the operation and waits for its end.
+/// | done      | with the value that the operation returned |
+/// | refused   | with the sentence of what it threw |
+/// | cancelled | at once when it is cancelled or replaced, and when this object goes; its value is dropped |
+///
+/// What was cancelled may need a moment yet on its worker. finish() and the destructor wait for it.
+///
+/// Lives on the main thread.
 class BackgroundTask : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Says from the worker what the operation is doing now.
-    using Progress = std::function<void(const QString &what)>;
-
-    /// Takes the sentence that says why the operation failed.
     using Refused = std::function<void(const QString &sentence)>;
 
-    /// What a new operation does to one that is under way.
+    /// What a new run does to one that is under way.
     enum class Order
     {
-        newestOnly,     ///< It takes its place, and begins at once.
-        oneAfterAnother ///< It waits for its turn.
+        newestOnly,        ///< It takes its place, and begins at once.
+        newestAfterTheOld, ///< It takes its place, and begins when the other one has left its worker.
+        oneAfterAnother    ///< It waits for its turn.
     };
 
     explicit BackgroundTask(Order order);
     ~BackgroundTask() override;
 
-    /// Runs `operation(job, progress)`. `what` is what it is doing at first.
-    template <class Operation, class Done>
-    void run(const QString &what, Operation operation, Done done, const Refused &refused)
+    /// Runs `operation(job, report)`. `first` is what it is doing until it reports.
+    ///
+    /// `JobType` is what the operation is cancelled by: Job, or what is made of it. `cancelled` starts no other run.
+    template <class JobType = Job, class Operation, class Done>
+    void run(const QString &first, Operation operation, Done done, Refused refused,
+             std::function<void()> cancelled = {})
     {
+        const auto job = std::make_shared<JobType>();
         start(
-            what,
-            [operation = std::move(operation), done = std::move(done)](Job &job, const Progress &progress) {
-                auto result = std::make_shared<decltype(operation(job, progress))>(operation(job, progress));
+            {.job = job, .progress = {.what = first}, .refused = std::move(refused), .cancelled = std::move(cancelled)},
+            [job, operation = std::move(operation), done = std::move(done)](const ProgressReport &report) {
+                auto result = std::make_shared<decltype(operation(*job, report))>(operation(*job, report));
                 return [done, result] { done(std::move(*result)); };
-            },
-            refused);
+            });
     }
 
     bool isRunning() const { return !m_runs.empty(); }
 
-    /// What the operation under way is doing; absent while there is none.
-    std::optional<QString> activity() const;
+    /// How far the run under way is; absent while there is none.
+    std::optional<Progress> progress() const;
 
-    void cancel(); ///< Nothing is heard of any operation after this.
-    void wait();   ///< Waits until no operation is left on a worker. What it leads to is delivered later.
+    void cancel(); ///< Cancels every run, those that wait for their turn too.
+    void wait();   ///< Waits until no operation is left on a worker. What they lead to is told later.
     void finish(); ///< Cancels, and waits until no operation is left on a worker.
 
 Q_SIGNALS:
-    void activityChanged();
+    void progressChanged();
 
 private:
-    using Delivery = std::function<void()>;
-    using Work = std::function<Delivery(Job &, const Progress &)>;
+    using Ending = std::function<void()>;
+    using Work = std::function<Ending(const ProgressReport &)>;
     struct Run
     {
         std::shared_ptr<Job> job;
-        QString activity;
+        Progress progress;
+        Refused refused;
+        std::function<void()> cancelled; ///< May be empty.
     };
 
-    void start(const QString &what, Work work, const Refused &refused);
-    void deliver(const Job *job, const Delivery &delivery);
-    void setActivity(const Job *job, const QString &what);
+    void start(Run run, Work work);
+    ProgressReport reportOf(const std::shared_ptr<Job> &job);
+    void end(const Job *job, const Ending &ending);
+    void setProgress(const Job *job, const Progress &progress);
+    void cancelRuns();
     std::deque<Run>::iterator find(const Job *job);
 
     Order m_order;
-    std::deque<Run> m_runs; ///< The operations that are waited for, in their order.
+    std::deque<Run> m_runs; ///< Those whose end is not told, in their order.
     QThreadPool m_pool;     ///< Last, so that it ends first.
 };

@@ -29,8 +29,8 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     } catch (const std::exception &error) {
         m_message = u"样式预设未能读取："_s + QString::fromUtf8(error.what());
     }
-    for (const BackgroundTask *const task : {&m_import, &m_export, &m_match})
-        connect(task, &BackgroundTask::activityChanged, this, &LintoraModel::activityChanged);
+    for (const BackgroundTask *const task : m_tasks)
+        connect(task, &BackgroundTask::progressChanged, this, &LintoraModel::activityChanged);
     connect(&m_keeper, &SessionKeeper::arrived, this, &LintoraModel::takeSession);
     connect(&m_keeper, &SessionKeeper::overruled, this, &LintoraModel::keepOverruled);
     connect(&m_keeper, &SessionKeeper::failed, this, &LintoraModel::reportUnsaved);
@@ -53,25 +53,6 @@ void LintoraModel::apply(const LintoraSession &session)
 }
 
 // What is said
-
-std::optional<QString> LintoraModel::activity() const
-{
-    for (const BackgroundTask *const task : {&m_import, &m_export, &m_match}) {
-        if (task->activity())
-            return task->activity();
-    }
-    return std::nullopt;
-}
-
-void LintoraModel::cancelActivity()
-{
-    const bool wasMatching = m_match.isRunning();
-    m_import.cancel();
-    m_export.cancel();
-    m_match.cancel();
-    if (wasMatching)
-        setScriptStatus({});
-}
 
 void LintoraModel::report(const QString &message)
 {
@@ -295,24 +276,52 @@ void LintoraModel::step(const LintoraSession &(EditHistory::*direction)(), const
     report(message);
 }
 
-// Jobs that own the cues
+// Long work
 
-void LintoraModel::beginAIJob(std::shared_ptr<Job> job)
+std::optional<Progress> LintoraModel::activity() const
 {
-    setFindReplaceVisible(false);
-    publish(m_aiJob, std::move(job), &LintoraModel::aiBusyChanged);
-    Q_EMIT historyChanged();
+    const BackgroundTask *const shown = shownTask();
+    return shown ? shown->progress() : std::nullopt;
 }
 
-void LintoraModel::endAIJob()
+void LintoraModel::cancelActivity()
 {
-    publish(m_aiJob, std::shared_ptr<Job>(), &LintoraModel::aiBusyChanged);
+    if (BackgroundTask *const shown = shownTask())
+        shown->cancel();
+}
+
+/// What ends soon is shown first.
+BackgroundTask *LintoraModel::shownTask() const
+{
+    const auto shown = std::ranges::find_if(m_tasks, &BackgroundTask::isRunning);
+    return shown == m_tasks.end() ? nullptr : *shown;
+}
+
+bool LintoraModel::claimCues()
+{
+    if (refuseWhileBusy(u"请等待当前任务完成。"_s))
+        return false;
+    setFindReplaceVisible(false);
+    publish(m_aiBusy, true, &LintoraModel::aiBusyChanged);
+    Q_EMIT historyChanged();
+    return true;
+}
+
+/// Calls `take` first: until it is said that the cues are free, they are as the operation found them.
+void LintoraModel::releaseCues(const std::function<void()> &take)
+{
+    m_aiBusy = false;
+    try {
+        asOneStep(take);
+    } catch (const std::exception &error) {
+        reportFailure(QString::fromUtf8(error.what()));
+    }
+    Q_EMIT aiBusyChanged();
     Q_EMIT historyChanged();
     takeHeldSession();
 }
 
 void LintoraModel::cancelAI()
 {
-    if (m_aiJob)
-        m_aiJob->cancel();
+    m_owner.cancel();
 }

@@ -6,7 +6,6 @@
 #include "app/model/Imports.h"
 #include "app/model/Preferences.h"
 #include "app/model/SessionKeeper.h"
-#include "core/Job.h"
 #include "core/text/ScriptAlignment.h"
 #include "store/StylePresetStore.h"
 
@@ -14,6 +13,7 @@
 #include <QObject>
 #include <QUrl>
 
+#include <array>
 #include <memory>
 
 /// Everything the window shows, and everything a person can do to it: the one live owner of the job.
@@ -73,8 +73,8 @@ public:
     const QString &message() const { return m_message; }
     const std::optional<QString> &failure() const { return m_failure; } ///< Shown in the message's place.
 
-    /// What long work is doing; absent while there is none. cancelActivity() ends it, and leaves the job as it was.
-    std::optional<QString> activity() const;
+    /// How far long work is; absent while there is none. cancelActivity() ends it, and leaves the job as it was.
+    std::optional<Progress> activity() const;
     void cancelActivity();
 
     void report(const QString &message); ///< Puts `message` up and takes the failure down.
@@ -188,12 +188,29 @@ public:
     /// The clip document for a drag of that track, or of the selected one. Absent when it was refused.
     std::optional<QByteArray> payload(std::optional<QUuid> trackID);
 
-    // Jobs that own the cues: while one runs, nothing else may change them.
+    // Long work that owns the cues: while it runs, nothing else may change them.
 
-    bool aiBusy() const { return m_aiJob != nullptr; }
-    void beginAIJob(std::shared_ptr<Job> job);
-    void endAIJob();
-    void cancelAI(); ///< Asks the running job to end.
+    bool aiBusy() const { return m_aiBusy; }
+
+    /// Runs `operation(job, report)` on a worker, as the owner of the cues. `first` is what it is doing until it
+    /// reports. Refused, and false, while there is another owner.
+    ///
+    /// The cues are free again however it ends, done, refused or cancelled, and at the latest with the program. Then
+    /// `take(result)` puts a result in place, on the cues that the operation began with and as one step of the history.
+    /// A version of the shared session that had to wait is taken up last.
+    template <class JobType = Job, class Operation, class Take>
+    bool ownCues(const QString &first, Operation operation, Take take)
+    {
+        if (!claimCues())
+            return false;
+        m_owner.run<JobType>(
+            first, std::move(operation),
+            [this, take = std::move(take)](auto result) { releaseCues([&] { take(std::move(result)); }); },
+            [this](const QString &sentence) { releaseCues([&] { reportFailure(sentence); }); },
+            [this] { releaseCues([] {}); });
+        return true;
+    }
+    void cancelAI(); ///< Ends the work that owns the cues, and leaves them as they are.
 
     // Window
 
@@ -326,6 +343,11 @@ private:
     void exportTitles(const std::optional<FCPProject> &project);
     QString exportName(const QString &of = {}) const;
 
+    // Owning the cues
+    bool claimCues();
+    void releaseCues(const std::function<void()> &take);
+    BackgroundTask *shownTask() const;
+
     // Script matching
     void takeScriptResult(const ScriptMatchResult &result);
     void setScriptStatus(const QString &status);
@@ -375,7 +397,7 @@ private:
     std::optional<Restore> m_replacement; ///< Of the last replacement.
     std::optional<Restore> m_scriptMatch; ///< Of the last applied rows.
     ScriptMatching m_script;
-    std::shared_ptr<Job> m_aiJob; ///< The job that owns the cues; null while there is none.
+    bool m_aiBusy = false;
 
     bool m_pinned;
     bool m_fcpImportVisible = false;
@@ -389,4 +411,8 @@ private:
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother};
     BackgroundTask m_match{BackgroundTask::Order::newestOnly};
     BackgroundTask m_presets{BackgroundTask::Order::oneAfterAnother};
+    /// One language server at a time: the next one waits until a cancelled one has left the memory.
+    BackgroundTask m_owner{BackgroundTask::Order::newestAfterTheOld};
+    const std::array<BackgroundTask *, 4> m_tasks = {&m_import, &m_export, &m_match,
+                                                     &m_owner}; ///< Those that are shown.
 };

@@ -35,7 +35,7 @@ void LintoraModel::exportSRT()
                    [this, cues = items()](const QString &path) {
                        m_export.run(
                            u"正在导出 SRT…"_s,
-                           [path, cues](Job &job, const BackgroundTask::Progress & /*progress*/) {
+                           [path, cues](Job &job, const ProgressReport & /*report*/) {
                                Exports::writeSRT(path, cues, job);
                                return Written(u"已导出 %1 条字幕"_s.arg(cues.size()));
                            },
@@ -74,7 +74,7 @@ void LintoraModel::exportTitles(const std::optional<FCPProject> &project)
                    [this, cues = items(), options = options(), project](const QString &path) {
                        m_export.run(
                            u"正在写入并核对字幕…"_s,
-                           [path, cues, options, project](Job &job, const BackgroundTask::Progress & /*progress*/) {
+                           [path, cues, options, project](Job &job, const ProgressReport & /*report*/) {
                                Exports::writeTitles(path, cues, options, project, job);
                                return Written(u"已写入并核对 %1 条字幕，逐帧一致"_s.arg(cues.size()));
                            },

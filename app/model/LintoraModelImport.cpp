@@ -111,7 +111,7 @@ void LintoraModel::importFrom(const QString &what, std::function<Imports::Import
                               std::function<void()> then)
 {
     m_import.run(
-        what, [read = std::move(read)](Job &job, const BackgroundTask::Progress & /*progress*/) { return read(job); },
+        what, [read = std::move(read)](Job &job, const ProgressReport & /*report*/) { return read(job); },
         [this, then = std::move(then)](const Imports::Imported &imported) {
             // A job may have begun while the file was read.
             if (refuseWhileBusy(u"任务处理中，请先取消再导入"_s))

@@ -21,7 +21,7 @@ void LintoraModel::openSession(const QUrl &link)
 {
     m_import.run(
         u"正在打开字幕…"_s,
-        [link](Job & /*job*/, const BackgroundTask::Progress & /*progress*/) {
+        [link](Job & /*job*/, const ProgressReport & /*report*/) {
             QString file = LaunchLink::sessionFile(link);
             LintoraSession::read(file); // What cannot be read is refused before anything is watched.
             return file;
@@ -110,10 +110,6 @@ void LintoraModel::persistSession()
 
 void LintoraModel::saveDraft()
 {
-    if (m_heldSession) {
-        m_aiJob.reset();
-        takeHeldSession();
-    }
     persistSession();
     const auto attempt = [this](auto save, const QString &prefix) {
         try {
@@ -128,9 +124,7 @@ void LintoraModel::saveDraft()
 
 void LintoraModel::shutdownAI()
 {
-    cancelAI();
-    if (aiBusy())
-        endAIJob(); // so that what is being typed can still be kept
+    m_owner.finish(); // first, so that what is being typed can still be kept
     m_import.finish();
     m_match.finish();
     m_presets.wait();

@@ -26,11 +26,11 @@ void LintoraModel::matchScript()
     m_script.manuscript = m_script.text;
     m_match.run(
         u"正在匹配文稿…"_s,
-        [text = m_script.text, cues = items()](Job &job, const BackgroundTask::Progress & /*progress*/) {
+        [text = m_script.text, cues = items()](Job &job, const ProgressReport & /*report*/) {
             return ScriptAlignment::match(text, cues, [&] { job.check(); });
         },
         [this](const ScriptMatchResult &result) { takeScriptResult(result); },
-        [this](const QString &sentence) { setScriptStatus(sentence); });
+        [this](const QString &sentence) { setScriptStatus(sentence); }, [this] { setScriptStatus({}); });
     setScriptStatus(u"正在匹配文稿…"_s);
 }
 

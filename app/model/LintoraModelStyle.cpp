@@ -135,7 +135,7 @@ void LintoraModel::changePresets(std::function<Presets(Presets)> change, const Q
 {
     m_presets.run(
         u"正在保存预设…"_s,
-        [store = m_presetStore, change = std::move(change)](Job & /*job*/, const auto & /*progress*/) {
+        [store = m_presetStore, change = std::move(change)](Job & /*job*/, const ProgressReport & /*report*/) {
             return store.update(change);
         },
         [this, message](const Presets &presets) {

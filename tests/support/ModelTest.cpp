@@ -71,7 +71,7 @@ void ModelTest::loadCues(const QList<Subtitle> &cues, const QString &name)
 
 void ModelTest::settle()
 {
-    EXPECT_TRUE(Events::waitFor([&] { return !model->activity(); }));
+    EXPECT_TRUE(Events::waitFor([&] { return !model->activity() || model->aiBusy(); }));
     Events::handle();
 }
 

@@ -25,7 +25,8 @@ protected:
     /// Imports a file and waits until it is there, or refused.
     void load(const QString &path);
     void loadCues(const QList<Subtitle> &cues, const QString &name = QStringLiteral("片段.srt"));
-    void settle(); ///< Waits until no long work is under way and all that it leads to is done.
+    /// Waits until no long work is under way, but what owns the cues, and all that it leads to is done.
+    void settle();
 
     QString failure() const { return model->failure().value_or(QString()); }
     QStringList texts() const; ///< Of the selected track's cues.

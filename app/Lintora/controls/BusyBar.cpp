@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QTimerEvent>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int thickness = VELTheme::step;
@@ -18,12 +20,30 @@ BusyBar::BusyBar(QWidget *parent)
     : QWidget(parent)
 {
     setFixedSize(20 * VELTheme::step, thickness);
-    setAccessibleName(QStringLiteral("进行中"));
+    setAccessibleName(u"进行中"_s);
+}
+
+void BusyBar::setShare(std::optional<double> share)
+{
+    if (m_share == share)
+        return;
+    m_share = share;
+    setAccessibleDescription(share ? u"%1%"_s.arg(int(*share * 100)) : QString());
+    followTimer();
+    update();
+}
+
+void BusyBar::followTimer()
+{
+    if (!isVisible() || m_share)
+        m_timer.stop();
+    else if (!m_timer.isActive())
+        m_timer.start(frameMS, this);
 }
 
 void BusyBar::showEvent(QShowEvent * /*event*/)
 {
-    m_timer.start(frameMS, this);
+    followTimer();
 }
 
 void BusyBar::hideEvent(QHideEvent * /*event*/)
@@ -45,7 +65,9 @@ void BusyBar::paintEvent(QPaintEvent * /*event*/)
     painter.setPen(Qt::NoPen);
     painter.setBrush(colors.border);
     painter.drawRoundedRect(rect(), thickness / 2.0, thickness / 2.0);
-    const QRect segment = QRect(m_phase - runner, 0, runner, thickness) & rect();
+    const QRectF done(0, 0, width() * m_share.value_or(0), thickness);
+    const QRectF running(m_phase - runner, 0, runner, thickness);
+    const QRectF segment = (m_share ? done : running) & QRectF(rect());
     painter.setBrush(colors.accent);
     painter.drawRoundedRect(segment, thickness / 2.0, thickness / 2.0);
 }

@@ -3,13 +3,17 @@
 #include <QBasicTimer>
 #include <QWidget>
 
-/// Shows that something is under way whose end is not known.
+#include <optional>
+
+/// Shows how far something is that is under way; that it is under way, where nobody knows how far.
 class BusyBar : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit BusyBar(QWidget *parent = nullptr);
+
+    void setShare(std::optional<double> share); ///< What is done, 0 to 1; absent: not known.
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -18,6 +22,9 @@ protected:
     void hideEvent(QHideEvent *event) override;
 
 private:
-    QBasicTimer m_timer; ///< Runs while the bar is seen.
+    void followTimer();
+
+    std::optional<double> m_share;
+    QBasicTimer m_timer; ///< Runs while the bar is seen and has no share to show.
     int m_phase = 0;     ///< In points.
 };

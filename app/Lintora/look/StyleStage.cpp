@@ -123,7 +123,7 @@ void StyleStage::loadStill(const QString &path)
 {
     setRefusal({});
     m_reading.run(
-        u"正在读取画面…"_s, [path](Job & /*job*/, const auto & /*progress*/) { return readStill(path); },
+        u"正在读取画面…"_s, [path](Job & /*job*/, const ProgressReport & /*report*/) { return readStill(path); },
         [this](const QImage &still) { takeStill(still); }, [this](const QString &sentence) { setRefusal(sentence); });
 }
 

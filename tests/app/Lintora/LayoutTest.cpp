@@ -1,18 +1,22 @@
 // What can be seen, reached and pressed, and what it says.
 
 #include "app/Lintora/StatusLine.h"
+#include "app/Lintora/controls/BusyBar.h"
 #include "app/Lintora/controls/CheckBox.h"
 #include "app/Lintora/controls/ElidedLabel.h"
 #include "app/Lintora/controls/Sheet.h"
 #include "app/Lintora/drag/UnifiedImportArea.h"
+#include "core/Cancelled.h"
 #include "tests/app/Lintora/PanelTest.h"
 #include "tests/support/Events.h"
+#include "tests/support/OwnedCues.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QSemaphore>
 #include <QTest>
 #include <QToolButton>
 
@@ -168,6 +172,42 @@ TEST_F(Layout, Long_work_is_named_and_can_be_cancelled)
     EXPECT_EQ(button(u"取消"_s), nullptr);
 }
 
+TEST_F(Layout, Long_work_says_how_far_it_is_and_how_long_it_will_take_where_that_is_known)
+{
+    struct Row
+    {
+        Progress progress;
+        QString text;
+        QString share;
+    };
+    const QString doing = u"正在识别…"_s;
+    const Row rows[] = {{{.what = doing}, doing, {}},
+                        {{.what = doing, .share = 0.426}, doing, u"42%"_s},
+                        {{.what = doing, .share = 1.0, .leftMS = 0}, doing + u" · 约剩 10 秒"_s, u"100%"_s},
+                        {{.what = doing, .leftMS = 50'000}, doing + u" · 约剩 50 秒"_s, {}},
+                        {{.what = doing, .leftMS = 50'001}, doing + u" · 约剩 1 分钟"_s, {}},
+                        {{.what = doing, .leftMS = 60'001}, doing + u" · 约剩 2 分钟"_s, {}},
+                        {{.what = doing, .leftMS = 3'540'000}, doing + u" · 约剩 59 分钟"_s, {}},
+                        {{.what = doing, .leftMS = 3'540'001}, doing + u" · 约剩 1 小时 0 分钟"_s, {}},
+                        {{.what = doing, .leftMS = 4'500'000}, doing + u" · 约剩 1 小时 15 分钟"_s, {}}};
+    for (const Row &row : rows) {
+        model.ownCues(
+            u"开始"_s,
+            [&](Job &job, const ProgressReport &report) -> int {
+                QSemaphore cancelled;
+                const Job::OnCancel wake(job, [&] { cancelled.release(); });
+                report(row.progress);
+                cancelled.acquire();
+                throw Cancelled();
+            },
+            [](int /*result*/) {});
+        EXPECT_TRUE(Events::waitFor([&] { return status() == row.text; })) << qPrintable(status());
+        EXPECT_EQ(panel->findChild<BusyBar *>()->accessibleDescription(), row.share);
+        click(u"取消"_s);
+        EXPECT_FALSE(model.aiBusy());
+    }
+}
+
 TEST_F(Layout, Tabs_show_the_tracks_and_change_them)
 {
     loadTracks({u"一"_s, u"二"_s}, {u"one"_s});
@@ -234,11 +274,11 @@ TEST_F(Layout, Restoring_the_original_asks_first)
 TEST_F(Layout, A_job_that_owns_the_cues_disables_what_would_change_them)
 {
     load({u"一"_s});
-    model.beginAIJob(std::make_shared<Job>());
+    OwnedCues owned(model);
     Events::handle();
     for (const QString &name : {u"一键清理"_s, u"撤销"_s, u"查找替换"_s, u"分离中英"_s})
         EXPECT_FALSE(button(name)->isEnabled()) << qPrintable(name);
-    model.endAIJob();
+    owned.end();
     EXPECT_TRUE(button(u"一键清理"_s)->isEnabled());
 }
 

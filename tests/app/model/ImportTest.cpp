@@ -2,6 +2,7 @@
 #include "tests/support/Events.h"
 #include "tests/support/Generator.h"
 #include "tests/support/ModelTest.h"
+#include "tests/support/OwnedCues.h"
 #include "tests/support/StoryDocument.h"
 
 #include <QDir>
@@ -211,14 +212,13 @@ TEST_F(ImportTest, refuses_everything_while_a_job_owns_the_cues)
 {
     loadCues(Generator(1).cues(3));
     const LintoraSession before = model->snapshot();
-    const auto job = std::make_shared<Job>();
-    model->beginAIJob(job);
+    OwnedCues owned(*model);
     EXPECT_TRUE(model->aiBusy());
 
     const auto refusedWith = [&](const QString &sentence, const std::function<void()> &operation) {
         model->report({});
         operation();
-        settle();
+        Events::handle();
         EXPECT_EQ(failure(), sentence);
         EXPECT_EQ(model->snapshot(), before);
     };
@@ -245,9 +245,10 @@ TEST_F(ImportTest, refuses_everything_while_a_job_owns_the_cues)
     model->setFindReplaceVisible(true);
     EXPECT_FALSE(model->findReplaceVisible());
 
+    refusedWith(u"请等待当前任务完成。"_s, [&] { OwnedCues second(*model); });
+    EXPECT_TRUE(model->aiBusy());
     model->cancelAI();
-    EXPECT_TRUE(job->isCancelled());
-    model->endAIJob();
+    EXPECT_FALSE(model->aiBusy());
     EXPECT_TRUE(model->canUndo());
     model->setFindReplaceVisible(true);
     EXPECT_TRUE(model->findReplaceVisible());
@@ -257,11 +258,10 @@ TEST_F(ImportTest, what_was_read_too_late_changes_nothing)
 {
     const QUrl first = QUrl::fromLocalFile(write(u"first.srt"_s, oneCue));
     model->load(first);
-    model->beginAIJob(std::make_shared<Job>());
-    settle();
-    EXPECT_EQ(failure(), u"任务处理中，请先取消再导入"_s);
+    OwnedCues owned(*model);
+    EXPECT_TRUE(Events::waitFor([&] { return failure() == u"任务处理中，请先取消再导入"_s; }));
     EXPECT_TRUE(model->items().isEmpty());
-    model->endAIJob();
+    owned.end();
 
     // Files that are opened together are taken in their order.
     model->load(first);

@@ -4,6 +4,7 @@
 #include "tests/support/Events.h"
 #include "tests/support/Generator.h"
 #include "tests/support/ModelTest.h"
+#include "tests/support/OwnedCues.h"
 #include "tests/support/Sessions.h"
 
 #include <QDir>
@@ -199,14 +200,13 @@ TEST_F(PersistenceTest, a_version_that_comes_while_a_job_owns_the_cues_waits_and
         second.source = u"extension 2"_s;
         const QString path = open(first);
         model->saveDraft();
-        model->beginAIJob(std::make_shared<Job>());
+        OwnedCues owned(*model);
         putSession(second);
         model->refreshSession();
         EXPECT_EQ(model->source(), u"extension 1"_s);
         meanwhile();
         Events::handle();
-        if (model->aiBusy())
-            model->endAIJob();
+        owned.end();
         model->saveDraft();
         EXPECT_EQ(model->source(), u"extension 2"_s);
         EXPECT_EQ(LintoraSession::read(path).source, u"extension 2"_s);

@@ -255,7 +255,7 @@ TEST_F(ToolsTest, a_match_of_what_has_changed_meanwhile_is_dropped)
         model->setScriptText(script);
         model->matchScript();
         EXPECT_EQ(model->scriptStatus(), u"正在匹配文稿…"_s);
-        EXPECT_EQ(model->activity(), u"正在匹配文稿…"_s);
+        EXPECT_EQ(model->activity(), Progress{.what = u"正在匹配文稿…"_s});
         change();
         settle();
         EXPECT_EQ(model->scriptStatus(), u"当前字幕或文稿已变化，请重新匹配"_s);

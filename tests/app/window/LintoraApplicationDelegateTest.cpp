@@ -4,6 +4,7 @@
 #include "store/LintoraSession.h"
 #include "tests/app/TemporaryModel.h"
 #include "tests/support/Events.h"
+#include "tests/support/OwnedCues.h"
 
 #include <gmock/gmock.h>
 
@@ -97,12 +98,12 @@ TEST_F(Application, Finding_waits_for_the_end_of_a_job)
 {
     LintoraApplicationDelegate &delegate = launch();
     LintoraModel &model = delegate.model();
-    model.beginAIJob(std::make_shared<Job>());
+    OwnedCues owned(model);
     EXPECT_FALSE(entry(u"查找与替换…"_s)->isEnabled());
     QTest::keyClick(qApp->focusWindow(), Qt::Key_F, Qt::ControlModifier);
     delegate.openFindReplace();
     EXPECT_FALSE(model.findReplaceVisible());
-    model.endAIJob();
+    owned.end();
     QTest::keyClick(qApp->focusWindow(), Qt::Key_F, Qt::ControlModifier);
     EXPECT_TRUE(model.findReplaceVisible());
 }

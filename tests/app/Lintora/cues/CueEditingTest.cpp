@@ -2,6 +2,7 @@
 
 #include "tests/app/Lintora/PanelTest.h"
 #include "tests/support/Events.h"
+#include "tests/support/OwnedCues.h"
 
 #include <gmock/gmock.h>
 
@@ -450,25 +451,25 @@ TEST_F(CueEditing, The_filter_keeps_what_is_edited_until_it_changes)
 TEST_F(CueEditing, While_a_job_owns_the_cues_nothing_opens)
 {
     load({u"一"_s, u"二"_s});
-    model.beginAIJob(std::make_shared<Job>());
+    OwnedCues owned(model);
     edit(0);
     EXPECT_EQ(editor(), nullptr);
     press(Qt::Key_Return);
     EXPECT_EQ(editor(), nullptr);
     press(Qt::Key_Backspace, Qt::ControlModifier);
     EXPECT_EQ(model.items().size(), 2);
-    model.endAIJob();
+    owned.end();
 }
 
 TEST_F(CueEditing, What_is_being_typed_waits_for_a_job_that_owns_the_cues)
 {
     load({u"一"_s, u"二"_s});
     editWith(0, u"打了一半"_s);
-    model.beginAIJob(std::make_shared<Job>());
+    OwnedCues owned(model);
     table().setFocus();
     ASSERT_NE(editor(), nullptr);
     EXPECT_EQ(editor()->toPlainText(), u"打了一半"_s);
-    model.endAIJob();
+    owned.end();
     EXPECT_TRUE(table().commitEdit());
     EXPECT_EQ(model.items().first().text, u"打了一半"_s);
 }

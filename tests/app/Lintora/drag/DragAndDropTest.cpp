@@ -5,6 +5,7 @@
 
 #include "tests/app/TemporaryModel.h"
 #include "tests/support/Events.h"
+#include "tests/support/OwnedCues.h"
 
 #include <gmock/gmock.h>
 
@@ -118,10 +119,10 @@ TEST_F(DragAndDrop, What_the_model_does_not_take_is_refused_in_its_words)
     UnifiedImportArea area(m_model);
     EXPECT_FALSE(drops(area, *files({m_outside.srt(u"a.srt"_s, 1), m_outside.srt(u"b.srt"_s, 1)})));
     EXPECT_TRUE(m_model.failure().has_value());
-    m_model.beginAIJob(std::make_shared<Job>());
+    OwnedCues owned(m_model);
     EXPECT_FALSE(drops(area, *files({m_outside.srt(u"a.srt"_s, 1)})));
     EXPECT_EQ(m_model.failure(), u"任务处理中，请先取消再导入"_s);
-    m_model.endAIJob();
+    owned.end();
     EXPECT_TRUE(m_model.items().isEmpty());
 }
 

@@ -7,6 +7,7 @@
 #include "app/Lintora/look/TimeShift.h"
 #include "tests/app/Lintora/look/StyleTest.h"
 #include "tests/support/Events.h"
+#include "tests/support/OwnedCues.h"
 
 #include <QApplication>
 #include <QColorDialog>
@@ -217,9 +218,9 @@ TEST_F(StyleControlsTest, Switches_enable_what_they_switch)
     EXPECT_TRUE(model.options().shadowEnabled);
     model.undo();
     EXPECT_FALSE(field(u"阴影模糊"_s)->isEnabled());
-    model.beginAIJob(std::make_shared<Job>());
+    OwnedCues owned(model);
     EXPECT_FALSE(field(u"字号"_s)->isEnabled());
-    model.endAIJob();
+    owned.end();
     EXPECT_TRUE(field(u"字号"_s)->isEnabled());
 }
 
