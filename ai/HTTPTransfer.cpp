@@ -175,16 +175,24 @@ void HTTPTransfer::takeHead()
 void HTTPTransfer::takeBody()
 {
     takeHead();
-    for (qint64 size = 0; (size = m_reply->read(m_block.get(), blockSize)) > 0;)
+    for (qint64 size = 0; (size = m_reply->read(m_block.get(), blockSize)) > 0;) {
+        m_received += size;
         m_sink.take(QByteArrayView(m_block.get(), size));
+    }
 }
 
 void HTTPTransfer::finish()
 {
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     const bool isAnswered = status >= firstErrorStatus || m_reply->error() == QNetworkReply::NoError;
-    if (status != 0 && isAnswered)
-        return takeBody();
+    if (status != 0 && isAnswered) {
+        takeBody();
+        // The library passes some connections that broke in a body for its end.
+        const QByteArray promised = m_head.value("content-length");
+        if (status < firstErrorStatus && !promised.isEmpty() && m_received < promised.toLongLong())
+            throw PlatformError(socketText("The remote host closed the connection"));
+        return;
+    }
     if (!m_certificateErrors.isEmpty())
         throw PlatformError(m_certificateErrors.join(u'\n'));
     throw PlatformError(m_reply->errorString());

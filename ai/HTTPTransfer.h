@@ -45,6 +45,7 @@ private:
     QElapsedTimer m_elapsed;
     std::unique_ptr<char[]> m_block;
     HTTP::Head m_head;
+    qint64 m_received = 0; ///< Bytes of the body.
     QStringList m_certificateErrors;
     std::exception_ptr m_failure;
 };

@@ -14,6 +14,7 @@ void addAlign(CLI::App &app, Work &run);
 void addClean(CLI::App &app, Work &run);
 void addConvertScript(CLI::App &app, Work &run);
 void addExtract(CLI::App &app, Work &run);
+void addModels(CLI::App &app, Work &run);
 void addPlan(CLI::App &app, Work &run);
 void addPresets(CLI::App &app, Work &run);
 void addReplace(CLI::App &app, Work &run);

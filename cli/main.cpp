@@ -13,6 +13,8 @@
 
 #include <CLI/Config.hpp>
 
+#include <cstdlib>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -46,6 +48,7 @@ void addCommands(CLI::App &app, Commands::Work &run)
     Commands::addPlan(app, run);
     Commands::addSession(app, run);
     Commands::addPresets(app, run);
+    Commands::addModels(app, run);
     for (CLI::App *const command : app.get_subcommands({}))
         command->group("命令")->set_help_flag("-h,--help", "显示帮助");
 }
@@ -159,5 +162,9 @@ int main(int argc, char **argv)
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     QTranslator translator;
     loadTranslations(translator);
-    return guarded(argc, argv);
+    const ExitStatus status = guarded(argc, argv);
+    // A name that is being looked up cannot be given up, and an orderly end would wait for it.
+    if (status == cancelled)
+        std::_Exit(status);
+    return status;
 }

@@ -6,7 +6,7 @@ set -euo pipefail
 
 debian_packages() {
     case $1 in
-    build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libicu-dev libopencc-dev libcli11-dev fonts-noto-cjk ;;
+    build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libicu-dev libopencc-dev libcli11-dev libssl-dev fonts-noto-cjk ;;
     test) echo libgtest-dev libgmock-dev locales openssl xauth xdotool xvfb ;;
     ci) echo git clang clang-format clang-tidy ccache desktop-file-utils libgnustep-gui-dev libobjc-12-dev ;;
     bench) echo libbenchmark-dev ;;
@@ -17,7 +17,7 @@ debian_packages() {
 
 brew_packages() {
     case $1 in
-    build) echo cmake ninja pkg-config qt libxml2 icu4c opencc cli11 ;;
+    build) echo cmake ninja pkg-config qt libxml2 icu4c opencc cli11 openssl ;;
     test) echo googletest ;;
     ci) echo clang-format llvm ccache ;;
     bench) echo google-benchmark ;;

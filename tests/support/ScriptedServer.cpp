@@ -43,7 +43,10 @@ private:
     void serve()
     {
         connect(&m_socket, &QTcpSocket::readyRead, this, [this] { receive(); });
-        connect(&m_socket, &QTcpSocket::bytesWritten, this, [this] { sendMore(); });
+        connect(&m_socket, &QTcpSocket::bytesWritten, this, [this] {
+            if (!m_pace.isActive() || m_reply.repeats <= 0)
+                sendMore();
+        });
         connect(&m_socket, &QTcpSocket::disconnected, this, &QObject::deleteLater);
         connect(&m_pace, &QTimer::timeout, this, [this] { sendMore(); });
         if (m_server.m_tls) {
