@@ -133,8 +133,14 @@ QList<qsizetype> CueTable::selectedCues() const
 
 void CueTable::goTo(qsizetype cue)
 {
-    if (const QModelIndex index = indexOf(cue, CueTableModel::textColumn); index.isValid())
-        setCurrentIndex(index);
+    select(indexOf(cue, CueTableModel::textColumn));
+}
+
+/// Whatever keys are held: setCurrentIndex() would take those of a command for a choice of several.
+void CueTable::select(const QModelIndex &index)
+{
+    if (index.isValid())
+        selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 void CueTable::editText(qsizetype cue)
@@ -142,7 +148,7 @@ void CueTable::editText(qsizetype cue)
     const QModelIndex index = indexOf(cue, CueTableModel::textColumn);
     if (!index.isValid())
         return;
-    setCurrentIndex(index);
+    select(index);
     if (index.flags().testFlag(Qt::ItemIsEditable))
         QTableView::edit(index);
 }

@@ -62,6 +62,7 @@ protected:
 
 private:
     QModelIndex indexOf(qsizetype cue, int column) const;
+    void select(const QModelIndex &index);
     void followRowCount();
     void closeText();
     void rescueTyped();

@@ -318,6 +318,37 @@ TEST_F(CueEditing, Deletes_the_selected_cues_in_one_step)
     EXPECT_EQ(model.items().size(), 4);
 }
 
+TEST_F(CueEditing, The_cue_that_a_command_leads_to_is_the_only_one_selected_while_its_key_is_held)
+{
+    // Through the window system, which knows the keys that are held.
+    const auto hold = [this](Qt::Key key) {
+        QTest::keyPress(window.windowHandle(), key, Qt::ControlModifier);
+        Events::handle();
+    };
+    for (const Qt::Key key : {Qt::Key_K, Qt::Key_Return}) {
+        load({u"大家好今天聊调色"_s, u"尾"_s});
+        edit(0);
+        QTextCursor cursor = editor()->textCursor();
+        cursor.setPosition(3);
+        editor()->setTextCursor(cursor);
+        hold(key);
+        ASSERT_EQ(model.items().size(), 3);
+        EXPECT_EQ(table().selectedCues(), QList<qsizetype>{1});
+        QTest::keyRelease(window.windowHandle(), key);
+        table().commitEdit();
+    }
+}
+
+TEST_F(CueEditing, What_is_being_typed_is_kept_before_cues_are_deleted)
+{
+    load({u"一"_s, u"二"_s, u"三"_s});
+    editWith(0, u"改"_s);
+    table().selectionModel()->select(table().model()->index(2, 0),
+                                     QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    table().deleteCues();
+    EXPECT_EQ(texts(), (QStringList{u"改"_s, u"二"_s}));
+}
+
 TEST_F(CueEditing, In_the_editor_the_key_that_deletes_cues_deletes_text)
 {
     load({u"一"_s, u"二"_s});
