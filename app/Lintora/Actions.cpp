@@ -155,8 +155,8 @@ void EditingActions::offerUndo()
         menu.addAction(title, this, [this, command] { perform([this, command] { (m_model.*command)(); }); })
             ->setEnabled(enabled);
     };
-    add(u"撤销"_s, m_model.canUndo(), &LintoraModel::undo);
-    add(u"重做"_s, m_model.canRedo(), &LintoraModel::redo);
+    add(u"撤销"_s + m_model.undoTitle(), m_model.canUndo(), &LintoraModel::undo);
+    add(u"重做"_s + m_model.redoTitle(), m_model.canRedo(), &LintoraModel::redo);
     menu.addSeparator();
     add(u"恢复到清理前"_s, m_model.previousItems() && !m_model.aiBusy(), &LintoraModel::undoCleanup);
 }

@@ -2,6 +2,8 @@
 
 #include "app/Lintora/Actions.h"
 #include "app/Lintora/Header.h"
+#include "app/Lintora/QuitQuestion.h"
+#include "app/Lintora/RecentList.h"
 #include "app/Lintora/StatusLine.h"
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/Sheet.h"
@@ -45,7 +47,11 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     m_import = new UnifiedImportArea(model, m_stage);
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
     note->setAlignment(Qt::AlignCenter);
-    m_emptyNote = note;
+    m_emptyNote = new QWidget(this);
+    auto *const empty = new QVBoxLayout(m_emptyNote);
+    empty->setContentsMargins(0, 0, 0, 0);
+    empty->addWidget(note);
+    empty->addWidget(new RecentList(model, m_emptyNote));
     m_workspace = makeWorkspace();
 
     auto *const content = new QVBoxLayout;
@@ -76,6 +82,9 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     connect(&model, &LintoraModel::scriptMatchPresentedChanged, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::settingsVisibleChanged, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::fcpImportVisibleChanged, this, &LintoraPanel::followSheets);
+    connect(&model, &LintoraModel::splitOriginalChanged, this, &LintoraPanel::followCues);
+    connect(&model, &LintoraModel::previousItemsChanged, this, &LintoraPanel::followCues);
+    new QuitQuestion(model, m_stage);
     followCues();
     followSheets();
 }
@@ -130,17 +139,16 @@ QWidget *LintoraPanel::makeTableHeading()
 
 void LintoraPanel::followCues()
 {
-    const auto tracks = m_model.visibleTracks();
-    const bool hasCues = std::ranges::any_of(tracks, [](const SubtitleTrack &each) { return !each.items.isEmpty(); });
-    const auto form = hasCues ? UnifiedImportArea::Form::OneLine : UnifiedImportArea::Form::Large;
+    const bool isInUse = m_model.isInUse();
+    const auto form = isInUse ? UnifiedImportArea::Form::OneLine : UnifiedImportArea::Form::Large;
     if (m_import->form() != form)
         m_import->setForm(form);
-    const bool begins = hasCues && m_workspace->isHidden();
-    m_workspace->setVisible(hasCues);
-    m_emptyNote->setVisible(!hasCues);
+    const bool begins = isInUse && m_workspace->isHidden();
+    m_workspace->setVisible(isInUse);
+    m_emptyNote->setVisible(!isInUse);
     if (begins)
         m_table->goTo(0);
-    if (begins || !hasCues)
+    if (begins || !isInUse)
         giveKeyboard(begins ? static_cast<QWidget *>(m_table) : m_import);
 }
 

@@ -36,22 +36,33 @@ EditHistory::EditHistory(const LintoraSession &first)
     makeCurrent(freeze(first), first);
 }
 
-void EditHistory::record(const LintoraSession &state)
+QString EditHistory::redoTitle() const
+{
+    return m_future.empty() ? QString() : m_future.back().title;
+}
+
+void EditHistory::record(const LintoraSession &state, const QString &title)
 {
     FrozenJob frozen = freeze(state);
+    frozen.title = title;
     m_past.push_back(std::move(m_frozen));
     m_future.clear();
     makeCurrent(std::move(frozen), state);
 }
 
-void EditHistory::amend(const LintoraSession &state)
+void EditHistory::amend(const LintoraSession &state, const QString &title)
 {
-    makeCurrent(freeze(state), state);
+    FrozenJob frozen = freeze(state);
+    frozen.title = title.isEmpty() ? m_frozen.title : title;
+    makeCurrent(std::move(frozen), state);
 }
 
-void EditHistory::insertBefore(const LintoraSession &state)
+void EditHistory::insertBefore(const LintoraSession &state, const QString &title)
 {
-    m_past.push_back(freeze(state));
+    FrozenJob frozen = freeze(state);
+    // What can be undone to the first state is the step to the current one.
+    (m_past.empty() ? m_frozen : frozen).title = title;
+    m_past.push_back(std::move(frozen));
 }
 
 const LintoraSession &EditHistory::undo()
@@ -82,7 +93,7 @@ void EditHistory::makeCurrent(FrozenJob frozen, const LintoraSession &state)
 
 EditHistory::FrozenJob EditHistory::freeze(const LintoraSession &state) const
 {
-    FrozenJob job{.rest = withoutCues(state), .tracks = {}};
+    FrozenJob job{.rest = withoutCues(state), .title = {}, .tracks = {}};
     for (const SubtitleTrack &track : state.tracks.value_or(QList<SubtitleTrack>()))
         job.tracks.push_back(freeze(track));
     return job;

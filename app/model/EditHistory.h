@@ -25,14 +25,18 @@ public:
     bool canRedo() const { return !m_future.empty(); }
     size_t pastCount() const { return m_past.size(); } ///< How often undo() can be called.
 
-    /// `state` follows the current one.
-    void record(const LintoraSession &state);
+    const QString &undoTitle() const { return m_frozen.title; } ///< What undo() takes back; empty when it cannot.
+    QString redoTitle() const;                                  ///< What redo() does again; empty when it cannot.
 
-    /// `state` takes the current one's place: what changed is no step of its own. The undone states stay.
-    void amend(const LintoraSession &state);
+    /// `state` follows the current one; `title` says what was done.
+    void record(const LintoraSession &state, const QString &title = {});
+
+    /// `state` takes the current one's place: what changed is no step of its own. The undone states stay. An empty
+    /// `title` leaves the one of the step.
+    void amend(const LintoraSession &state, const QString &title = {});
 
     /// Puts `state` between the current one and the one before, so that undoing once leads to it.
-    void insertBefore(const LintoraSession &state);
+    void insertBefore(const LintoraSession &state, const QString &title = {});
 
     const LintoraSession &undo(); ///< Goes back and returns the state. There must be one.
     const LintoraSession &redo(); ///< Goes forth and returns the state. There must be one.
@@ -50,6 +54,7 @@ private:
     struct FrozenJob
     {
         LintoraSession rest; ///< Without tracks and cues.
+        QString title;       ///< What led to it; empty for the first.
         std::vector<std::shared_ptr<const FrozenTrack>> tracks;
     };
 

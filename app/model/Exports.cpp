@@ -8,6 +8,9 @@
 #include "fcp/FCPXML.h"
 #include "fcp/titles/WrittenTitles.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 using namespace Qt::StringLiterals;
 
 namespace Exports {
@@ -41,6 +44,24 @@ void writeSRT(const QString &path, const QList<Subtitle> &cues, Job &job)
     file.sync();
     job.check();
     file.commit(AtomicFile::Durability::PowerCut);
+}
+
+qsizetype writeAllSRT(const QString &folder, const QString &name, const QList<SubtitleTrack> &tracks, Job &job)
+{
+    qsizetype written = 0;
+    for (const SubtitleTrack &track : tracks) {
+        if (track.items.isEmpty())
+            continue;
+        const QString base = QDir(folder).filePath(fileName(tracks.size() > 1 ? name + u'_' + track.label : name));
+        QString path = base + u".srt"_s;
+        for (int number = 2; QFileInfo::exists(path) || QFileInfo(path).isSymLink(); ++number)
+            path = u"%1 %2.srt"_s.arg(base).arg(number);
+        writeSRT(path, track.items, job);
+        ++written;
+    }
+    if (written == 0)
+        throw ConversionError(u"请先打开 SRT。"_s);
+    return written;
 }
 
 void writeTitles(const QString &path, const QList<Subtitle> &cues, const Options &options,

@@ -7,7 +7,7 @@
 
 /// How the model asks the person for files. The window opens the system's dialogs, a test answers by itself.
 ///
-/// Neither call waits: the answer comes on the main thread when the person has chosen, and never when they give up.
+/// No call waits: the answer comes on the main thread when the person has chosen, and never when they give up.
 struct FileDialogs
 {
     using Chosen = std::function<void(const QString &path)>;
@@ -27,4 +27,5 @@ struct FileDialogs
 
     std::function<void(const Opening &, Chosen)> open;
     std::function<void(const Saving &, Chosen)> save;
+    std::function<void(const QString &title, Chosen)> folder; ///< For a folder that exists.
 };

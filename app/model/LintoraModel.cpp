@@ -5,6 +5,7 @@
 #include "core/CueEditing.h"
 #include "store/Locations.h"
 
+#include <QFileInfo>
 #include <QScopeGuard>
 
 #include <algorithm>
@@ -19,6 +20,8 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     , m_preferences(std::move(surroundings.settings))
     , m_presetStore(surroundings.stylePresetsURL ? StylePresetStore(*surroundings.stylePresetsURL) : StylePresetStore())
     , m_keeper(surroundings.draftURL.value_or(Locations::draft()))
+    , m_recent(QFileInfo(m_keeper.draftURL()).path() + u"/Recent"_s)
+    , m_recentSessions(m_recent.list())
     , m_job(SessionTracks::normalized(m_keeper.loadDraft().value_or(LintoraSession())))
     , m_history(m_job)
     , m_fillerWords(m_preferences.fillerWords())
@@ -33,7 +36,7 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
         connect(task, &BackgroundTask::progressChanged, this, &LintoraModel::activityChanged);
     connect(&m_keeper, &SessionKeeper::arrived, this, &LintoraModel::takeSession);
     connect(&m_keeper, &SessionKeeper::overruled, this, &LintoraModel::keepOverruled);
-    connect(&m_keeper, &SessionKeeper::failed, this, &LintoraModel::reportUnsaved);
+    connect(&m_keeper, &SessionKeeper::failureChanged, this, &LintoraModel::reportUnsaved);
 }
 
 LintoraModel::~LintoraModel() = default;
@@ -46,10 +49,19 @@ QList<SubtitleTrack> LintoraModel::visibleTracks() const
     return shown;
 }
 
+bool LintoraModel::isInUse() const
+{
+    if (std::ranges::any_of(visibleTracks(), [](const SubtitleTrack &each) { return !each.items.isEmpty(); }))
+        return true;
+    // Cleaned away, kept from before a separation, or deleted.
+    const auto isCleaned = [](const SubtitleTrack &each) { return each.previousItems.has_value(); };
+    return splitOriginal() || std::ranges::any_of(tracks(), isCleaned) || (!tracks().isEmpty() && m_history.canUndo());
+}
+
 void LintoraModel::apply(const LintoraSession &session)
 {
     if (!refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
-        replaceJob(SessionTracks::normalized(session), Step::load);
+        replaceJob(SessionTracks::normalized(session), u"载入字幕"_s, Step::load);
 }
 
 // What is said
@@ -74,24 +86,28 @@ bool LintoraModel::refuseWhileBusy(const QString &sentence)
 
 // The job
 
-void LintoraModel::replaceJob(LintoraSession next, Step step)
+/// `title` says what is done, for those who undo it.
+void LintoraModel::replaceJob(LintoraSession next, const QString &title, Step step)
 {
     if (next == m_job)
         return;
-    if (step == Step::load)
+    if (step == Step::load) {
         Q_EMIT aboutToLoad();
+        keepEdited();
+        m_jobAsLoaded = next;
+    }
     const LintoraSession before = std::exchange(m_job, std::move(next));
     // A gesture goes on only through its own changes: whatever else happens in the middle is a step by itself.
     m_isGesture = m_isGesture && step != Step::record && step != Step::load;
     const bool continues =
         (step == Step::gesture && m_isGesture && m_gestureRecorded) || (m_isGroup && m_groupRecorded);
     if (step == Step::amend || continues) {
-        m_history.amend(m_job);
+        m_history.amend(m_job, step == Step::amend ? QString() : title);
     } else {
         // A step made beyond the session's opening leads away from it for good.
         if (m_history.pastCount() < m_sessionBegins)
             m_sessionBegins = std::numeric_limits<size_t>::max();
-        m_history.record(m_job);
+        m_history.record(m_job, title);
     }
     m_gestureRecorded = m_gestureRecorded || step == Step::gesture;
     m_groupRecorded = m_groupRecorded || step != Step::amend;
@@ -111,11 +127,11 @@ void LintoraModel::tell(const LintoraSession &before, bool isLoaded)
     Q_EMIT historyChanged();
 }
 
-void LintoraModel::replaceItems(const QList<Subtitle> &items)
+void LintoraModel::replaceItems(const QList<Subtitle> &items, const QString &title)
 {
     LintoraSession next = m_job;
     next.items = items;
-    replaceJob(SessionTracks::committed(std::move(next)));
+    replaceJob(SessionTracks::committed(std::move(next)), title);
 }
 
 void LintoraModel::emitChanges(const LintoraSession &before)
@@ -151,7 +167,7 @@ void LintoraModel::emitChanges(const LintoraSession &before)
 
 void LintoraModel::selectTrack(const QUuid &id)
 {
-    replaceJob(SessionTracks::selecting(m_job, id), Step::amend);
+    replaceJob(SessionTracks::selecting(m_job, id), {}, Step::amend);
 }
 
 void LintoraModel::moveCue(qsizetype index, QUuid to)
@@ -167,21 +183,22 @@ void LintoraModel::moveCues(const QList<qsizetype> &indices, QUuid to)
         !std::ranges::all_of(indices, isThere) || to == selectedTrackID() || to == splitOriginal() || !target)
         return;
     const QString label = tracks().at(*target).label;
-    replaceJob(SessionTracks::movingCues(m_job, indices, to));
+    replaceJob(SessionTracks::movingCues(m_job, indices, to), u"移动字幕"_s);
     report(u"已移到“%1”"_s.arg(label));
 }
 
 // Cues
 
 template <class Change>
-std::optional<qsizetype> LintoraModel::editCues(const QList<qsizetype> &indices, qsizetype next, const Change &change)
+std::optional<qsizetype> LintoraModel::editCues(const QString &title, const QList<qsizetype> &indices, qsizetype next,
+                                                const Change &change)
 {
     // The list may have become shorter since somebody looked at it.
     const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
     if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || !std::ranges::all_of(indices, isThere))
         return std::nullopt;
     try {
-        replaceItems(change(items()));
+        replaceItems(change(items()), title);
     } catch (const ConversionError &error) {
         reportFailure(error.message());
         return std::nullopt;
@@ -192,12 +209,13 @@ std::optional<qsizetype> LintoraModel::editCues(const QList<qsizetype> &indices,
 
 std::optional<qsizetype> LintoraModel::setText(qsizetype index, const QString &text)
 {
-    return editCues({index}, index, [&](const auto &cues) { return CueEditing::settingText(cues, index, text); });
+    return editCues(u"修改文字"_s, {index}, index,
+                    [&](const auto &cues) { return CueEditing::settingText(cues, index, text); });
 }
 
 std::optional<qsizetype> LintoraModel::setTimes(qsizetype index, qint64 startMS, qint64 endMS)
 {
-    return editCues({index}, index,
+    return editCues(u"修改时间"_s, {index}, index,
                     [&](const auto &cues) { return CueEditing::settingTimes(cues, index, startMS, endMS); });
 }
 
@@ -205,30 +223,32 @@ std::optional<qsizetype> LintoraModel::insertCue(qsizetype after)
 {
     if (tracks().isEmpty() && !aiBusy()) {
         const QList<Subtitle> first = CueEditing::inserting({}, -1);
-        replaceJob(SessionTracks::importing(m_job, first, source()));
+        replaceJob(SessionTracks::importing(m_job, first, source()), u"插入字幕"_s);
         return 0;
     }
     const QList<qsizetype> neighbours = after < 0 ? QList<qsizetype>() : QList<qsizetype>{after};
-    return editCues(neighbours, std::max<qsizetype>(after, -1) + 1,
+    return editCues(u"插入字幕"_s, neighbours, std::max<qsizetype>(after, -1) + 1,
                     [&](const auto &cues) { return CueEditing::inserting(cues, std::max<qsizetype>(after, -1)); });
 }
 
 std::optional<qsizetype> LintoraModel::deleteCues(const QList<qsizetype> &indices)
 {
     const qsizetype first = indices.isEmpty() ? 0 : *std::min_element(indices.begin(), indices.end());
-    return editCues(indices, first, [&](const auto &cues) { return CueEditing::removing(cues, indices); });
+    return editCues(u"删除字幕"_s, indices, first,
+                    [&](const auto &cues) { return CueEditing::removing(cues, indices); });
 }
 
 std::optional<qsizetype> LintoraModel::splitCue(qsizetype index, qsizetype position)
 {
     if (index < 0 || index >= items().size() || position < 0 || position > items().at(index).text.size())
         return std::nullopt;
-    return editCues({index}, index + 1, [&](const auto &cues) { return CueEditing::splitting(cues, index, position); });
+    return editCues(u"拆分字幕"_s, {index}, index + 1,
+                    [&](const auto &cues) { return CueEditing::splitting(cues, index, position); });
 }
 
 std::optional<qsizetype> LintoraModel::joinWithNext(qsizetype index)
 {
-    return editCues({index}, index, [&](const auto &cues) { return CueEditing::joining(cues, index); });
+    return editCues(u"合并字幕"_s, {index}, index, [&](const auto &cues) { return CueEditing::joining(cues, index); });
 }
 
 // History

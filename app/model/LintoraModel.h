@@ -7,6 +7,7 @@
 #include "app/model/Preferences.h"
 #include "app/model/SessionKeeper.h"
 #include "core/text/ScriptAlignment.h"
+#include "store/RecentSessions.h"
 #include "store/StylePresetStore.h"
 
 #include <QMimeData>
@@ -71,13 +72,16 @@ public:
     // What is said
 
     const QString &message() const { return m_message; }
-    const std::optional<QString> &failure() const { return m_failure; } ///< Shown in the message's place.
+
+    /// Shown in the message's place: why an operation was refused, else why the job cannot be saved, as long as it
+    /// cannot.
+    const std::optional<QString> &failure() const { return m_failure ? m_failure : m_unsaved; }
 
     /// How far long work is; absent while there is none. cancelActivity() ends it, and leaves the job as it was.
     std::optional<Progress> activity() const;
     void cancelActivity();
 
-    void report(const QString &message); ///< Puts `message` up and takes the failure down.
+    void report(const QString &message); ///< Puts `message` up and takes the refusal down.
     void reportFailure(const QString &sentence);
 
     // Tracks
@@ -140,6 +144,11 @@ public:
     bool canRedo() const;
     void undo();
     void redo();
+    const QString &undoTitle() const { return m_history.undoTitle(); } ///< What undo() takes back; may be empty.
+    QString redoTitle() const { return m_history.redoTitle(); }        ///< What redo() does again; may be empty.
+
+    /// Whether there are cues to be seen, or ways in the job to have some back.
+    bool isInUse() const;
 
     // Titles' look
 
@@ -171,6 +180,10 @@ public:
     void chooseImport();
     void showFCPImport();
 
+    /// The jobs that were edited when another took their place, newest first.
+    const QList<RecentSessions::Entry> &recentSessions() const { return m_recentSessions; }
+    void openRecent(const QString &file); ///< Brings one of them back.
+
     /// The project that exports go into; absent until one is imported. Lasts for the run.
     const std::optional<FCPProject> &project() const { return m_project; }
     /// Rate, size, font size and name that match the timeline imported last; absent until one is imported.
@@ -182,6 +195,7 @@ public:
     // Export of the selected track
 
     void exportSRT();
+    void exportAllSRT();    ///< A file for each track, into a folder that is asked for. Files there stay as they are.
     void exportFCPXML();    ///< A document of its own.
     void exportToProject(); ///< Into the kept project; asks for one where there is none.
 
@@ -246,8 +260,16 @@ public:
     void saveDraft();
     void shutdownAI(); ///< Cancels every long operation, and waits for its end.
 
+    // End of the program
+
+    /// Saves what waits. Whether the program can end without losing work; otherwise `quitQuestion` is put up.
+    bool requestQuit();
+    const std::optional<QString> &quitQuestion() const { return m_quitQuestion; } ///< Why it cannot; until answered.
+    void answerQuit(bool quits);
+
 Q_SIGNALS:
-    void aboutToLoad(); ///< Another job is about to be brought in: the last moment to keep what is being typed.
+    void aboutToLoad(); ///< Another job is about to be brought in, or the program to end: the last moment to keep what
+                        ///< is being typed.
     void loaded(); ///< Another job was brought in: a file, an opened session. Comes before the fields' own signals.
     void itemsChanged();
     void sourceChanged();
@@ -265,6 +287,9 @@ Q_SIGNALS:
     void historyChanged();
     void fillerWordsChanged();
     void stylePresetsChanged();
+    void recentSessionsChanged();
+    void quitQuestionChanged();
+    void quitConfirmed(); ///< The program is to end, whatever is lost.
     void projectChanged();
     void projectSettingsChanged();
     void aiTimelinePlanChanged();
@@ -314,12 +339,14 @@ private:
     };
 
     // The job
-    void replaceJob(LintoraSession next, Step step = Step::record);
-    void replaceItems(const QList<Subtitle> &items);
+    void replaceJob(LintoraSession next, const QString &title, Step step = Step::record);
+    void replaceItems(const QList<Subtitle> &items, const QString &title);
+    void keepEdited();
     void tell(const LintoraSession &before, bool isLoaded);
     void emitChanges(const LintoraSession &before);
     template <class Change>
-    std::optional<qsizetype> editCues(const QList<qsizetype> &indices, qsizetype next, const Change &change);
+    std::optional<qsizetype> editCues(const QString &title, const QList<qsizetype> &indices, qsizetype next,
+                                      const Change &change);
     /// Sets a field and says so, unless it has that value already.
     template <class T, class Value>
     void publish(T &field, Value value, void (LintoraModel::*changed)())
@@ -366,6 +393,9 @@ private:
     void keepOverruled(const LintoraSession &session);
     bool isInSession() const;
     void reportUnsaved();
+    bool hasCues() const;
+    std::optional<QString> save();
+    void setUnsaved(const std::optional<QString> &why);
     void setPinned(bool pinned);
 
     FileDialogs m_dialogs;
@@ -373,7 +403,11 @@ private:
     StylePresetStore m_presetStore;
     SessionKeeper m_keeper;
 
-    LintoraSession m_job; ///< In the order of SessionTracks.
+    RecentSessions m_recent;
+    QList<RecentSessions::Entry> m_recentSessions;
+
+    LintoraSession m_job;                        ///< In the order of SessionTracks.
+    std::optional<LintoraSession> m_jobAsLoaded; ///< As it was brought in; absent: in an earlier run.
     EditHistory m_history;
     bool m_isGesture = false;
     bool m_gestureRecorded = false;
@@ -387,6 +421,8 @@ private:
         0; ///< Steps of the history up to the session's opening; the largest number: left for good.
     QString m_message;
     std::optional<QString> m_failure;
+    std::optional<QString> m_unsaved; ///< Why the newest job is not saved.
+    std::optional<QString> m_quitQuestion;
 
     QStringList m_fillerWords;
     QList<SubtitleStylePreset> m_stylePresets;
@@ -413,6 +449,7 @@ private:
     BackgroundTask m_presets{BackgroundTask::Order::oneAfterAnother};
     /// One language server at a time: the next one waits until a cancelled one has left the memory.
     BackgroundTask m_owner{BackgroundTask::Order::newestAfterTheOld};
+    BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother};
     const std::array<BackgroundTask *, 4> m_tasks = {&m_import, &m_export, &m_match,
                                                      &m_owner}; ///< Those that are shown.
 };

@@ -44,6 +44,20 @@ void LintoraModel::exportSRT()
                    });
 }
 
+void LintoraModel::exportAllSRT()
+{
+    m_dialogs.folder(u"导出全部 SRT"_s, [this, tracks = tracks()](const QString &folder) {
+        const QString name = source().isEmpty() ? options().name : QFileInfo(source()).completeBaseName();
+        m_export.run(
+            u"正在导出 SRT…"_s,
+            [folder, name, tracks](Job &job, const ProgressReport & /*report*/) {
+                return Written(u"已导出 %1 个 SRT 文件"_s.arg(Exports::writeAllSRT(folder, name, tracks, job)));
+            },
+            [this](const Written &message) { report(message); },
+            [this](const QString &sentence) { reportFailure(sentence); });
+    });
+}
+
 void LintoraModel::exportFCPXML()
 {
     exportTitles(std::nullopt);

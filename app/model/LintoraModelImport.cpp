@@ -89,6 +89,21 @@ bool LintoraModel::receive(const QMimeData &pasteboard)
     return true;
 }
 
+void LintoraModel::openRecent(const QString &file)
+{
+    if (refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
+        return;
+    m_import.run(
+        u"正在打开字幕…"_s,
+        [file](Job & /*job*/, const ProgressReport & /*report*/) { return LintoraSession::read(file); },
+        [this](const LintoraSession &session) {
+            apply(session);
+            if (!aiBusy())
+                report(u"已载入"_s);
+        },
+        [this](const QString &sentence) { reportFailure(sentence); });
+}
+
 void LintoraModel::choose()
 {
     m_dialogs.open({.title = u"打开 SRT"_s, .extensions = {u"srt"_s}},
@@ -133,7 +148,7 @@ void LintoraModel::takeImported(const Imports::Imported &imported)
 
 void LintoraModel::takeCues(const Imports::ImportedCues &imported)
 {
-    replaceJob(SessionTracks::importing(m_job, imported.cues, imported.source), Step::load);
+    replaceJob(SessionTracks::importing(m_job, imported.cues, imported.source), u"载入字幕"_s, Step::load);
     report(u"已载入"_s);
 }
 
@@ -148,7 +163,7 @@ void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
         next.options = Imports::matching(next.options, *timeline.settings);
         for (SubtitleTrack &track : *next.tracks)
             track.options = Imports::matching(track.options, *timeline.settings);
-        replaceJob(std::move(next));
+        replaceJob(std::move(next), u"匹配项目"_s);
     }
     publish(m_timelinePlan, timeline.plan, &LintoraModel::aiTimelinePlanChanged);
     if (timeline.plan)

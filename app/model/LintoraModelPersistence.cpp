@@ -1,11 +1,13 @@
 // Draft and session.
 
+#include "app/model/Exports.h"
 #include "app/model/LintoraModel.h"
 #include "app/model/SessionTracks.h"
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
 #include "store/LaunchLink.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -53,7 +55,7 @@ void LintoraModel::takeSession(const LintoraSession &session)
     m_keeper.adopt(job);
     const bool isOpening = std::exchange(m_isOpening, false);
     const bool wasInSession = isInSession();
-    replaceJob(job, isOpening ? Step::load : Step::record);
+    replaceJob(job, u"悬浮字幕更新"_s, isOpening ? Step::load : Step::record);
     if (isOpening || !wasInSession)
         m_sessionBegins = m_history.pastCount();
     if (isOpening)
@@ -77,7 +79,7 @@ void LintoraModel::takeHeldSession()
 /// A version of the extension's whose place our own change has taken can be had back by undoing once.
 void LintoraModel::keepOverruled(const LintoraSession &session)
 {
-    m_history.insertBefore(SessionTracks::normalized(session));
+    m_history.insertBefore(SessionTracks::normalized(session), u"悬浮字幕更新"_s);
     Q_EMIT historyChanged();
 }
 
@@ -110,16 +112,25 @@ void LintoraModel::persistSession()
 
 void LintoraModel::saveDraft()
 {
+    save();
+}
+
+/// Saves before it returns. Why that failed, if it did: the draft's reason before the session's.
+std::optional<QString> LintoraModel::save()
+{
     persistSession();
-    const auto attempt = [this](auto save, const QString &prefix) {
+    std::optional<QString> why;
+    const auto attempt = [this, &why](auto flush, const QString &prefix) {
         try {
-            (m_keeper.*save)();
+            (m_keeper.*flush)();
         } catch (const std::exception &error) {
-            report(prefix + QString::fromUtf8(error.what()));
+            why = prefix + QString::fromUtf8(error.what());
         }
     };
-    attempt(&SessionKeeper::flushDraft, draftPrefix);
     attempt(&SessionKeeper::flushSession, sessionPrefix);
+    attempt(&SessionKeeper::flushDraft, draftPrefix);
+    setUnsaved(why);
+    return why;
 }
 
 void LintoraModel::shutdownAI()
@@ -129,13 +140,67 @@ void LintoraModel::shutdownAI()
     m_match.finish();
     m_presets.wait();
     m_export.wait();
+    m_keeping.wait();
 }
 
 /// Says so as long as something cannot be saved, whatever was said since: it is worth more than any other message.
 void LintoraModel::reportUnsaved()
 {
     if (m_keeper.draftFailure())
-        report(draftPrefix + *m_keeper.draftFailure());
+        setUnsaved(draftPrefix + *m_keeper.draftFailure());
     else if (m_keeper.sessionFailure())
-        report(sessionPrefix + *m_keeper.sessionFailure());
+        setUnsaved(sessionPrefix + *m_keeper.sessionFailure());
+    else
+        setUnsaved(std::nullopt);
+}
+
+void LintoraModel::setUnsaved(const std::optional<QString> &why)
+{
+    if (why)
+        publish(m_message, *why, &LintoraModel::messageChanged);
+    else if (m_message == m_unsaved)
+        publish(m_message, QString(), &LintoraModel::messageChanged);
+    publish(m_unsaved, why, &LintoraModel::failureChanged);
+    if (!why) // Then the question has answered itself.
+        publish(m_quitQuestion, std::optional<QString>(), &LintoraModel::quitQuestionChanged);
+}
+
+bool LintoraModel::hasCues() const
+{
+    return std::ranges::any_of(tracks(), [](const SubtitleTrack &each) { return !each.items.isEmpty(); });
+}
+
+bool LintoraModel::requestQuit()
+{
+    Q_EMIT aboutToLoad();
+    const std::optional<QString> why = save();
+    if (!why || !hasCues())
+        return true;
+    publish(m_quitQuestion, why, &LintoraModel::quitQuestionChanged);
+    return false;
+}
+
+void LintoraModel::answerQuit(bool quits)
+{
+    publish(m_quitQuestion, std::optional<QString>(), &LintoraModel::quitQuestionChanged);
+    if (quits)
+        Q_EMIT quitConfirmed();
+}
+
+/// Work that another job is about to take the place of can be had back after the end of the program too.
+void LintoraModel::keepEdited()
+{
+    if (!hasCues() || (m_jobAsLoaded && m_jobAsLoaded->tracks == m_job.tracks))
+        return;
+    const QString title = Exports::fileName(source().isEmpty() ? options().name : source());
+    m_keeping.run(
+        u"正在保留之前的字幕…"_s,
+        [recent = m_recent, job = m_job, title](Job & /*job*/, const ProgressReport & /*report*/) {
+            recent.keep(job, title);
+            return recent.list();
+        },
+        [this](const QList<RecentSessions::Entry> &entries) {
+            publish(m_recentSessions, entries, &LintoraModel::recentSessionsChanged);
+        },
+        [this](const QString &sentence) { reportFailure(u"无法保留之前的字幕："_s + sentence); });
 }

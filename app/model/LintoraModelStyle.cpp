@@ -41,7 +41,7 @@ void LintoraModel::setOptions(const Options &options)
         return;
     LintoraSession next = m_job;
     next.options = options;
-    replaceJob(SessionTracks::committed(std::move(next)), Step::gesture);
+    replaceJob(SessionTracks::committed(std::move(next)), u"修改样式"_s, Step::gesture);
 }
 
 void LintoraModel::setCanvasHeight(qint64 pixels)

@@ -30,7 +30,7 @@ void LintoraModel::setRemoveFillers(bool on)
         return;
     LintoraSession next = m_job;
     next.removeFillers = on;
-    replaceJob(SessionTracks::committed(std::move(next)));
+    replaceJob(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
 }
 
 void LintoraModel::setRemovePunctuation(bool on)
@@ -39,7 +39,7 @@ void LintoraModel::setRemovePunctuation(bool on)
         return;
     LintoraSession next = m_job;
     next.removePunctuation = on;
-    replaceJob(SessionTracks::committed(std::move(next)));
+    replaceJob(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
 }
 
 void LintoraModel::clean()
@@ -60,7 +60,7 @@ void LintoraModel::clean()
     next.previousItems = items();
     next.items = result;
     next.cleaned = true;
-    replaceJob(SessionTracks::committed(std::move(next)));
+    replaceJob(SessionTracks::committed(std::move(next)), u"清理"_s);
     report(u"已清理"_s);
 }
 
@@ -71,7 +71,7 @@ void LintoraModel::undoCleanup()
     LintoraSession next = m_job;
     next.items = *std::exchange(next.previousItems, std::nullopt);
     next.cleaned = false;
-    replaceJob(SessionTracks::committed(std::move(next)));
+    replaceJob(SessionTracks::committed(std::move(next)), u"恢复到清理前"_s);
     report(u"已撤销"_s);
 }
 
@@ -87,7 +87,7 @@ std::optional<qint64> LintoraModel::replaceKeywords(const QString &query, const 
         }
         // Known before anybody hears of the change, and asks whether it can be undone.
         m_replacement = Restore{.track = *selectedTrackID(), .before = items(), .after = outcome.items};
-        replaceItems(outcome.items);
+        replaceItems(outcome.items, u"替换"_s);
         report(u"已替换 %1 处 · %2 条字幕，可撤销修改"_s.arg(outcome.occurrences).arg(outcome.changedCues));
         return outcome.occurrences;
     } catch (const ConversionError &error) {
@@ -111,7 +111,7 @@ void LintoraModel::restore(std::optional<Restore> &restore, const QString &messa
         return;
     LintoraSession next = SessionTracks::selecting(m_job, restore->track);
     next.items = restore->before;
-    replaceJob(SessionTracks::committed(std::move(next)));
+    replaceJob(SessionTracks::committed(std::move(next)), u"恢复文字"_s);
     report(message);
 }
 
@@ -141,7 +141,7 @@ void LintoraModel::separateLanguages()
         reportFailure(LanguageSeparation::nothingToSeparate());
         return;
     }
-    replaceJob(SessionTracks::separated(m_job, groups));
+    replaceJob(SessionTracks::separated(m_job, groups), u"分离中英"_s);
     const bool leftSome = groups.last().group == LanguageSeparation::Group::unassigned;
     report(leftSome ? u"已分离，未识别文字保留在“待归类”中"_s : u"已分离，中文和 English 可独立编辑、拖入 FCP"_s);
 }
@@ -150,6 +150,6 @@ void LintoraModel::restoreOriginal()
 {
     if (!splitOriginal() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    replaceJob(SessionTracks::restored(m_job));
+    replaceJob(SessionTracks::restored(m_job), u"恢复原稿"_s);
     report(u"已恢复分离前原稿"_s);
 }

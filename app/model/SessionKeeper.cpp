@@ -7,7 +7,7 @@ SessionKeeper::SessionKeeper(const QString &draftURL, QObject *parent)
 {
     connect(&m_draft, &DraftFile::failed, this,
             [this](const QString &description) { note(m_draftFailure, description); });
-    connect(&m_draft, &DraftFile::recovered, this, [this] { m_draftFailure.reset(); });
+    connect(&m_draft, &DraftFile::recovered, this, [this] { note(m_draftFailure, std::nullopt); });
 }
 
 SessionKeeper::~SessionKeeper() = default;
@@ -25,7 +25,7 @@ std::optional<LintoraSession> SessionKeeper::loadDraft()
 void SessionKeeper::watchSession(const QString &file)
 {
     m_hasArrived = false;
-    m_sessionFailure.reset();
+    note(m_sessionFailure, std::nullopt);
     m_session = std::make_unique<SessionFile>(file);
     connect(m_session.get(), &SessionFile::arrived, this, [this](const LintoraSession &session) {
         m_hasArrived = true;
@@ -34,7 +34,7 @@ void SessionKeeper::watchSession(const QString &file)
     connect(m_session.get(), &SessionFile::overruled, this, &SessionKeeper::overruled);
     connect(m_session.get(), &SessionFile::failed, this,
             [this](const QString &description) { note(m_sessionFailure, description); });
-    connect(m_session.get(), &SessionFile::recovered, this, [this] { m_sessionFailure.reset(); });
+    connect(m_session.get(), &SessionFile::recovered, this, [this] { note(m_sessionFailure, std::nullopt); });
 }
 
 void SessionKeeper::announceChange()
@@ -49,10 +49,10 @@ void SessionKeeper::retractChange()
         m_session->retractChange();
 }
 
-void SessionKeeper::note(std::optional<QString> &failure, const QString &description)
+void SessionKeeper::note(std::optional<QString> &failure, const std::optional<QString> &description)
 {
     failure = description;
-    Q_EMIT failed();
+    Q_EMIT failureChanged();
 }
 
 void SessionKeeper::saveDraft(const LintoraSession &job)

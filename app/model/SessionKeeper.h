@@ -40,10 +40,10 @@ public:
 Q_SIGNALS:
     void arrived(const LintoraSession &session);   ///< The extension has put this version in place.
     void overruled(const LintoraSession &session); ///< Our change has taken the place of this version, unseen.
-    void failed();                                 ///< Draft or session could not be saved, for a reason that is news.
+    void failureChanged(); ///< Draft or session could not be saved, for a reason that is news, or can be again.
 
 private:
-    void note(std::optional<QString> &failure, const QString &description);
+    void note(std::optional<QString> &failure, const std::optional<QString> &description);
 
     QString m_draftURL;
     std::optional<QString> m_draftFailure;

@@ -77,6 +77,20 @@ QWidget *responder(QWidget *control, const char *slot)
 
 } // namespace
 
+/// What undoing or redoing would do now.
+struct EditMenu::Step
+{
+    enum class Of
+    {
+        nothing,
+        text,
+        owner,
+        job
+    };
+    Of of = Of::nothing;
+    QString title = {};
+};
+
 EditMenu::EditMenu(LintoraModel &model, QWidget *parent)
     : QMenu(u"编辑"_s, parent)
     , m_model(model)
@@ -112,6 +126,13 @@ void EditMenu::follow(QWidget *focus)
         return;
     m_target = focus;
     m_watch = std::make_unique<QObject>();
+    if (m_owner)
+        disconnect(m_owner, nullptr, this, nullptr);
+    m_owner = responder(focus, "undo");
+    if (m_owner && m_owner->metaObject()->indexOfProperty("undoTitle") < 0)
+        m_owner = nullptr;
+    if (m_owner)
+        connect(m_owner, SIGNAL(undoChanged()), this, SLOT(followHistory()));
     QWidget *const field = textField(focus);
     const auto changed = [this] { update(); };
     if (const auto *const line = qobject_cast<QLineEdit *>(field)) {
@@ -128,12 +149,38 @@ void EditMenu::follow(QWidget *focus)
     update();
 }
 
+void EditMenu::followHistory()
+{
+    update();
+}
+
+EditMenu::Step EditMenu::nextStep(bool undoes) const
+{
+    if (const auto text = textOf(textField(m_target)); text && text->editable) {
+        const bool isPossible = undoes ? text->canUndo : text->canRedo;
+        return isPossible ? Step{.of = Step::Of::text, .title = u"键入"_s} : Step();
+    }
+    if (m_owner) {
+        const QString title = m_owner->property(undoes ? "undoTitle" : "redoTitle").toString();
+        if (!title.isEmpty())
+            return {.of = Step::Of::owner, .title = title};
+        if (!m_owner->property("editsJob").toBool())
+            return {};
+    }
+    const bool isPossible = undoes ? m_model.canUndo() : m_model.canRedo();
+    return isPossible ? Step{.of = Step::Of::job, .title = undoes ? m_model.undoTitle() : m_model.redoTitle()} : Step();
+}
+
 void EditMenu::update()
 {
     const std::optional<Text> text = textOf(textField(m_target));
-    const bool isEdited = text && text->editable;
-    m_undo->setEnabled(isEdited ? text->canUndo : m_model.canUndo());
-    m_redo->setEnabled(isEdited ? text->canRedo : m_model.canRedo());
+    const auto show = [this](QAction *action, const QString &word, bool undoes) {
+        const Step step = nextStep(undoes);
+        action->setEnabled(step.of != Step::Of::nothing);
+        action->setText(word + step.title);
+    };
+    show(m_undo, u"撤销"_s, true);
+    show(m_redo, u"重做"_s, false);
     m_cut->setEnabled(text ? text->editable && text->hasSelection : responder(m_target, "cut") != nullptr);
     m_copy->setEnabled(text ? text->hasSelection : responder(m_target, "copy") != nullptr);
     // Whether there is anything to paste is not asked: the answer may take the time of another program.
@@ -146,14 +193,16 @@ void EditMenu::perform(const char *slot)
     QWidget *const field = textField(m_target);
     const std::optional<Text> text = textOf(field);
     const QByteArrayView name(slot);
-    const bool isHistory = name == "undo" || name == "redo";
-    if (isHistory && !(text && text->editable)) {
-        if (name == "undo")
-            m_model.undo();
-        else
-            m_model.redo();
-    } else if (QWidget *const target = text ? field : responder(m_target, slot)) {
+    const bool undoes = name == "undo";
+    const bool isHistory = undoes || name == "redo";
+    const Step step = isHistory ? nextStep(undoes) : Step();
+    if (step.of == Step::Of::job && undoes)
+        m_model.undo();
+    else if (step.of == Step::Of::job)
+        m_model.redo();
+    else if (step.of == Step::Of::owner)
+        QMetaObject::invokeMethod(m_owner, slot);
+    else if (QWidget *const target = text ? field : responder(m_target, slot); target && (text || !isHistory))
         QMetaObject::invokeMethod(target, slot);
-    }
     update();
 }

@@ -8,6 +8,11 @@
 /// The menu of editing. Its entries act on what has the focus: on the text of a field that is being edited, else on the
 /// history of the job, and on what the focused control offers as slots: cut(), copy(), paste(), selectAll().
 ///
+/// Before the history of the job comes what lies nearer to the focus and has one of its own: the slots undo() and
+/// redo(), the properties `undoTitle` and `redoTitle`, which say what they do and are empty while they do nothing, and
+/// the signal undoChanged(). Its property `editsJob` tells whether the job's history can be reached from there at all.
+/// The entries name what they take back.
+///
 /// An entry is enabled exactly while it would do something; pasting, while there is something to paste into.
 class EditMenu : public QMenu
 {
@@ -18,13 +23,20 @@ public:
     explicit EditMenu(LintoraModel &model, QWidget *parent = nullptr);
     ~EditMenu() override;
 
+private Q_SLOTS:
+    void followHistory();
+
 private:
+    struct Step;
+
+    Step nextStep(bool undoes) const;
     QAction *add(const QString &title, const QKeySequence &key, const char *slot);
     void follow(QWidget *focus);
     void update();
     void perform(const char *slot);
 
     LintoraModel &m_model;
+    QPointer<QWidget> m_owner;        ///< What lies nearest to the target and has a history of its own.
     QPointer<QWidget> m_target;       ///< What has, or outside menus had last, the focus.
     std::unique_ptr<QObject> m_watch; ///< Holds the connections to the target.
     QAction *m_undo = nullptr;

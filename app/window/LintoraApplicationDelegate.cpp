@@ -51,6 +51,10 @@ void LintoraApplicationDelegate::applicationDidFinishLaunching()
         if (delegate)
             delegate->raisePinnedWindow();
     };
+    connect(m_model.get(), &LintoraModel::quitConfirmed, this, [this] {
+        m_mayEnd = true;
+        QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
+    });
     connect(m_model.get(), &LintoraModel::pinnedChanged, this, &LintoraApplicationDelegate::applyPinned);
     showWindow();
 }
@@ -115,6 +119,11 @@ void LintoraApplicationDelegate::applicationDidResignActive()
 
 bool LintoraApplicationDelegate::eventFilter(QObject *watched, QEvent *event)
 {
+    if (isEnd(watched, *event) && !m_mayEnd && !m_model->requestQuit()) {
+        event->ignore();
+        showWindow();
+        return true;
+    }
     if (event->type() != QEvent::FileOpen)
         return QObject::eventFilter(watched, event);
     const auto &request = static_cast<const QFileOpenEvent &>(*event);
@@ -125,6 +134,12 @@ bool LintoraApplicationDelegate::eventFilter(QObject *watched, QEvent *event)
     return true;
 }
 
+bool LintoraApplicationDelegate::isEnd(const QObject *watched, const QEvent &event) const
+{
+    const bool closes = event.type() == QEvent::Close && m_window && watched == m_window.get();
+    return (event.type() == QEvent::Quit && watched == qApp) || (closes && !Platform::programOutlivesWindow());
+}
+
 void LintoraApplicationDelegate::buildMenus()
 {
     m_menuBar = new QMenuBar;
@@ -132,6 +147,10 @@ void LintoraApplicationDelegate::buildMenus()
     QMenu *const application = m_menuBar->addMenu(u"VELMORA 字幕助手"_s);
     addCommand(*application, u"打开 SRT…"_s, &LintoraApplicationDelegate::openSRT, Qt::CTRL | Qt::Key_O);
     addCommand(*application, u"从 FCP 导入…"_s, &LintoraApplicationDelegate::openFCP);
+    QMenu *const recent = application->addMenu(u"最近的字幕"_s);
+    recent->menuAction()->setMenuRole(QAction::ApplicationSpecificRole);
+    connect(m_model.get(), &LintoraModel::recentSessionsChanged, recent, [this, recent] { followRecent(*recent); });
+    followRecent(*recent);
     addCommand(*application, u"文稿匹配…"_s, &LintoraApplicationDelegate::openScriptMatch);
     addCommand(*application, u"字幕样式…"_s, &LintoraApplicationDelegate::openStyle, Qt::CTRL | Qt::Key_Comma);
     addCommand(*application, u"清理设置…"_s, &LintoraApplicationDelegate::openCleanup);
@@ -150,6 +169,19 @@ void LintoraApplicationDelegate::buildMenus()
     const auto enableFind = [this, find] { find->setEnabled(!m_model->aiBusy()); };
     connect(m_model.get(), &LintoraModel::aiBusyChanged, find, enableFind);
     enableFind();
+}
+
+void LintoraApplicationDelegate::followRecent(QMenu &menu)
+{
+    menu.clear();
+    for (const RecentSessions::Entry &entry : m_model->recentSessions()) {
+        QString title = u"%1   %2"_s.arg(entry.title, entry.kept.toString(u"M月d日 HH:mm"_s));
+        menu.addAction(title.replace(u'&', u"&&"_s), this, [this, file = entry.file] {
+            showWindow();
+            m_model->openRecent(file);
+        });
+    }
+    menu.setEnabled(!menu.isEmpty());
 }
 
 QAction *LintoraApplicationDelegate::addCommand(QMenu &menu, const QString &title,

@@ -52,10 +52,13 @@ public:
     void openCleanup();
     void openFindReplace(); ///< Does nothing while a job owns the cues.
 
+    /// Holds back the end of the program while it would lose work, and asks.
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    bool isEnd(const QObject *watched, const QEvent &event) const;
     void buildMenus();
+    void followRecent(QMenu &menu);
     QAction *addCommand(QMenu &menu, const QString &title, void (LintoraApplicationDelegate::*command)(),
                         const QKeySequence &key = {});
     void applyPinned();
@@ -70,4 +73,5 @@ private:
     QPointer<QMenuBar> m_menuBar; ///< The window's, where menus end with it.
     std::unique_ptr<FloatingWindow> m_window;
     bool m_isActive = false;
+    bool m_mayEnd = false; ///< Whether the person has said so, whatever is lost.
 };

@@ -38,7 +38,10 @@ void present(const std::shared_ptr<Shared> &shared, QFileDialog &dialog, const F
     dialog.setAttribute(Qt::WA_DeleteOnClose);
     dialog.setDirectory(shared->folder);
     QObject::connect(&dialog, &QFileDialog::fileSelected, &dialog, [shared, chosen](const QString &path) {
-        shared->folder = QFileInfo(path).absolutePath();
+        const QFileInfo file(path);
+        shared->folder = file.isDir() ? file.absoluteFilePath() : file.absolutePath();
+        // It is answered, though it goes only later: what is chosen may lead to the next question.
+        shared->open = nullptr;
         chosen(path);
     });
     dialog.open();
@@ -76,6 +79,14 @@ FileDialogs systemFileDialogs(std::function<QWidget *()> window)
         dialog->setNameFilter(nameFilter({request.extension}));
         dialog->setDefaultSuffix(request.extension);
         dialog->selectFile(request.suggestion);
+        present(shared, *dialog, chosen);
+    };
+    dialogs.folder = [shared](const QString &title, const FileDialogs::Chosen &chosen) {
+        if (isAsking(*shared))
+            return;
+        auto *const dialog = new QFileDialog(shared->window(), title);
+        dialog->setFileMode(QFileDialog::Directory);
+        dialog->setOption(QFileDialog::ShowDirsOnly);
         present(shared, *dialog, chosen);
     };
     return dialogs;

@@ -19,6 +19,10 @@ public:
             if (!answer.isEmpty())
                 chosen(answer);
         };
+        dialogs.folder = [this](const QString &, const FileDialogs::Chosen &chosen) {
+            if (!answer.isEmpty())
+                chosen(answer);
+        };
         dialogs.save = [](const FileDialogs::Saving &, const FileDialogs::Chosen &) {};
         return {.draftURL = path(QStringLiteral("Draft.json")),
                 .stylePresetsURL = path(QStringLiteral("StylePresets.json")),

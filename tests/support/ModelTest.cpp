@@ -32,7 +32,8 @@ std::unique_ptr<LintoraModel> ModelTest::start()
     return std::make_unique<LintoraModel>(LintoraModel::Surroundings{
         .settings = std::make_shared<QSettings>(home(u"settings.ini"_s), QSettings::IniFormat),
         .dialogs = {.open = [reply](const auto &request, const auto &chosen) { reply(request.title, chosen); },
-                    .save = [reply](const auto &request, const auto &chosen) { reply(request.suggestion, chosen); }}});
+                    .save = [reply](const auto &request, const auto &chosen) { reply(request.suggestion, chosen); },
+                    .folder = reply}});
 }
 
 LintoraModel &ModelTest::restart()

@@ -12,6 +12,9 @@ class QVBoxLayout;
 class Sheet : public QWidget
 {
     Q_OBJECT
+    Q_PROPERTY(QString undoTitle READ undoTitle NOTIFY undoChanged)
+    Q_PROPERTY(QString redoTitle READ redoTitle NOTIFY undoChanged)
+    Q_PROPERTY(bool editsJob READ editsJob CONSTANT)
 
 public:
     enum class Extent
@@ -33,8 +36,20 @@ public:
     void dismiss();                      ///< Closes without asking anybody.
     void returnTo(QWidget *focus);       ///< What the keyboard goes to when the sheet closes.
 
+    // What the edit menu does while the keyboard is here. What is the sheet's own comes before the job's history, which
+    // is out of reach behind a sheet that does not edit the job.
+
+    virtual QString undoTitle() const { return {}; } ///< What undo() takes back; empty while there is nothing.
+    virtual QString redoTitle() const { return {}; }
+    virtual bool editsJob() const { return false; }
+
+public Q_SLOTS:
+    virtual void undo() {}
+    virtual void redo() {}
+
 Q_SIGNALS:
     void closeRequested(); ///< Who opened the sheet dismisses it.
+    void undoChanged();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

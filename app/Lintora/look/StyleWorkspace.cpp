@@ -70,9 +70,27 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
     connect(&m_catalogue, &FontCatalogue::indexNotSaved, &model,
             [&model](const QString &reason) { model.report(u"字体名称未能存下，下次需重新读取：%1"_s.arg(reason)); });
     connect(&model, &LintoraModel::itemsChanged, this, &StyleWorkspace::showTitle);
+    const auto follow = [this](bool isRemoved) {
+        m_removedPresetLast = isRemoved;
+        Q_EMIT undoChanged();
+    };
+    connect(&model, &LintoraModel::stylePresetsChanged, this,
+            [&model, follow] { follow(model.canRestoreStylePreset()); });
+    connect(&model, &LintoraModel::historyChanged, this, [follow] { follow(false); });
 }
 
 StyleWorkspace::~StyleWorkspace() = default;
+
+/// A removed preset is in no history of the job.
+QString StyleWorkspace::undoTitle() const
+{
+    return m_removedPresetLast ? u"删除预设"_s : QString();
+}
+
+void StyleWorkspace::undo()
+{
+    m_model.restoreStylePreset();
+}
 
 QWidget *StyleWorkspace::makeControls()
 {

@@ -40,6 +40,8 @@ CleanupWorkspace::CleanupWorkspace(LintoraModel &model, QWidget *content)
     connect(defaults, &QPushButton::clicked, this, &CleanupWorkspace::restoreDefaults);
     connect(saving, &QPushButton::clicked, this, &CleanupWorkspace::save);
     connect(m_text, &QPlainTextEdit::textChanged, this, [this] { setNote({}, false); });
+    connect(m_text, &QPlainTextEdit::undoAvailable, this, &Sheet::undoChanged);
+    connect(m_text, &QPlainTextEdit::redoAvailable, this, &Sheet::undoChanged);
 }
 
 void CleanupWorkspace::present()
@@ -53,6 +55,26 @@ void CleanupWorkspace::present()
     m_kept = kept;
     setNote({}, false);
     open(m_text);
+}
+
+QString CleanupWorkspace::undoTitle() const
+{
+    return m_text->document()->isUndoAvailable() ? u"修改词表"_s : QString();
+}
+
+QString CleanupWorkspace::redoTitle() const
+{
+    return m_text->document()->isRedoAvailable() ? u"修改词表"_s : QString();
+}
+
+void CleanupWorkspace::undo()
+{
+    m_text->undo();
+}
+
+void CleanupWorkspace::redo()
+{
+    m_text->redo();
 }
 
 void CleanupWorkspace::restoreDefaults()

@@ -17,6 +17,11 @@ public:
 
     void present(); ///< Opens with the list that is kept.
 
+    QString undoTitle() const override;
+    QString redoTitle() const override;
+    void undo() override;
+    void redo() override;
+
 private:
     void restoreDefaults();
     void save();

@@ -119,3 +119,19 @@ TEST_F(ExportTest, a_dragged_card_carries_its_own_track)
     EXPECT_EQ(model->payload(english.id), SubtitleTransfer::clip(english.items, english.options));
     EXPECT_EQ(model->payload(std::nullopt), SubtitleTransfer::clip(model->items(), model->options()));
 }
+
+TEST_F(ExportTest, every_track_is_written_into_a_folder_beside_what_is_there)
+{
+    loadCues({{.id = 1, .start = 0, .end = 900, .text = u"你好\nHello"_s}}, u"访谈.srt"_s);
+    model->separateLanguages();
+    answer = home(u"全部"_s);
+    ASSERT_TRUE(QDir().mkpath(answer));
+    write(u"全部/访谈_中文.srt"_s, "mine");
+    model->exportAllSRT();
+    settle();
+    EXPECT_EQ(QDir(answer).entryList(QDir::Files, QDir::Name),
+              QStringList({u"访谈_English.srt"_s, u"访谈_中文 2.srt"_s, u"访谈_中文.srt"_s, u"访谈_原稿.srt"_s}));
+    EXPECT_EQ(read(home(u"全部/访谈_中文.srt"_s)), "mine");
+    EXPECT_EQ(SRT::decode(read(home(u"全部/访谈_原稿.srt"_s))).first().text, u"你好\nHello"_s);
+    EXPECT_EQ(model->message(), u"已导出 3 个 SRT 文件"_s);
+}

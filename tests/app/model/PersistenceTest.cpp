@@ -102,14 +102,104 @@ TEST_F(PersistenceTest, an_oversize_draft_is_refused_and_the_last_one_stays)
     model->reportFailure(u"别的"_s);
     Events::handle();
     EXPECT_EQ(model->message(), u"无法保存字幕草稿：字幕草稿过大，请导出 SRT 后分批处理"_s);
-    EXPECT_EQ(failure(), QString());
+    EXPECT_EQ(failure(), u"别的"_s) << "a refusal is seen, and after it what lasts";
+    model->report(u"好"_s);
+    EXPECT_EQ(failure(), u"无法保存字幕草稿：字幕草稿过大，请导出 SRT 后分批处理"_s);
     model->setText(0, u"短"_s);
-    model->saveDraft();
-    Events::handle();
-    model->report({});
-    model->setText(1, u"y"_s);
-    Events::handle();
+    EXPECT_TRUE(Events::waitFor([&] { return failure().isEmpty(); })) << "without anything else being done";
     EXPECT_EQ(model->message(), QString());
+}
+
+TEST_F(PersistenceTest, work_that_cannot_be_saved_is_not_lost_without_a_question)
+{
+    EXPECT_TRUE(model->requestQuit()) << "nothing is there to be lost";
+    loadCues(Generator(1).cues(3));
+    EXPECT_TRUE(model->requestQuit());
+    const QString folder = QFileInfo(model->draftURL()).path();
+    ASSERT_TRUE(QDir().rename(folder, folder + u"-aside"_s));
+    ASSERT_TRUE(QFile(write(u"in-the-way"_s, "x")).rename(folder));
+    model->setText(0, u"新"_s);
+    bool ends = false;
+    QObject::connect(model.get(), &LintoraModel::quitConfirmed, model.get(), [&] { ends = true; });
+    EXPECT_FALSE(model->requestQuit());
+    EXPECT_TRUE(model->quitQuestion() && model->quitQuestion()->startsWith(u"无法保存字幕草稿："_s));
+    EXPECT_EQ(model->quitQuestion(), failure());
+    model->answerQuit(false);
+    EXPECT_FALSE(model->quitQuestion() || ends);
+    EXPECT_FALSE(model->requestQuit());
+    model->answerQuit(true);
+    EXPECT_TRUE(ends);
+    EXPECT_FALSE(model->requestQuit());
+    ASSERT_TRUE(QFile::remove(folder));
+    EXPECT_TRUE(model->requestQuit());
+    EXPECT_EQ(model->quitQuestion(), std::nullopt);
+    EXPECT_EQ(failure(), QString());
+}
+
+TEST_F(PersistenceTest, an_edited_job_can_be_had_back_after_an_import_and_a_restart)
+{
+    const auto titles = [&] {
+        QStringList result;
+        for (const RecentSessions::Entry &entry : model->recentSessions())
+            result += entry.title;
+        return result;
+    };
+    loadCues(Generator(1).cues(3), u"甲.srt"_s);
+    loadCues(Generator(2).cues(3), u"乙.srt"_s);
+    settle();
+    EXPECT_EQ(titles(), QStringList()) << "a file that nobody edited is its own copy";
+    model->setText(0, u"改过"_s);
+    const LintoraSession edited = model->snapshot();
+    loadCues(Generator(3).cues(2), u"丙.srt"_s);
+    restart();
+    ASSERT_EQ(titles(), QStringList{u"乙.srt"_s});
+    model->openRecent(model->recentSessions().first().file);
+    ASSERT_TRUE(waitForSource(u"乙.srt"_s));
+    EXPECT_EQ(model->snapshot(), edited);
+    restart();
+    EXPECT_EQ(titles(), QStringList({u"丙.srt"_s, u"乙.srt"_s})) << "from an earlier run: perhaps edited";
+    for (int i = 0; i < 12; ++i) {
+        model->setText(0, QString::number(i));
+        loadCues(Generator(4).cues(2), u"%1.srt"_s.arg(i));
+    }
+    EXPECT_TRUE(Events::waitFor([&] { return titles().first() == u"10.srt"_s; }));
+    EXPECT_EQ(titles().size(), 10);
+}
+
+TEST_F(PersistenceTest, what_can_be_restored_keeps_the_job_in_use)
+{
+    EXPECT_FALSE(model->isInUse());
+    loadCues({{.id = 1, .start = 0, .end = 900, .text = u"嗯"_s}});
+    model->setRemoveFillers(true);
+    model->clean();
+    ASSERT_TRUE(model->items().isEmpty());
+    EXPECT_TRUE(model->isInUse());
+    restart();
+    EXPECT_TRUE(model->isInUse());
+    model->undoCleanup();
+    EXPECT_EQ(texts(), QStringList{u"嗯"_s});
+    model->deleteCues({0});
+    EXPECT_TRUE(model->isInUse()) << "undoing brings it back";
+    restart();
+    EXPECT_FALSE(model->isInUse()) << "nothing does any more";
+}
+
+TEST_F(PersistenceTest, nothing_goes_into_a_session_before_its_version_has_arrived)
+{
+    const LintoraSession theirs = Sessions::uniform(u"扩展"_s);
+    const QString path = putSession(theirs);
+    SessionKeeper keeper(home(u"Draft.json"_s));
+    keeper.watchSession(path);
+    keeper.announceChange();
+    keeper.saveSession(Sessions::uniform(u"别的稿子"_s));
+    keeper.flushSession();
+    EXPECT_EQ(read(path), theirs.encoded());
+    bool hasArrived = false;
+    QObject::connect(&keeper, &SessionKeeper::arrived, &keeper, [&] { hasArrived = true; });
+    ASSERT_TRUE(Events::waitFor([&] { return hasArrived; }));
+    keeper.saveSession(Sessions::uniform(u"我们"_s));
+    keeper.flushSession();
+    EXPECT_EQ(LintoraSession::read(path).source, u"我们"_s);
 }
 
 TEST_F(PersistenceTest, a_record_of_any_shape_becomes_a_job_in_order)

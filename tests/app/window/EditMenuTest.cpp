@@ -89,11 +89,11 @@ TEST_F(EditMenuTest, Acts_on_the_history_while_no_text_is_edited)
     focus(m_window.findChild<QWidget *>());
     EXPECT_EQ(enabled(), QString());
     load(2);
-    EXPECT_EQ(enabled(), u"撤销"_s);
-    choose(u"撤销"_s);
+    EXPECT_EQ(enabled(), u"撤销载入字幕"_s);
+    choose(u"撤销载入字幕"_s);
     EXPECT_TRUE(m_model.items().isEmpty());
-    EXPECT_EQ(enabled(), u"重做"_s);
-    choose(u"重做"_s);
+    EXPECT_EQ(enabled(), u"重做载入字幕"_s);
+    choose(u"重做载入字幕"_s);
     EXPECT_EQ(m_model.items().size(), 2);
 }
 
@@ -104,14 +104,14 @@ TEST_F(EditMenuTest, Acts_on_the_text_of_a_line_that_is_edited)
     focus(line);
     EXPECT_EQ(enabled(), u"粘贴"_s) << "the history is not to be reached from an untouched field";
     line->insert(u"字"_s);
-    EXPECT_EQ(enabled(), u"撤销 粘贴 全选"_s);
+    EXPECT_EQ(enabled(), u"撤销键入 粘贴 全选"_s);
     choose(u"全选"_s);
-    EXPECT_EQ(enabled(), u"撤销 剪切 复制 粘贴 全选"_s);
+    EXPECT_EQ(enabled(), u"撤销键入 剪切 复制 粘贴 全选"_s);
     choose(u"剪切"_s);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"字"_s);
-    choose(u"撤销"_s);
+    choose(u"撤销键入"_s);
     EXPECT_EQ(line->text(), u"字"_s);
-    choose(u"重做"_s);
+    choose(u"重做键入"_s);
     EXPECT_EQ(line->text(), QString());
     choose(u"粘贴"_s);
     EXPECT_EQ(line->text(), u"字"_s);
@@ -124,8 +124,8 @@ TEST_F(EditMenuTest, Acts_on_the_text_of_many_lines)
     focus(text);
     text->insertPlainText(u"一\n二"_s);
     text->selectAll();
-    EXPECT_EQ(enabled(), u"撤销 剪切 复制 粘贴 全选"_s);
-    choose(u"撤销"_s);
+    EXPECT_EQ(enabled(), u"撤销键入 剪切 复制 粘贴 全选"_s);
+    choose(u"撤销键入"_s);
     EXPECT_EQ(text->toPlainText(), QString());
 }
 
@@ -135,8 +135,8 @@ TEST_F(EditMenuTest, Finds_the_text_within_a_control)
     box->setEditable(true);
     focus(box);
     box->lineEdit()->insert(u"字"_s);
-    EXPECT_EQ(enabled(), u"撤销 粘贴 全选"_s);
-    choose(u"撤销"_s);
+    EXPECT_EQ(enabled(), u"撤销键入 粘贴 全选"_s);
+    choose(u"撤销键入"_s);
     EXPECT_EQ(box->currentText(), QString());
 }
 
@@ -147,7 +147,7 @@ TEST_F(EditMenuTest, Takes_nothing_out_of_a_field_that_hides_its_text)
     focus(line);
     line->insert(u"secret"_s);
     line->selectAll();
-    EXPECT_EQ(enabled(), u"撤销 粘贴 全选"_s);
+    EXPECT_EQ(enabled(), u"撤销键入 粘贴 全选"_s);
 }
 
 TEST_F(EditMenuTest, Leaves_the_history_within_reach_of_a_text_that_cannot_be_edited)
@@ -159,8 +159,8 @@ TEST_F(EditMenuTest, Leaves_the_history_within_reach_of_a_text_that_cannot_be_ed
     text->setTextInteractionFlags(Qt::TextSelectableByKeyboard | Qt::TextSelectableByMouse);
     focus(text);
     text->selectAll();
-    EXPECT_EQ(enabled(), u"撤销 复制 全选"_s);
-    choose(u"撤销"_s);
+    EXPECT_EQ(enabled(), u"撤销载入字幕 复制 全选"_s);
+    choose(u"撤销载入字幕"_s);
     EXPECT_TRUE(m_model.items().isEmpty());
 }
 
@@ -195,7 +195,7 @@ TEST_F(EditMenuTest, Copies_a_card_that_has_the_focus)
     auto *const card = new DragSubtitleCard(m_model, std::nullopt);
     m_window.layout()->addWidget(card);
     focus(card);
-    EXPECT_EQ(enabled(), u"撤销 复制"_s);
+    EXPECT_EQ(enabled(), u"撤销载入字幕 复制"_s);
     choose(u"复制"_s);
     EXPECT_TRUE(FCPPasteboard::offeredType(*QGuiApplication::clipboard()->mimeData()).has_value());
 }
@@ -212,3 +212,49 @@ TEST_F(EditMenuTest, Forgets_a_field_that_is_gone)
 }
 
 } // namespace
+
+namespace {
+
+/// A sheet with something of its own to be undone.
+class OwnHistory : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QString undoTitle MEMBER title)
+    Q_PROPERTY(bool editsJob MEMBER edits)
+
+public:
+    QString title;
+    bool edits = false;
+
+public Q_SLOTS:
+    void undo()
+    {
+        title.clear();
+        Q_EMIT undoChanged();
+    }
+
+Q_SIGNALS:
+    void undoChanged();
+};
+
+} // namespace
+
+TEST_F(EditMenuTest, What_is_the_sheets_own_comes_before_what_lies_behind_it)
+{
+    load(2);
+    auto *const sheet = add<OwnHistory>();
+    auto *const button = new QWidget(sheet);
+    button->setFocusPolicy(Qt::StrongFocus);
+    sheet->title = u"删除预设"_s;
+    focus(button);
+    EXPECT_EQ(enabled(), u"撤销删除预设"_s);
+    choose(u"撤销删除预设"_s);
+    EXPECT_EQ(enabled(), QString()) << "the job behind it is out of reach";
+    choose(u"撤销"_s);
+    EXPECT_EQ(m_model.items().size(), 2);
+    sheet->edits = true;
+    Q_EMIT sheet->undoChanged();
+    EXPECT_EQ(enabled(), u"撤销载入字幕"_s) << "unless it is what the sheet edits";
+}
+
+#include "EditMenuTest.moc"

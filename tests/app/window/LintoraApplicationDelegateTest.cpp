@@ -72,8 +72,9 @@ private:
 TEST_F(Application, Has_its_commands_in_two_menus)
 {
     launch();
-    EXPECT_EQ(lines(0), QStringList({u"打开 SRT… Ctrl+O"_s, u"从 FCP 导入…"_s, u"文稿匹配…"_s, u"字幕样式… Ctrl+,"_s,
-                                     u"清理设置…"_s, u"-"_s, u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
+    EXPECT_EQ(lines(0),
+              QStringList({u"打开 SRT… Ctrl+O"_s, u"从 FCP 导入…"_s, u"最近的字幕"_s, u"文稿匹配…"_s,
+                           u"字幕样式… Ctrl+,"_s, u"清理设置…"_s, u"-"_s, u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
     EXPECT_EQ(menu(1)->title(), u"编辑"_s);
     EXPECT_EQ(lines(1), QStringList({u"撤销 Ctrl+Z"_s, u"重做 Ctrl+Shift+Z"_s, u"剪切 Ctrl+X"_s, u"复制 Ctrl+C"_s,
                                      u"粘贴 Ctrl+V"_s, u"全选 Ctrl+A"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
@@ -243,6 +244,39 @@ TEST_F(Application, A_command_brings_a_closed_window_back)
     delegate.window()->close();
     entry(u"清理设置…"_s)->trigger();
     EXPECT_TRUE(delegate.window()->isVisible());
+}
+
+TEST_F(Application, Closing_the_window_asks_before_unsaved_work_is_lost)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    delegate.model().load(outside.srt(u"a.srt"_s, 2));
+    ASSERT_TRUE(Events::waitFor([&] { return delegate.model().items().size() == 2; }));
+    delegate.model().setText(0, QString(17'000'000, u'a')); // more than a draft holds
+    const bool staysOpen = !Platform::programOutlivesWindow();
+    EXPECT_EQ(delegate.window()->close(), !staysOpen);
+    QEvent quit(QEvent::Quit);
+    quit.accept();
+    QCoreApplication::sendEvent(qApp, &quit);
+    EXPECT_FALSE(quit.isAccepted());
+    EXPECT_TRUE(delegate.model().quitQuestion().has_value());
+    EXPECT_TRUE(delegate.window()->isVisible());
+    delegate.model().answerQuit(true);
+    EXPECT_TRUE(delegate.window()->close());
+}
+
+TEST_F(Application, Recent_subtitles_are_in_the_menu)
+{
+    LintoraApplicationDelegate &delegate = launch();
+    QMenu &recent = *entry(u"最近的字幕"_s)->menu();
+    EXPECT_FALSE(recent.isEnabled());
+    delegate.model().load(outside.srt(u"a&b.srt"_s, 2));
+    ASSERT_TRUE(Events::waitFor([&] { return delegate.model().items().size() == 2; }));
+    delegate.model().setText(0, u"改过"_s);
+    delegate.model().load(outside.srt(u"c.srt"_s, 1));
+    ASSERT_TRUE(Events::waitFor([&] { return recent.isEnabled(); }));
+    EXPECT_TRUE(recent.actions().first()->text().startsWith(u"a&&b.srt"_s));
+    recent.actions().first()->trigger();
+    EXPECT_TRUE(Events::waitFor([&] { return delegate.model().items().value(0).text == u"改过"_s; }));
 }
 
 TEST_F(Application, The_last_change_is_saved_at_the_end)

@@ -70,6 +70,20 @@ TEST_F(AskingForFiles, Asks_one_thing_at_a_time)
     EXPECT_EQ(open().size(), 1);
 }
 
+TEST_F(AskingForFiles, What_was_chosen_may_lead_to_the_next_question)
+{
+    const QString path = m_outside.srt(u"a.srt"_s, 1).toLocalFile();
+    m_dialogs.open({.title = u"导入"_s, .extensions = {u"srt"_s}}, [this](const QString &) {
+        m_dialogs.folder(u"导出全部 SRT"_s, [this](const QString &folder) { m_chosen += folder; });
+    });
+    open().first()->selectFile(path);
+    accept(*open().first());
+    ASSERT_EQ(open().last()->windowTitle(), u"导出全部 SRT"_s);
+    open().last()->selectFile(m_outside.path(QString()));
+    accept(*open().last());
+    EXPECT_EQ(m_chosen.size(), 1);
+}
+
 TEST_F(AskingForFiles, Proposes_a_name_and_completes_the_one_that_is_given)
 {
     m_dialogs.save({.title = u"导出 SRT"_s, .suggestion = u"访谈.srt"_s, .extension = u"srt"_s},
