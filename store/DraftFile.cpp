@@ -104,14 +104,15 @@ void DraftFile::replaceFile(const LintoraSession &state)
     const bool isOurs = m_isOurs;
     lock.unlock();
     const bool isForeign = isThere(file) && (!isOurs || !file.isFile());
-    // A folder in the draft's place must go before anything can be written there; a file stays until its successor is
-    // ready.
-    if (isForeign && !file.isFile())
+    // What keeps anything from being written in the draft's place must go first: a folder, a file that may not be
+    // written, though our own it was. Any other file stays until its successor is ready.
+    const bool isInTheWay = isThere(file) && !(file.isFile() && file.isWritable());
+    if (isInTheWay)
         setAside();
     AtomicFile target(m_path);
     target.write(bytes);
     target.sync();
-    if (isForeign && file.isFile())
+    if (isForeign && !isInTheWay)
         setAside();
     target.commit(AtomicFile::Durability::PowerCut);
     lock.lock();

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <climits>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -59,6 +60,12 @@ std::optional<QString> normalized(const QString &path)
     return QDir::cleanPath(QFileInfo(existing).canonicalFilePath() + rest);
 }
 
+/// Whether the system could open it. Anybody may send a link, of any length; what follows walks up the path.
+bool isOpenable(const QString &path)
+{
+    return !path.contains(QChar::Null) && path.toUtf8().size() < PATH_MAX;
+}
+
 bool isSessionFile(const QString &file)
 {
     const QFileInfo info(file);
@@ -83,7 +90,7 @@ QString sessionFile(const QUrl &link)
     const std::optional<QString> path = sessionValue(link);
     if (!link.isValid() || link.scheme() != u"lintora" || link.host() != u"floating" || !path)
         throw ConversionError(u"悬浮窗口链接无效。"_s);
-    const std::optional<QString> file = path->contains(QChar::Null) ? std::nullopt : normalized(*path);
+    const std::optional<QString> file = isOpenable(*path) ? normalized(*path) : std::nullopt;
     if (!file || !isSessionFile(*file))
         throw ConversionError(u"字幕会话位置无效。"_s);
     return *file;

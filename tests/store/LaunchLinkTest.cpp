@@ -111,12 +111,26 @@ TEST_F(LaunchLinkTest, refuses_links_of_another_form)
 TEST_F(LaunchLinkTest, refuses_every_other_location)
 {
     QDir().mkpath(sessions() + u"/sub"_s);
-    for (const QString &path :
-         {sessions() + u"/sub/"_s + name, sessions() + u"/draft.json"_s, sessions() + u"/"_s + name.chopped(5),
-          sessions() + u"/"_s + name.chopped(5) + u".JSON"_s, sessions() + u"/"_s + name.chopped(5) + u".txt"_s,
-          sessions() + u"/"_s + name + u".json"_s, sessions() + u"/{"_s + name.chopped(5) + u"}.json"_s,
-          sessions() + u"/../"_s + name, folder() + u'/' + name, name, u"/"_s, u""_s, u"/dev/zero"_s, u":/"_s + name,
-          sessions(), session() + u"/x"_s, session() + QChar::Null + u".json"_s, sessions().toLower() + u'/' + name})
+    for (const QString &path : {sessions() + u"/sub/"_s + name,
+                                sessions() + u"/draft.json"_s,
+                                sessions() + u"/"_s + name.chopped(5),
+                                sessions() + u"/"_s + name.chopped(5) + u".JSON"_s,
+                                sessions() + u"/"_s + name.chopped(5) + u".txt"_s,
+                                sessions() + u"/"_s + name + u".json"_s,
+                                sessions() + u"/{"_s + name.chopped(5) + u"}.json"_s,
+                                sessions() + u"/../"_s + name,
+                                folder() + u'/' + name,
+                                name,
+                                u"/"_s,
+                                u""_s,
+                                u"/dev/zero"_s,
+                                u":/"_s + name,
+                                sessions(),
+                                QString(5'000, u'/') + session(),
+                                u'/' + QString(40'000, u'x'),
+                                session() + u"/x"_s,
+                                session() + QChar::Null + u".json"_s,
+                                sessions().toLower() + u'/' + name})
         EXPECT_EQ(outcomeOfPath(path), invalidLocation) << path.toStdString();
     EXPECT_EQ(outcome("lintora://floating?session=" + escaped(session()).replace("%20", "+")), invalidLocation)
         << "a plus sign is a plus sign";
