@@ -33,6 +33,18 @@ QString toPath(const std::string &argument)
     return QFile::decodeName(argument.c_str());
 }
 
+FrameRate toRate(const std::string &argument)
+{
+    const QString label = toText(argument);
+    QStringList labels;
+    for (const FrameRate &rate : FrameRate::all()) {
+        if (rate.label == label)
+            return rate;
+        labels += rate.label;
+    }
+    throw WrongUse(u"帧率无效：%1（可用：%2）"_s.arg(label, labels.join(u"、")));
+}
+
 QByteArray readInput(const std::string &argument)
 {
     return readInput(argument, std::numeric_limits<qint64>::max());

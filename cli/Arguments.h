@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fcp/FrameRate.h"
 #include "fcp/xml/XmlDocument.h"
 
 #include <QByteArray>
@@ -24,6 +25,8 @@ public:
 
 QString toText(const std::string &argument); ///< Text of the command line, which is UTF-8.
 QString toPath(const std::string &argument); ///< A file name of the command line.
+
+FrameRate toRate(const std::string &argument); ///< By its label. @throws WrongUse
 
 /// The bytes of an input: of the file or pipe, or of standard input for "-". @throws PlatformError, Cancelled
 QByteArray readInput(const std::string &argument);

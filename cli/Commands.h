@@ -11,6 +11,8 @@ namespace Commands {
 using Work = std::function<void()>;
 
 void addAlign(CLI::App &app, Work &run);
+void addBreak(CLI::App &app, Work &run);
+void addCheck(CLI::App &app, Work &run);
 void addClean(CLI::App &app, Work &run);
 void addConvertScript(CLI::App &app, Work &run);
 void addExtract(CLI::App &app, Work &run);

@@ -63,18 +63,6 @@ QString readColor(const std::string &argument)
     return text;
 }
 
-FrameRate readRate(const std::string &argument)
-{
-    const QString label = Arguments::toText(argument);
-    QStringList labels;
-    for (const FrameRate &rate : FrameRate::all()) {
-        if (rate.label == label)
-            return rate;
-        labels += rate.label;
-    }
-    throw Arguments::WrongUse(u"帧率无效：%1（可用：%2）"_s.arg(label, labels.join(u"、")));
-}
-
 double readNumber(const std::string &argument)
 {
     const QString text = Arguments::toText(argument);
@@ -163,7 +151,7 @@ Options StyleArguments::applied(Options base) const
     if (m_preset)
         options = applyPreset(*m_preset, options);
     if (m_rate)
-        options.rate = readRate(*m_rate);
+        options.rate = Arguments::toRate(*m_rate);
     if (m_size)
         applySize(*m_size, options);
     if (m_font)

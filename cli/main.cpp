@@ -43,6 +43,8 @@ void addCommands(CLI::App &app, Commands::Work &run)
     Commands::addReplace(app, run);
     Commands::addSeparate(app, run);
     Commands::addAlign(app, run);
+    Commands::addBreak(app, run);
+    Commands::addCheck(app, run);
     Commands::addConvertScript(app, run);
     Commands::addSettings(app, run);
     Commands::addPlan(app, run);

@@ -50,3 +50,55 @@ TEST_F(ReadingTools, convert_script_converts_all_but_the_names_kept)
     EXPECT_EQ(CommandLine::run({u"convert-script"_s, in, u"--to"_s, u"taiwan"_s}).status, 2);
     EXPECT_EQ(CommandLine::run({u"convert-script"_s, in}).status, 2);
 }
+
+TEST_F(ReadingTools, break_makes_cues_or_lines_of_long_cues)
+{
+    const QString in = file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:03,000\n我觉得这个方案不错不过预算可能不够\n");
+    const QString out = path(u"out.srt"_s);
+    expectOutcome(CommandLine::run({u"break"_s, in, u"-o"_s, out, u"--rate"_s, u"25"_s, u"--progress"_s}), 0, {},
+                  "已断句：1 条字幕变为 2 条\n");
+    EXPECT_EQ(FileReader::readAll(out), "1\n00:00:01,000 --> 00:00:02,040\n我觉得这个方案不错\n\n"
+                                        "2\n00:00:02,040 --> 00:00:03,000\n不过预算可能不够\n");
+    expectOutcome(CommandLine::run({u"break"_s, in, u"--inside"_s, u"--json"_s}), 0,
+                  "[{\"end\":3000,\"id\":1,\"start\":1000,\"text\":\"我觉得这个方案不错\\n不过预算可能不够\"}]\n", {});
+    expectOutcome(CommandLine::run({u"break"_s, in, u"--lines"_s, u"2"_s, u"--json"_s}), 0,
+                  "[{\"end\":3000,\"id\":1,\"start\":1000,\"text\":\"我觉得这个方案不错\\n不过预算可能不够\"}]\n", {});
+    expectOutcome(CommandLine::run({u"break"_s, out, u"--join"_s, u"--width"_s, u"18"_s, u"--json"_s}), 0,
+                  "[{\"end\":3000,\"id\":1,\"start\":1000,\"text\":\"我觉得这个方案不错不过预算可能不够\"}]\n", {});
+    expectOutcome(CommandLine::run({u"break"_s, in, u"--width"_s, u"20"_s, u"--json"_s}), 0,
+                  "[{\"end\":3000,\"id\":1,\"start\":1000,\"text\":\"我觉得这个方案不错不过预算可能不够\"}]\n", {});
+    for (const QStringList &wrong : {QStringList{u"--width"_s, u"0"_s},
+                                     {u"--width"_s, u"x"_s},
+                                     {u"--lines"_s, u"0"_s},
+                                     {u"--rate"_s, u"26"_s},
+                                     {u"--inside"_s, u"--join"_s}})
+        EXPECT_EQ(CommandLine::run(QStringList{u"break"_s, in} + wrong).status, 2) << wrong[1].toStdString();
+}
+
+TEST_F(ReadingTools, check_lists_findings_and_fixes_what_is_safe)
+{
+    const QString in = file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n你好,世界\n\n"
+                                         "2\n00:00:02,040 --> 00:00:03,000\n（再见\n");
+    expectOutcome(
+        CommandLine::run({u"check"_s, in, u"--json"_s}), 0,
+        "[{\"cue\":1,\"fixable\":true,\"limit\":67,\"message\":\"与下一条只隔 40 毫秒，宜相接或不少于 67 "
+        "毫秒\",\"rule\":\"small-gap\",\"value\":40},"
+        "{\"cue\":1,\"fixable\":true,\"limit\":0,\"message\":\"1 个字符的全角半角与文字不符\",\"rule\":\"mixed-"
+        "width\",\"value\":1},"
+        "{\"cue\":2,\"fixable\":false,\"limit\":0,\"message\":\"“（”不成对\",\"rule\":\"brackets\",\"value\":"
+        "1}]\n",
+        {});
+    expectOutcome(CommandLine::run({u"check"_s, in, u"--strict"_s}), 1,
+                  "第 1 条 small-gap：与下一条只隔 40 毫秒，宜相接或不少于 67 毫秒\n"
+                  "第 1 条 mixed-width：1 个字符的全角半角与文字不符\n第 2 条 brackets：“（”不成对\n",
+                  "发现 3 处问题。\n");
+    const QString out = path(u"out.srt"_s);
+    EXPECT_EQ(CommandLine::run({u"check"_s, in, u"-o"_s, out, u"--fix"_s, u"small-gap,mixed-width"_s}).status, 0);
+    EXPECT_EQ(FileReader::readAll(out), "1\n00:00:01,000 --> 00:00:02,040\n你好，世界\n\n"
+                                        "2\n00:00:02,040 --> 00:00:03,000\n（再见\n");
+    expectOutcome(CommandLine::run({u"check"_s, out, u"--strict"_s, u"--limits"_s,
+                                    file(u"limits.json"_s, "{\"off\":[\"brackets\"]}")}),
+                  0, {}, {});
+    EXPECT_EQ(CommandLine::run({u"check"_s, in, u"--fix"_s, u"nonsense"_s}).status, 2);
+    EXPECT_TRUE(CommandLine::run({u"check"_s, u"--help"_s}).output.contains("\"smallestGapFrames\":2"));
+}

@@ -1,5 +1,6 @@
 #include "fcp/FrameRate.h"
 
+#include "core/FrameGrid.h"
 #include "tests/support/Generator.h"
 
 #include <gtest/gtest.h>
@@ -51,4 +52,15 @@ TEST(FrameRate, times_are_never_reduced)
     EXPECT_EQ(rates[6].time(3), "3003/60000s");
     EXPECT_EQ(rates[2].time(-7), "-7/25s");
     EXPECT_THROW(rates[0].time(std::numeric_limits<qint64>::max() / 1'000), RationalOverflow);
+}
+
+TEST(FrameRate, agrees_with_the_grid_of_cues)
+{
+    for (const FrameRate &rate : FrameRate::all()) {
+        const FrameGrid grid{.numerator = rate.numerator, .denominator = rate.denominator};
+        for (qint64 ms = 0; ms < 360'000'000; ms = ms * 9 / 8 + 1) {
+            ASSERT_EQ(grid.frame(ms), rate.frame(ms)) << ms;
+            ASSERT_EQ(rate.frame(grid.snapped(ms)), rate.frame(ms)) << ms;
+        }
+    }
 }
