@@ -117,7 +117,12 @@ void StyleArguments::add(CLI::App &command)
         command.add_option(name, value, description)->type_name(type)->group(group)->take_last();
     };
     const auto addSwitch = [&](const char *name, std::optional<bool> &value, const char *description) {
-        command.add_flag(name, value, description)->group(group)->take_last();
+        // Not bound to the value: that would set it to false as soon as the switch is known.
+        command
+            .add_flag_function(
+                name, [&value](std::int64_t count) { value = count > 0; }, description)
+            ->group(group)
+            ->take_last();
     };
     add("--options", m_optionsFile, "文件", "样式记录（settings --json 的输出）");
     add("--preset", m_preset, "名称", "已保存的样式预设；字号按画面高度换算");

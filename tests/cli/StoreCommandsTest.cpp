@@ -1,7 +1,9 @@
 #include "tests/support/CommandLine.h"
 
+#include "core/SRT.h"
 #include "core/files/FileReader.h"
 #include "core/json/JsonWriter.h"
+#include "fcp/FCPXML.h"
 #include "store/LaunchLink.h"
 #include "store/Locations.h"
 #include "store/StylePresetStore.h"
@@ -117,6 +119,45 @@ TEST_F(StoreCommandsTest, a_presets_file_that_cannot_be_read_stays)
          {QStringList{u"presets"_s}, {u"presets"_s, u"add"_s, u"新"_s}, {u"presets"_s, u"remove"_s, u"新"_s}})
         expectFailure(arguments, 1, "数据无法读取：缺少“[0].id”。\n");
     EXPECT_EQ(FileReader::readAll(presets.fileName()), "[{}]");
+}
+
+TEST_F(StoreCommandsTest, every_field_of_a_record_and_of_a_preset_comes_through)
+{
+    // Each field has another value than it has by itself.
+    const Options record{.rate = FrameRate::all().front(),
+                         .width = 1280,
+                         .height = 720,
+                         .font = u"甲"_s,
+                         .fontSize = 33,
+                         .fontColor = u"0 1 0 1"_s,
+                         .strokeEnabled = true,
+                         .strokeColor = u"0 0 1 1"_s,
+                         .strokeWidth = 7,
+                         .shadowEnabled = true,
+                         .shadowColor = u"1 0 0 1"_s,
+                         .shadowBlur = 11,
+                         .bottomPercent = 21,
+                         .shiftMS = 1'000,
+                         .name = u"乙"_s,
+                         .titleRole = u"titles.丙"_s,
+                         .fontFace = u"Bold"_s};
+    const QString path = file(u"样式.json"_s, jsonBytes([&](JsonWriter &json) { writeOptions(json, record); }));
+    const auto saved = [&](const QStringList &options) {
+        output(QStringList{u"presets"_s, u"add"_s, u"P"_s} + options);
+        return StylePresetStore().load().last().style;
+    };
+    EXPECT_EQ(saved({u"--options"_s, path}), record);
+    // A preset is fitted to the height before the single options set another.
+    Options preset = StylePresetStore().load().last().applying(Options());
+    EXPECT_TRUE(preset.strokeEnabled && preset.shadowEnabled);
+    EXPECT_EQ(saved({u"--preset"_s, u"P"_s}), preset);
+    const QString cues = file(u"字幕.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n");
+    const auto titles = [&](const QStringList &options) { return output(QStringList{u"titles"_s, cues} + options); };
+    const auto written = [&](const Options &options) {
+        return FCPXML::convert(SRT::decode(FileReader::readAll(cues)), std::nullopt, options).toUtf8().toStdString();
+    };
+    EXPECT_EQ(titles({u"--options"_s, path}), written(record));
+    EXPECT_EQ(titles({u"--preset"_s, u"P"_s}), written(preset));
 }
 
 TEST_F(StoreCommandsTest, a_preset_stands_between_the_record_and_the_single_options)
