@@ -2,8 +2,9 @@
 
 using namespace Qt::StringLiterals;
 
-ConversionError::ConversionError(const QString &message)
+ConversionError::ConversionError(const QString &message, const QString &detail)
     : m_message(message)
+    , m_detail(detail)
     , m_utf8(message.toUtf8())
 {}
 

@@ -11,15 +11,17 @@
 class ConversionError : public std::exception
 {
 public:
-    explicit ConversionError(const QString &message);
+    explicit ConversionError(const QString &message, const QString &detail = {});
 
     /// A message about one cue: "第 " + `number` + `problem`. `problem` begins with a space.
     static ConversionError aboutCue(qint64 number, QStringView problem);
 
     const QString &message() const noexcept { return m_message; }
+    const QString &detail() const noexcept { return m_detail; } ///< Empty when there is nothing to add.
     const char *what() const noexcept override { return m_utf8.constData(); } ///< The message in UTF-8.
 
 private:
     QString m_message;
+    QString m_detail;
     QByteArray m_utf8;
 };
