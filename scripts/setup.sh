@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Brings in what is missing to build Lintora, and says so. Does nothing, quickly, when all is there.
 #
-#   scripts/setup.sh build|test|ci|bench|fuzz …
+#   scripts/setup.sh build|test|ci|bench|fuzz|engines …
 set -euo pipefail
 
 debian_packages() {
     case $1 in
     build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libicu-dev libopencc-dev libcli11-dev libssl-dev fonts-noto-cjk ;;
-    test) echo libgtest-dev libgmock-dev locales openssl xauth xdotool xvfb ;;
+    test) echo libgtest-dev libgmock-dev locales openssl xauth xdotool xvfb xz-utils ;;
+    engines) echo ffmpeg ;;
     ci) echo git clang clang-format clang-tidy ccache desktop-file-utils libgnustep-gui-dev libobjc-12-dev ;;
     bench) echo libbenchmark-dev ;;
     fuzz) echo clang libclang-rt-14-dev ;;
@@ -18,7 +19,8 @@ debian_packages() {
 brew_packages() {
     case $1 in
     build) echo cmake ninja pkg-config qt libxml2 icu4c opencc cli11 openssl ;;
-    test) echo googletest ;;
+    test) echo googletest xz ;;
+    engines) echo ffmpeg whisper-cpp llama.cpp ;;
     ci) echo clang-format llvm ccache ;;
     bench) echo google-benchmark ;;
     fuzz) echo llvm ;;
@@ -56,16 +58,21 @@ if command -v apt-get >/dev/null; then
     for package in "${wanted[@]}"; do
         grep -qxF -- "$package" <<<"$installed" || missing+=("$package")
     done
-    [ ${#missing[@]} -gt 0 ] || exit 0
-    echo "安装缺少的软件包：${missing[*]}"
-    check_rights "${missing[@]}"
-    as_root apt-get -o DPkg::Lock::Timeout=550 -q update
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=550 -qq install --yes --no-install-recommends "${missing[@]}"
 else
     for package in "${wanted[@]}"; do
         brew list --versions "$package" >/dev/null 2>&1 || missing+=("$package")
     done
-    [ ${#missing[@]} -gt 0 ] || exit 0
-    echo "安装缺少的软件包：${missing[*]}"
-    brew install "${missing[@]}"
 fi
+if [ ${#missing[@]} -gt 0 ]; then
+    echo "安装缺少的软件包：${missing[*]}"
+    if command -v apt-get >/dev/null; then
+        check_rights "${missing[@]}"
+        as_root apt-get -o DPkg::Lock::Timeout=550 -q update
+        as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=550 -qq install --yes --no-install-recommends "${missing[@]}"
+    else
+        brew install "${missing[@]}"
+    fi
+fi
+
+# The helper programs that no package of an older Debian brings.
+case " $* " in *" engines "*) exec "$(dirname "$0")/engines.sh" ;; esac
