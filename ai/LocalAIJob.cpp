@@ -125,8 +125,9 @@ QByteArray LocalAIJob::run(const QString &executable, const QStringList &argumen
         listen();
     }
     check();
+    m_lastWords = lastLine(log.readAll());
     if (!process.hasSucceeded())
-        throw ConversionError(u"本地处理未完成。请确认文件可正常播放、模型完整，并重试。"_s, lastLine(log.readAll()));
+        throw ConversionError(u"本地处理未完成。请确认文件可正常播放、模型完整，并重试。"_s, m_lastWords);
     if (out.size() > largestOutput)
         refuseOutput();
     listen();

@@ -46,6 +46,9 @@ public:
     QByteArray run(const QString &executable, const QStringList &arguments, const QString &directory,
                    const Output &output = {});
 
+    /// The last line that the helper of the latest run wrote on standard error; empty when there was none.
+    const QString &lastWords() const { return m_lastWords; }
+
     static constexpr qint64 largestOutput = 32 * 1024 * 1024; ///< Bytes that a helper may print on standard output.
 
 private:
@@ -55,4 +58,5 @@ private:
     std::unique_ptr<OnCancel> m_request;
     HelperProcess *m_process = nullptr;
     std::unique_ptr<OnCancel> m_processEnd; ///< Asks m_process to end.
+    QString m_lastWords;
 };

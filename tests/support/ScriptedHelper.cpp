@@ -8,7 +8,7 @@
 //   child [away]                    starts a child that ignores SIGTERM and waits; away: in a session of its own
 //   wait                            waits for a signal
 //   exit STATUS
-//   health STATUS|hang …            what /health answers, in turn, the last one again and again
+//   health STATUS|hang …            what /health answers, in turn, the last one again and again; hang: nothing
 //   completion echo|crash|hang|status N|answer JSON   the same for /completion, one a line; answer: the content's text
 //   serve                           serves on --port, as llama-server does
 //
@@ -144,6 +144,14 @@ void reply(int connection, int status, const QByteArray &body)
     [[maybe_unused]] const auto written = write(connection, text.constData(), size_t(text.size()));
 }
 
+/// Says nothing until the client gives up.
+void waitForClient(int connection)
+{
+    char byte = 0;
+    while (read(connection, &byte, 1) > 0) {
+    }
+}
+
 void complete(int connection, const QByteArray &body)
 {
     append(self + u".requests"_s, body + '\n');
@@ -151,7 +159,7 @@ void complete(int connection, const QByteArray &body)
     if (turn == u"crash")
         _exit(3);
     if (turn == u"hang")
-        waitForSignals();
+        return waitForClient(connection);
     if (turn.startsWith(u"status "))
         return reply(connection, turn.mid(7).toInt(), "{}");
     const QByteArray content = turn == u"echo" ? echo(body) : turn.mid(7).toUtf8();
@@ -184,7 +192,7 @@ void answer(int connection)
     }
     const QString turn = health.next();
     if (turn == u"hang")
-        waitForSignals();
+        return waitForClient(connection);
     reply(connection, turn.toInt(), "{}");
 }
 
