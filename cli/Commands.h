@@ -19,11 +19,14 @@ void addExtract(CLI::App &app, Work &run);
 void addModels(CLI::App &app, Work &run);
 void addPlan(CLI::App &app, Work &run);
 void addPresets(CLI::App &app, Work &run);
+void addProofread(CLI::App &app, Work &run);
 void addReplace(CLI::App &app, Work &run);
 void addSeparate(CLI::App &app, Work &run);
 void addSession(CLI::App &app, Work &run);
 void addSettings(CLI::App &app, Work &run);
 void addSrt(CLI::App &app, Work &run);
 void addTitles(CLI::App &app, Work &run);
+void addTranscribe(CLI::App &app, Work &run);
+void addTranslate(CLI::App &app, Work &run);
 
 } // namespace Commands

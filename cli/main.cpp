@@ -50,6 +50,9 @@ void addCommands(CLI::App &app, Commands::Work &run)
     Commands::addPlan(app, run);
     Commands::addSession(app, run);
     Commands::addPresets(app, run);
+    Commands::addTranscribe(app, run);
+    Commands::addTranslate(app, run);
+    Commands::addProofread(app, run);
     Commands::addModels(app, run);
     for (CLI::App *const command : app.get_subcommands({}))
         command->group("命令")->set_help_flag("-h,--help", "显示帮助");
