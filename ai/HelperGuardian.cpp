@@ -109,7 +109,7 @@ int parentOf(const char *name)
 {
     char path[64] = "/proc/";
     std::strncat(path, name, 20);
-    std::strncat(path, "/stat", 5);
+    std::strncat(path, "/stat", sizeof path - std::strlen(path) - 1);
     const int file = open(path, O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return 0;
