@@ -102,3 +102,19 @@ TEST_F(ReadingTools, check_lists_findings_and_fixes_what_is_safe)
     EXPECT_EQ(CommandLine::run({u"check"_s, in, u"--fix"_s, u"nonsense"_s}).status, 2);
     EXPECT_TRUE(CommandLine::run({u"check"_s, u"--help"_s}).output.contains("\"smallestGapFrames\":2"));
 }
+
+TEST_F(ReadingTools, srt_repairs_only_by_choice_and_says_what_it_did)
+{
+    const QString in = file(u"in.srt"_s, "1\n00:00:01,5 --> 00:00:02,000\n\xC4\xE3\xBA\xC3\xA3\xAC\xCA\xC0\xBD\xE7\n");
+    expectOutcome(CommandLine::run({u"srt"_s, in}), 1, {}, "字幕编码不支持。请先另存为 UTF-8 或 UTF-16。\n");
+    expectOutcome(CommandLine::run({u"srt"_s, in, u"--repair"_s, u"--encoding"_s, u"gb18030"_s, u"--json"_s}), 0,
+                  "{\"certainty\":1,\"encoding\":\"GB18030\",\"items\":[{\"end\":2000,\"id\":1,\"start\":1500,\"text\":"
+                  "\"你好，世界\"}],\"repairs\":[{\"line\":1,\"what\":\"按 GB18030 读取\"},"
+                  "{\"cue\":1,\"line\":2,\"what\":\"时间码写法不规范：00:00:01,5 --> 00:00:02,000\"}]}\n",
+                  {});
+    const QString out = path(u"out.srt"_s);
+    EXPECT_EQ(CommandLine::run({u"srt"_s, in, u"--repair"_s, u"-o"_s, out}).status, 0);
+    EXPECT_EQ(FileReader::readAll(out), "1\n00:00:01,500 --> 00:00:02,000\n你好，世界\n");
+    EXPECT_EQ(CommandLine::run({u"srt"_s, in, u"--repair"_s, u"--encoding"_s, u"EBCDIC"_s}).status, 1);
+    EXPECT_EQ(CommandLine::run({u"srt"_s, in, u"--encoding"_s, u"GB18030"_s}).status, 2);
+}
