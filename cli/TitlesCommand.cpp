@@ -1,10 +1,13 @@
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
 #include "cli/Result.h"
+#include "cli/StandardStreams.h"
 #include "cli/StyleArguments.h"
 #include "core/SRT.h"
 #include "fcp/FCPXML.h"
 #include "fcp/titles/NewDocument.h"
+#include "fcp/titles/TitleFile.h"
+#include "fcp/titles/WrittenTitles.h"
 
 #include <memory>
 
@@ -23,15 +26,36 @@ struct TitlesArguments
     Arguments::Output output;
 };
 
-TitleDocument makeDocument(const TitlesArguments &arguments, const QList<Subtitle> &cues)
+struct Titles
 {
-    if (arguments.clip)
-        return NewDocument::clip(cues, arguments.style.applied(Options()));
-    if (arguments.base.empty())
-        return FCPXML::convert(cues, std::nullopt, arguments.style.applied(Options()));
-    XmlDocument base = Arguments::readProject(arguments.base);
-    const Options options = arguments.style.applied(FCPXML::settings(Options(), base));
-    return FCPXML::convert(cues, std::move(base), options);
+    TitleDocument document;
+    TitleFile::Proof proof;
+};
+
+Titles makeTitles(const TitlesArguments &arguments, const QList<Subtitle> &cues)
+{
+    auto base = arguments.base.empty() ? std::nullopt : std::optional(Arguments::readProject(arguments.base));
+    const Options options = arguments.style.applied(base ? FCPXML::settings(Options(), *base) : Options());
+    TitleDocument document =
+        arguments.clip ? NewDocument::clip(cues, options) : FCPXML::convert(cues, std::move(base), options);
+    const auto verify = arguments.clip ? WrittenTitles::verifyClip : WrittenTitles::verify;
+    const auto proof = [=, effectID = document.effectID()](QByteArrayView written) {
+        verify(written, effectID, cues, options);
+    };
+    return {.document = std::move(document), .proof = proof};
+}
+
+void deliver(const Titles &titles, const Arguments::Output &output)
+{
+    const QString path = Arguments::toPath(output.path);
+    if (!path.isEmpty() && !StandardStreams::isPipe(path)) {
+        TitleFile::write(path, titles.document, titles.proof, Interrupt::check);
+        return;
+    }
+    // What has left cannot be read back.
+    const QByteArray bytes = titles.document.toUtf8();
+    titles.proof(bytes);
+    Result::write(output, [&](Utf8Writer &out) { out.bytes(bytes); });
 }
 
 void runTitles(const TitlesArguments &arguments)
@@ -42,8 +66,7 @@ void runTitles(const TitlesArguments &arguments)
         throw Arguments::WrongUse(u"字幕与项目不能同时来自标准输入"_s);
     const QList<Subtitle> cues = SRT::decode(Arguments::readInput(arguments.input));
     Interrupt::check();
-    const TitleDocument document = makeDocument(arguments, cues);
-    Result::write(arguments.output, [&](Utf8Writer &out) { document.write(out); });
+    deliver(makeTitles(arguments, cues), arguments.output);
     arguments.output.report(u"已写入 %1 条字幕标题"_s.arg(cues.size()));
 }
 

@@ -6,6 +6,7 @@
 #include "core/files/Utf8Writer.h"
 #include "core/text/Characters.h"
 #include "fcp/FCPXML.h"
+#include "fcp/titles/TitleFile.h"
 #include "fcp/titles/WrittenTitles.h"
 
 #include <QDir>
@@ -23,15 +24,6 @@ XmlDocument parse(const FCPProject &project)
                           : XmlDocument::parse(project.document, u"不支持含外部实体的 XML。");
 }
 
-/// Writes into `file`, and asks between blocks whether to go on.
-Utf8Writer writerInto(AtomicFile &file, Job &job)
-{
-    return Utf8Writer([&](QByteArrayView block) {
-        job.check();
-        file.write(block);
-    });
-}
-
 } // namespace
 
 void writeSRT(const QString &path, const QList<Subtitle> &cues, Job &job)
@@ -39,7 +31,10 @@ void writeSRT(const QString &path, const QList<Subtitle> &cues, Job &job)
     if (cues.isEmpty())
         throw ConversionError(u"请先打开 SRT。"_s);
     AtomicFile file(path);
-    Utf8Writer out = writerInto(file, job);
+    Utf8Writer out([&](QByteArrayView block) {
+        job.check();
+        file.write(block);
+    });
     SRT::serialize(cues, out);
     file.sync();
     job.check();
@@ -70,14 +65,10 @@ void writeTitles(const QString &path, const QList<Subtitle> &cues, const Options
     auto base = project ? std::optional(parse(*project)) : std::nullopt;
     job.check();
     const TitleDocument document = FCPXML::convert(cues, std::move(base), options);
-    job.check();
-    AtomicFile file(path);
-    Utf8Writer out = writerInto(file, job);
-    document.write(out);
-    file.sync();
-    WrittenTitles::verify(file.readBack(), document.effectID(), cues, options);
-    job.check();
-    file.commit(AtomicFile::Durability::PowerCut);
+    TitleFile::write(
+        path, document,
+        [&](QByteArrayView written) { WrittenTitles::verify(written, document.effectID(), cues, options); },
+        [&] { job.check(); });
 }
 
 QString fileName(const QString &name)

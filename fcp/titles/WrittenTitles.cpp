@@ -70,9 +70,16 @@ ConversionError difference(qint64 cueID)
     return ConversionError::aboutCue(cueID, u" 条字幕写入后核对不一致，原文件没有改动。");
 }
 
-} // namespace
+/// The one media resource of a clip's document; null when there is none.
+const xmlNode *media(const XmlDocument &document)
+{
+    const xmlNode *const resources = Xml::child(document.root(), "resources");
+    return resources ? Xml::child(resources, "media") : nullptr;
+}
 
-void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options)
+/// `owner` finds the element in the document whose sequence carries the titles.
+void compare(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options,
+             const xmlNode *(*owner)(const XmlDocument &))
 {
     std::vector<Found> titles;
     const XmlDocument::Extraction extraction{
@@ -84,7 +91,8 @@ void verify(QByteArrayView document, const QByteArray &effectID, const QList<Sub
         }};
     const XmlDocument rest = XmlDocument::parse(document, u"不支持含外部实体的 XML。", extraction);
     const std::vector<TitleGrid::Title> expected = TitleGrid::place(cues, options);
-    const xmlNode *const sequence = Xml::child(FCPXML::project(rest), "sequence");
+    const xmlNode *const found = owner(rest);
+    const xmlNode *const sequence = found ? Xml::child(found, "sequence") : nullptr;
     const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
     const auto start =
         sequence ? Rational::parseTime(Xml::attribute(sequence, "tcStart").value_or("0s")) : std::nullopt;
@@ -102,6 +110,20 @@ void verify(QByteArrayView document, const QByteArray &effectID, const QList<Sub
     }
     if (titles.size() > expected.size())
         throw difference(expected.back().cueID);
+}
+
+} // namespace
+
+void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options)
+{
+    compare(document, effectID, cues, options,
+            [](const XmlDocument &rest) -> const xmlNode * { return FCPXML::project(rest); });
+}
+
+void verifyClip(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues,
+                const Options &options)
+{
+    compare(document, effectID, cues, options, media);
 }
 
 } // namespace WrittenTitles

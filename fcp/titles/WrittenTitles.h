@@ -13,4 +13,8 @@ namespace WrittenTitles {
 /// @throws PlatformError when the document is no XML.
 void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options);
 
+/// The same for a clip, whose titles hang in the document's one media resource.
+void verifyClip(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues,
+                const Options &options);
+
 } // namespace WrittenTitles

@@ -254,6 +254,28 @@ TEST_F(CommandLineTest, titles_take_their_style_in_order)
     EXPECT_TRUE(clip.output.contains("<ref-clip name=\"字幕\" ref=\"lintoraMedia\""));
 }
 
+#ifdef LINTORA_SPOILT_READS
+TEST_F(CommandLineTest, titles_that_a_disk_gives_back_otherwise_leave_the_old_file)
+{
+    const QString in = file(u"in.srt"_s, "7\n00:00:01,000 --> 00:00:02,000\nINTACT\n");
+    const QString base = file(u"base.fcpxml"_s, project);
+    const QString out = file(u"out.fcpxml"_s, "old");
+    const QString spoils = u"LD_PRELOAD='" LINTORA_SPOILT_READS "' ASAN_OPTIONS=verify_asan_link_order=0 %1 "_s;
+    for (const QString &kind : {u""_s, u"--clip"_s, u"--base '%1'"_s.arg(base)}) {
+        const QString command = u"$CLI titles '%1' -o '%2' %3"_s.arg(in, out, kind);
+        expectOutcome(CommandLine::shell(spoils.arg(u"LINTORA_SPOILT_READS=1"_s) + command), 1, {},
+                      "第 1 条字幕写入后核对不一致，原文件没有改动。\n");
+        EXPECT_EQ(FileReader::readAll(out), "old");
+    }
+    for (const QString &kind : {u""_s, u"--clip"_s, u"--base '%1'"_s.arg(base)}) {
+        const QString command = u"$CLI titles '%1' -o '%2' %3"_s.arg(in, out, kind);
+        expectOutcome(CommandLine::shell(spoils.arg(u""_s) + command), 0, {}, {});
+        EXPECT_TRUE(FileReader::readAll(out).contains("INTACT"));
+    }
+    EXPECT_EQ(names(), (QStringList{u"base.fcpxml"_s, u"in.srt"_s, u"out.fcpxml"_s}));
+}
+#endif
+
 TEST_F(CommandLineTest, the_last_of_two_options_counts)
 {
     const QString in = file(u"in.srt"_s, goodSrt);

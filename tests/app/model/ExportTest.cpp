@@ -109,6 +109,22 @@ TEST_F(ExportTest, a_file_that_cannot_be_written_stays_as_it_was)
     EXPECT_EQ(QDir(home({})).entryList({u"kept*"_s}).size(), 1) << "nothing is left beside it";
 }
 
+#ifdef LINTORA_SPOILT_READS
+TEST_F(ExportTest, titles_that_a_disk_gives_back_otherwise_leave_the_old_file)
+{
+    loadCues({{.id = 1, .start = 0, .end = 900, .text = u"INTACT"_s}});
+    load(write(u"rough.fcpxml"_s, project()));
+    write(u"kept.fcpxml"_s, "mine");
+    for (const auto operation : {&LintoraModel::exportFCPXML, &LintoraModel::exportToProject}) {
+        qputenv("LINTORA_SPOILT_READS", "1");
+        EXPECT_EQ(exported(operation, u"kept.fcpxml"_s), "mine");
+        qunsetenv("LINTORA_SPOILT_READS");
+        EXPECT_EQ(failure(), u"第 1 条字幕写入后核对不一致，原文件没有改动。"_s);
+    }
+    EXPECT_EQ(QDir(home({})).entryList({u"kept*"_s}).size(), 1) << "nothing is left beside it";
+}
+#endif
+
 TEST_F(ExportTest, a_dragged_card_carries_its_own_track)
 {
     EXPECT_EQ(model->payload(std::nullopt), std::nullopt);

@@ -2,6 +2,7 @@
 
 #include "core/ConversionError.h"
 #include "fcp/FCPXML.h"
+#include "fcp/titles/NewDocument.h"
 #include "tests/support/Generator.h"
 #include "tests/support/StoryDocument.h"
 
@@ -60,6 +61,10 @@ TEST(WrittenTitles, find_every_written_document_as_it_should_be)
         cues.removeIf([](const Subtitle &cue) { return cue.end > 99'000; });
         EXPECT_EQ(difference(write(cues, options), cues, options), QString()) << format;
         EXPECT_EQ(difference(write(cues, options, roughCut(format)), cues, options), QString()) << format;
+        const TitleDocument clip = NewDocument::clip(cues, options);
+        EXPECT_NO_THROW(WrittenTitles::verifyClip(clip.toUtf8(), clip.effectID(), cues, options)) << format;
+        cues.last().text += u'!';
+        EXPECT_THROW(WrittenTitles::verifyClip(clip.toUtf8(), clip.effectID(), cues, options), ConversionError);
     }
 }
 
