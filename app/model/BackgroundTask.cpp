@@ -32,18 +32,53 @@ private:
 
 } // namespace
 
-BackgroundTask::BackgroundTask(Order order)
+/// What workers say arrives as long as the task is there.
+class BackgroundTask::Line
+{
+public:
+    explicit Line(BackgroundTask &task)
+        : m_task(&task)
+    {}
+
+    void post(std::function<void(BackgroundTask &)> call)
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_task) {
+            QMetaObject::invokeMethod(
+                m_task, [task = m_task, call = std::move(call)] { call(*task); }, Qt::QueuedConnection);
+        }
+    }
+
+    void cut()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_task = nullptr;
+    }
+
+private:
+    std::mutex m_mutex;
+    BackgroundTask *m_task;
+};
+
+BackgroundTask::BackgroundTask(Order order, Effect effect)
     : m_order(order)
+    , m_effect(effect)
+    , m_line(std::make_shared<Line>(*this))
+    , m_pool(std::make_unique<QThreadPool>())
 {
     // An operation that was cancelled may need a moment to notice; the one in its place does not wait for it.
     constexpr int threads = 4;
-    m_pool.setMaxThreadCount(order == Order::newestOnly ? threads : 1);
+    m_pool->setMaxThreadCount(order == Order::newestOnly ? threads : 1);
 }
 
 BackgroundTask::~BackgroundTask()
 {
     cancelRuns();
-    m_pool.waitForDone();
+    waitUntil(m_isGivenUp ? QDeadlineTimer() : QDeadlineTimer(patience));
+    m_line->cut();
+    // Its destructor would wait for ever. The worker keeps what it needs.
+    if (m_isGivenUp)
+        static_cast<void>(m_pool.release());
 }
 
 std::optional<Progress> BackgroundTask::progress() const
@@ -56,7 +91,7 @@ void BackgroundTask::start(Run run, Work work)
     if (m_order != Order::oneAfterAnother)
         cancelRuns();
     const std::shared_ptr<Job> job = run.job;
-    m_pool.start([this, job, report = reportOf(job), refused = run.refused, work = std::move(work)] {
+    m_pool->start([line = m_line, job, report = reportOf(job), refused = run.refused, work = std::move(work)] {
         Ending ending;
         try {
             job->check();
@@ -66,8 +101,7 @@ void BackgroundTask::start(Run run, Work work)
         } catch (const std::exception &error) {
             ending = [refused, sentence = QString::fromUtf8(error.what())] { refused(sentence); };
         }
-        QMetaObject::invokeMethod(
-            this, [this, job, ending = std::move(ending)] { end(job.get(), ending); }, Qt::QueuedConnection);
+        line->post([job, ending = std::move(ending)](BackgroundTask &task) { task.end(job.get(), ending); });
     });
     m_runs.push_back(std::move(run));
     Q_EMIT progressChanged();
@@ -75,11 +109,9 @@ void BackgroundTask::start(Run run, Work work)
 
 ProgressReport BackgroundTask::reportOf(const std::shared_ptr<Job> &job)
 {
-    return [this, job, newest = std::make_shared<Newest>()](const Progress &progress) {
-        if (newest->put(progress)) {
-            QMetaObject::invokeMethod(
-                this, [this, job, newest] { setProgress(job.get(), newest->take()); }, Qt::QueuedConnection);
-        }
+    return [line = m_line, job, newest = std::make_shared<Newest>()](const Progress &progress) {
+        if (newest->put(progress))
+            line->post([job, newest](BackgroundTask &task) { task.setProgress(job.get(), newest->take()); });
     };
 }
 
@@ -132,11 +164,19 @@ void BackgroundTask::cancel()
 
 void BackgroundTask::wait()
 {
-    m_pool.waitForDone();
+    m_pool->waitForDone();
 }
 
-void BackgroundTask::finish()
+void BackgroundTask::finish(QDeadlineTimer deadline)
 {
     cancel();
-    wait();
+    waitUntil(deadline);
+}
+
+void BackgroundTask::waitUntil(QDeadlineTimer deadline)
+{
+    if (m_effect == Effect::writes)
+        wait();
+    else
+        m_isGivenUp = !m_pool->waitForDone(int(deadline.remainingTime()));
 }

@@ -3,9 +3,11 @@
 #include "core/Job.h"
 #include "core/Progress.h"
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QThreadPool>
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -20,7 +22,9 @@
 /// | refused   | with the sentence of what it threw |
 /// | cancelled | at once when it is cancelled or replaced, and when this object goes; its value is dropped |
 ///
-/// What was cancelled may need a moment yet on its worker. finish() and the destructor wait for it.
+/// What was cancelled may need a moment yet on its worker. finish() and the destructor wait for it: for what writes to
+/// its end, for what only reads no longer than `patience`. A pipe or a network may keep a read waiting for ever; such a
+/// one is left alone, and whatever it comes to is dropped.
 ///
 /// Lives on the main thread.
 class BackgroundTask : public QObject
@@ -38,7 +42,16 @@ public:
         oneAfterAnother    ///< It waits for its turn.
     };
 
-    explicit BackgroundTask(Order order);
+    /// What operations do to files.
+    enum class Effect
+    {
+        reads,
+        writes
+    };
+
+    static constexpr std::chrono::milliseconds patience{1'500};
+
+    explicit BackgroundTask(Order order, Effect effect = Effect::reads);
     ~BackgroundTask() override;
 
     /// Runs `operation(job, report)`. `first` is what it is doing until it reports.
@@ -64,12 +77,15 @@ public:
 
     void cancel(); ///< Cancels every run, those that wait for their turn too.
     void wait();   ///< Waits until no operation is left on a worker. What they lead to is told later.
-    void finish(); ///< Cancels, and waits until no operation is left on a worker.
+
+    /// Cancels, and waits until no operation is left on a worker, or, where it only reads, `deadline` is over.
+    void finish(QDeadlineTimer deadline = QDeadlineTimer(patience));
 
 Q_SIGNALS:
     void progressChanged();
 
 private:
+    class Line;
     using Ending = std::function<void()>;
     using Work = std::function<Ending(const ProgressReport &)>;
     struct Run
@@ -85,9 +101,13 @@ private:
     void end(const Job *job, const Ending &ending);
     void setProgress(const Job *job, const Progress &progress);
     void cancelRuns();
+    void waitUntil(QDeadlineTimer deadline);
     std::deque<Run>::iterator find(const Job *job);
 
     Order m_order;
     std::deque<Run> m_runs; ///< Those whose end is not told, in their order.
-    QThreadPool m_pool;     ///< Last, so that it ends first.
+    Effect m_effect;
+    bool m_isGivenUp = false;            ///< Whether a read was waited for in vain.
+    std::shared_ptr<Line> m_line;        ///< By which workers reach this object.
+    std::unique_ptr<QThreadPool> m_pool; ///< Never null.
 };

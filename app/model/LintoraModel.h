@@ -258,7 +258,8 @@ public:
 
     /// Saves what still waits, draft and session, before it returns. Failures are said in `message`.
     void saveDraft();
-    void shutdownAI(); ///< Cancels every long operation, and waits for its end.
+    void shutdownAI(); ///< Cancels every long operation, and waits for its end, for reads no longer than
+                       ///< BackgroundTask::patience.
 
     // End of the program
 
@@ -444,12 +445,12 @@ private:
 
     // The tasks come last, so that they end first.
     BackgroundTask m_import{BackgroundTask::Order::oneAfterAnother};
-    BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother};
+    BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_match{BackgroundTask::Order::newestOnly};
-    BackgroundTask m_presets{BackgroundTask::Order::oneAfterAnother};
+    BackgroundTask m_presets{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     /// One language server at a time: the next one waits until a cancelled one has left the memory.
     BackgroundTask m_owner{BackgroundTask::Order::newestAfterTheOld};
-    BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother};
+    BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     const std::array<BackgroundTask *, 4> m_tasks = {&m_import, &m_export, &m_match,
                                                      &m_owner}; ///< Those that are shown.
 };

@@ -135,9 +135,10 @@ std::optional<QString> LintoraModel::save()
 
 void LintoraModel::shutdownAI()
 {
-    m_owner.finish(); // first, so that what is being typed can still be kept
-    m_import.finish();
-    m_match.finish();
+    const QDeadlineTimer deadline(BackgroundTask::patience); // for all of them together
+    m_owner.finish(deadline);                                // first, so that what is being typed can still be kept
+    m_import.finish(deadline);
+    m_match.finish(deadline);
     m_presets.wait();
     m_export.wait();
     m_keeping.wait();

@@ -203,3 +203,44 @@ TEST(BackgroundTask, stops_the_operations_when_it_goes_and_tells_their_end)
     EXPECT_TRUE(ended);
     EXPECT_EQ(told.endings, (QStringList{u"无尽 cancelled"_s, u"下一个 cancelled"_s}));
 }
+
+TEST(BackgroundTask, leaves_a_read_alone_that_does_not_end)
+{
+    static_assert(BackgroundTask::patience < std::chrono::seconds(2));
+    Told told;
+    const auto deaf = std::make_shared<Deaf>();
+    {
+        BackgroundTask task(Order::oneAfterAnother);
+        told.run(task, u"管道"_s, [deaf](Job &job, const ProgressReport &report) {
+            const auto note = qScopeGuard([deaf] { deaf->begun.release(); });
+            return deaf->returning(1)(job, report);
+        });
+        deaf->begun.acquire();
+        task.finish(QDeadlineTimer(1));
+    }
+    // What it says now finds nobody.
+    deaf->goOn.release();
+    deaf->begun.acquire();
+    Events::handle();
+    EXPECT_EQ(told.endings, (QStringList{u"管道 cancelled"_s}));
+}
+
+TEST(BackgroundTask, waits_for_a_write_however_long_it_takes)
+{
+    Told told;
+    Deaf deaf;
+    std::atomic<bool> isWritten = false;
+    BackgroundTask task(Order::oneAfterAnother, BackgroundTask::Effect::writes);
+    told.run(task, u"文件"_s, [&](Job &job, const ProgressReport & /*report*/) {
+        deaf.begun.release();
+        while (!job.isCancelled())
+            QThread::yieldCurrentThread();
+        // Only now is the deadline over, and somebody waits.
+        QThread::yieldCurrentThread();
+        isWritten = true;
+        return 1;
+    });
+    deaf.begun.acquire();
+    task.finish(QDeadlineTimer(0));
+    EXPECT_TRUE(isWritten);
+}

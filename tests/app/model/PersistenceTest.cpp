@@ -1,4 +1,5 @@
 #include "core/files/AtomicFile.h"
+#include "core/files/FileReader.h"
 #include "store/LaunchLink.h"
 #include "store/Locations.h"
 #include "tests/support/Events.h"
@@ -8,6 +9,11 @@
 #include "tests/support/Sessions.h"
 
 #include <QDir>
+#include <QSemaphore>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -364,4 +370,26 @@ TEST_F(PersistenceTest, two_models_share_one_session)
     LintoraModel &winner = other.items()[0].text == u"甲"_s ? *model : other;
     EXPECT_TRUE(winner.canUndo());
     EXPECT_EQ(LintoraSession::read(path).items[0].text, model->items()[0].text);
+}
+
+TEST_F(PersistenceTest, quitting_does_not_wait_for_a_read_that_hangs)
+{
+    loadCues(Generator(1).cues(3));
+    const QByteArray pipe = home(u"hung"_s).toUtf8();
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    QSemaphore begun;
+    model->ownCues(
+        u"正在读取…"_s,
+        [&begun, path = QString::fromUtf8(pipe)](Job & /*job*/, const ProgressReport & /*report*/) {
+            begun.release();
+            return FileReader::readAll(path).size();
+        },
+        [](qsizetype /*size*/) {});
+    begun.acquire();
+    restart();
+    EXPECT_EQ(model->items().size(), 3);
+    // Lets the reader end, which has nobody left to tell.
+    const int writer = ::open(pipe.constData(), O_WRONLY | O_NONBLOCK);
+    EXPECT_GE(writer, 0) << "it was waiting";
+    ::close(writer);
 }

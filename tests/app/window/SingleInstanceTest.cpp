@@ -2,6 +2,7 @@
 
 #include "core/ConversionError.h"
 #include "tests/support/Events.h"
+#include "tests/support/Unprivileged.h"
 
 #include <gmock/gmock.h>
 
@@ -177,6 +178,40 @@ TEST_F(RunningOnce, A_launch_takes_the_place_of_a_program_that_ends_while_it_wai
     ASSERT_TRUE(Events::waitFor([] { return sockets() == 2; }));
     first.signal(SIGKILL);
     EXPECT_TRUE(second.says(u"first"_s));
+}
+
+TEST_F(RunningOnce, What_other_users_say_is_not_listened_to_and_they_are_told_nothing)
+{
+    // The place of the running program, taken by somebody else.
+    QLocalServer stranger;
+    stranger.setSocketOptions(QLocalServer::AbstractNamespaceOption);
+    {
+        const Unprivileged other;
+        if (!other.holds() || getuid() != 0)
+            GTEST_SKIP() << "needs root, to become another user";
+        ASSERT_TRUE(stranger.listen(SingleInstance::name()));
+    }
+    Peer first(home(), ample, {u"file:///secret.srt"_s});
+    ASSERT_TRUE(first.says(u"first"_s));
+    if (stranger.waitForNewConnection(0)) {
+        QLocalSocket *const visitor = stranger.nextPendingConnection();
+        EXPECT_TRUE(Events::waitFor([&] { return visitor->state() == QLocalSocket::UnconnectedState; }));
+        EXPECT_EQ(visitor->readAll(), QByteArray());
+    }
+    stranger.close();
+
+    Peer running(home());
+    ASSERT_TRUE(running.says(u"first"_s));
+    QLocalSocket socket;
+    socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
+    {
+        const Unprivileged other;
+        socket.connectToServer(SingleInstance::name());
+        socket.write(QByteArray("\0\0\0\16file:///a.srt\n", 18));
+    }
+    EXPECT_TRUE(Events::waitFor([&] { return socket.state() == QLocalSocket::UnconnectedState; }));
+    EXPECT_EQ(socket.readAll(), QByteArray()) << "nothing is confirmed";
+    EXPECT_EQ(running.said(), QStringList(u"first"_s));
 }
 
 struct Nonsense
