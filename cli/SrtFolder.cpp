@@ -1,9 +1,9 @@
 #include "cli/SrtFolder.h"
 
 #include "cli/Interrupt.h"
-#include "core/PlatformError.h"
 #include "core/SRT.h"
 #include "core/files/AtomicFile.h"
+#include "core/files/Folder.h"
 #include "core/files/Utf8Writer.h"
 
 #include <memory>
@@ -27,8 +27,7 @@ QString fileName(const QString &label)
 
 void write(const QDir &folder, const std::vector<File> &files, const std::function<void()> &beforeCommit)
 {
-    if (!folder.mkpath(u"."_s))
-        throw PlatformError(u"无法创建文件夹“%1”。"_s.arg(folder.path()));
+    Folder::make(folder.path());
     std::vector<std::unique_ptr<AtomicFile>> written;
     for (const auto &[name, items] : files) {
         AtomicFile &file = *written.emplace_back(std::make_unique<AtomicFile>(folder.filePath(name)));

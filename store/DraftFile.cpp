@@ -3,8 +3,8 @@
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
 #include "core/files/AtomicFile.h"
+#include "core/files/Folder.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -99,7 +99,7 @@ void DraftFile::replaceFile(const LintoraSession &state)
     if (bytes.size() > LintoraSession::sizeLimit)
         throw ConversionError(u"字幕草稿过大，请导出 SRT 后分批处理"_s);
     const QFileInfo file(m_path);
-    QDir().mkpath(file.path());
+    Folder::make(file.path());
     std::unique_lock lock(m_mutex);
     const bool isOurs = m_isOurs;
     lock.unlock();

@@ -4,11 +4,11 @@
 #include "core/PlatformError.h"
 #include "core/files/AtomicFile.h"
 #include "core/files/FileReader.h"
+#include "core/files/Folder.h"
 #include "core/json/JsonReader.h"
 #include "core/json/JsonWriter.h"
 #include "store/Locations.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QSet>
@@ -79,7 +79,7 @@ void StylePresetStore::save(const QList<SubtitleStylePreset> &presets) const
     if (bytes.size() > sizeLimit)
         throw tooLarge();
     load();
-    QDir().mkpath(QFileInfo(m_file).path());
+    Folder::make(QFileInfo(m_file).path());
     AtomicFile file(m_file);
     file.write(bytes);
     file.commit();
@@ -88,7 +88,7 @@ void StylePresetStore::save(const QList<SubtitleStylePreset> &presets) const
 QList<SubtitleStylePreset> StylePresetStore::update(
     const std::function<QList<SubtitleStylePreset>(const QList<SubtitleStylePreset> &)> &change) const
 {
-    QDir().mkpath(QFileInfo(m_file).path());
+    Folder::make(QFileInfo(m_file).path());
     QLockFile lock(m_file + u".lock"_s);
     constexpr int patience = 10'000; // milliseconds; a change takes a few
     // Where no lock can be made no file can be written either, and saving says why.

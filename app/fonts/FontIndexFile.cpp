@@ -3,10 +3,10 @@
 #include "core/PlatformError.h"
 #include "core/files/AtomicFile.h"
 #include "core/files/FileReader.h"
+#include "core/files/Folder.h"
 #include "core/json/JsonReader.h"
 #include "core/json/JsonWriter.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QSet>
 
@@ -108,7 +108,7 @@ QList<FontFamily> FontIndexFile::load(const QString &path)
 
 void FontIndexFile::save(const QString &path, const QList<FontFamily> &families)
 {
-    QDir().mkpath(QFileInfo(path).absolutePath());
+    Folder::make(QFileInfo(path).absolutePath());
     AtomicFile file(path);
     file.write(encode(families));
     file.commit();

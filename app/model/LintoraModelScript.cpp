@@ -17,7 +17,7 @@ void LintoraModel::matchScript()
     if (refuseWhileBusy(u"请等待当前任务完成后再匹配。"_s))
         return;
     if (m_script.text.trimmed().isEmpty()) {
-        setScriptStatus(u"请先粘贴文稿正文"_s);
+        setScriptStatus(u"请先粘贴文稿正文"_s, true);
         return;
     }
     clearScriptRows();
@@ -30,14 +30,14 @@ void LintoraModel::matchScript()
             return ScriptAlignment::match(text, cues, [&] { job.check(); });
         },
         [this](const ScriptMatchResult &result) { takeScriptResult(result); },
-        [this](const QString &sentence) { setScriptStatus(sentence); }, [this] { setScriptStatus({}); });
+        [this](const QString &sentence) { setScriptStatus(sentence, true); }, [this] { setScriptStatus({}); });
     setScriptStatus(u"正在匹配文稿…"_s);
 }
 
 void LintoraModel::takeScriptResult(const ScriptMatchResult &result)
 {
     if (m_script.trackID != selectedTrackID() || m_script.items != items() || m_script.manuscript != m_script.text) {
-        setScriptStatus(u"当前字幕或文稿已变化，请重新匹配"_s);
+        setScriptStatus(u"当前字幕或文稿已变化，请重新匹配"_s, true);
         return;
     }
     m_script.rows = result.rows;
@@ -62,14 +62,14 @@ void LintoraModel::applyScriptRows()
     if (m_script.rows.isEmpty() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
         return;
     if (m_script.trackID != selectedTrackID() || m_script.items != items()) {
-        setScriptStatus(u"当前字幕或文稿已变化，请重新匹配"_s);
+        setScriptStatus(u"当前字幕或文稿已变化，请重新匹配"_s, true);
         clearScriptRows();
         return;
     }
     const auto applies = [](const ScriptMatchRow &row) { return row.selected && row.changed(); };
     const auto count = std::ranges::count_if(m_script.rows, applies);
     if (count == 0) {
-        setScriptStatus(u"请先勾选要修改的字幕"_s);
+        setScriptStatus(u"请先勾选要修改的字幕"_s, true);
         return;
     }
     const QList<Subtitle> after = ScriptAlignment::apply(m_script.rows);
@@ -100,9 +100,11 @@ void LintoraModel::showScriptMatch()
     setScriptMatchPresented(true);
 }
 
-void LintoraModel::setScriptStatus(const QString &status)
+void LintoraModel::setScriptStatus(const QString &status, bool isRefused)
 {
-    publish(m_script.status, status, &LintoraModel::scriptStatusChanged);
+    const bool wasRefused = std::exchange(m_script.isRefused, isRefused);
+    if (std::exchange(m_script.status, status) != status || wasRefused != isRefused)
+        Q_EMIT scriptStatusChanged();
 }
 
 void LintoraModel::clearScriptRows()

@@ -1,5 +1,6 @@
 #include "app/model/Preferences.h"
 
+#include "core/PlatformError.h"
 #include "core/text/SubtitleCleanup.h"
 
 #include <utility>
@@ -27,6 +28,18 @@ bool readBool(const QSettings &settings, const QString &key, bool otherwise)
     return otherwise;
 }
 
+/// Brings what was set to the disk. Whether that could be done.
+bool isWritten(QSettings &settings)
+{
+    settings.sync();
+    if (settings.status() == QSettings::NoError)
+        return true;
+    // What once went wrong is remembered for good, also when it has gone right since: a fresh look tells.
+    QSettings fresh(settings.fileName(), settings.format());
+    fresh.sync();
+    return fresh.status() == QSettings::NoError;
+}
+
 } // namespace
 
 Preferences::Preferences(std::shared_ptr<QSettings> settings)
@@ -44,7 +57,15 @@ QStringList Preferences::fillerWords() const
 
 void Preferences::setFillerWords(const QStringList &words)
 {
+    const QVariant before = m_settings->value(fillerWordsKey);
     m_settings->setValue(fillerWordsKey, words);
+    if (isWritten(*m_settings))
+        return;
+    if (before.isValid())
+        m_settings->setValue(fillerWordsKey, before);
+    else
+        m_settings->remove(fillerWordsKey);
+    throw PlatformError(u"设置未能存入“%1”，请检查磁盘空间和权限。"_s.arg(m_settings->fileName()));
 }
 
 bool Preferences::floatingPinned() const

@@ -14,6 +14,8 @@ public:
     explicit Preferences(std::shared_ptr<QSettings> settings);
 
     QStringList fillerWords() const; ///< The default list when absent. May be empty.
+
+    /// Keeps the list before it returns. @throws PlatformError when it cannot be written; the old one then stays
     void setFillerWords(const QStringList &words);
 
     bool floatingPinned() const; ///< True when absent.

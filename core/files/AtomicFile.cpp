@@ -65,8 +65,13 @@ AtomicFile::~AtomicFile() = default;
 
 void AtomicFile::write(QByteArrayView bytes)
 {
-    if (m_file->write(bytes.data(), bytes.size()) != bytes.size())
-        throw PlatformError(m_file->errorString());
+    // What finds the disk full in its middle is written in part, without an error: the rest of it brings the reason.
+    while (!bytes.isEmpty()) {
+        const qint64 written = m_file->write(bytes.data(), bytes.size());
+        if (written <= 0)
+            throw PlatformError(m_file->errorString());
+        bytes = bytes.sliced(written);
+    }
 }
 
 void AtomicFile::sync()

@@ -1,7 +1,6 @@
 #include "app/Lintora/tools/CleanupWorkspace.h"
 
 #include "app/Lintora/controls/Controls.h"
-#include "core/ConversionError.h"
 #include "core/text/SubtitleCleanup.h"
 
 #include <QHBoxLayout>
@@ -90,8 +89,8 @@ void CleanupWorkspace::save()
         m_model.saveFillerWords(m_text->toPlainText());
         m_kept = m_text->toPlainText();
         setNote(u"已保存，下次打开会继续保留"_s, false);
-    } catch (const ConversionError &error) {
-        setNote(error.message(), true);
+    } catch (const std::exception &error) { // which carries the sentence
+        setNote(QString::fromUtf8(error.what()), true);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QListView>
 #include <QPlainTextEdit>
+#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -84,6 +85,10 @@ void ScriptMatchWorkspace::follow()
     const qsizetype ticked = m_rows.ticked();
     m_list->setVisible(hasRows);
     m_status->setText(m_model.scriptStatus());
+    m_status->setProperty("failure", m_model.isScriptRefused());
+    m_status->setProperty("secondary", !m_model.isScriptRefused());
+    m_status->style()->unpolish(m_status);
+    m_status->style()->polish(m_status);
     m_match->setEnabled(!m_model.aiBusy() && !m_model.items().isEmpty());
     m_undo->setVisible(m_model.canUndoScriptMatch());
     m_apply->setText(u"应用勾选 · %1"_s.arg(ticked));

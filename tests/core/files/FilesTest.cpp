@@ -1,6 +1,7 @@
 #include "core/PlatformError.h"
 #include "core/files/AtomicFile.h"
 #include "core/files/FileReader.h"
+#include "core/files/Folder.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -8,6 +9,11 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <sys/resource.h>
+
+#include <cerrno>
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 
@@ -61,6 +67,39 @@ TEST_F(Files, without_commit_nothing_changes_and_nothing_stays)
     }
     EXPECT_EQ(FileReader::readAll(target), "old");
     EXPECT_EQ(names(), QStringList{u"a"_s});
+}
+
+TEST_F(Files, a_disk_that_is_full_in_the_middle_says_so)
+{
+    AtomicFile file(path(u"a"_s));
+    rlimit before = {};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit narrow = {.rlim_cur = 1'000, .rlim_max = before.rlim_max};
+    const auto handler = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &narrow);
+    QString reason;
+    try {
+        file.write(QByteArray(2'000, 'x'));
+    } catch (const PlatformError &error) {
+        reason = error.description();
+    }
+    setrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, handler);
+    EXPECT_EQ(reason, qt_error_string(EFBIG));
+}
+
+TEST_F(Files, a_folder_that_cannot_be_made_says_which_and_why)
+{
+    Folder::make(path(u"一/二"_s));
+    Folder::make(path(u"一/二"_s));
+    EXPECT_TRUE(QFileInfo(path(u"一/二"_s)).isDir());
+    const QString inside = existing(u"a"_s, "") + u"/b"_s;
+    try {
+        Folder::make(inside);
+        ADD_FAILURE();
+    } catch (const PlatformError &error) {
+        EXPECT_EQ(error.description(), u"无法创建文件夹“%1”：%2"_s.arg(inside, qt_error_string(ENOTDIR)));
+    }
 }
 
 TEST_F(Files, a_link_stays_a_link)

@@ -318,6 +318,10 @@ TEST_F(Workspaces, An_empty_transcript_is_asked_for)
               u"在这里粘贴文稿正文…\n无需填写时间码，段落顺序应与字幕一致。"_s);
     click(u"开始匹配"_s);
     EXPECT_EQ(note(), u"请先粘贴文稿正文"_s);
+    EXPECT_TRUE(find<QLabel>(u"状态"_s)->property("failure").toBool());
+    find<QPlainTextEdit>(u"文稿正文"_s)->setPlainText(u"一"_s);
+    click(u"开始匹配"_s);
+    EXPECT_FALSE(model.isScriptRefused());
 }
 
 } // namespace
