@@ -92,6 +92,27 @@ QList<Subtitle> inserting(QList<Subtitle> items, qsizetype after)
     return items;
 }
 
+QList<Subtitle> placing(QList<Subtitle> items, QList<Subtitle> cues)
+{
+    qint64 id = nextID(items);
+    for (qsizetype i = 0; i < cues.size(); ++i) {
+        cues = settingTimes(std::move(cues), i, cues[i].start, cues[i].end);
+        cues = settingText(std::move(cues), i, cues[i].text);
+    }
+    std::ranges::stable_sort(cues, {}, &Subtitle::start);
+    for (Subtitle &cue : cues)
+        cue.id = id++;
+    if (!std::ranges::is_sorted(items, {}, &Subtitle::start)) {
+        for (const Subtitle &cue : cues)
+            items.insert(positionFor(items, cue.start), cue);
+        return items;
+    }
+    const qsizetype middle = items.size();
+    items += cues;
+    std::ranges::inplace_merge(items, items.begin() + middle, {}, &Subtitle::start);
+    return items;
+}
+
 QList<Subtitle> removing(QList<Subtitle> items, QList<qsizetype> indices)
 {
     std::sort(indices.begin(), indices.end());

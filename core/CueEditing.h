@@ -27,6 +27,10 @@ QList<Subtitle> settingTimes(QList<Subtitle> items, qsizetype index, qint64 star
 /// next cue, two seconds at most; where there is less than half a second it takes a second all the same.
 QList<Subtitle> inserting(QList<Subtitle> items, qsizetype after);
 
+/// With `cues` from elsewhere where they belong by their times, under new ids. @throws ConversionError when their times
+/// or texts are none
+QList<Subtitle> placing(QList<Subtitle> items, QList<Subtitle> cues);
+
 /// Without the cues at `indices`, in any order.
 QList<Subtitle> removing(QList<Subtitle> items, QList<qsizetype> indices);
 

@@ -8,6 +8,7 @@
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/Sheet.h"
 #include "app/Lintora/cues/CueTable.h"
+#include "app/Lintora/cues/FilterField.h"
 #include "app/Lintora/cues/Inspector.h"
 #include "app/Lintora/cues/TrackTabs.h"
 #include "app/Lintora/drag/CardRow.h"
@@ -20,7 +21,6 @@
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -72,9 +72,12 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     layout->setSpacing(0);
     layout->addWidget(m_stage, 1);
     layout->addWidget(Controls::rule(this));
-    layout->addWidget(new StatusLine(model, this));
+    auto *const status = new StatusLine(model, this);
+    layout->addWidget(status);
+    connect(status, &StatusLine::keyboardFreed, this, &LintoraPanel::returnKeyboard);
 
-    connect(&model, &LintoraModel::loaded, m_filter, &QLineEdit::clear); // which was about another job
+    connect(&model, &LintoraModel::loaded, m_filter, &FilterField::clear); // which was about another job
+    connect(&model, &LintoraModel::stepped, this, &LintoraPanel::bringCue);
     connect(&model, &LintoraModel::itemsChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::tracksChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::cleanupSettingsVisibleChanged, this, &LintoraPanel::followSheets);
@@ -100,7 +103,8 @@ QWidget *LintoraPanel::makeWorkspace()
     connect(editing, &EditingActions::restoreRequested, this, &LintoraPanel::confirmRestore);
     QWidget *const heading = makeTableHeading();
     m_table = new CueTable(m_model, workspace);
-    connect(m_filter, &QLineEdit::textChanged, m_table, &CueTable::setFilter);
+    connect(m_filter, &FilterField::textChanged, m_table, &CueTable::setFilter);
+    connect(m_filter, &FilterField::left, m_table, &CueTable::takeKeyboard);
     auto *const inspector = new Inspector(m_model, m_table->cues(), workspace);
     connect(m_table, &CueTable::currentCueChanged, inspector,
             [this, inspector] { inspector->show(m_table->currentCue()); });
@@ -124,10 +128,7 @@ QWidget *LintoraPanel::makeTableHeading()
     auto *const heading = new QWidget(this);
     auto *const tabs = new TrackTabs(
         m_model, [this] { return m_table->commitEdit(); }, heading);
-    m_filter = new QLineEdit(heading);
-    m_filter->setPlaceholderText(u"筛选…"_s);
-    m_filter->setAccessibleName(u"筛选字幕"_s);
-    m_filter->setClearButtonEnabled(true);
+    m_filter = new FilterField(heading);
     m_filter->setFixedWidth(filterWidth);
     auto *const row = new QHBoxLayout(heading);
     row->setContentsMargins(0, 0, 0, 0);
@@ -143,13 +144,28 @@ void LintoraPanel::followCues()
     const auto form = isInUse ? UnifiedImportArea::Form::OneLine : UnifiedImportArea::Form::Large;
     if (m_import->form() != form)
         m_import->setForm(form);
-    const bool begins = isInUse && m_workspace->isHidden();
+    const bool begins = isInUse && !m_isInUse;
+    m_isInUse = isInUse;
     m_workspace->setVisible(isInUse);
     m_emptyNote->setVisible(!isInUse);
     if (begins)
         m_table->goTo(0);
     if (begins || !isInUse)
-        giveKeyboard(begins ? static_cast<QWidget *>(m_table) : m_import);
+        returnKeyboard();
+}
+
+/// To what there is to be done next.
+void LintoraPanel::returnKeyboard()
+{
+    giveKeyboard(m_isInUse ? static_cast<QWidget *>(m_table) : m_import);
+}
+
+/// A window that is put together around the panel knows nothing of who had the keyboard before.
+void LintoraPanel::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (!event->spontaneous() && !isAncestorOf(window()->focusWidget()))
+        returnKeyboard();
 }
 
 /// Now, or when the sheet that is open closes: nothing behind a sheet has the keyboard.
@@ -213,15 +229,21 @@ void LintoraPanel::showFCPImport(bool visible)
         m_fcpImport->dismiss();
 }
 
+/// Makes it the current one, also when the filter hides it.
+void LintoraPanel::bringCue(qsizetype cue)
+{
+    m_table->goTo(cue);
+    if (m_table->currentCue() != cue) {
+        m_filter->clear();
+        m_table->goTo(cue);
+    }
+}
+
 /// Brings a cue that a tool has found before the eye.
 void LintoraPanel::showCue(qsizetype cue)
 {
     m_model.setFindReplaceVisible(false);
-    m_table->goTo(cue);
-    if (m_table->currentCue() != cue) { // which the filter hides
-        m_filter->clear();
-        m_table->goTo(cue);
-    }
+    bringCue(cue);
     m_table->setFocus();
 }
 

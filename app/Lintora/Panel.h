@@ -6,8 +6,8 @@
 
 class CleanupWorkspace;
 class CueTable;
+class FilterField;
 class FindReplaceWorkspace;
-class QLineEdit;
 class QVBoxLayout;
 class ScriptMatchWorkspace;
 class Sheet;
@@ -29,15 +29,18 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     QWidget *makeWorkspace();
     QWidget *makeTableHeading();
     void followCues();
     void giveKeyboard(QWidget *widget);
+    void returnKeyboard();
     void followSheets();
     void showStyle();
     void showFCPImport(bool visible);
+    void bringCue(qsizetype cue);
     void showCue(qsizetype cue);
     void confirmRestore();
     template <class Workspace>
@@ -48,7 +51,8 @@ private:
     UnifiedImportArea *m_import = nullptr;
     QWidget *m_emptyNote = nullptr;
     QWidget *m_workspace = nullptr;
-    QLineEdit *m_filter = nullptr;
+    bool m_isInUse = false;
+    FilterField *m_filter = nullptr;
     CueTable *m_table = nullptr;
     Sheet *m_fcpImport = nullptr; ///< Made when it is needed first, as are the following.
     Sheet *m_confirmation = nullptr;

@@ -82,6 +82,9 @@ void StatusLine::update()
         m_text->style()->unpolish(m_text);
         m_text->style()->polish(m_text);
     }
+    // Before it goes by itself to whatever comes first in the window.
+    if ((m_cancel->hasFocus() && !activity) || (m_copy->hasFocus() && !failure))
+        Q_EMIT keyboardFreed();
     m_copy->setVisible(failure.has_value());
     m_busy->setVisible(activity.has_value());
     m_busy->setToolTip(doing);

@@ -23,6 +23,9 @@ public:
 
     QString text() const; ///< In full, however much of it can be seen.
 
+Q_SIGNALS:
+    void keyboardFreed(); ///< A button that has the keyboard is about to go.
+
 private:
     void update();
     void copy() const;

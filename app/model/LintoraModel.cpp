@@ -14,6 +14,17 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+LintoraSession firstJob(const QString &font)
+{
+    LintoraSession job;
+    job.options.font = font;
+    return job;
+}
+
+} // namespace
+
 LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     : QObject(parent)
     , m_dialogs(std::move(surroundings.dialogs))
@@ -22,7 +33,7 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     , m_keeper(surroundings.draftURL.value_or(Locations::draft()))
     , m_recent(QFileInfo(m_keeper.draftURL()).path() + u"/Recent"_s)
     , m_recentSessions(m_recent.list())
-    , m_job(SessionTracks::normalized(m_keeper.loadDraft().value_or(LintoraSession())))
+    , m_job(SessionTracks::normalized(m_keeper.loadDraft().value_or(firstJob(surroundings.font))))
     , m_history(m_job)
     , m_fillerWords(m_preferences.fillerWords())
     , m_pinned(m_preferences.floatingPinned())
@@ -231,6 +242,15 @@ std::optional<qsizetype> LintoraModel::insertCue(qsizetype after)
                     [&](const auto &cues) { return CueEditing::inserting(cues, std::max<qsizetype>(after, -1)); });
 }
 
+std::optional<qsizetype> LintoraModel::pasteCues(const QList<Subtitle> &cues)
+{
+    if (cues.isEmpty() || tracks().isEmpty())
+        return std::nullopt;
+    const auto first = std::ranges::min(cues, {}, &Subtitle::start).start;
+    return editCues(u"粘贴字幕"_s, {}, CueEditing::positionFor(items(), first),
+                    [&](const auto &items) { return CueEditing::placing(items, cues); });
+}
+
 std::optional<qsizetype> LintoraModel::deleteCues(const QList<qsizetype> &indices)
 {
     const qsizetype first = indices.isEmpty() ? 0 : *std::min_element(indices.begin(), indices.end());
@@ -294,6 +314,8 @@ void LintoraModel::step(const LintoraSession &(EditHistory::*direction)(), const
     }
     tell(before, false);
     report(message);
+    if (const auto cue = SessionTracks::changedCue(before, m_job))
+        Q_EMIT stepped(*cue);
 }
 
 // Long work

@@ -41,6 +41,7 @@ public:
         std::optional<QString> stylePresetsURL = {}; ///< Path of the presets; absent: the user's own.
         std::shared_ptr<QSettings> settings = {};    ///< Where preferences are kept. Never null.
         FileDialogs dialogs = {};
+        QString font = Options().font; ///< The family that a first job begins with.
     };
 
     /// Takes up the job that the draft holds; an unreadable draft is as none.
@@ -98,7 +99,8 @@ public:
 
     std::optional<qsizetype> setText(qsizetype index, const QString &text);
     std::optional<qsizetype> setTimes(qsizetype index, qint64 startMS, qint64 endMS);
-    std::optional<qsizetype> insertCue(qsizetype after); ///< -1: before the first.
+    std::optional<qsizetype> insertCue(qsizetype after);             ///< -1: before the first.
+    std::optional<qsizetype> pasteCues(const QList<Subtitle> &cues); ///< With their own times, under new numbers.
     std::optional<qsizetype> deleteCues(const QList<qsizetype> &indices);
     std::optional<qsizetype> splitCue(qsizetype index, qsizetype position); ///< In UTF-16 units of the text.
     std::optional<qsizetype> joinWithNext(qsizetype index);
@@ -116,7 +118,8 @@ public:
     void undoReplacement();
 
     const QStringList &fillerWords() const { return m_fillerWords; }
-    /// Keeps the list, as typed. @throws ConversionError "最多 100 个词，每个词不超过 60 字。"
+    /// Keeps the list, as typed. @throws ConversionError "最多 100 个词，每个词不超过 60 字。", PlatformError when it
+    /// cannot be kept
     void saveFillerWords(const QString &text);
 
     void separateLanguages();
@@ -128,6 +131,7 @@ public:
     const QList<ScriptMatchRow> &scriptRows() const { return m_script.rows; } ///< A row for each cue, or none.
     const QStringList &scriptUnmatched() const { return m_script.unmatched; } ///< What of the transcript found no cue.
     const QString &scriptStatus() const { return m_script.status; }
+    bool isScriptRefused() const { return m_script.isRefused; } ///< Whether the status says why something was not done.
     void setScriptText(const QString &text);
     void matchScript(); ///< Editing goes on meanwhile; a change of cues or transcript drops the result.
     void setScriptRowSelected(qsizetype row, bool selected);
@@ -269,6 +273,7 @@ public:
     void answerQuit(bool quits);
 
 Q_SIGNALS:
+    void stepped(qsizetype cue); ///< Undone or redone: of the selected track this cue is the first that changed by it.
     void aboutToLoad(); ///< Another job is about to be brought in, or the program to end: the last moment to keep what
                         ///< is being typed.
     void loaded(); ///< Another job was brought in: a file, an opened session. Comes before the fields' own signals.
@@ -334,6 +339,7 @@ private:
         QList<ScriptMatchRow> rows;
         QStringList unmatched;
         QString status;
+        bool isRefused = false;
         std::optional<QUuid> trackID; ///< The track that the rows are about.
         QList<Subtitle> items;        ///< Its cues when they were matched.
         QString manuscript;           ///< The transcript when it was matched.
@@ -378,7 +384,7 @@ private:
 
     // Script matching
     void takeScriptResult(const ScriptMatchResult &result);
-    void setScriptStatus(const QString &status);
+    void setScriptStatus(const QString &status, bool isRefused = false);
     void clearScriptRows();
 
     // Style presets

@@ -123,6 +123,20 @@ std::optional<QUuid> changedTrack(const LintoraSession &before, const LintoraSes
     return changed;
 }
 
+std::optional<qsizetype> changedCue(const LintoraSession &before, const LintoraSession &after)
+{
+    const auto selected = selectedIndex(after);
+    const auto former = selected ? indexOf(before, after.tracks->at(*selected).id) : std::nullopt;
+    if (!former)
+        return std::nullopt;
+    const QList<Subtitle> &now = after.tracks->at(*selected).items;
+    const QList<Subtitle> &then = before.tracks->at(*former).items;
+    const auto place = std::ranges::mismatch(now, then).in1 - now.begin();
+    if (now.isEmpty() || (place == now.size() && now.size() == then.size()))
+        return std::nullopt;
+    return std::min(place, now.size() - 1);
+}
+
 SubtitleTrack newTrack(const LintoraSession &job, const QList<Subtitle> &cues)
 {
     return {.id = newID(),

@@ -32,6 +32,10 @@ std::optional<qsizetype> indexOf(const LintoraSession &job, const QUuid &id);
 /// The track whose cues differ between the two, if the selected one of `after` is not one that differs.
 std::optional<QUuid> changedTrack(const LintoraSession &before, const LintoraSession &after);
 
+/// The first cue of the selected track of `after` that is not as in `before`, or where cues have gone there. Absent
+/// when they are the same, when none is left, and for a track that `before` has not.
+std::optional<qsizetype> changedCue(const LintoraSession &before, const LintoraSession &after);
+
 /// A track of `cues` with the job's options and switches, labelled by their language.
 SubtitleTrack newTrack(const LintoraSession &job, const QList<Subtitle> &cues);
 

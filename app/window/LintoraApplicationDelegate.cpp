@@ -1,5 +1,6 @@
 #include "app/window/LintoraApplicationDelegate.h"
 
+#include "app/fonts/FontCatalogue.h"
 #include "app/model/FCPPasteboard.h"
 #include "app/window/SystemFileDialogs.h"
 
@@ -16,6 +17,7 @@ Q_LOGGING_CATEGORY(logger, "FloatingWindow")
 
 LintoraModel::Surroundings completed(LintoraModel::Surroundings surroundings, std::function<QWidget *()> window)
 {
+    surroundings.font = FontCatalogue::defaultFamily();
     if (!surroundings.settings)
         surroundings.settings = Platform::settings();
     if (!surroundings.dialogs.open)

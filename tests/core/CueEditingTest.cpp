@@ -100,6 +100,25 @@ TEST(CueEditing, joins_neighbours_over_their_whole_time)
     EXPECT_EQ(refusal([] { CueEditing::joining(three, 2); }), u"后面没有可合并的字幕。"_s);
 }
 
+TEST(CueEditing, places_cues_by_their_times_in_lists_of_any_order)
+{
+    const auto texts = [](const QList<Subtitle> &cues) {
+        QString all;
+        for (const Subtitle &cue : cues)
+            all += cue.text + QString::number(cue.id);
+        return all;
+    };
+    const QList<Subtitle> pasted{{.id = 1, .start = 3'000, .end = 3'050, .text = u"后"_s},
+                                 {.id = 1, .start = 500, .end = 600, .text = u"前"_s}};
+    EXPECT_EQ(texts(CueEditing::placing(three, pasted)), u"大家好1前8今天聊 color7后9再见3"_s);
+    const QList<Subtitle> turned{three[2], three[0]};
+    EXPECT_EQ(texts(CueEditing::placing(turned, pasted)), u"再见3大家好1前4后5"_s);
+    EXPECT_EQ(refusal([] { CueEditing::placing(three, {{.id = 1, .start = 5, .end = 5, .text = u"好"_s}}); }),
+              u"结束时间须晚于开始时间。"_s);
+    EXPECT_EQ(refusal([] { CueEditing::placing(three, {{.id = 1, .start = 5, .end = 6, .text = u" "_s}}); }),
+              u"字幕文字不能为空；不需要的字幕请删除。"_s);
+}
+
 TEST(CueEditing, removes_in_any_order_and_once_each)
 {
     EXPECT_EQ(CueEditing::removing(three, {2, 0, 2}), QList<Subtitle>{three[1]});

@@ -1,6 +1,7 @@
 #include "app/Lintora/cues/CueTable.h"
 
 #include "app/Lintora/controls/Theme.h"
+#include "app/Lintora/cues/CueClipboard.h"
 #include "app/Lintora/cues/CueTextDelegate.h"
 #include "app/Lintora/cues/CueTimeDelegate.h"
 #include "app/Lintora/cues/SplitPosition.h"
@@ -11,6 +12,7 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QMenu>
+#include <QPainter>
 
 #include <algorithm>
 
@@ -141,6 +143,13 @@ void CueTable::select(const QModelIndex &index)
 {
     if (index.isValid())
         selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+void CueTable::takeKeyboard()
+{
+    if (!currentIndex().isValid() && m_filter.rowCount() > 0)
+        goTo(m_filter.mapToSource(m_filter.index(0, 0)).row());
+    setFocus();
 }
 
 void CueTable::editText(qsizetype cue)
@@ -279,6 +288,7 @@ void CueTable::restorePlace()
 {
     if (m_cues.trackID() && m_cues.rowCount() > 0)
         goTo(std::min(m_places.value(*m_cues.trackID(), 0), m_cues.rowCount() - 1));
+    Q_EMIT currentCueChanged(); // A reset leaves none current without a word.
 }
 
 // Commands
@@ -355,15 +365,20 @@ void CueTable::cut()
 
 void CueTable::copy()
 {
-    QStringList texts;
+    QList<Subtitle> cues;
     for (const qsizetype cue : selectedCues())
-        texts += m_cues.cue(int(cue)).text;
-    if (!texts.isEmpty())
-        QGuiApplication::clipboard()->setText(texts.join(u'\n'));
+        cues += m_cues.cue(int(cue));
+    if (!cues.isEmpty())
+        QGuiApplication::clipboard()->setMimeData(CueClipboard::offering(cues).release());
 }
 
 void CueTable::paste()
 {
+    const QMimeData *const held = QGuiApplication::clipboard()->mimeData();
+    if (const QList<Subtitle> cues = held ? CueClipboard::cuesIn(*held) : QList<Subtitle>(); !cues.isEmpty()) {
+        placeCues(cues);
+        return;
+    }
     const auto cue = currentCue();
     if (!cue || QGuiApplication::clipboard()->text().trimmed().isEmpty())
         return;
@@ -372,6 +387,17 @@ void CueTable::paste()
         m_editor->selectAll();
         m_editor->paste();
     }
+}
+
+void CueTable::placeCues(const QList<Subtitle> &cues)
+{
+    if (!commitEdit())
+        return;
+    const qint64 first = CueEditing::nextID(m_model.items());
+    for (qsizetype i = 0; i < cues.size(); ++i)
+        m_filter.keep(first + i);
+    if (const auto next = m_model.pasteCues(cues))
+        goTo(*next);
 }
 
 void CueTable::selectAll()
@@ -419,6 +445,16 @@ void CueTable::keyPressEvent(QKeyEvent *event)
     }
 }
 
+void CueTable::paintEvent(QPaintEvent *event)
+{
+    QTableView::paintEvent(event);
+    if (shownCues() > 0 || filter().isEmpty())
+        return;
+    QPainter painter(viewport());
+    painter.setPen(VELTheme::colors(*this).secondary);
+    painter.drawText(viewport()->rect(), Qt::AlignCenter, u"没有匹配的字幕，按 Esc 清除筛选"_s);
+}
+
 void CueTable::hideEvent(QHideEvent *event)
 {
     commitEdit();
@@ -452,6 +488,7 @@ void CueTable::contextMenuEvent(QContextMenuEvent *event)
     menu->addSeparator();
     add(u"剪切"_s, QKeySequence::Cut, isFree && selected > 0, &CueTable::cut);
     add(u"复制"_s, QKeySequence::Copy, selected > 0, &CueTable::copy);
+    add(u"粘贴"_s, QKeySequence::Paste, isFree, &CueTable::paste);
     menu->addSeparator();
     add(u"删除"_s, Qt::CTRL | Qt::Key_Backspace, isFree && selected > 0, &CueTable::deleteCues);
     menu->popup(event->globalPos());

@@ -30,6 +30,7 @@ public:
     std::optional<int> currentCue() const; ///< Its position in the track.
     QList<qsizetype> selectedCues() const; ///< Their positions, ascending.
     void goTo(qsizetype cue);              ///< Makes it the current one, and the only one selected.
+    void takeKeyboard();                   ///< Goes to a cue, if there is one and none is current.
     void editText(qsizetype cue);          ///< Goes there and opens the editor.
     bool isEditing() const { return m_editor || state() == EditingState; }
 
@@ -39,7 +40,7 @@ public:
 public Q_SLOTS:
     void cut();
     void copy();
-    void paste(); ///< Over the text of the current cue, in the editor.
+    void paste(); ///< Cues where they belong by their times; text over that of the current cue, in the editor.
     void selectAll() override;
     void insertCue(); ///< Behind the current one, and opens the editor on it.
     void splitCue();  ///< Where a sentence ends, near the middle.
@@ -52,6 +53,7 @@ Q_SIGNALS:
 protected:
     bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void keyboardSearch(const QString &text) override;
@@ -72,6 +74,7 @@ private:
     void splitAt(CueTextEditor &editor);
     void addMoveMenu(QMenu &menu);
     void moveTo(const QUuid &track);
+    void placeCues(const QList<Subtitle> &cues);
 
     LintoraModel &m_model;
     CueTableModel m_cues;

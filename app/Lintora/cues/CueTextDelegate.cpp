@@ -49,7 +49,9 @@ QWidget *CueTextDelegate::createEditor(QWidget *parent, const QStyleOptionViewIt
     connect(editor, &CueTextEditor::splitRequested, self, [self, editor] { Q_EMIT self->splitRequested(editor); });
     connect(editor, &CueTextEditor::joinRequested, self, [self, editor] { Q_EMIT self->joinRequested(editor); });
     connect(editor, &CueTextEditor::insertRequested, self, [self, editor] { Q_EMIT self->insertRequested(editor); });
-    connect(editor, &CueTextEditor::textChanged, self, [editor] { place(*editor, editor->geometry()); });
+    const auto fit = [editor] { place(*editor, editor->geometry()); };
+    connect(editor, &CueTextEditor::textChanged, self, fit);
+    connect(editor, &CueTextEditor::rewrapped, self, fit);
     return editor;
 }
 

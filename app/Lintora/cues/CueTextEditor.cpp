@@ -66,6 +66,13 @@ QSize CueTextEditor::sizeHint() const
     return {0, std::max(rows, 1) * VELTheme::rowHeight};
 }
 
+void CueTextEditor::resizeEvent(QResizeEvent *event)
+{
+    QPlainTextEdit::resizeEvent(event);
+    if (event->size().width() != event->oldSize().width())
+        Q_EMIT rewrapped();
+}
+
 bool CueTextEditor::event(QEvent *event)
 {
     // Keys that are commands here must not be shortcuts of the window as well.

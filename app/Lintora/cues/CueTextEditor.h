@@ -34,9 +34,11 @@ Q_SIGNALS:
     void insertRequested();
     void focusLeft(); ///< To another control of the window.
     void windowLeft();
+    void rewrapped(); ///< Its width is another one, and so may be the height that it needs.
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     bool event(QEvent *event) override;

@@ -26,7 +26,9 @@ QString summary(const Subtitle &cue)
     const CueWarnings::Read read = CueWarnings::readCharacters(cue.text);
     const auto counted = [&](qint64 characters, const QString &unit) {
         const QString speed = seconds > 0 ? QString::number(double(characters) / seconds, 'f', 1) : u"–"_s;
-        return u" · %1 %2 · %3 %2/秒"_s.arg(QString::number(characters), unit, speed);
+        // Both in one line leave no room to say everything twice.
+        const QString form = read.chinese > 0 && read.latin > 0 ? u" · %1 %2 %3/秒"_s : u" · %1 %2 · %3 %2/秒"_s;
+        return form.arg(QString::number(characters), unit, speed);
     };
     QString numbers = u"时长 %1 s"_s.arg(QString::number(seconds, 'f', 1));
     if (read.chinese > 0 || read.latin == 0)
@@ -81,7 +83,6 @@ Inspector::Inspector(LintoraModel &model, CueTableModel &cues, QWidget *parent)
 
     connect(&cues, &CueTableModel::changed, this, &Inspector::update);
     connect(&model, &LintoraModel::optionsChanged, this, &Inspector::update);
-    connect(&model, &LintoraModel::optionsChanged, this, &Inspector::shapePreview);
     update();
 }
 
@@ -91,12 +92,10 @@ void Inspector::show(std::optional<int> cue)
     update();
 }
 
-/// The picture takes the whole height, in the shape of the frame, and never more than half the width.
+/// A title is wide: so is the room for its picture.
 void Inspector::shapePreview()
 {
-    const Options &options = m_model.options();
-    const double shape = options.width > 0 && options.height > 0 ? double(options.width) / double(options.height) : 1;
-    m_preview->setFixedWidth(std::clamp(int(height() * shape), 1, std::max(1, width() / 2)));
+    m_preview->setFixedWidth(std::max(1, width() / 2));
 }
 
 void Inspector::resizeEvent(QResizeEvent * /*event*/)

@@ -37,7 +37,7 @@ private:
 /// The numbers of a cue in words.
 namespace CueNumbers {
 
-QString summary(const Subtitle &cue); ///< "时长 1.5 s · 12 字 · 8.0 字/秒", and the same in 字符 for lines of Latin.
+QString summary(const Subtitle &cue); ///< "时长 1.5 s · 12 字 · 8.0 字/秒", and 字符 for lines of Latin.
 QString gap(const Subtitle &cue, const Subtitle *next, const FrameRate &rate); ///< "下一条间隔 0 帧"
 
 } // namespace CueNumbers

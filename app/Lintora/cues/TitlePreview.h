@@ -10,7 +10,8 @@
 
 class TitleMeasure;
 
-/// A small picture of a title as Final Cut Pro will show it, in the shape of the document's frame.
+/// A small picture of a title as Final Cut Pro will show it: in the whole frame where it can be read so, else in the
+/// part of the frame around it.
 class TitlePreview : public QWidget
 {
     Q_OBJECT
@@ -28,6 +29,7 @@ protected:
 
 private:
     void draw();
+    Options shownPart() const;
 
     QString m_text;
     Options m_options;

@@ -99,6 +99,7 @@ void DragSubtitleCard::showTrack()
     if (text == m_caption)
         return;
     m_caption = text;
+    m_label = label;
     setAccessibleName(label.isEmpty() ? u"拖到 FCP 时间线"_s : u"拖到 FCP 时间线 · %1"_s.arg(label));
     updateGeometry();
     update();
@@ -122,8 +123,18 @@ void DragSubtitleCard::paintEvent(QPaintEvent * /*event*/)
                      {.highlighted = underMouse(), .focused = hasFocus()});
     const QRect room = rect().adjusted(padding, 0, -padding, 0);
     painter.setPen(palette().color(QPalette::Text));
-    painter.drawText(room, Qt::AlignVCenter | Qt::AlignLeft,
-                     fontMetrics().elidedText(m_caption, Qt::ElideRight, room.width()));
+    painter.drawText(room, Qt::AlignVCenter | Qt::AlignLeft, shownCaption(room.width()));
+}
+
+/// Where there is no room for all of it, the language stays: it tells the cards apart.
+QString DragSubtitleCard::shownCaption(int width) const
+{
+    const QString shorter = u"↗  %1"_s.arg(m_label);
+    for (const QString &caption : {m_caption, u"↗  拖回 FCP · %1"_s.arg(m_label)}) {
+        if (fontMetrics().horizontalAdvance(caption) <= width)
+            return caption;
+    }
+    return fontMetrics().elidedText(shorter, Qt::ElideMiddle, width);
 }
 
 QPixmap DragSubtitleCard::dragImage() const

@@ -17,7 +17,8 @@ public:
     /// Absent `trackID`: always the selected track. `model` must live as long as the card.
     DragSubtitleCard(LintoraModel &model, std::optional<QUuid> trackID, QWidget *parent = nullptr);
 
-    QString caption() const { return m_caption; } ///< What the card shows.
+    QString caption() const { return m_caption; } ///< What the card shows where there is room.
+    QString shownCaption(int width) const;        ///< What of it is shown within `width` points.
 
     /// What follows the pointer: the card's size, the number of its cues.
     QPixmap dragImage() const;
@@ -47,6 +48,7 @@ private:
     LintoraModel &m_model;
     const std::optional<QUuid> m_trackID;
     QString m_caption;
+    QString m_label; ///< Of the track.
     QPoint m_pressed;          ///< Where the button went down, in the card.
     bool m_dragStarted = true; ///< Since the button went down.
 };

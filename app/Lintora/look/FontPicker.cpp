@@ -13,6 +13,8 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 FontPicker::FontPicker(FontCatalogue &catalogue, Preferences &preferences, QWidget *parent)
@@ -90,8 +92,8 @@ QWidget *FontPicker::makeFoot()
 void FontPicker::begin(const QString &family, const QString &face)
 {
     const QScopedValueRollback refreshing(m_isRefreshing, true);
-    m_family = family;
-    m_wantedFace = face;
+    m_family = m_firstFamily = family;
+    m_wantedFace = m_firstFace = face;
     m_query->clear();
     m_fonts.setQuery({});
     m_list->setCurrentIndex(m_fonts.indexOf(family));
@@ -142,8 +144,12 @@ void FontPicker::followCurrent()
     m_face->setEnabled(current.isValid());
     const QSignalBlocker quietly(m_face);
     m_face->clear();
-    if (!current.isValid())
+    if (!current.isValid()) {
+        // Nothing was found, not the last of what was passed on the way.
+        if (!m_isRefreshing && std::exchange(m_family, m_firstFamily) != m_firstFamily)
+            Q_EMIT previewed(m_firstFamily, m_firstFace);
         return;
+    }
     const FontFamily &font = m_fonts.family(current);
     const QString face = FontFaces::best(font.faces, m_wantedFace);
     m_face->addItems(font.faces.isEmpty() ? QStringList{face} : font.faces);

@@ -54,5 +54,7 @@ private:
     QPushButton *m_choose;
     QString m_family; ///< What is looked at; empty before the first.
     QString m_wantedFace;
+    QString m_firstFamily; ///< What was chosen when the search began.
+    QString m_firstFace;
     bool m_isRefreshing = false;
 };

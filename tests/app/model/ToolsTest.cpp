@@ -1,4 +1,5 @@
 #include "core/ConversionError.h"
+#include "core/PlatformError.h"
 #include "core/text/SubtitleCleanup.h"
 #include "tests/support/Events.h"
 #include "tests/support/Generator.h"
@@ -200,6 +201,35 @@ TEST_F(ToolsTest, an_edit_is_heard_only_by_those_whom_it_concerns_and_no_edit_by
     EXPECT_EQ(published.take(), QStringList());
     model->setRemoveFillers(true);
     EXPECT_EQ(published.take(), (QStringList{u"removeFillersChanged"_s, u"tracksChanged"_s, u"historyChanged"_s}));
+}
+
+TEST_F(ToolsTest, filler_words_that_cannot_be_kept_are_refused_until_they_can)
+{
+    const QString folder = home(u"settings"_s);
+    QFile inTheWay(folder);
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    const auto settings = std::make_shared<QSettings>(folder + u"/a.ini"_s, QSettings::IniFormat);
+    LintoraModel other({.draftURL = home(u"other.json"_s), .settings = settings});
+    EXPECT_THROW(other.saveFillerWords(u"嗯"_s), PlatformError);
+    EXPECT_EQ(other.fillerWords(), SubtitleCleanup::defaultFillerWords());
+    ASSERT_TRUE(inTheWay.remove());
+    other.saveFillerWords(u"嗯"_s);
+    EXPECT_EQ(other.fillerWords(), QStringList{u"嗯"_s});
+    EXPECT_TRUE(QFileInfo(settings->fileName()).isFile());
+}
+
+TEST_F(ToolsTest, a_first_job_begins_with_the_font_that_it_is_given)
+{
+    LintoraModel other({.draftURL = home(u"other.json"_s),
+                        .settings = std::make_shared<QSettings>(home(u"other.ini"_s), QSettings::IniFormat),
+                        .font = u"Source Han Sans CN"_s});
+    EXPECT_EQ(other.options().font, u"Source Han Sans CN"_s);
+    other.insertCue(-1);
+    EXPECT_EQ(other.tracks().first().options.font, u"Source Han Sans CN"_s);
+    other.saveDraft();
+    const LintoraModel next({.draftURL = home(u"other.json"_s),
+                             .settings = std::make_shared<QSettings>(home(u"other.ini"_s), QSettings::IniFormat)});
+    EXPECT_EQ(next.options().font, u"Source Han Sans CN"_s);
 }
 
 TEST_F(ToolsTest, filler_words_are_kept_for_the_next_run_unless_they_are_too_many)

@@ -1,5 +1,6 @@
 #include "app/window/LintoraApplicationDelegate.h"
 
+#include "app/fonts/FontCatalogue.h"
 #include "app/window/LintoraContainer.h"
 #include "store/LintoraSession.h"
 #include "tests/app/TemporaryModel.h"
@@ -78,6 +79,11 @@ TEST_F(Application, Has_its_commands_in_two_menus)
     EXPECT_EQ(menu(1)->title(), u"编辑"_s);
     EXPECT_EQ(lines(1), QStringList({u"撤销 Ctrl+Z"_s, u"重做 Ctrl+Shift+Z"_s, u"剪切 Ctrl+X"_s, u"复制 Ctrl+C"_s,
                                      u"粘贴 Ctrl+V"_s, u"全选 Ctrl+A"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
+}
+
+TEST_F(Application, Begins_with_the_default_font)
+{
+    EXPECT_EQ(launch().model().options().font, FontCatalogue::defaultFamily());
 }
 
 TEST_F(Application, Commands_open_what_they_name)

@@ -11,8 +11,10 @@
 #include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScrollBar>
 #include <QTest>
 #include <QToolTip>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -291,6 +293,94 @@ TEST_F(CueEditing, Joins_with_the_next_inside_and_outside_the_editor)
     EXPECT_EQ(texts(), QStringList{u"一二三"_s});
 }
 
+TEST_F(CueEditing, A_window_that_opens_with_a_job_begins_at_its_first_cue)
+{
+    load({u"一"_s, u"二"_s});
+    QWidget other;
+    auto *const content = new LintoraPanel(model);
+    auto *const layout = new QVBoxLayout(&other);
+    layout->addWidget(content);
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    EXPECT_EQ(QApplication::focusWidget(), &content->table());
+    EXPECT_EQ(content->table().currentCue(), 0);
+}
+
+TEST_F(CueEditing, Cut_cues_are_pasted_with_their_times_and_as_text_elsewhere)
+{
+    loadTracks({u"一"_s, u"二"_s, u"三"_s}, {u"one"_s, u"two"_s});
+    table().goTo(1);
+    press(Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(texts(), (QStringList{u"一"_s, u"三"_s}));
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"二"_s);
+    model.selectTrack(model.tracks().at(1).id);
+    Events::handle();
+    press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(texts(), (QStringList{u"one"_s, u"two"_s, u"二"_s}));
+    EXPECT_EQ(model.items().at(2).start, 2'000);
+    EXPECT_EQ(model.items().at(2).end, 4'000);
+    EXPECT_EQ(table().currentCue(), 2);
+    model.undo();
+    EXPECT_EQ(texts(), (QStringList{u"one"_s, u"two"_s}));
+    QGuiApplication::clipboard()->setText(u"别处"_s);
+    table().goTo(0);
+    press(Qt::Key_V, Qt::ControlModifier);
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(editor()->toPlainText(), u"别处"_s);
+}
+
+TEST_F(CueEditing, A_long_text_opens_as_high_as_it_is)
+{
+    load({u"短"_s, QString(120, u'长')});
+    edit(1);
+    EXPECT_GE(editor()->height(), 3 * editor()->fontMetrics().lineSpacing());
+    EXPECT_FALSE(editor()->verticalScrollBar()->isVisible());
+}
+
+TEST_F(CueEditing, Undoing_goes_to_what_it_changed)
+{
+    load({u"一"_s, u"二"_s, u"三"_s, u"四"_s});
+    model.setText(2, u"改"_s);
+    table().goTo(0);
+    model.undo();
+    EXPECT_EQ(table().currentCue(), 2);
+    find<QLineEdit>(u"筛选字幕"_s)->setText(u"一"_s);
+    Events::handle();
+    model.redo();
+    EXPECT_EQ(table().currentCue(), 2);
+    model.deleteCues({3});
+    table().goTo(0);
+    model.undo();
+    EXPECT_EQ(table().currentCue(), 3);
+}
+
+TEST_F(CueEditing, The_filter_is_left_by_the_keys_that_lead_on)
+{
+    load({u"一"_s, u"二"_s, u"三"_s});
+    auto *const filter = find<QLineEdit>(u"筛选字幕"_s);
+    for (const int key : {Qt::Key_Down, Qt::Key_Return, Qt::Key_Escape}) {
+        filter->setFocus();
+        filter->setText(u"三"_s);
+        Events::handle();
+        compose(u"er"_s);
+        press(key);
+        EXPECT_TRUE(filter->hasFocus()) << key;
+        compose({});
+        press(key);
+        Events::handle();
+        EXPECT_TRUE(table().hasFocus()) << key;
+        EXPECT_TRUE(table().currentCue().has_value()) << key;
+        EXPECT_EQ(table().shownCues(), key == Qt::Key_Escape ? 3 : 1) << key;
+    }
+    filter->setText(u"没有"_s);
+    Events::handle();
+    const QImage nothing = table().viewport()->grab().toImage();
+    QImage blank = nothing;
+    blank.fill(nothing.pixelColor(0, 0));
+    EXPECT_NE(nothing, blank); // it says so
+}
+
 TEST_F(CueEditing, Inserts_behind_the_current_cue_and_opens_the_editor)
 {
     load({u"一"_s, u"二"_s});
@@ -405,13 +495,14 @@ TEST_F(CueEditing, Several_cues_move_to_another_track_in_one_step)
     EXPECT_EQ(texts().size(), 3);
 }
 
-TEST_F(CueEditing, Copies_cuts_and_pastes_rows_as_text)
+TEST_F(CueEditing, Copies_and_cuts_rows_as_text_and_pastes_text_over_one)
 {
     load({u"一"_s, u"二"_s, u"三"_s});
     table().setFocus();
     press(Qt::Key_Down, Qt::ShiftModifier);
     press(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"一\n二"_s);
+    QGuiApplication::clipboard()->setText(u"一\n二"_s); // as another program has it
     table().goTo(2);
     press(Qt::Key_V, Qt::ControlModifier);
     press(Qt::Key_Return);

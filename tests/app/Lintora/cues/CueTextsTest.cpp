@@ -173,7 +173,7 @@ TEST(CueNumbers, Read_as_an_editor_says_them)
     };
     EXPECT_EQ(CueNumbers::summary(cue), u"时长 1.5 s · 12 字 · 8.0 字/秒"_s);
     const Subtitle pair{.id = 1, .start = 0, .end = 2'000, .text = u"你好\nHello world"_s};
-    EXPECT_EQ(CueNumbers::summary(pair), u"时长 2.0 s · 2 字 · 1.0 字/秒 · 10 字符 · 5.0 字符/秒"_s);
+    EXPECT_EQ(CueNumbers::summary(pair), u"时长 2.0 s · 2 字 1.0/秒 · 10 字符 5.0/秒"_s);
     const Subtitle touching = nextAt(2'500);
     const Subtitle later = nextAt(2'900);
     const Subtitle earlier = nextAt(2'420);

@@ -189,6 +189,10 @@ TEST_F(DragAndDrop, A_card_bears_the_label_of_its_track)
     load(2);
     const QString label = m_model.tracks().first().label;
     EXPECT_EQ(card.caption(), u"↗  拖回 FCP 时间线    ·    "_s + label);
+    const int room = card.fontMetrics().horizontalAdvance(card.caption());
+    EXPECT_EQ(card.shownCaption(room), card.caption());
+    EXPECT_EQ(card.shownCaption(room - 1), u"↗  拖回 FCP · "_s + label);
+    EXPECT_EQ(card.shownCaption(room / 3), u"↗  "_s + label);
     EXPECT_EQ(card.toolTip(), u"拖入 FCP 时间线，生成可独立编辑的字幕片段"_s);
     EXPECT_THAT(card.accessibleName().toStdString(), testing::StartsWith("拖到 FCP 时间线"));
 }
