@@ -1,7 +1,7 @@
 #include "cli/StandardStreams.h"
 
 #include "cli/Interrupt.h"
-#include "core/PlatformError.h"
+#include "core/Failure.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -82,7 +82,7 @@ int openPipe(const QString &path, int mode)
 {
     const int descriptor = open(QFile::encodeName(path).constData(), mode | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (descriptor < 0)
-        throwSystemError();
+        throw PlatformError::aboutFile(path, qt_error_string(errno));
     return descriptor;
 }
 
@@ -122,7 +122,8 @@ void write(QByteArrayView bytes)
 }
 
 Pipe::Pipe(const QString &path)
-    : m_descriptor(openPipe(path, O_WRONLY))
+    : m_path(path)
+    , m_descriptor(openPipe(path, O_WRONLY))
 {}
 
 Pipe::~Pipe()
@@ -132,7 +133,7 @@ Pipe::~Pipe()
 
 void Pipe::write(QByteArrayView bytes) const
 {
-    writeAll(m_descriptor, bytes);
+    Failure::naming(m_path, [&] { writeAll(m_descriptor, bytes); });
 }
 
 void finish()

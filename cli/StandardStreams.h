@@ -33,6 +33,7 @@ public:
     void write(QByteArrayView bytes) const; ///< @throws PlatformError, Cancelled
 
 private:
+    QString m_path;
     int m_descriptor;
 };
 

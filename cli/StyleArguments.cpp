@@ -1,6 +1,7 @@
 #include "cli/StyleArguments.h"
 
 #include "cli/Arguments.h"
+#include "core/Failure.h"
 #include "core/json/JsonReader.h"
 #include "store/StylePresetStore.h"
 
@@ -102,6 +103,15 @@ Options applyPreset(const std::string &argument, const Options &options)
     return SubtitleStylePresets::named(presets, Arguments::toText(argument)).applying(options);
 }
 
+Options readRecord(const std::string &argument)
+{
+    const QByteArray bytes = Arguments::readInput(argument, largestRecord);
+    JsonReader json(bytes);
+    Options options = readOptions(json);
+    json.finish();
+    return options;
+}
+
 void replace(bool &field, const std::optional<bool> &given)
 {
     if (given)
@@ -147,12 +157,8 @@ void StyleArguments::add(CLI::App &command)
 Options StyleArguments::applied(Options base) const
 {
     Options options = std::move(base);
-    if (m_optionsFile) {
-        const QByteArray bytes = Arguments::readInput(*m_optionsFile, largestRecord);
-        JsonReader json(bytes);
-        options = readOptions(json);
-        json.finish();
-    }
+    if (m_optionsFile)
+        options = Failure::naming(Arguments::toPath(*m_optionsFile), [&] { return readRecord(*m_optionsFile); });
     if (m_preset)
         options = applyPreset(*m_preset, options);
     if (m_rate)

@@ -4,8 +4,7 @@
 #include "cli/Interrupt.h"
 #include "cli/StandardStreams.h"
 #include "core/Cancelled.h"
-#include "core/ConversionError.h"
-#include "core/PlatformError.h"
+#include "core/Failure.h"
 
 #include <QCoreApplication>
 #include <QLibraryInfo>
@@ -27,7 +26,18 @@ enum ExitStatus
     cancelled = 130
 };
 
-void addCommands(CLI::App &app, Commands::Work &run)
+/// What goes for every command.
+struct Common
+{
+    bool details = false; ///< Whether a refusal's detail is told too.
+};
+
+void addDetails(CLI::App &command, Common &common)
+{
+    command.add_flag("--details", common.details, "出错时另起一行给出细节：哪一行、哪个片段或哪个文件");
+}
+
+void addCommands(CLI::App &app, Commands::Work &run, Common &common)
 {
     app.require_subcommand(1);
     app.formatter(std::make_shared<HelpFormatter>());
@@ -54,8 +64,11 @@ void addCommands(CLI::App &app, Commands::Work &run)
     Commands::addTranslate(app, run);
     Commands::addProofread(app, run);
     Commands::addModels(app, run);
-    for (CLI::App *const command : app.get_subcommands({}))
+    addDetails(app, common);
+    for (CLI::App *const command : app.get_subcommands({})) {
         command->group("命令")->set_help_flag("-h,--help", "显示帮助");
+        addDetails(*command, common);
+    }
 }
 
 /// What is wrong with the command line, in Chinese. The library's own words are English and end with the culprit.
@@ -103,11 +116,11 @@ std::vector<std::string> words(int argc, char **argv)
     return result;
 }
 
-ExitStatus run(int argc, char **argv)
+ExitStatus run(int argc, char **argv, Common &common)
 {
     Commands::Work work;
     CLI::App app("Lintora（VELMORA 字幕助手）命令行", "lintora-cli");
-    addCommands(app, work);
+    addCommands(app, work, common);
     try {
         app.parse(words(argc, argv));
     } catch (const CLI::Success &request) {
@@ -140,9 +153,10 @@ void checkEncoding(int argc, char **argv)
 
 ExitStatus guarded(int argc, char **argv)
 {
+    Common common;
     try {
         checkEncoding(argc, argv);
-        return run(argc, argv);
+        return run(argc, argv, common);
     } catch (const Arguments::WrongUse &error) {
         return sayWrongUse(QString::fromUtf8(error.what()));
     } catch (const Cancelled &) {
@@ -150,8 +164,8 @@ ExitStatus guarded(int argc, char **argv)
     } catch (const std::bad_alloc &) {
         StandardStreams::writeError("内存不足。");
     } catch (const std::exception &error) {
-        // ConversionError and PlatformError carry the sentence for the user.
-        StandardStreams::writeError(error.what());
+        const Failure failure = Failure::of(error);
+        StandardStreams::writeError((common.details ? failure.text() : failure.sentence).toUtf8());
     }
     return refused;
 }

@@ -1,5 +1,7 @@
 #include "core/ConversionError.h"
 
+#include "core/Failure.h"
+
 using namespace Qt::StringLiterals;
 
 ConversionError::ConversionError(const QString &message, const QString &detail)
@@ -8,7 +10,12 @@ ConversionError::ConversionError(const QString &message, const QString &detail)
     , m_utf8(message.toUtf8())
 {}
 
-ConversionError ConversionError::aboutCue(qint64 number, QStringView problem)
+ConversionError ConversionError::aboutCue(qint64 number, QStringView problem, const QString &detail)
 {
-    return ConversionError(u"第 %1%2"_s.arg(number).arg(problem));
+    return ConversionError(u"第 %1%2"_s.arg(number).arg(problem), detail);
+}
+
+void ConversionError::addDetail(const QString &detail)
+{
+    m_detail = Failure::joined(m_detail, detail);
 }

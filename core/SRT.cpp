@@ -1,6 +1,6 @@
 #include "core/SRT.h"
 
-#include "core/ConversionError.h"
+#include "core/Failure.h"
 #include "core/files/FileReader.h"
 #include "core/files/Utf8.h"
 #include "core/files/Utf8Writer.h"
@@ -40,14 +40,28 @@ bool isBlank(char c)
     return c == ' ' || c == '\t';
 }
 
-[[noreturn]] void throwBadFormat(qint64 number)
+[[noreturn]] void throwUndecodable(const QString &detail)
 {
-    throw ConversionError::aboutCue(number, u" 条字幕格式有误，请检查序号和时间码。");
+    throw ConversionError(u"字幕编码不支持。请先另存为 UTF-8 或 UTF-16。"_s, detail);
 }
 
-[[noreturn]] void throwUndecodable()
+[[noreturn]] void throwUndecodableUtf16()
 {
-    throw ConversionError(u"字幕编码不支持。请先另存为 UTF-8 或 UTF-16。"_s);
+    throwUndecodable(u"文件带有 UTF-16 标记，其中却有残缺的字符。"_s);
+}
+
+/// Which line of a file is no UTF-8: in every other encoding it is the first that has more than ASCII.
+[[noreturn]] void throwUndecodableUtf8(QByteArrayView bytes)
+{
+    qint64 line = 1;
+    for (qsizetype from = 0; from < bytes.size(); ++line) {
+        const qsizetype feed = bytes.indexOf('\n', from);
+        const qsizetype end = feed < 0 ? bytes.size() : feed + 1;
+        if (!QUtf8StringView(bytes.sliced(from, end - from)).isValidUtf8())
+            break;
+        from = end;
+    }
+    throwUndecodable(u"文件第 %1 行不是 UTF-8。"_s.arg(line));
 }
 
 const char *find(const char *from, const char *end, char c)
@@ -339,19 +353,39 @@ private:
         return p != m_end && *p == '\n';
     }
 
+    /// Where the line that begins at `at` stands, and what number the file gives its cue.
+    QString whereabouts(const char *at, QByteArrayView numberLine) const
+    {
+        constexpr qsizetype most = 40; // characters
+        QString number = Utf8::decode(Utf8::trimmed(numberLine));
+        if (number.size() > most)
+            number = number.first(most) + u'…';
+        const auto line = std::count(m_begin, at, '\n') + 1;
+        return number.isEmpty() ? u"位于文件第 %1 行，文件中没有序号。"_s.arg(line)
+                                : u"位于文件第 %1 行，文件中的序号是 %2。"_s.arg(QString::number(line), number);
+    }
+
+    [[noreturn]] void throwBadFormat(const char *at, QByteArrayView numberLine) const
+    {
+        throw ConversionError::aboutCue(m_cues.size() + 1, u" 条字幕格式有误，请检查序号和时间码。",
+                                        whereabouts(at, numberLine));
+    }
+
     void readBlock()
     {
-        const qint64 number = m_cues.size() + 1;
+        const char *const begin = m_at;
+        QByteArrayView numberLine;
         QByteArrayView timeLine(m_at, lineEnd(m_at));
         // A number cannot hold an arrow, and nearly every block begins with one.
         if (isSequenceNumber(timeLine)) {
+            numberLine = timeLine;
             if (timeLine.end() == m_end || endsBlock(timeLine.end()))
-                throwBadFormat(number);
+                throwBadFormat(begin, numberLine);
             timeLine = QByteArrayView(timeLine.end() + 1, lineEnd(timeLine.end() + 1));
         }
         const auto times = readTimeLine(timeLine);
         if (!times)
-            throwBadFormat(number);
+            throwBadFormat(timeLine.begin(), numberLine);
         const char *const textBegin = timeLine.end();
         const char *textEnd = textBegin;
         while (textEnd != m_end && !endsBlock(textEnd))
@@ -362,12 +396,17 @@ private:
         const bool special = hasSpecial(text);
         if (special)
             text = plainText(text, m_scratch);
+        const qint64 number = m_cues.size() + 1;
         if (times->end <= times->start || Utf8::trimmed(text).isEmpty())
-            throw ConversionError::aboutCue(number, u" 条字幕为空，或结束时间早于开始时间。");
+            throw ConversionError::aboutCue(number, u" 条字幕为空，或结束时间早于开始时间。",
+                                            whereabouts(timeLine.begin(), numberLine));
         if (special && std::any_of(text.begin(), text.end(), isControl))
-            throw ConversionError(u"字幕含 XML 不支持的控制字符。"_s);
+            throw ConversionError(u"字幕含 XML 不支持的控制字符。"_s, whereabouts(firstControl(textBegin), numberLine));
         append({.id = number, .start = times->start, .end = times->end, .text = Utf8::decode(text)});
     }
+
+    /// Where in the file the control character stands; decoding moves it in the text, but makes none.
+    const char *firstControl(const char *text) const { return std::find_if(text, m_end, isControl); }
 
     void append(Subtitle &&cue)
     {
@@ -410,7 +449,7 @@ enum class ByteOrder
 QList<Subtitle> parseUtf16(QByteArray &&bytes, ByteOrder order)
 {
     if (bytes.size() % 2 != 0)
-        throwUndecodable();
+        throwUndecodableUtf16();
     // Swapped in place: a second buffer of the file's size costs more than the work on it.
     auto *const units = reinterpret_cast<quint16 *>(bytes.data());
     const qsizetype count = bytes.size() / 2;
@@ -420,7 +459,7 @@ QList<Subtitle> parseUtf16(QByteArray &&bytes, ByteOrder order)
         qFromLittleEndian<quint16>(units, count, units);
     const auto text = QStringView(units, count).sliced(1);
     if (!text.isValidUtf16())
-        throwUndecodable();
+        throwUndecodableUtf16();
     QByteArray utf8 = toUtf8(text);
     const bool hasMark = text.contains(byteOrderMark);
     bytes.clear();
@@ -460,7 +499,7 @@ char *putStamp(qint64 milliseconds, char *out)
 
 QList<Subtitle> read(const QString &path)
 {
-    return decode(FileReader::readAll(path));
+    return Failure::naming(path, [&] { return decode(FileReader::readAll(path)); });
 }
 
 QList<Subtitle> decode(QByteArray bytes)
@@ -471,7 +510,7 @@ QList<Subtitle> decode(QByteArray bytes)
         return parseUtf16(std::move(bytes), ByteOrder::big);
     const Utf8::Survey survey = Utf8::survey(bytes);
     if (!survey.valid)
-        throwUndecodable();
+        throwUndecodableUtf8(bytes);
     return parseUtf8(std::move(bytes), survey.hasMark);
 }
 

@@ -10,11 +10,12 @@ class Utf8Writer;
 ///
 /// The reader is strict: the first bad cue ends the call, so that the user can mend the file. Every cue that it returns
 /// can be written into a title: no control character that XML forbids, no formatting tag, no character entity is left.
+/// The detail of a refusal tells the line of the file, and the number that the cue has there.
 namespace SRT {
 
 /// Reads the file at `path`: UTF-16 when it begins with FF FE or FE FF, else UTF-8.
 /// @throws PlatformError when the file cannot be read.
-/// @throws ConversionError as decode does.
+/// @throws ConversionError as decode does. The detail of either names the file.
 QList<Subtitle> read(const QString &path);
 
 /// Reads the bytes of a file, encoding chosen as in read.

@@ -1,6 +1,6 @@
 #include "fcp/FCPXML.h"
 
-#include "core/ConversionError.h"
+#include "core/Failure.h"
 #include "core/files/FileReader.h"
 #include "fcp/titles/NewDocument.h"
 #include "fcp/titles/TitleConnection.h"
@@ -150,10 +150,12 @@ XmlDocument document(const QString &path)
     const QFileInfo given(QDir::cleanPath(path));
     const bool isBundle = given.suffix().compare(u"fcpxmld", Qt::CaseInsensitive) == 0;
     const QString file = isBundle ? given.filePath() + u"/Info.fcpxml"_s : path;
-    const auto bytes = FileReader::readUpTo(file, largestFile);
-    if (!bytes)
-        throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
-    return document(*bytes, QFileInfo(file).absolutePath());
+    return Failure::naming(file, [&] {
+        const auto bytes = FileReader::readUpTo(file, largestFile);
+        if (!bytes)
+            throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
+        return document(*bytes, QFileInfo(file).absolutePath());
+    });
 }
 
 XmlDocument document(QByteArrayView bytes, const QString &folder)

@@ -129,7 +129,7 @@ void DraftFile::setAside() const
         ++number;
     QFile unreadable(m_path);
     if (!unreadable.rename(form.arg(number)))
-        throw PlatformError(unreadable.errorString());
+        throw PlatformError::aboutFile(m_path, unreadable.errorString());
 }
 
 /// Keeps what became of a save, and reports a failure that is news.

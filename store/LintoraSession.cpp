@@ -1,7 +1,6 @@
 #include "store/LintoraSession.h"
 
-#include "core/ConversionError.h"
-#include "core/PlatformError.h"
+#include "core/Failure.h"
 #include "core/files/FileReader.h"
 #include "core/json/JsonReader.h"
 #include "core/json/JsonWriter.h"
@@ -84,10 +83,12 @@ LintoraSession LintoraSession::read(const QString &path)
     // Opening a pipe might wait forever.
     if (file.exists() && !file.isFile() && !file.isDir())
         throw PlatformError(u"“%1”不是普通文件。"_s.arg(path));
-    const std::optional<QByteArray> bytes = FileReader::readUpTo(path, sizeLimit);
-    if (!bytes)
-        throwTooLarge();
-    return decode(*bytes);
+    return Failure::naming(path, [&] {
+        const std::optional<QByteArray> bytes = FileReader::readUpTo(path, sizeLimit);
+        if (!bytes)
+            throwTooLarge();
+        return decode(*bytes);
+    });
 }
 
 void writeLintoraSession(JsonWriter &json, const LintoraSession &session)

@@ -1,7 +1,6 @@
 #include "store/StylePresetStore.h"
 
-#include "core/ConversionError.h"
-#include "core/PlatformError.h"
+#include "core/Failure.h"
 #include "core/files/AtomicFile.h"
 #include "core/files/FileReader.h"
 #include "core/files/Folder.h"
@@ -53,10 +52,12 @@ QList<SubtitleStylePreset> StylePresetStore::load() const
     // Opening a pipe might wait forever; a folder is refused by the platform in its own words.
     if (file.exists() && !file.isFile() && !file.isDir())
         throw PlatformError(u"“%1”不是普通文件。"_s.arg(m_file));
-    const std::optional<QByteArray> bytes = FileReader::readUpTo(m_file, sizeLimit);
-    if (!bytes)
-        throw tooLarge();
-    return decode(*bytes);
+    return Failure::naming(m_file, [&] {
+        const std::optional<QByteArray> bytes = FileReader::readUpTo(m_file, sizeLimit);
+        if (!bytes)
+            throw tooLarge();
+        return decode(*bytes);
+    });
 }
 
 QList<SubtitleStylePreset> StylePresetStore::decode(QByteArrayView data)

@@ -76,7 +76,7 @@ void StatusLine::update()
     const std::optional<QString> failure = m_model.failure();
     const QString doing = activity ? sentence(*activity) : QString();
     m_text->setText(failure.value_or(activity ? doing : m_model.message()));
-    m_text->setToolTip(failure.value_or(QString()));
+    m_text->setToolTip(failure ? failureText() : QString());
     if (m_text->property("failure").toBool() != failure.has_value()) {
         m_text->setProperty("failure", failure.has_value());
         m_text->style()->unpolish(m_text);
@@ -92,8 +92,13 @@ void StatusLine::update()
     m_cancel->setVisible(activity.has_value());
 }
 
+QString StatusLine::failureText() const
+{
+    return Failure{.sentence = m_model.failure().value_or(QString()), .detail = m_model.failureDetail()}.text();
+}
+
 void StatusLine::copy() const
 {
     if (m_model.failure())
-        QGuiApplication::clipboard()->setText(*m_model.failure());
+        QGuiApplication::clipboard()->setText(failureText());
 }

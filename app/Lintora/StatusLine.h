@@ -11,8 +11,8 @@ class BusyBar;
 
 /// What has become of the last operation, and what is under way.
 ///
-/// A failure stands in its own colour and can be copied; success is quiet. While long work runs, what it is doing,
-/// how far it is and a button to cancel it are here.
+/// A failure stands in its own colour, tells its detail under the pointer and can be copied with it; success is quiet.
+/// While long work runs, what it is doing, how far it is and a button to cancel it are here.
 class StatusLine : public QWidget
 {
     Q_OBJECT
@@ -28,6 +28,7 @@ Q_SIGNALS:
 
 private:
     void update();
+    QString failureText() const; ///< With its detail.
     void copy() const;
 
     LintoraModel &m_model;

@@ -99,7 +99,7 @@ void BackgroundTask::start(Run run, Work work)
         } catch (const Cancelled &) {
             ending = nullptr;
         } catch (const std::exception &error) {
-            ending = [refused, sentence = QString::fromUtf8(error.what())] { refused(sentence); };
+            ending = [refused, failure = Failure::of(error)] { refused(failure); };
         }
         line->post([job, ending = std::move(ending)](BackgroundTask &task) { task.end(job.get(), ending); });
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Failure.h"
 #include "core/Job.h"
 #include "core/Progress.h"
 
@@ -19,7 +20,7 @@
 /// Every run ends exactly once, on the main thread, and says how:
 ///
 /// | done      | with the value that the operation returned |
-/// | refused   | with the sentence of what it threw |
+/// | refused   | with what the error says that it threw |
 /// | cancelled | at once when it is cancelled or replaced, and when this object goes; its value is dropped |
 ///
 /// What was cancelled may need a moment yet on its worker. finish() and the destructor wait for it: for what writes to
@@ -32,7 +33,7 @@ class BackgroundTask : public QObject
     Q_OBJECT
 
 public:
-    using Refused = std::function<void(const QString &sentence)>;
+    using Refused = std::function<void(const Failure &failure)>;
 
     /// What a new run does to one that is under way.
     enum class Order

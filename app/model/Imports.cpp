@@ -31,8 +31,14 @@ void keepProject(ImportedTimeline &timeline, const XmlDocument &document, FCPPro
         project.rate = timeline.settings->rate;
         timeline.project = std::move(project);
     } catch (const ConversionError &error) {
-        timeline.failure = error.message();
+        timeline.failure = Failure::of(error);
     }
+}
+
+/// What was wrong first, `error` unless something was before.
+ConversionError first(const ImportedTimeline &timeline, const ConversionError &error)
+{
+    return timeline.failure ? ConversionError(timeline.failure->sentence, timeline.failure->detail) : error;
 }
 
 ImportedTimeline readTimeline(const XmlDocument &document, FCPProject project, Job &job)
@@ -48,12 +54,12 @@ ImportedTimeline readTimeline(const XmlDocument &document, FCPProject project, J
             timeline.settings = timeline.plan->settings;
     } catch (const NothingAudible &error) {
         if (!timeline.project)
-            throw timeline.failure ? ConversionError(*timeline.failure) : static_cast<const ConversionError &>(error);
+            throw first(timeline, error);
         timeline.isSilent = true;
     } catch (const ConversionError &error) {
         if (!timeline.project)
-            throw timeline.failure ? ConversionError(*timeline.failure) : error;
-        timeline.failure = error.message();
+            throw first(timeline, error);
+        timeline.failure = Failure::of(error);
     }
     return timeline;
 }
@@ -87,12 +93,14 @@ ImportedTimeline readTimeline(const QString &path, Job &job)
         given.suffix().toLower() == u"fcpxmld" ? given.filePath() + u"/Info.fcpxml"_s : given.filePath();
     checkRegular(file);
     const auto bytes = FileReader::readUpTo(file, FCPXML::largestFile);
-    if (!bytes)
-        throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
     job.check();
     const QString folder = QFileInfo(file).absolutePath();
-    const XmlDocument document = FCPXML::document(*bytes, folder);
-    return readTimeline(document, {.document = *bytes, .folder = folder, .name = {}, .rate = {}}, job);
+    return Failure::naming(file, [&] {
+        if (!bytes)
+            throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
+        const XmlDocument document = FCPXML::document(*bytes, folder);
+        return readTimeline(document, {.document = *bytes, .folder = folder, .name = {}, .rate = {}}, job);
+    });
 }
 
 ImportedTimeline readTimeline(const QByteArray &dragged, Job &job)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/model/FCPProject.h"
+#include "core/Failure.h"
 #include "core/Job.h"
 #include "core/Subtitle.h"
 #include "fcp/audio/FCPAudioPlan.h"
@@ -26,7 +27,7 @@ struct ImportedTimeline
     std::optional<Options> settings = {};   ///< Rate, size, font size and name that match it.
     std::optional<FCPAudioPlan> plan = {};  ///< Absent when it cannot be heard.
     bool isSilent = false;                  ///< Nothing on it can be heard, and that is all that is wrong with it.
-    std::optional<QString> failure = {};    ///< What is wrong in spite of all that is there.
+    std::optional<Failure> failure = {};    ///< What is wrong in spite of all that is there.
 };
 
 using Imported = std::variant<ImportedCues, ImportedTimeline>;

@@ -79,13 +79,23 @@ void LintoraModel::apply(const LintoraSession &session)
 
 void LintoraModel::report(const QString &message)
 {
-    publish(m_failure, std::optional<QString>(), &LintoraModel::failureChanged);
+    publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged);
     publish(m_message, message, &LintoraModel::messageChanged);
 }
 
-void LintoraModel::reportFailure(const QString &sentence)
+std::optional<QString> LintoraModel::failure() const
 {
-    publish(m_failure, std::optional(sentence), &LintoraModel::failureChanged);
+    return m_failure ? std::optional(m_failure->sentence) : m_unsaved;
+}
+
+QString LintoraModel::failureDetail() const
+{
+    return m_failure ? m_failure->detail : QString();
+}
+
+void LintoraModel::reportFailure(const Failure &failure)
+{
+    publish(m_failure, std::optional(failure), &LintoraModel::failureChanged);
 }
 
 bool LintoraModel::refuseWhileBusy(const QString &sentence)
@@ -211,10 +221,10 @@ std::optional<qsizetype> LintoraModel::editCues(const QString &title, const QLis
     try {
         replaceItems(change(items()), title);
     } catch (const ConversionError &error) {
-        reportFailure(error.message());
+        reportFailure(Failure::of(error));
         return std::nullopt;
     }
-    publish(m_failure, std::optional<QString>(), &LintoraModel::failureChanged);
+    publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged);
     return std::clamp<qsizetype>(next, -1, items().size() - 1);
 }
 

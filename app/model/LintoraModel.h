@@ -6,6 +6,7 @@
 #include "app/model/Imports.h"
 #include "app/model/Preferences.h"
 #include "app/model/SessionKeeper.h"
+#include "core/Failure.h"
 #include "core/text/ScriptAlignment.h"
 #include "store/RecentSessions.h"
 #include "store/StylePresetStore.h"
@@ -76,14 +77,16 @@ public:
 
     /// Shown in the message's place: why an operation was refused, else why the job cannot be saved, as long as it
     /// cannot.
-    const std::optional<QString> &failure() const { return m_failure ? m_failure : m_unsaved; }
+    std::optional<QString> failure() const;
+    QString failureDetail() const; ///< What goes with it, shown and copied on demand. Mostly empty.
 
     /// How far long work is; absent while there is none. cancelActivity() ends it, and leaves the job as it was.
     std::optional<Progress> activity() const;
     void cancelActivity();
 
     void report(const QString &message); ///< Puts `message` up and takes the refusal down.
-    void reportFailure(const QString &sentence);
+    void reportFailure(const Failure &failure);
+    void reportFailure(const QString &sentence) { reportFailure(Failure{.sentence = sentence}); }
 
     // Tracks
 
@@ -224,7 +227,7 @@ public:
         m_owner.run<JobType>(
             first, std::move(operation),
             [this, take = std::move(take)](auto result) { releaseCues([&] { take(std::move(result)); }); },
-            [this](const QString &sentence) { releaseCues([&] { reportFailure(sentence); }); },
+            [this](const Failure &failure) { releaseCues([&] { reportFailure(failure); }); },
             [this] { releaseCues([] {}); });
         return true;
     }
@@ -427,7 +430,7 @@ private:
     size_t m_sessionBegins =
         0; ///< Steps of the history up to the session's opening; the largest number: left for good.
     QString m_message;
-    std::optional<QString> m_failure;
+    std::optional<Failure> m_failure;
     std::optional<QString> m_unsaved; ///< Why the newest job is not saved.
     std::optional<QString> m_quitQuestion;
 

@@ -40,7 +40,7 @@ void LintoraModel::exportSRT()
                                return Written(u"已导出 %1 条字幕"_s.arg(cues.size()));
                            },
                            [this](const Written &message) { report(message); },
-                           [this](const QString &sentence) { reportFailure(sentence); });
+                           [this](const Failure &failure) { reportFailure(failure); });
                    });
 }
 
@@ -93,7 +93,7 @@ void LintoraModel::exportTitles(const std::optional<FCPProject> &project)
                                return Written(u"已写入并核对 %1 条字幕，逐帧一致"_s.arg(cues.size()));
                            },
                            [this](const Written &message) { report(message); },
-                           [this](const QString &sentence) { reportFailure(sentence); });
+                           [this](const Failure &failure) { reportFailure(failure); });
                    });
 }
 
@@ -108,9 +108,9 @@ std::optional<QByteArray> LintoraModel::payload(std::optional<QUuid> trackID)
         const SubtitleTrack track = index ? tracks().at(*index) : SubtitleTrack{.options = options()};
         return SubtitleTransfer::clip(track.items, track.options);
     } catch (const ConversionError &error) {
-        reportFailure(error.message());
+        reportFailure(Failure::of(error));
     } catch (const PlatformError &error) {
-        reportFailure(error.description());
+        reportFailure(Failure::of(error));
     }
     return std::nullopt;
 }

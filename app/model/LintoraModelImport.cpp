@@ -134,7 +134,7 @@ void LintoraModel::importFrom(const QString &what, std::function<Imports::Import
             takeImported(imported);
             then();
         },
-        [this](const QString &sentence) { reportFailure(sentence); });
+        [this](const Failure &failure) { reportFailure(failure); });
 }
 
 void LintoraModel::takeImported(const Imports::Imported &imported)

@@ -39,7 +39,7 @@ void LintoraModel::openSession(const QUrl &link)
             publish(m_project, std::optional<FCPProject>(), &LintoraModel::projectChanged);
             setPinned(true);
         },
-        [this](const QString &sentence) { reportFailure(sentence); });
+        [this](const Failure &failure) { reportFailure(failure); });
 }
 
 /// Takes up what the extension wrote.

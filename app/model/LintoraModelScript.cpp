@@ -30,7 +30,7 @@ void LintoraModel::matchScript()
             return ScriptAlignment::match(text, cues, [&] { job.check(); });
         },
         [this](const ScriptMatchResult &result) { takeScriptResult(result); },
-        [this](const QString &sentence) { setScriptStatus(sentence, true); }, [this] { setScriptStatus({}); });
+        [this](const Failure &failure) { setScriptStatus(failure.sentence, true); }, [this] { setScriptStatus({}); });
     setScriptStatus(u"正在匹配文稿…"_s);
 }
 

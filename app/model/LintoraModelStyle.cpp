@@ -142,5 +142,5 @@ void LintoraModel::changePresets(std::function<Presets(Presets)> change, const Q
             publish(m_stylePresets, presets, &LintoraModel::stylePresetsChanged);
             report(message);
         },
-        [this](const QString &sentence) { reportFailure(sentence); });
+        [this](const Failure &failure) { reportFailure(failure); });
 }

@@ -91,7 +91,7 @@ std::optional<qint64> LintoraModel::replaceKeywords(const QString &query, const 
         report(u"已替换 %1 处 · %2 条字幕，可撤销修改"_s.arg(outcome.occurrences).arg(outcome.changedCues));
         return outcome.occurrences;
     } catch (const ConversionError &error) {
-        reportFailure(error.message());
+        reportFailure(Failure::of(error));
         return std::nullopt;
     }
 }

@@ -28,7 +28,7 @@ bool isReplaceable(const QString &path)
 
 /// Brings what was written to an open file or folder to the disk. Where the file system has no such thing, nothing can
 /// be done.
-void syncDescriptor(int descriptor)
+void syncDescriptor(int descriptor, const QString &path)
 {
 #ifdef F_FULLFSYNC
     // Here fsync leaves the data in the disk's own cache.
@@ -36,7 +36,7 @@ void syncDescriptor(int descriptor)
         return;
 #endif
     if (fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP)
-        throw PlatformError(qt_error_string(errno));
+        throw PlatformError::aboutFile(path, qt_error_string(errno));
 }
 
 /// Brings the names in a folder to the disk. A folder that we may write to but not read cannot be opened for that.
@@ -46,7 +46,7 @@ void syncFolder(const QString &folder)
     if (descriptor < 0)
         return;
     const auto close = qScopeGuard([=] { ::close(descriptor); });
-    syncDescriptor(descriptor);
+    syncDescriptor(descriptor, folder);
 }
 
 } // namespace
@@ -58,7 +58,7 @@ AtomicFile::AtomicFile(const QString &path)
     else
         m_file = std::make_unique<QFile>(path);
     if (!m_file->open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        throw PlatformError(m_file->errorString());
+        throw PlatformError::aboutFile(m_file->fileName(), m_file->errorString());
 }
 
 AtomicFile::~AtomicFile() = default;
@@ -69,7 +69,7 @@ void AtomicFile::write(QByteArrayView bytes)
     while (!bytes.isEmpty()) {
         const qint64 written = m_file->write(bytes.data(), bytes.size());
         if (written <= 0)
-            throw PlatformError(m_file->errorString());
+            throw PlatformError::aboutFile(m_file->fileName(), m_file->errorString());
         bytes = bytes.sliced(written);
     }
 }
@@ -78,7 +78,7 @@ void AtomicFile::sync()
 {
     // The replacement syncs its content too, but keeps to itself when that fails.
     if (qobject_cast<QSaveFile *>(m_file.get()) != nullptr)
-        syncDescriptor(m_file->handle());
+        syncDescriptor(m_file->handle(), m_file->fileName());
 }
 
 QByteArray AtomicFile::readBack() const
@@ -88,14 +88,14 @@ QByteArray AtomicFile::readBack() const
     struct stat status
     {};
     if (fstat(descriptor, &status) != 0)
-        throw PlatformError(qt_error_string(errno));
+        throw PlatformError::aboutFile(m_file->fileName(), qt_error_string(errno));
     QByteArray bytes(status.st_size, Qt::Uninitialized);
     for (qsizetype done = 0; done < bytes.size();) {
         const ssize_t read = pread(descriptor, bytes.data() + done, size_t(bytes.size() - done), off_t(done));
         if (read < 0 && errno == EINTR)
             continue;
         if (read < 0)
-            throw PlatformError(qt_error_string(errno));
+            throw PlatformError::aboutFile(m_file->fileName(), qt_error_string(errno));
         if (read == 0)
             bytes.truncate(done);
         done += read;
@@ -108,14 +108,14 @@ void AtomicFile::commit(Durability durability)
     auto *const replacement = qobject_cast<QSaveFile *>(m_file.get());
     if (replacement == nullptr) {
         if (!m_file->flush())
-            throw PlatformError(m_file->errorString());
+            throw PlatformError::aboutFile(m_file->fileName(), m_file->errorString());
         m_file->close();
         return;
     }
     if (durability == Durability::PowerCut)
         sync();
     if (!replacement->commit())
-        throw PlatformError(replacement->errorString());
+        throw PlatformError::aboutFile(replacement->fileName(), replacement->errorString());
     if (durability == Durability::PowerCut)
         syncFolder(QFileInfo(QFileInfo(replacement->fileName()).canonicalFilePath()).path());
 }

@@ -12,7 +12,7 @@ class QFileDevice;
 /// The new content is written beside the target and renamed over it by commit(). Without commit() the target stays as
 /// it was and the half-written file is removed. A symbolic link stays a link: what it points to is replaced. An
 /// existing target keeps its permissions. What is no regular file (a terminal, a pipe, /dev/full) cannot be replaced
-/// and is written to as it stands.
+/// and is written to as it stands. The detail of every PlatformError names the target.
 class AtomicFile
 {
 public:

@@ -11,7 +11,7 @@ namespace {
 void open(QFile &file)
 {
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        throw PlatformError(file.errorString());
+        throw PlatformError::aboutFile(file.fileName(), file.errorString());
 }
 
 } // namespace
@@ -22,7 +22,7 @@ QByteArray readAll(const QString &path)
     open(file);
     QByteArray bytes = file.readAll();
     if (file.error() != QFile::NoError)
-        throw PlatformError(file.errorString());
+        throw PlatformError::aboutFile(file.fileName(), file.errorString());
     return bytes;
 }
 
@@ -37,7 +37,7 @@ std::optional<QByteArray> readUpTo(const QString &path, qint64 limit)
     for (;;) {
         const QByteArray piece = file.read(limit + 1 - bytes.size());
         if (file.error() != QFile::NoError)
-            throw PlatformError(file.errorString());
+            throw PlatformError::aboutFile(file.fileName(), file.errorString());
         if (piece.isEmpty())
             return bytes;
         bytes = bytes.isEmpty() ? piece : bytes + piece;

@@ -104,6 +104,7 @@ TEST_F(CommandLineTest, a_refusal_is_one_sentence_and_leaves_the_output_alone)
 TEST_F(CommandLineTest, files_that_cannot_be_read_or_written_are_named_by_the_platform)
 {
     const QString in = file(u"in.srt"_s, goodSrt);
+    const QString record = file(u"record.json"_s, "{");
     const QStringList before = names();
     for (const QStringList &arguments : {QStringList{u"srt"_s, path(u"missing"_s)},
                                          {u"srt"_s, path(u""_s)},
@@ -111,12 +112,18 @@ TEST_F(CommandLineTest, files_that_cannot_be_read_or_written_are_named_by_the_pl
                                          {u"srt"_s, in, u"-o"_s, path(u""_s)},
                                          {u"srt"_s, in, u"-o"_s, u"/dev/full"_s},
                                          {u"settings"_s, path(u"missing.fcpxmld"_s)},
+                                         {u"session"_s, record},
+                                         {u"titles"_s, in, u"--options"_s, record},
                                          {u"titles"_s, in, u"--options"_s, path(u""_s)}}) {
         const auto outcome = CommandLine::run(arguments);
         EXPECT_EQ(outcome.status, 1) << arguments.join(u' ').toStdString();
         EXPECT_EQ(outcome.output, "");
         EXPECT_EQ(outcome.error.count('\n'), 1) << outcome.error.data();
         EXPECT_GT(outcome.error.size(), 5);
+        const QString named = arguments.last();
+        const auto detailed = CommandLine::run(arguments + QStringList{u"--details"_s});
+        EXPECT_TRUE(detailed.error.startsWith(outcome.error + "文件：" + named.toUtf8())) << detailed.error.data();
+        EXPECT_EQ(detailed.error.count('\n'), 2) << detailed.error.data();
     }
     EXPECT_EQ(names(), before);
     // Bytes that the decoder of four-byte characters chokes on.

@@ -271,6 +271,30 @@ TEST(SRT, refuses)
     }
 }
 
+TEST(SRT, says_in_the_detail_where_in_the_file_the_cue_stands_and_what_it_is_called_there)
+{
+    const QByteArray good = "41\r\n00:00:01,000 --> 00:00:02,000\r\nA\r\nB\r\n\r\n";
+    const QByteArray time = "00:00:01,000 --> 00:00:02,000\n";
+    for (const auto &[bytes, detail] : {
+             std::pair<QByteArray, QString>{good + "57\n00:00:0x\nA", u"位于文件第 7 行，文件中的序号是 57。"_s},
+             {good + "57", u"位于文件第 6 行，文件中的序号是 57。"_s},
+             {good + "\n\n00:00:01 -> 00:00:02\nA", u"位于文件第 8 行，文件中没有序号。"_s},
+             {good + "57\n" + time + "\nA", u"位于文件第 7 行，文件中的序号是 57。"_s},
+             {good + "57\n" + time + "A\nB\a", u"位于文件第 9 行，文件中的序号是 57。"_s},
+             {QByteArray(50, '0') + "\nx", u"位于文件第 2 行，文件中的序号是 %1…。"_s.arg(QString(40, u'0'))},
+             {good + "58\n" + time + "caf\xE9", u"文件第 8 行不是 UTF-8。"_s},
+             {"\xFF\xFE\x31", u"文件带有 UTF-16 标记，其中却有残缺的字符。"_s},
+             {"", QString()},
+         }) {
+        try {
+            SRT::decode(bytes);
+            ADD_FAILURE() << bytes.toStdString();
+        } catch (const ConversionError &error) {
+            EXPECT_EQ(error.detail().toStdString(), detail.toStdString());
+        }
+    }
+}
+
 TEST(SRT, decodes_both_utf16_orders_and_utf8_alike)
 {
     const QString text = u"1\r\n00:00:01,000 --> 00:00:02,000\r\n你好 😀 café\r\n"_s;
@@ -345,6 +369,11 @@ TEST(SRT, what_is_written_reads_the_same)
 
 TEST(SRT, a_file_that_cannot_be_read_keeps_the_platforms_words)
 {
-    EXPECT_THROW(SRT::read(u"/nonexistent/a.srt"_s), PlatformError);
+    try {
+        SRT::read(u"/nonexistent/a.srt"_s);
+        ADD_FAILURE();
+    } catch (const PlatformError &error) {
+        EXPECT_EQ(error.detail(), u"文件：/nonexistent/a.srt"_s) << "once";
+    }
     EXPECT_THROW(SRT::read(u"/"_s), PlatformError);
 }

@@ -124,7 +124,8 @@ void StyleStage::loadStill(const QString &path)
     setRefusal({});
     m_reading.run(
         u"正在读取画面…"_s, [path](Job & /*job*/, const ProgressReport & /*report*/) { return readStill(path); },
-        [this](const QImage &still) { takeStill(still); }, [this](const QString &sentence) { setRefusal(sentence); });
+        [this](const QImage &still) { takeStill(still); },
+        [this](const Failure &failure) { setRefusal(failure.sentence); });
 }
 
 void StyleStage::takeStill(const QImage &still)

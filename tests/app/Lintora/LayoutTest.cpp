@@ -150,12 +150,15 @@ TEST_F(Layout, A_failure_is_one_line_that_can_be_read_in_full_and_copied)
     model.report(u"已载入"_s);
     EXPECT_EQ(status(), u"已载入"_s);
     EXPECT_EQ(button(u"复制出错信息"_s), nullptr);
-    model.reportFailure(sentence);
-    Events::handle();
-    EXPECT_EQ(status(), sentence);
-    EXPECT_EQ(find<ElidedLabel>(u"状态"_s)->toolTip(), sentence);
-    click(u"复制出错信息"_s);
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), sentence);
+    for (const QString &detail : {u""_s, u"位于文件第 7 行。"_s}) {
+        const QString whole = detail.isEmpty() ? sentence : sentence + u'\n' + detail;
+        model.reportFailure(Failure{.sentence = sentence, .detail = detail});
+        Events::handle();
+        EXPECT_EQ(status(), sentence);
+        EXPECT_EQ(find<ElidedLabel>(u"状态"_s)->toolTip(), whole);
+        click(u"复制出错信息"_s);
+        EXPECT_EQ(QGuiApplication::clipboard()->text(), whole);
+    }
     model.report(u"好了"_s);
     EXPECT_EQ(button(u"复制出错信息"_s), nullptr);
 }

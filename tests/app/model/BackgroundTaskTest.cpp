@@ -29,7 +29,7 @@ struct Told
     {
         task.run(
             name, std::move(operation), [this, name](int result) { endings += name + u' ' + QString::number(result); },
-            [this, name](const QString &sentence) { endings += name + u' ' + sentence; },
+            [this, name](const Failure &failure) { endings += name + u' ' + failure.text(); },
             [this, name] { endings += name + u" cancelled"_s; });
     }
 };
@@ -53,7 +53,7 @@ struct Deaf
 
 int refuse(Job & /*job*/, const ProgressReport & /*report*/)
 {
-    throw ConversionError(u"不行。"_s);
+    throw ConversionError(u"不行。"_s, u"第 3 行。"_s);
 }
 
 auto returning(int result)
@@ -82,7 +82,7 @@ TEST(BackgroundTask, brings_progress_and_result_to_the_main_thread)
             told = QThread::currentThread();
             EXPECT_EQ(result, 42);
         },
-        [](const QString & /*sentence*/) {});
+        [](const Failure & /*failure*/) {});
     EXPECT_EQ(task.progress(), Progress{.what = u"开始"_s});
     EXPECT_TRUE(Events::waitFor([&] { return task.progress() == half; }));
     goOn.release();
@@ -128,7 +128,7 @@ TEST(BackgroundTask, ends_every_run_once_and_says_how_in_every_order)
         told.run(task, u"一"_s, returning(1));
         EXPECT_EQ(endings(), QStringList{u"一 1"_s});
         told.run(task, u"二"_s, refuse);
-        EXPECT_EQ(endings(), QStringList{u"二 不行。"_s});
+        EXPECT_EQ(endings(), QStringList{u"二 不行。\n第 3 行。"_s});
         told.run(task, u"三"_s, [](Job & /*job*/, const ProgressReport & /*report*/) -> int { throw Cancelled(); });
         EXPECT_EQ(endings(), QStringList{u"三 cancelled"_s}) << "also one that ends so by itself";
 
@@ -181,7 +181,7 @@ TEST(BackgroundTask, runs_one_after_another_where_each_counts)
     EXPECT_EQ(task.progress(), Progress{.what = u"一"_s});
     deaf.goOn.release();
     EXPECT_TRUE(Events::waitFor([&] { return !task.isRunning(); }));
-    EXPECT_EQ(told.endings, (QStringList{u"一 1"_s, u"二 不行。"_s, u"三 3"_s}));
+    EXPECT_EQ(told.endings, (QStringList{u"一 1"_s, u"二 不行。\n第 3 行。"_s, u"三 3"_s}));
 }
 
 TEST(BackgroundTask, stops_the_operations_when_it_goes_and_tells_their_end)
