@@ -54,7 +54,7 @@ void LintoraModel::exportAllSRT()
                 return Written(u"已导出 %1 个 SRT 文件"_s.arg(Exports::writeAllSRT(folder, name, tracks, job)));
             },
             [this](const Written &message) { report(message); },
-            [this](const QString &sentence) { reportFailure(sentence); });
+            [this](const Failure &failure) { reportFailure(failure); });
     });
 }
 

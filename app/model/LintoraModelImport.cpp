@@ -4,6 +4,7 @@
 #include "app/model/LintoraModel.h"
 #include "app/model/SessionTracks.h"
 #include "fcp/FCPXML.h"
+#include "fcp/xml/XmlGuard.h"
 
 #include <utility>
 
@@ -17,17 +18,25 @@ const QString &unknownFile()
     return sentence;
 }
 
-QString planMessage(const FCPAudioPlan &plan)
+/// `isSelection`: clips out of a timeline, of which none gives the whole its name.
+QString planMessage(const FCPAudioPlan &plan, bool isSelection)
 {
-    if (plan.name.isEmpty())
-        return u"已接入 FCP 时间线"_s;
-    QString message =
-        u"已接入 FCP：%1 · %2 个音频片段 · 保留剪切范围与间隔"_s.arg(plan.name, QString::number(plan.segments.size()));
+    QString message = isSelection ? u"已接入 FCP 时间线"_s : u"已接入 FCP："_s + plan.name;
+    message += u" · %1 个音频片段 · 保留剪切范围与间隔"_s.arg(plan.segments.size());
     if (plan.hasAudioEffects)
         message += u" · 按原始音轨识别，音频特效不参与"_s;
     if (const auto notice = plan.retimeNotice())
         message += u" · "_s + *notice;
     return message;
+}
+
+/// The look goes on; where the last document began and what it was called does not, unless a project is kept for it.
+Options forAnother(Options options, bool keepsName)
+{
+    options.shiftMS = 0;
+    if (!keepsName)
+        options.name = Options().name;
+    return options;
 }
 
 } // namespace
@@ -55,7 +64,10 @@ void LintoraModel::load(const QUrl &file)
     } else {
         importFrom(
             u"正在读取字幕…"_s,
-            [path, options = options()](Job &job) { return Imports::readSubtitles(path, options, job); }, [] {});
+            [path, options = forAnother(options(), true)](Job &job) {
+                return Imports::readSubtitles(path, options, job);
+            },
+            [] {});
     }
 }
 
@@ -71,7 +83,7 @@ bool LintoraModel::receive(const QMimeData &pasteboard)
         return false;
     if (const auto type = FCPPasteboard::offeredType(pasteboard)) {
         const QByteArray data = pasteboard.data(*type);
-        if (data.size() > FCPXML::largestFile) {
+        if (data.size() > FCPXML::largestFile || XmlGuard::mentionsEntity(data)) {
             reportFailure(u"FCP 数据过大或含不支持的 XML 实体。"_s);
             return false;
         }
@@ -101,7 +113,7 @@ void LintoraModel::openRecent(const QString &file)
             if (!aiBusy())
                 report(u"已载入"_s);
         },
-        [this](const QString &sentence) { reportFailure(sentence); });
+        [this](const Failure &failure) { reportFailure(failure); });
 }
 
 void LintoraModel::choose()
@@ -148,7 +160,9 @@ void LintoraModel::takeImported(const Imports::Imported &imported)
 
 void LintoraModel::takeCues(const Imports::ImportedCues &imported)
 {
-    replaceJob(SessionTracks::importing(m_job, imported.cues, imported.source), u"载入字幕"_s, Step::load);
+    LintoraSession next = m_job;
+    next.options = forAnother(next.options, m_project && m_project->rate == next.options.rate);
+    replaceJob(SessionTracks::importing(std::move(next), imported.cues, imported.source), u"载入字幕"_s, Step::load);
     report(u"已载入"_s);
 }
 
@@ -167,7 +181,7 @@ void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
     }
     publish(m_timelinePlan, timeline.plan, &LintoraModel::aiTimelinePlanChanged);
     if (timeline.plan)
-        report(planMessage(*timeline.plan));
+        report(planMessage(*timeline.plan, !timeline.project && !timeline.failure));
     else if (timeline.isSilent)
         report(u"已匹配项目；没有发现可识别音轨"_s);
     if (timeline.failure)

@@ -203,5 +203,7 @@ void LintoraModel::keepEdited()
         [this](const QList<RecentSessions::Entry> &entries) {
             publish(m_recentSessions, entries, &LintoraModel::recentSessionsChanged);
         },
-        [this](const QString &sentence) { reportFailure(u"无法保留之前的字幕："_s + sentence); });
+        [this](const Failure &failure) {
+            reportFailure(Failure{.sentence = u"无法保留之前的字幕："_s + failure.sentence, .detail = failure.detail});
+        });
 }

@@ -99,11 +99,27 @@ TEST_F(ImportTest, refuses_with_the_reason_and_leaves_the_job_alone)
 TEST_F(ImportTest, refuses_cues_of_which_the_current_options_make_no_titles)
 {
     Options options;
-    options.shiftMS = -5'000;
+    options.bottomPercent = 41;
     model->setOptions(options);
     load(write(u"a.srt"_s, oneCue));
-    EXPECT_EQ(failure(), u"时间偏移后有字幕早于项目起点，请调整偏移。"_s);
+    EXPECT_EQ(failure(), u"画面或字体设置无效。"_s);
     EXPECT_TRUE(model->items().isEmpty());
+}
+
+TEST_F(ImportTest, keeps_the_look_but_neither_shift_nor_name_of_the_last_document)
+{
+    Options options;
+    options.shiftMS = -5'000;
+    options.name = u"上一部"_s;
+    options.fontSize = 60;
+    model->setOptions(options);
+    load(write(u"a.srt"_s, oneCue));
+    Options expected;
+    expected.fontSize = 60;
+    EXPECT_EQ(model->options(), expected);
+    load(write(u"p.fcpxml"_s, talk()));
+    load(write(u"b.srt"_s, oneCue));
+    EXPECT_EQ(model->options().name, u"Film_字幕版"_s) << "what exports still go into";
 }
 
 TEST_F(ImportTest, takes_one_file_or_a_document_in_a_drop)
@@ -136,7 +152,7 @@ TEST_F(ImportTest, takes_dragged_data_up_to_its_limit_and_never_an_entity)
     EXPECT_FALSE(drop(document + '\n'));
     EXPECT_EQ(failure(), u"FCP 数据过大或含不支持的 XML 实体。"_s);
     model->report({});
-    drop("<!DOCTYPE fcpxml [<!ENTITY a \"b\">]><fcpxml/>");
+    EXPECT_FALSE(drop("<!DOCTYPE fcpxml [<!ENTITY a \"b\">]><fcpxml/>"));
     EXPECT_EQ(failure(), u"FCP 数据过大或含不支持的 XML 实体。"_s);
     QMimeData newest;
     newest.setData(u"com.apple.finalcutpro.xml"_s, "<old/>");
@@ -174,7 +190,7 @@ TEST_F(ImportTest, a_project_is_matched_and_kept_before_its_sound_is_judged)
          StoryDocument::selection({tag("asset-clip name=采访 ref=talk offset=0s duration=10s format=p25")}),
          false,
          true,
-         u"已接入 FCP：采访 · 1 个音频片段 · 保留剪切范围与间隔"_s,
+         u"已接入 FCP 时间线 · 1 个音频片段 · 保留剪切范围与间隔"_s,
          {}},
     };
     for (const Row &row : rows) {
