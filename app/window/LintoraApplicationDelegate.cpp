@@ -15,6 +15,12 @@ namespace {
 
 Q_LOGGING_CATEGORY(logger, "FloatingWindow")
 
+/// As the system's own log formats it.
+QStringView text(bool value)
+{
+    return value ? u"true" : u"false";
+}
+
 LintoraModel::Surroundings completed(LintoraModel::Surroundings surroundings, std::function<QWidget *()> window)
 {
     surroundings.font = FontCatalogue::defaultFamily();
@@ -114,8 +120,8 @@ void LintoraApplicationDelegate::applicationDidResignActive()
     if (!m_window || !m_window->windowHandle())
         return;
     const Platform::Standing standing = Platform::standing(*m_window->windowHandle());
-    Platform::log(logger(), u"Resigned active: visible=%1 hidesOnDeactivate=%2 level=%3"_s.arg(standing.visible)
-                                .arg(standing.hidesOnDeactivate)
+    Platform::log(logger(), u"Resigned active: visible=%1 hidesOnDeactivate=%2 level=%3"_s.arg(text(standing.visible))
+                                .arg(text(standing.hidesOnDeactivate))
                                 .arg(standing.level));
 }
 

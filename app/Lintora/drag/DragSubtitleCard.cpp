@@ -40,7 +40,7 @@ public:
     {
         const bool stayed = m_window && m_window->frameGeometry() == m_frame;
         Platform::log(logger(), u"End subtitle drag: operation=%1"_s.arg(int(action)));
-        Platform::log(logger(), u"Subtitle drag window stayed still: %1"_s.arg(stayed));
+        Platform::log(logger(), u"Subtitle drag window stayed still: %1"_s.arg(stayed ? u"true" : u"false"));
         if (!m_model)
             return;
         m_model->subtitleDragInProgress = false;

@@ -312,7 +312,8 @@ TEST_F(Application, Notes_how_the_window_stands_when_another_program_becomes_act
     });
     Q_EMIT qApp->applicationStateChanged(Qt::ApplicationInactive);
     qInstallMessageHandler(before);
-    EXPECT_EQ(logged(), QStringList(u"FloatingWindow: Resigned active: visible=1 hidesOnDeactivate=0 level=3"_s));
+    EXPECT_EQ(logged(),
+              QStringList(u"FloatingWindow: Resigned active: visible=true hidesOnDeactivate=false level=3"_s));
     EXPECT_TRUE(delegate.window()->isVisible());
 }
 
