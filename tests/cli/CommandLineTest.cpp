@@ -240,13 +240,13 @@ TEST_F(CommandLineTest, titles_take_their_style_in_order)
     EXPECT_TRUE(matched.output.contains("\"name\":\"片_字幕版\"")) << matched.output.data();
     const QString record = file(u"style.json"_s, QByteArray(matched.output).replace("PingFang SC", "Heiti"));
 
-    const auto plain =
-        CommandLine::run({u"titles"_s, in, u"--options"_s, record, u"--font-size"_s, u"60"_s, u"--color"_s,
-                          u"#FF8000"_s, u"--stroke"_s, u"--shift"_s, u"-500"_s, u"--name"_s, u"甲"_s});
+    const auto plain = CommandLine::run({u"titles"_s, in, u"--options"_s, record, u"--font-size"_s, u"60"_s,
+                                         u"--color"_s, u"#FF8000"_s, u"--stroke"_s, u"--stroke-color"_s, u"1 1 1 1"_s,
+                                         u"--shift"_s, u"-500"_s, u"--name"_s, u"甲"_s});
     EXPECT_EQ(plain.status, 0) << plain.error.data();
     for (const char *const part :
          {"frameDuration=\"1/25s\"", "project name=\"甲\"", "font=\"Heiti\"", "fontSize=\"60.0\"",
-          "fontColor=\"1 0.501961 0 1\"", "strokeWidth=\"2.0\"", "offset=\"13/25s\""})
+          "fontColor=\"1 0.501961 0 1\"", "strokeColor=\"1 1 1 1\"", "strokeWidth=\"2.0\"", "offset=\"13/25s\""})
         EXPECT_TRUE(plain.output.contains(part)) << part << " in\n" << plain.output.data();
 
     const auto based = CommandLine::run({u"titles"_s, u"--base"_s, base, in});

@@ -91,6 +91,8 @@ TEST(CueEditing, splits_time_by_length_and_keeps_every_character)
     const QList<Subtitle> flags{{.id = 1, .start = 0, .end = 9, .text = u"🇨🇳字幕"_s}};
     EXPECT_EQ(refusal([&] { CueEditing::splitting(flags, 0, 2); }), u"这里是一个字的中间，不能拆分。"_s);
     EXPECT_EQ(CueEditing::splitting(flags, 0, 4)[0].end, 3); // a flag is as long as a letter
+    const QList<Subtitle> thirds{{.id = 1, .start = 0, .end = 10, .text = u"ab c"_s}};
+    EXPECT_EQ(CueEditing::splitting(thirds, 0, 2)[0].end, 7) << "to the nearest millisecond";
 }
 
 TEST(CueEditing, joins_neighbours_over_their_whole_time)

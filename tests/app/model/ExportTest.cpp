@@ -40,6 +40,9 @@ TEST_F(ExportTest, writes_the_selected_track_as_SRT)
     EXPECT_EQ(exported(&LintoraModel::exportSRT, u"out.srt"_s), SRT::serialize(cues).toUtf8());
     EXPECT_EQ(asked, u"访谈.第一集.srt"_s);
     EXPECT_EQ(model->message(), u"已导出 20 条字幕"_s);
+    loadCues(cues, u"..访谈.srt"_s);
+    model->exportSRT();
+    EXPECT_EQ(asked, u"访谈.srt"_s) << "no hidden file";
 }
 
 TEST_F(ExportTest, names_files_after_the_track_where_there_are_several_and_writes_each_that_was_asked_for)

@@ -156,6 +156,8 @@ INSTANTIATE_TEST_SUITE_P(
               0},
         Level{"drops_early", animated({tag("keyframe time=101s value=0dB"), tag("keyframe time=102s value=-20dB")}),
               -20},
+        Level{"holds_as_long_as_a_lower_one",
+              animated({tag("keyframe time=104s value=-20dB"), tag("keyframe time=106s value=-6dB")}), -6},
         // Outside of 100 … 110 it was low for longer.
         Level{"was_low_before_its_clip",
               animated({tag("keyframe time=0s value=-20dB"), tag("keyframe time=102s value=-20dB"),

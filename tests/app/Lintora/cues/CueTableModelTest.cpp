@@ -99,6 +99,16 @@ TEST_F(CueTableModelTest, An_edit_touches_only_the_rows_that_changed)
     EXPECT_EQ(changes.first().at(1).toModelIndex().row(), 5);
 }
 
+TEST_F(CueTableModelTest, The_filter_takes_capitals_and_small_letters_for_the_same)
+{
+    load({{.id = 1, .start = 0, .end = 900, .text = u"Final Cut"_s},
+          {.id = 2, .start = 900, .end = 1'800, .text = u"剪辑"_s}});
+    for (const QString &text : {u"fINAL"_s, u"cut"_s}) {
+        filter.setText(text);
+        EXPECT_EQ(filter.rowCount(), 1) << qPrintable(text);
+    }
+}
+
 TEST_F(CueTableModelTest, Another_job_or_track_is_a_reset)
 {
     load(Generator(1).cues(10));
