@@ -18,6 +18,7 @@ program "$tools/dpkg-query" 'for each in ${INSTALLED-}; do echo "$each installed
 program "$tools/apt-get" 'echo "apt-get $*"'
 program "$tools/id" 'echo 1000'
 for tool in bash cat dirname env grep readlink sed uname; do ln -s "$(command -v $tool)" "$tools/$tool"; done
+program "$top/scripts/engines.sh" ':'
 program "$top/build/release/cli/lintora-cli" '[ "$1" = titles ] || [ $# = 1 ] || [ "$2" != --help ] || exit 2; echo "cli $*"'
 program "$top/build/release/app/lintora" 'echo "window $*"'
 ln -s "$top/run" "$folder/elsewhere/lintora"
@@ -32,7 +33,7 @@ expect() {
     [[ $found == $expected ]] || { echo "failed: $what: $found"; failures=1; }
 }
 
-run=(INSTALLED="$all" "$folder/elsewhere/lintora")
+run=(INSTALLED="$all ffmpeg" "$folder/elsewhere/lintora")
 expect "a command says nothing but its result" "cli titles a.srt" "${run[@]}" titles a.srt
 expect "a build that has work to do says so" "[[]1/1] Building?cli --help" WORK=1 "${run[@]}" --help
 expect "an unknown command is left to the command line" "cli titel x.srt" "${run[@]}" titel x.srt

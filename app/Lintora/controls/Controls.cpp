@@ -19,7 +19,7 @@ void describe(QAbstractButton &button, const QString &name, const QString &help)
 QPushButton *button(const QString &text, QWidget *parent, const QString &help)
 {
     auto *const button = new QPushButton(text, parent);
-    button->setAutoDefault(false);
+    button->setAutoDefault(true); // Return presses it, as in the system's own dialogs.
     describe(*button, text, help);
     return button;
 }

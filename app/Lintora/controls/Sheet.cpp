@@ -2,7 +2,6 @@
 
 #include "app/Lintora/controls/Controls.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -133,12 +132,8 @@ bool Sheet::focusNextPrevChild(bool next)
 
 void Sheet::keyPressEvent(QKeyEvent *event)
 {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    auto *const button = isReturn ? qobject_cast<QAbstractButton *>(QApplication::focusWidget()) : nullptr;
     if (event->key() == Qt::Key_Escape)
         close();
-    else if (button && isAncestorOf(button))
-        button->click(); // As in the system's own dialogs.
     else
         event->accept(); // What lies behind hears nothing.
 }
