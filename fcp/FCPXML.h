@@ -11,8 +11,7 @@
 namespace FCPXML {
 
 /// The effect behind every title, Final Cut Pro's Basic Title.
-inline constexpr QByteArrayView uid =
-    ".../Titles.localized/Bumper:Opener.localized/Basic Title.localized/Basic Title.moti";
+inline constexpr QByteArrayView uid = TitleDocument::basicTitle;
 
 /// Files up to this size are read, in bytes.
 inline constexpr qint64 largestFile = 16 * 1024 * 1024;

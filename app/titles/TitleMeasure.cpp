@@ -1,6 +1,6 @@
 #include "app/titles/TitleMeasure.h"
 
-#include "app/titles/TitlePicture.h"
+#include "app/titles/TitleFrame.h"
 #include "core/text/Characters.h"
 
 #include <algorithm>
@@ -17,8 +17,8 @@ constexpr qsizetype mostRuns = 20'000; ///< Some megabytes; a long track holds f
 TitleMeasure::TitleMeasure(const Options &options)
     : m_font(TitleFont::choose(options))
     , m_metrics(m_font.font)
-    , m_pixelsPerUnit(TitlePicture::emOf(options) / TitleFont::em)
-    , m_safeWidth(TitlePicture::titleSafeWidth(options))
+    , m_pixelsPerUnit(TitleFrame::emOf(options) / TitleFont::em)
+    , m_safeWidth(TitleFrame::titleSafeWidth(options))
     , m_ascent(m_metrics.ascent() * m_pixelsPerUnit)
     , m_descent(m_metrics.descent() * m_pixelsPerUnit)
     , m_lineSpacing(m_metrics.lineSpacing() * m_pixelsPerUnit)

@@ -19,7 +19,7 @@ public:
 
     double widthOf(QStringView line);                ///< Of one line.
     double widestOf(QStringView text);               ///< Of the widest of the lines between line feeds.
-    double safeWidth() const { return m_safeWidth; } ///< As TitlePicture::titleSafeWidth.
+    double safeWidth() const { return m_safeWidth; } ///< As TitleFrame::titleSafeWidth.
 
     /// Whether some line of `text` is wider than the title-safe width.
     bool isWiderThanSafe(QStringView text) { return widestOf(text) > m_safeWidth; }

@@ -1,6 +1,7 @@
 #include "app/titles/TitlePicture.h"
 
 #include "app/titles/GaussianBlur.h"
+#include "app/titles/TitleFrame.h"
 #include "app/titles/TitleLayers.h"
 #include "app/titles/TitleMeasure.h"
 #include "app/titles/TitleWrapping.h"
@@ -41,8 +42,8 @@ TitlePicture::Layout emptyLayout(const Options &options, QSize size, const Title
     if (layout.size.isEmpty())
         return layout;
     layout.scale = static_cast<double>(layout.size.height()) / static_cast<double>(options.height);
-    layout.em = TitlePicture::emOf(options) * layout.scale;
-    layout.safeArea = centred(layout.size, TitlePicture::titleSafe);
+    layout.em = TitleFrame::emOf(options) * layout.scale;
+    layout.safeArea = centred(layout.size, TitleFrame::titleSafe);
     layout.family = measure.font().family;
     layout.isSubstitute = measure.font().isSubstitute;
     if (options.strokeEnabled)
@@ -117,8 +118,8 @@ void drawGuides(QImage &canvas)
 {
     const double thickness = std::max(1.0, std::round(std::min(canvas.width(), canvas.height()) / 720.0));
     QPainter painter(&canvas);
-    drawGuide(painter, aligned(centred(canvas.size(), TitlePicture::actionSafe), thickness), thickness, Qt::DashLine);
-    drawGuide(painter, aligned(centred(canvas.size(), TitlePicture::titleSafe), thickness), thickness, Qt::SolidLine);
+    drawGuide(painter, aligned(centred(canvas.size(), TitleFrame::actionSafe), thickness), thickness, Qt::DashLine);
+    drawGuide(painter, aligned(centred(canvas.size(), TitleFrame::titleSafe), thickness), thickness, Qt::SolidLine);
 }
 
 } // namespace
@@ -136,16 +137,6 @@ QSize fittedSize(const Options &options, QSize size)
         return std::clamp(static_cast<int>(std::lround(length)), 1, most);
     };
     return {pixels(width * scale, size.width()), pixels(height * scale, size.height())};
-}
-
-double emOf(const Options &options)
-{
-    return std::isfinite(options.fontSize) && options.fontSize > 0 ? options.fontSize : 0;
-}
-
-double titleSafeWidth(const Options &options)
-{
-    return static_cast<double>(options.width) * titleSafe;
 }
 
 double widthOf(const QString &text, const Options &options)

@@ -25,10 +25,6 @@ class TitleMeasure;
 /// without a size above 0 nothing, an unreadable colour as the one that Options begins with. Any thread.
 namespace TitlePicture {
 
-/// Parts of the frame's width and height, centred: what SMPTE ST 2046-1 lays down for 16:9.
-constexpr double actionSafe = 0.93;
-constexpr double titleSafe = 0.90;
-
 enum class Guides
 {
     none,
@@ -69,12 +65,6 @@ struct Layout
 /// The largest picture of the frame's aspect ratio within `size`, at least one pixel each way. Null when there is no
 /// frame or no size.
 QSize fittedSize(const Options &options, QSize size);
-
-/// The font size in pixels of the frame; 0 when it is none.
-double emOf(const Options &options);
-
-/// The title-safe width in pixels of the frame.
-double titleSafeWidth(const Options &options);
 
 /// The width of the widest line of `text` in pixels of the frame. For many texts keep a TitleMeasure.
 double widthOf(const QString &text, const Options &options);

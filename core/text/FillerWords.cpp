@@ -1,7 +1,7 @@
 #include "core/text/FillerWords.h"
 
 #include "core/text/Characters.h"
-#include "core/text/SubtitleCleanup.h"
+#include "core/text/Clauses.h"
 
 #include <QVarLengthArray>
 
@@ -126,7 +126,7 @@ qsizetype FillerWords::firstWordAt(QStringView text, qsizetype at, Accept &&acce
 std::optional<QString> FillerWords::withoutClauses(QStringView text) const
 {
     const qsizetype size = text.size();
-    if (std::none_of(text.begin(), text.end(), SubtitleCleanup::isClauseMark))
+    if (std::none_of(text.begin(), text.end(), Clauses::isMark))
         return std::nullopt;
 
     // Where a match that goes on at a place would end, behind its clause mark; -1 for nowhere. `afterBlanks` has no
@@ -137,7 +137,7 @@ std::optional<QString> FillerWords::withoutClauses(QStringView text) const
     qsizetype afterBlanks = -1;
     afterWords[size] = afterAny[size] = -1;
     for (qsizetype at = size - 1; at >= 0; --at) {
-        if (SubtitleCleanup::isClauseMark(text[at]))
+        if (Clauses::isMark(text[at]))
             afterBlanks = at + 1;
         else if (!isBlank(text[at]))
             afterBlanks = -1;
@@ -159,7 +159,7 @@ std::optional<QString> FillerWords::withoutClauses(QStringView text) const
     after.reserve(size);
     qsizetype at = std::max<qsizetype>(matchEnd(0), 0);
     while (at != size) {
-        const bool isMark = SubtitleCleanup::isClauseMark(text[at]);
+        const bool isMark = Clauses::isMark(text[at]);
         after += text[at];
         const qsizetype end = isMark ? matchEnd(at + 1) : -1;
         at = end >= 0 ? end : at + 1;

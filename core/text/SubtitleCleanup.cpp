@@ -2,6 +2,7 @@
 
 #include "core/ConversionError.h"
 #include "core/text/Characters.h"
+#include "core/text/Clauses.h"
 #include "core/text/FillerWords.h"
 
 #include <QSet>
@@ -82,7 +83,7 @@ private:
         QVarLengthArray<Clause, 16> clauses;
         qsizetype length = 0;
         for (qsizetype begin = 0; begin <= text.size();) {
-            const auto *const mark = std::find_if(text.begin() + begin, text.end(), isClauseMark);
+            const auto *const mark = std::find_if(text.begin() + begin, text.end(), Clauses::isMark);
             const qsizetype end = mark - text.begin();
             clauses.append({begin, end, Characters::count(text.sliced(begin, end - begin))});
             length += clauses.back().length;

@@ -10,27 +10,6 @@ namespace SubtitleCleanup {
 /// The list that a new user starts with.
 QStringList defaultFillerWords();
 
-/// Whether `unit` ends a clause: one of ，,。！？!?；;：: — but neither 、 nor a quotation mark.
-constexpr bool isClauseMark(QChar unit)
-{
-    switch (unit.unicode()) {
-    case u'，':
-    case u',':
-    case u'。':
-    case u'！':
-    case u'？':
-    case u'!':
-    case u'?':
-    case u'；':
-    case u';':
-    case u'：':
-    case u':':
-        return true;
-    default:
-        return false;
-    }
-}
-
 /// The words of a list as people type it: separated by line breaks, commas, semicolons or 、, each trimmed, none empty,
 /// none twice, in the order of their first occurrence.
 QStringList words(QStringView from);

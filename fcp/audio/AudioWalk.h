@@ -1,11 +1,15 @@
 #pragma once
 
-#include "fcp/audio/FCPAudioPlan.h"
+#include "fcp/audio/FCPAudioSegment.h"
 #include "fcp/timeline/MediaResources.h"
 #include "fcp/timeline/StoryElement.h"
 #include "fcp/timeline/TimeMap.h"
 #include "fcp/timeline/TimeRange.h"
 
+#include <QList>
+#include <QStringList>
+
+#include <optional>
 #include <set>
 #include <unordered_map>
 

@@ -4,8 +4,8 @@
 #include "core/json/JsonWriter.h"
 #include "fcp/FCPXML.h"
 #include "fcp/audio/AudioWalk.h"
+#include "fcp/audio/ClipSelection.h"
 #include "fcp/audio/DraggedTimeline.h"
-#include "fcp/timeline/ClipSelection.h"
 
 #include <algorithm>
 

@@ -2,11 +2,11 @@
 
 #include "core/ConversionError.h"
 #include "fcp/Options.h"
+#include "fcp/audio/FCPAudioSegment.h"
 #include "fcp/xml/XmlDocument.h"
 
 #include <QList>
 #include <QStringList>
-#include <QUrl>
 
 #include <optional>
 
@@ -17,18 +17,6 @@ class NothingAudible : public ConversionError
 {
 public:
     using ConversionError::ConversionError;
-};
-
-/// A piece of a media file and where it sounds. Times are seconds, exact to the last bit of a double.
-struct FCPAudioSegment
-{
-    QUrl url;             ///< A file URL. Whether the file exists is for the renderer to find out.
-    double fileStart = 0; ///< Where in the file the piece begins, not negative.
-    double offset = 0;    ///< Where on the plan's timeline it begins, not negative.
-    double duration = 0;  ///< Above 0.
-    double gain = 1;      ///< Linear volume factor; 1 leaves the sound as it is.
-
-    friend bool operator==(const FCPAudioSegment &, const FCPAudioSegment &) = default;
 };
 
 /// Which pieces of which files sound where on the timeline of a Final Cut Pro project or of selected clips.

@@ -1,7 +1,6 @@
 #include "fcp/titles/NewDocument.h"
 
 #include "core/ConversionError.h"
-#include "fcp/FCPXML.h"
 #include "fcp/titles/TitleConnection.h"
 
 #include <algorithm>
@@ -65,7 +64,7 @@ const xmlNode *complete(const XmlDocument &tree, const Options &options, qint64 
             Xml::setAttribute(element, "width", QByteArray::number(options.width));
             Xml::setAttribute(element, "height", QByteArray::number(options.height));
         } else if (name == "effect") {
-            Xml::setAttribute(element, "uid", FCPXML::uid.toByteArray());
+            Xml::setAttribute(element, "uid", TitleDocument::basicTitle.toByteArray());
         } else if (name == "project" || name == "media" || name == "ref-clip") {
             Xml::setAttribute(element, "name", options.name.toUtf8());
         } else if (name == "spine") {

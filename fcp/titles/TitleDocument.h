@@ -34,6 +34,10 @@ struct TitleRun
 class TitleDocument
 {
 public:
+    /// By which Final Cut Pro knows the effect of the titles, its Basic Title.
+    static constexpr QByteArrayView basicTitle =
+        ".../Titles.localized/Bumper:Opener.localized/Basic Title.localized/Basic Title.moti";
+
     struct Content
     {
         XmlDocument tree;               ///< All but the titles.

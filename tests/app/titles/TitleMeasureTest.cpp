@@ -1,5 +1,6 @@
 #include "app/titles/TitleMeasure.h"
 
+#include "app/titles/TitleFrame.h"
 #include "app/titles/TitlePicture.h"
 #include "tests/support/Generator.h"
 
@@ -57,7 +58,7 @@ TEST_F(TitleMeasureTest, Agrees_with_shaping_the_whole_line)
 TEST_F(TitleMeasureTest, Warns_just_beyond_the_title_safe_width)
 {
     Options options = style();
-    EXPECT_DOUBLE_EQ(TitlePicture::titleSafeWidth(options), 3456);
+    EXPECT_DOUBLE_EQ(TitleFrame::titleSafeWidth(options), 3456);
     TitleMeasure measure(options);
     EXPECT_FALSE(measure.isWiderThanSafe(QString(72, u'好'))) << "72 × 48 is 3456";
     EXPECT_TRUE(measure.isWiderThanSafe(QString(73, u'好')));

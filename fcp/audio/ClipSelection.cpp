@@ -1,4 +1,4 @@
-#include "fcp/timeline/ClipSelection.h"
+#include "fcp/audio/ClipSelection.h"
 
 #include "core/ConversionError.h"
 #include "fcp/audio/AudioWalk.h"
