@@ -66,6 +66,13 @@ bool systemRunsProgramOnce();
 /// Whether the process at the other end of the local socket `descriptor` belongs to the user who runs this one.
 bool belongsToUser(qintptr descriptor);
 
+/// The font family that the interface is set in; empty where the system's own font has Chinese glyphs that go with its
+/// Latin ones. Needs the application object.
+QString interfaceFamily();
+
+/// The name of the style that widgets are drawn in; empty: the system's own.
+QString widgetStyle();
+
 /// The user's settings. Sees no keys but its own.
 std::unique_ptr<QSettings> settings();
 

@@ -143,6 +143,16 @@ bool belongsToUser(qintptr descriptor)
     return getpeereid(static_cast<int>(descriptor), &user, &group) == 0 && user == getuid();
 }
 
+QString interfaceFamily()
+{
+    return {};
+}
+
+QString widgetStyle()
+{
+    return {};
+}
+
 std::unique_ptr<QSettings> settings()
 {
     // Without an organisation and an application the domain is the bundle's identifier, as it is for the standard user

@@ -1,6 +1,7 @@
 #include "app/platform/Platform.h"
 
 #include <QDir>
+#include <QFontDatabase>
 #include <QSettings>
 #include <QWindow>
 
@@ -74,6 +75,17 @@ bool belongsToUser(qintptr descriptor)
     socklen_t size = sizeof credentials;
     const auto socket = static_cast<int>(descriptor);
     return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) == 0 && credentials.uid == getuid();
+}
+
+QString interfaceFamily()
+{
+    const QString family = u"Noto Sans CJK SC"_s;
+    return QFontDatabase::hasFamily(family) ? family : QString();
+}
+
+QString widgetStyle()
+{
+    return u"fusion"_s;
 }
 
 std::unique_ptr<QSettings> settings()

@@ -1,8 +1,9 @@
 #include "app/Lintora/controls/Theme.h"
 
+#include "app/platform/Platform.h"
+
 #include <QApplication>
 #include <QEvent>
-#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QStyle>
 #include <QStyleFactory>
@@ -200,12 +201,9 @@ QFont fontOfSize(int pixels)
 {
     static const QFont system = QApplication::font();
     QFont font = system;
-    // Elsewhere the system's own font has Chinese glyphs that go with its Latin ones; here they are chosen together.
-#ifndef Q_OS_MACOS
-    static const bool hasChinese = QFontDatabase::hasFamily(u"Noto Sans CJK SC"_s);
-    if (hasChinese)
-        font.setFamily(u"Noto Sans CJK SC"_s);
-#endif
+    static const QString family = Platform::interfaceFamily();
+    if (!family.isEmpty())
+        font.setFamily(family);
     font.setPixelSize(pixels);
     return font;
 }
@@ -234,10 +232,9 @@ Appearance systemAppearance()
 
 void configure(QWidget &window)
 {
-#ifndef Q_OS_MACOS
-    if (QApplication::style()->name() != u"fusion"_s)
-        QApplication::setStyle(QStyleFactory::create(u"fusion"_s));
-#endif
+    const QString style = Platform::widgetStyle();
+    if (!style.isEmpty() && QApplication::style()->name() != style)
+        QApplication::setStyle(QStyleFactory::create(style));
     new Follower(window);
     setAppearance(window, systemAppearance());
 }
