@@ -1,4 +1,4 @@
-#include "app/Lintora/cues/CueTime.h"
+#include "app/Lintora/controls/CueTime.h"
 
 #include <QList>
 

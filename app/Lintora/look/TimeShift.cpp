@@ -1,6 +1,6 @@
 #include "app/Lintora/look/TimeShift.h"
 
-#include "app/Lintora/cues/CueTime.h"
+#include "app/Lintora/controls/CueTime.h"
 #include "core/SRT.h"
 
 #include <cstdlib>

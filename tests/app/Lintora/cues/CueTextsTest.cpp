@@ -1,6 +1,6 @@
 // What the panel makes of cues and of what is typed, without a widget.
 
-#include "app/Lintora/cues/CueTime.h"
+#include "app/Lintora/controls/CueTime.h"
 #include "app/Lintora/cues/CueWarnings.h"
 #include "app/Lintora/cues/Inspector.h"
 #include "app/Lintora/cues/SplitPosition.h"
