@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Holds the sources against scripts/arrows.txt, and says in a sentence for each mistake which two files it is between.
 
-    scripts/check-arrows.py                 what the sources include, and circles of units that include each other
+    scripts/check-arrows.py                 what the sources include
+    scripts/check-arrows.py --circles       units that include each other, which may have their reason: look at each
     scripts/check-arrows.py --calls FOLDER  what the objects built in FOLDER call, whoever declared it
 
 A static library is linked with whatever it lacks, and every folder is found from one include root: neither the compiler
@@ -174,6 +175,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--root", type=pathlib.Path, default=pathlib.Path(__file__).resolve().parent.parent)
     parser.add_argument("--calls", type=pathlib.Path, metavar="FOLDER")
+    parser.add_argument("--circles", action="store_true")
     arguments = parser.parse_args()
     root = arguments.root.resolve()
     arrows = Arrows((root / "scripts/arrows.txt").read_text(encoding="utf-8"))
@@ -182,7 +184,7 @@ def main():
         mistakes = list(wrong_calls(arrows, *symbols(root, build)))
     else:
         pairs = list(includes(root, sources(root)))
-        mistakes = [*wrong_includes(arrows, pairs), *circles(pairs)]
+        mistakes = list(circles(pairs) if arguments.circles else wrong_includes(arrows, pairs))
     print(*mistakes, sep="\n", end="\n" if mistakes else "")
     return 1 if mistakes else 0
 
