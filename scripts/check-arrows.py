@@ -81,6 +81,8 @@ def includes(root, paths):
     for path in paths:
         text = (root / path).read_text(encoding="utf-8")
         for included in INCLUDE.findall(text):
+            if pathlib.PurePosixPath(included).suffix not in SOURCE:
+                continue  # what Qt's tools make of a file lies beside it
             beside = str(pathlib.PurePosixPath(path).parent / included)
             yield path, included if included in known or beside not in known else beside
 

@@ -78,7 +78,7 @@ class Includes(unittest.TestCase):
             self.assertIn("cues/A.h", done.stdout)
 
     def test_a_folder_without_a_line_is_refused(self):
-        tree = Tree({"gui/A.h": "", "app/main.cpp": '#include "gui/A.h"\n'})
+        tree = Tree({"gui/A.h": "", "app/main.cpp": '#include "gui/A.h"\n#include "main.moc"\n'})
         with tree:
             status, said = tree.run()
         self.assertEqual((status, said), (1, "app/main.cpp includes gui/A.h: gui/A.h lies in a folder that arrows.txt "
