@@ -29,7 +29,7 @@ BELOW = {
     "app/titles": "fcp core",
     "app/fonts": "fcp core",
     "app/model": "store fcp ai fcp/render core",
-    "app/window": "app/model app/platform store fcp ai fcp/render core",
+    "app/window": "app/model app/platform app/fonts store fcp ai fcp/render core",
     "app/Lintora/controls": "app/titles app/platform fcp core",
 }
 ROOMS = ["app/Lintora/" + room for room in ("cues", "tools", "look", "drag", "ai", "sound")]

@@ -1,6 +1,7 @@
 #include "app/Lintora/cues/TitlePreview.h"
 
 #include "app/Lintora/controls/Theme.h"
+#include "app/titles/TitleFrame.h"
 #include "app/titles/TitleMeasure.h"
 #include "app/titles/TitlePicture.h"
 
@@ -42,7 +43,7 @@ Options TitlePreview::shownPart() const
     const QSizeF room = QSizeF(size()) * devicePixelRatio();
     const auto width = double(m_options.width);
     const auto height = double(m_options.height);
-    const double em = TitlePicture::emOf(m_options);
+    const double em = TitleFrame::emOf(m_options);
     const double whole = std::min(room.width() / width, room.height() / height);
     const double readable = readableSize * devicePixelRatio() / em;
     if (!(em > 0 && width >= 1 && height >= 1) || room.isEmpty() || whole >= readable)
