@@ -220,8 +220,18 @@ TEST_F(ImportTest, a_project_matches_every_track)
     model->separateLanguages();
     load(write(u"p.fcpxml"_s, talk()));
     ASSERT_EQ(model->tracks().size(), 3);
-    for (const SubtitleTrack &track : model->tracks())
+    for (const SubtitleTrack &track : model->tracks()) {
         EXPECT_EQ(track.options.rate.label, u"25"_s);
+        EXPECT_EQ(track.options.height, 1080);
+        EXPECT_EQ(track.options.fontSize, 24);
+    }
+    const Options matched = model->options();
+    Options other = matched;
+    other.height = 100;
+    other.fontSize = 60;
+    model->setOptions(other);
+    model->matchProject();
+    EXPECT_EQ(model->options(), matched);
 }
 
 TEST_F(ImportTest, refuses_everything_while_a_job_owns_the_cues)
