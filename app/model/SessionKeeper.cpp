@@ -78,13 +78,26 @@ void SessionKeeper::refreshSession()
         m_session->refresh();
 }
 
+/// Keeps what became of it at once: what the file says comes through the event loop, behind saves on their way there.
+template <class File>
+void SessionKeeper::flush(File &file, std::optional<QString> &failure)
+{
+    try {
+        file.flush();
+    } catch (const std::exception &error) {
+        note(failure, QString::fromUtf8(error.what()));
+        throw;
+    }
+    note(failure, std::nullopt);
+}
+
 void SessionKeeper::flushDraft()
 {
-    m_draft.flush();
+    flush(m_draft, m_draftFailure);
 }
 
 void SessionKeeper::flushSession()
 {
     if (m_hasArrived)
-        m_session->flush();
+        flush(*m_session, m_sessionFailure);
 }

@@ -43,6 +43,8 @@ Q_SIGNALS:
     void failureChanged(); ///< Draft or session could not be saved, for a reason that is news, or can be again.
 
 private:
+    template <class File>
+    void flush(File &file, std::optional<QString> &failure);
     void note(std::optional<QString> &failure, const std::optional<QString> &description);
 
     QString m_draftURL;

@@ -129,6 +129,8 @@ TEST_F(PersistenceTest, work_that_cannot_be_saved_is_not_lost_without_a_question
     QObject::connect(model.get(), &LintoraModel::quitConfirmed, model.get(), [&] { ends = true; });
     EXPECT_FALSE(model->requestQuit());
     EXPECT_TRUE(model->quitQuestion() && model->quitQuestion()->startsWith(u"无法保存字幕草稿："_s));
+    Events::handle();
+    ASSERT_TRUE(model->quitQuestion()) << "saving that was on its way does not take the question back";
     EXPECT_EQ(model->quitQuestion(), failure());
     model->answerQuit(false);
     EXPECT_FALSE(model->quitQuestion() || ends);
