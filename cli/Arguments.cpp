@@ -67,14 +67,32 @@ QByteArray readInput(const std::string &argument, qint64 limit)
     return *std::move(bytes);
 }
 
+namespace {
+
+/// Whether an input is no file in a folder: standard input, or a pipe.
+bool isStream(const std::string &argument)
+{
+    return argument == "-" || StandardStreams::isPipe(toPath(argument));
+}
+
+} // namespace
+
+QByteArray readProjectBytes(const std::string &argument)
+{
+    if (!isStream(argument))
+        return FCPXML::bytes(toPath(argument));
+    auto bytes = argument == "-" ? StandardStreams::readUpTo(FCPXML::largestFile)
+                                 : StandardStreams::readPipe(toPath(argument), FCPXML::largestFile);
+    if (!bytes)
+        throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
+    return *std::move(bytes);
+}
+
 XmlDocument readProject(const std::string &argument)
 {
-    if (argument != "-" && !StandardStreams::isPipe(toPath(argument)))
+    if (!isStream(argument))
         return FCPXML::document(toPath(argument));
-    // One byte over the limit is enough for the refusal to be the document's own.
-    const auto bytes = argument == "-" ? StandardStreams::readUpTo(FCPXML::largestFile)
-                                       : StandardStreams::readPipe(toPath(argument), FCPXML::largestFile);
-    return FCPXML::document(bytes.value_or(QByteArray(FCPXML::largestFile + 1, ' ')), QDir::currentPath());
+    return FCPXML::document(readProjectBytes(argument), QDir::currentPath());
 }
 
 QString readText(const std::string &argument)

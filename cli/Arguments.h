@@ -38,6 +38,9 @@ QByteArray readInput(const std::string &argument, qint64 limit);
 /// current one for standard input and pipes. @throws PlatformError, ConversionError, Cancelled
 XmlDocument readProject(const std::string &argument);
 
+/// The bytes of such an input, as they stand. @throws PlatformError, ConversionError, Cancelled
+QByteArray readProjectBytes(const std::string &argument);
+
 /// Refuses an empty value, which comes from a variable that was never set, as a wrong use.
 extern const CLI::Validator notEmpty;
 /// The text of such an input: UTF-8, or what its byte order mark says. Line breaks become line feeds.

@@ -49,6 +49,7 @@ void addCommands(CLI::App &app, Commands::Work &run, Common &common)
     Commands::addSrt(app, run);
     Commands::addTitles(app, run);
     Commands::addExtract(app, run);
+    Commands::addRetext(app, run);
     Commands::addClean(app, run);
     Commands::addReplace(app, run);
     Commands::addSeparate(app, run);

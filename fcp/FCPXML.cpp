@@ -100,6 +100,14 @@ QByteArray addEffect(xmlNode *resources, const Identifiers &ids)
     return id;
 }
 
+/// The document's own file. Shells complete the name of a bundle, which is a folder, with a slash.
+QString fileOf(const QString &path)
+{
+    const QFileInfo given(QDir::cleanPath(path));
+    const bool isBundle = given.suffix().compare(u"fcpxmld", Qt::CaseInsensitive) == 0;
+    return isBundle ? given.filePath() + u"/Info.fcpxml"_s : path;
+}
+
 void checkLength(const std::vector<TitleGrid::Title> &titles, const Rational &duration, const FrameRate &rate)
 {
     static const Rational tolerance(1, 1'000); // seconds
@@ -144,18 +152,22 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
 
 } // namespace
 
-XmlDocument document(const QString &path)
+QByteArray bytes(const QString &path)
 {
-    // Shells complete the name of a bundle, which is a folder, with a slash.
-    const QFileInfo given(QDir::cleanPath(path));
-    const bool isBundle = given.suffix().compare(u"fcpxmld", Qt::CaseInsensitive) == 0;
-    const QString file = isBundle ? given.filePath() + u"/Info.fcpxml"_s : path;
+    const QString file = fileOf(path);
     return Failure::naming(file, [&] {
-        const auto bytes = FileReader::readUpTo(file, largestFile);
+        auto bytes = FileReader::readUpTo(file, largestFile);
         if (!bytes)
             throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
-        return document(*bytes, QFileInfo(file).absolutePath());
+        return *std::move(bytes);
     });
+}
+
+XmlDocument document(const QString &path)
+{
+    const QString file = fileOf(path);
+    const QByteArray read = bytes(path);
+    return Failure::naming(file, [&] { return document(read, QFileInfo(file).absolutePath()); });
 }
 
 XmlDocument document(QByteArrayView bytes, const QString &folder)

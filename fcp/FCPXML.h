@@ -16,6 +16,10 @@ inline constexpr QByteArrayView uid = TitleDocument::basicTitle;
 /// Files up to this size are read, in bytes.
 inline constexpr qint64 largestFile = 16 * 1024 * 1024;
 
+/// The bytes of a project file, or of the "Info.fcpxml" of a bundle.
+/// @throws PlatformError when it cannot be read; ConversionError "FCPXML 文件过大，请分段导入。"
+QByteArray bytes(const QString &path);
+
 /// Reads a project file, or the "Info.fcpxml" of a bundle ("fcpxmld"). "src" values without a scheme become absolute
 /// file URLs, resolved against the file's folder.
 /// @throws PlatformError when it cannot be read or is no XML.

@@ -25,6 +25,8 @@ SubtitleTrack readSubtitleTrack(JsonReader &json)
                             track.previousItems = readSubtitles(json);
                         else if (key == "cleaned")
                             track.cleaned = json.readBoolean();
+                        else if (key == "origins" && !json.readNull())
+                            track.origins = readTextOrigins(json);
                     });
     return track;
 }
@@ -40,6 +42,10 @@ void writeSubtitleTrack(JsonWriter &json, const SubtitleTrack &track)
     json.key("label").text(track.label);
     json.key("options");
     writeOptions(json, track.options);
+    if (!track.origins.isEmpty()) {
+        json.key("origins");
+        writeTextOrigins(json, track.origins);
+    }
     if (track.previousItems) {
         json.key("previousItems");
         writeSubtitles(json, *track.previousItems);

@@ -2,6 +2,7 @@
 
 #include "core/Subtitle.h"
 #include "fcp/Options.h"
+#include "fcp/texts/TextOrigin.h"
 
 #include <QUuid>
 
@@ -19,13 +20,16 @@ struct SubtitleTrack
     bool removePunctuation = false;                    ///< Cleanup setting: remove punctuation and split sentences.
     std::optional<QList<Subtitle>> previousItems = {}; ///< The cues before the last cleanup, to go back to.
     bool cleaned = false;                              ///< Whether the cleanup has been applied to `items`.
+    QList<TextOrigin> origins = {}; ///< Where cues came from, if from a project. Other readers pass it over.
 
     friend bool operator==(const SubtitleTrack &, const SubtitleTrack &) = default;
 };
 
-/// Reads an object whose keys are the field names. All are required but "previousItems", which may be null.
+/// Reads an object whose keys are the field names. All are required but "previousItems", which may be null, and
+/// "origins".
 /// @throws PlatformError naming the key path that is missing or of another type.
 SubtitleTrack readSubtitleTrack(JsonReader &json);
 
-/// Writes the object that readSubtitleTrack reads, keys sorted, "previousItems" left out when absent.
+/// Writes the object that readSubtitleTrack reads, keys sorted, "previousItems" and "origins" left out when there are
+/// none.
 void writeSubtitleTrack(JsonWriter &json, const SubtitleTrack &track);

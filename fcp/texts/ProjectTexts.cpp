@@ -179,6 +179,7 @@ private:
                                 .lane = found.lane,
                                 .captions = captions,
                                 .items = {},
+                                .frameDuration = {},
                                 .places = {},
                                 .skipped = {}});
         return m_tracks[known->second];
@@ -201,10 +202,28 @@ std::vector<Track> read(const XmlDocument &document, const xmlNode *project)
         Collector collector(grid);
         for (TextWalk::Found &found : walk.takeFound())
             collector.take(std::move(found));
-        return collector.finish();
+        std::vector<Track> tracks = collector.finish();
+        for (Track &track : tracks)
+            track.frameDuration = walk.frameDuration();
+        return tracks;
     } catch (const RationalOverflow &) {
         throw ConversionError(u"FCP 时间值无效。"_s);
     }
+}
+
+QList<TextOrigin> origins(const XmlDocument &document, const Track &track)
+{
+    std::map<const xmlNode *, qint64> numbers;
+    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
+        if (Xml::isElement(element, "title") || Xml::isElement(element, "caption"))
+            numbers.emplace(element, qint64(numbers.size()));
+    }
+    QList<TextOrigin> origins;
+    for (qsizetype i = 0; i < track.items.size(); ++i)
+        origins.append({.cue = track.items[i].id,
+                        .number = numbers.at(track.places[size_t(i)].element),
+                        .text = track.items[i].text});
+    return origins;
 }
 
 QStringList labels(const std::vector<Track> &tracks)

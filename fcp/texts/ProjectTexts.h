@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Subtitle.h"
+#include "fcp/texts/TextOrigin.h"
 #include "fcp/texts/TextWalk.h"
 #include "fcp/xml/XmlDocument.h"
 
@@ -23,13 +24,14 @@ struct Skipped
 /// The texts of one role on one lane.
 struct Track
 {
-    QString label;                       ///< For people, different from those of the other tracks.
-    QString role;                        ///< As it stands; empty for titles that state none.
-    qint64 lane = 0;                     ///< 0 for the primary storyline.
-    bool captions = false;               ///< Native captions rather than titles.
-    QList<Subtitle> items;               ///< By start, numbered from 1. Times are what is seen, on the nearest frames.
-    std::vector<TextWalk::Found> places; ///< Where each item stands.
-    QList<Skipped> skipped;              ///< In document order.
+    QString label;         ///< For people, different from those of the other tracks.
+    QString role;          ///< As it stands; empty for titles that state none.
+    qint64 lane = 0;       ///< 0 for the primary storyline.
+    bool captions = false; ///< Native captions rather than titles.
+    QList<Subtitle> items; ///< By start, numbered from 1. Times are what is seen, on the nearest frames.
+    std::optional<Rational> frameDuration = {}; ///< Seconds, of the timeline; absent when it does not tell.
+    std::vector<TextWalk::Found> places;        ///< Where each item stands.
+    QList<Skipped> skipped;                     ///< In document order.
 };
 
 /// All tracks, in the order in which the document first mentions them. Titles without any text are in none.
@@ -37,6 +39,9 @@ struct Track
 /// refer to `document`.
 /// @throws ConversionError when the document is none of Final Cut Pro, holds nothing, or more than can be walked.
 std::vector<Track> read(const XmlDocument &document, const xmlNode *project);
+
+/// Where the cues of `track` came from, for whoever puts their texts back later.
+QList<TextOrigin> origins(const XmlDocument &document, const Track &track);
 
 /// The tracks' labels, for a choice.
 QStringList labels(const std::vector<Track> &tracks);

@@ -97,4 +97,21 @@ TEST_F(ProjectTextCommands, extract_says_what_it_cannot_read)
     EXPECT_EQ(run(u"extract"_s, u"one.fcpxml"_s, {u"--into"_s, path(u"x"_s), u"-o"_s, path(u"y"_s)}).status, 2);
 }
 
+TEST_F(ProjectTextCommands, retext_puts_texts_back_and_tells_of_the_rest)
+{
+    file(u"new.srt"_s, "1\n00:00:01,000 --> 00:00:03,000\n您好\n\n2\n00:00:09,000 --> 00:00:10,000\n再见\n");
+    const QString out = path(u"out.fcpxml"_s);
+    expect(run(u"retext"_s, u"one.fcpxml"_s, {path(u"new.srt"_s), u"-o"_s, out, u"--json"_s}), 0,
+           R"({"added":[],"changed":[{"after":"您好","before":"你好","cue":1,"styles":false}],)"
+           R"("moved":[{"cue":2,"end":10000,"fromEnd":8000,"fromStart":7000,"start":9000}],"refused":[],"removed":[]})"
+           "\n",
+           "");
+    EXPECT_EQ(content(u"out.fcpxml"_s), content(u"one.fcpxml"_s).replace("你好", "您好"));
+    EXPECT_EQ(run(u"retext"_s, u"one.fcpxml"_s, {path(u"new.srt"_s), u"-o"_s, out, u"--moves"_s}).status, 0);
+    EXPECT_TRUE(content(u"out.fcpxml"_s).contains("offset=\"9s\""));
+    const auto kept = content(u"out.fcpxml"_s);
+    EXPECT_EQ(run(u"retext"_s, u"bare.fcpxml"_s, {path(u"new.srt"_s), u"-o"_s, out}).status, 1);
+    EXPECT_EQ(content(u"out.fcpxml"_s), kept);
+}
+
 } // namespace
