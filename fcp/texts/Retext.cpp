@@ -43,7 +43,7 @@ const Track &choose(const std::vector<Track> &tracks, const QString &label)
 }
 
 /// What a file makes of a text: SRT has no place for some characters of it.
-QString asInSRT(Subtitle cue)
+QString asInSRT(const Subtitle &cue)
 {
     try {
         const QList<Subtitle> read = SRT::parse(SRT::serialize({cue}));

@@ -48,28 +48,57 @@ void matchFrames(Matches &matches, std::vector<bool> &taken, const QList<Subtitl
     }
 }
 
-bool isKin(const Subtitle &cue, const Subtitle &standing)
+bool overlap(const Subtitle &a, const Subtitle &b)
 {
-    return cue.text == standing.text || (cue.start < standing.end && standing.start < cue.end);
+    return a.start < b.end && b.start < a.end;
 }
 
-/// What is left between two matches goes by order: all of it where it is as many on both sides, else what says the same
-/// or is seen at the same time.
-void matchGap(Matches &matches, const QList<Subtitle> &cues, const std::vector<size_t> &cueOrder,
-              const std::vector<Standing> &standing, const std::vector<size_t> &texts)
+bool sayTheSame(const Subtitle &a, const Subtitle &b)
 {
+    return a.text == b.text;
+}
+
+/// Cues and texts that are left between two matches, in order.
+struct Gap
+{
+    std::vector<size_t> cues;
+    std::vector<size_t> texts;
+};
+
+/// Pairs those that are `alike`, each cue with the first text that is left, and returns the gaps between the pairs.
+std::vector<Gap> matchAlike(Matches &matches, const Gap &gap, const QList<Subtitle> &cues,
+                            const std::vector<Standing> &standing, bool (*alike)(const Subtitle &, const Subtitle &))
+{
+    std::vector<Gap> rest(1);
     size_t next = 0;
-    for (size_t i = 0; i < cueOrder.size(); ++i) {
-        if (cueOrder.size() == texts.size()) {
-            matches[cueOrder[i]] = texts[i];
+    for (const size_t cue : gap.cues) {
+        size_t found = next;
+        while (found < gap.texts.size() && !alike(cues[qsizetype(cue)], standing[gap.texts[found]].cue))
+            ++found;
+        if (found == gap.texts.size()) {
+            rest.back().cues.push_back(cue);
             continue;
         }
-        for (size_t j = next; j < texts.size(); ++j) {
-            if (!isKin(cues[qsizetype(cueOrder[i])], standing[texts[j]].cue))
-                continue;
-            matches[cueOrder[i]] = texts[j];
-            next = j + 1;
-            break;
+        matches[cue] = gap.texts[found];
+        for (; next < found; ++next)
+            rest.back().texts.push_back(gap.texts[next]);
+        ++next;
+        rest.emplace_back();
+    }
+    rest.back().texts.assign(gap.texts.begin() + ptrdiff_t(next), gap.texts.end());
+    return rest;
+}
+
+/// What says the same belongs together. Between such pairs, as many cues as texts go by order; else what is seen at the
+/// same time does, and the rest is left.
+void matchGap(Matches &matches, const Gap &gap, const QList<Subtitle> &cues, const std::vector<Standing> &standing)
+{
+    for (const Gap &rest : matchAlike(matches, gap, cues, standing, sayTheSame)) {
+        if (rest.cues.size() == rest.texts.size()) {
+            for (size_t i = 0; i < rest.cues.size(); ++i)
+                matches[rest.cues[i]] = rest.texts[i];
+        } else {
+            matchAlike(matches, rest, cues, standing, overlap);
         }
     }
 }
@@ -90,7 +119,7 @@ void matchOrder(Matches &matches, const std::vector<bool> &taken, const QList<Su
                 texts.push_back(i);
         }
         if (!gap.empty() && !texts.empty())
-            matchGap(matches, cues, gap, standing, texts);
+            matchGap(matches, {.cues = gap, .texts = texts}, cues, standing);
         gap.clear();
         from = std::max(from, to);
     };
