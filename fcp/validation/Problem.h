@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+/// Something that is wrong with a document, for the person who has to mend it.
+struct Problem
+{
+    enum class Severity
+    {
+        error,  ///< Final Cut Pro refuses the document, or loses a part of it.
+        warning ///< It is taken, but something moves, changes or looks wrong.
+    };
+
+    qint64 line = 0;      ///< From 1.
+    QString element = {}; ///< Its name.
+    QString rule = {};    ///< A short name that does not change, for scripts: "dtd.attribute".
+    Severity severity = Severity::error;
+    QString message = {}; ///< A sentence.
+    QString fix = {};     ///< What to do, a sentence; empty where that is not known.
+
+    friend bool operator==(const Problem &, const Problem &) = default;
+};
