@@ -17,6 +17,7 @@ void addClean(CLI::App &app, Work &run);
 void addConvertScript(CLI::App &app, Work &run);
 void addExtract(CLI::App &app, Work &run);
 void addModels(CLI::App &app, Work &run);
+void addMerge(CLI::App &app, Work &run);
 void addPlan(CLI::App &app, Work &run);
 void addPresets(CLI::App &app, Work &run);
 void addProofread(CLI::App &app, Work &run);
@@ -29,5 +30,6 @@ void addSrt(CLI::App &app, Work &run);
 void addTitles(CLI::App &app, Work &run);
 void addTranscribe(CLI::App &app, Work &run);
 void addTranslate(CLI::App &app, Work &run);
+void addValidate(CLI::App &app, Work &run);
 
 } // namespace Commands

@@ -50,9 +50,11 @@ void addCommands(CLI::App &app, Commands::Work &run, Common &common)
     Commands::addTitles(app, run);
     Commands::addExtract(app, run);
     Commands::addRetext(app, run);
+    Commands::addValidate(app, run);
     Commands::addClean(app, run);
     Commands::addReplace(app, run);
     Commands::addSeparate(app, run);
+    Commands::addMerge(app, run);
     Commands::addAlign(app, run);
     Commands::addBreak(app, run);
     Commands::addCheck(app, run);

@@ -46,11 +46,11 @@ void resolveSources(const XmlDocument &document, const QString &folder)
     }
 }
 
-/// The "format" resource of that id, null when there is none. Compared in code: ids come from outside and never become
-/// part of a query.
-const xmlNode *findFormat(const XmlDocument &document, const QByteArray &id)
+/// The "format" resource of that id in the resources of `parent`, null when there is none. Compared in code: ids come
+/// from outside and never become part of a query.
+const xmlNode *findFormat(const xmlNode *parent, const QByteArray &id)
 {
-    for (const xmlNode *const resources : Xml::Children(document.root())) {
+    for (const xmlNode *const resources : Xml::Children(parent)) {
         if (!Xml::isElement(resources, "resources"))
             continue;
         for (const xmlNode *const format : Xml::Children(resources)) {
@@ -64,7 +64,11 @@ const xmlNode *findFormat(const XmlDocument &document, const QByteArray &id)
 const xmlNode *sequenceFormat(const XmlDocument &document, const xmlNode *sequence)
 {
     const auto id = sequence ? Xml::attribute(sequence, "format") : std::nullopt;
-    return id ? findFormat(document, *id) : nullptr;
+    if (!id)
+        return nullptr;
+    const xmlNode *const format = findFormat(document.root(), *id);
+    // The oldest documents have their resources inside the project.
+    return format ? format : findFormat(sequence->parent, *id);
 }
 
 std::optional<Rational> timeAttribute(const xmlNode *element, QByteArrayView name)
@@ -119,14 +123,15 @@ void checkLength(const std::vector<TitleGrid::Title> &titles, const Rational &du
 
 /// A base document that passed its checks, with the effect in place.
 TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titles, const QList<Subtitle> &cues,
-                     const Options &options)
+                     const Options &options, const QString &projectName)
 {
-    xmlNode *const project = FCPXML::project(base);
+    xmlNode *const project = FCPXML::project(base, projectName);
     // Final Cut Pro takes a project without these for a new one and leaves the old one alone.
     Xml::removeAttribute(project, "uid");
     Xml::removeAttribute(project, "modDate");
     const Identifiers ids(base);
-    xmlNode *const resources = Xml::child(base.root(), "resources");
+    xmlNode *const ofRoot = Xml::child(base.root(), "resources");
+    xmlNode *const resources = ofRoot ? ofRoot : Xml::child(project, "resources");
     const xmlNode *const sequence = Xml::child(project, "sequence");
     const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
     const auto duration = sequence ? timeAttribute(sequence, "duration") : std::nullopt;
@@ -227,9 +232,9 @@ xmlNode *project(const XmlDocument &document, const QString &name)
     return found.front();
 }
 
-Options settings(Options options, const XmlDocument &document)
+Options settings(Options options, const XmlDocument &document, const QString &projectName)
 {
-    const xmlNode *const project = FCPXML::project(document);
+    const xmlNode *const project = FCPXML::project(document, projectName);
     const xmlNode *const format = sequenceFormat(document, Xml::child(project, "sequence"));
     if (!format)
         throw ConversionError(u"找不到项目画面格式。"_s);
@@ -252,13 +257,14 @@ Options settings(Options options, const xmlNode *format, const QString &name)
     return options;
 }
 
-TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options)
+TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options,
+                      const QString &projectName)
 {
     if (!base)
         return NewDocument::project(cues, options);
     const auto titles = TitleGrid::place(cues, options);
     try {
-        return extend(*std::move(base), titles, cues, options);
+        return extend(*std::move(base), titles, cues, options, projectName);
     } catch (const RationalOverflow &) {
         throwMissingStructure();
     }

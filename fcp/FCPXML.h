@@ -40,17 +40,20 @@ xmlNode *project(const XmlDocument &document);
 /// @throws ConversionError as above, "找不到名为“…”的项目。", or "有多个名为“…”的项目。"
 xmlNode *project(const XmlDocument &document, const QString &name);
 
-/// `options` with frame rate, frame size, font size (height ÷ 45) and name taken from the document's project.
+/// `options` with frame rate, frame size, font size (height ÷ 45) and name taken from the document's project, the one
+/// that bears `projectName` where that is not empty.
 /// @throws ConversionError as project does, "找不到项目画面格式。" or "项目帧率暂不支持。"
-Options settings(Options options, const XmlDocument &document);
+Options settings(Options options, const XmlDocument &document, const QString &projectName = {});
 
 /// The same for a timeline of that name with `format`, a "format" resource.
 /// @throws ConversionError "项目帧率暂不支持。"
 Options settings(Options options, const xmlNode *format, const QString &name);
 
 /// A document with one Basic Title for each cue: into `base`, the user's own project, which takes the options' name and
-/// keeps everything else; or, without a base, a new document of version 1.10 with one project.
+/// keeps everything else; or, without a base, a new document of version 1.10 with one project. `projectName` chooses
+/// one of several projects of the base.
 /// @throws ConversionError with the sentence that says what is wrong; nothing is written then.
-TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options);
+TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options,
+                      const QString &projectName = {});
 
 } // namespace FCPXML

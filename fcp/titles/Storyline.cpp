@@ -21,10 +21,17 @@ Rational requireTime(const std::optional<QByteArray> &text)
     return *time;
 }
 
-Storyline::Clip readClip(xmlNode *element, const Rational &projectStart, const FrameRate &rate)
+/// What a child of a storyline shows: of an audition, the choice in use, which comes first.
+xmlNode *shownClip(xmlNode *item)
+{
+    return Xml::isElement(item, "audition") ? Xml::firstElement(item->children) : item;
+}
+
+/// `item` says where the clip `element` lies; they differ for an audition only.
+Storyline::Clip readClip(const xmlNode *item, xmlNode *element, const Rational &projectStart, const FrameRate &rate)
 {
     const Rational framesPerSecond(rate.numerator, rate.denominator);
-    const Rational offset = requireTime(Xml::attribute(element, "offset"));
+    const Rational offset = requireTime(Xml::attribute(item, "offset"));
     const Rational duration = requireTime(Xml::attribute(element, "duration"));
     const Rational start = requireTime(Xml::attribute(element, "start"));
     const Rational pace = ConformRate::pace(element, rate.frameDuration());
@@ -51,12 +58,13 @@ qint64 Storyline::Clip::localFrame(qint64 timelineFrame) const
 
 Storyline::Storyline(const xmlNode *spine, const Rational &projectStart, const FrameRate &rate)
 {
-    for (xmlNode *const element : Xml::Children(spine)) {
-        if (Xml::isElement(element, "transition") || !Xml::attribute(element, "offset") ||
+    for (xmlNode *const item : Xml::Children(spine)) {
+        xmlNode *const element = shownClip(item);
+        if (Xml::isElement(item, "transition") || !element || !Xml::attribute(item, "offset") ||
             !Xml::attribute(element, "duration"))
             continue;
         try {
-            m_clips.push_back(readClip(element, projectStart, rate));
+            m_clips.push_back(readClip(item, element, projectStart, rate));
         } catch (const RationalOverflow &) {
             throw ConversionError(u"项目 XML 缺少必要结构。"_s);
         }

@@ -5,7 +5,8 @@
 
 #include <vector>
 
-/// The clips of a primary storyline as places where titles can be connected. Gaps count as clips, transitions do not.
+/// The clips of a primary storyline as places where titles can be connected. Gaps count as clips, transitions do not,
+/// and an audition is the clip that it has picked.
 ///
 /// ```
 ///   timeline frame   0         100          250      frames from the project's start, on the rate's grid

@@ -6,6 +6,7 @@
 #include "fcp/titles/TitleGrid.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 
 using namespace Qt::StringLiterals;
@@ -79,7 +80,7 @@ const xmlNode *media(const XmlDocument &document)
 
 /// `owner` finds the element in the document whose sequence carries the titles.
 void compare(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options,
-             const xmlNode *(*owner)(const XmlDocument &))
+             const std::function<const xmlNode *(const XmlDocument &)> &owner)
 {
     std::vector<Found> titles;
     const XmlDocument::Extraction extraction{
@@ -114,10 +115,11 @@ void compare(QByteArrayView document, const QByteArray &effectID, const QList<Su
 
 } // namespace
 
-void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options)
+void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options,
+            const QString &projectName)
 {
     compare(document, effectID, cues, options,
-            [](const XmlDocument &rest) -> const xmlNode * { return FCPXML::project(rest); });
+            [&](const XmlDocument &rest) { return FCPXML::project(rest, projectName); });
 }
 
 void verifyClip(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues,

@@ -11,7 +11,9 @@ namespace WrittenTitles {
 /// document, as Final Cut Pro does.
 /// @throws ConversionError about the first cue, in the order of time, that stands otherwise or not at all.
 /// @throws PlatformError when the document is no XML.
-void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options);
+/// `projectName` chooses one of several projects.
+void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options,
+            const QString &projectName = {});
 
 /// The same for a clip, whose titles hang in the document's one media resource.
 void verifyClip(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues,

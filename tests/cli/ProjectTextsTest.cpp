@@ -114,4 +114,50 @@ TEST_F(ProjectTextCommands, retext_puts_texts_back_and_tells_of_the_rest)
     EXPECT_EQ(content(u"out.fcpxml"_s), kept);
 }
 
+TEST_F(ProjectTextCommands, validate_says_what_is_wrong_and_ends_accordingly)
+{
+    file(u"good.fcpxml"_s, "<fcpxml version='1.10'><resources/></fcpxml>");
+    file(u"warned.fcpxml"_s, "<fcpxml version='1.5'/>");
+    file(u"bad.fcpxml"_s, "<fcpxml version='1.10'>\n<wrong/></fcpxml>");
+    expect(run(u"validate"_s, u"good.fcpxml"_s, {u"--json"_s, u"--strict"_s}), 0, "[]\n", "");
+    EXPECT_EQ(run(u"validate"_s, u"warned.fcpxml"_s).status, 0);
+    EXPECT_EQ(run(u"validate"_s, u"warned.fcpxml"_s, {u"--strict"_s}).status, 1);
+    expect(run(u"validate"_s, u"bad.fcpxml"_s), 1,
+           "第 2 行 wrong：错误，这个版本没有此元素。删除此元素，或改用支持它的版本。\n",
+           "文档有 1 处错误、0 处警告。\n");
+    expect(run(u"validate"_s, u"bad.fcpxml"_s, {u"--json"_s}), 1,
+           R"([{"element":"wrong","fix":"删除此元素，或改用支持它的版本。","line":2,"message":"这个版本没有此元素。",)"
+           R"("rule":"dtd.element","severity":"error"}])"
+           "\n",
+           "文档有 1 处错误、0 处警告。\n");
+}
+
+TEST_F(ProjectTextCommands, merge_writes_one_bilingual_track)
+{
+    file(u"a.srt"_s, "1\n00:00:01,000 --> 00:00:03,000\n你好\n");
+    file(u"b.srt"_s, "1\n00:00:01,100 --> 00:00:03,000\nHello\n\n2\n00:00:05,000 --> 00:00:06,000\nBye\n");
+    expect(run(u"merge"_s, u"a.srt"_s, {path(u"b.srt"_s), u"--json"_s, u"--separator"_s, u"|"_s}), 0,
+           R"({"items":[{"end":3000,"id":1,"start":1000,"text":"你好|Hello"},)"
+           R"({"end":6000,"id":2,"start":5000,"text":"Bye"}],"unmatchedA":[],)"
+           R"("unmatchedB":[{"end":6000,"id":2,"start":5000,"text":"Bye"}]})"
+           "\n",
+           "");
+    EXPECT_TRUE(run(u"merge"_s, u"a.srt"_s, {path(u"b.srt"_s)}).output.contains("你好\nHello\n"));
+}
+
+TEST_F(ProjectTextCommands, titles_offer_a_way_on_where_a_project_refuses)
+{
+    file(u"long.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n\n2\n00:00:19,000 --> 00:00:25,000\n二\n");
+    const QStringList into{u"--base"_s, path(u"bare.fcpxml"_s)};
+    expect(run(u"titles"_s, u"long.srt"_s, into), 1, "", "字幕超出项目时长，请检查音频版本或时间偏移。\n");
+    const auto dropped =
+        run(u"titles"_s, u"long.srt"_s, into + QStringList{u"--past-end"_s, u"drop"_s, u"--progress"_s});
+    EXPECT_EQ(dropped.output.count("<title "), 1);
+    EXPECT_TRUE(dropped.error.contains("跳过第 2 条字幕：超出项目时长"));
+    EXPECT_EQ(run(u"titles"_s, u"long.srt"_s, into + QStringList{u"--past-end"_s, u"cut"_s}).output.count("<title "),
+              2);
+    EXPECT_EQ(run(u"titles"_s, u"long.srt"_s, into + QStringList{u"--past-end"_s, u"keep"_s}).status, 2);
+    EXPECT_EQ(run(u"titles"_s, u"long.srt"_s, {u"--skip-retimed"_s}).status, 2);
+}
+
 } // namespace

@@ -1,6 +1,7 @@
 #include "fcp/FCPXML.h"
 
 #include "core/ConversionError.h"
+#include "fcp/titles/TitleFitting.h"
 #include "tests/fcp/PublishedDtd.h"
 #include "tests/fcp/xml/CanonicalXml.h"
 #include "tests/support/Generator.h"
@@ -153,6 +154,91 @@ TEST(ProjectTitles, leave_everything_else_as_it_was)
     EXPECT_EQ(CanonicalXml::withoutTitles(bytes, "1", "subeffect1").toStdString(),
               CanonicalXml::withoutTitles(original, "1", "subeffect1").toStdString());
     EXPECT_TRUE(bytes.contains("<project name=\"成片\">")) << "a new project to Final Cut Pro";
+}
+
+TEST(ProjectTitles, hang_on_the_choice_of_an_audition)
+{
+    Project project;
+    project.spine = "<audition offset='0s'><asset-clip ref='r3' start='10s' duration='50s'/>"
+                    "<asset-clip ref='r3' duration='50s'/></audition><gap offset='50s' start='0s' duration='50s'/>";
+    const QByteArray bytes = converted(project, {at(2'000, 3'000), at(60'000, 61'000, 2)});
+    const QList<Connected> found = connected(bytes);
+    ASSERT_EQ(found.size(), 2);
+    EXPECT_EQ(found[0].clip, "asset-clip");
+    EXPECT_EQ(found[0].offset, "300/25s");
+    EXPECT_TRUE(bytes.indexOf("<title") < bytes.indexOf("</asset-clip>"));
+}
+
+TEST(ProjectTitles, go_into_one_of_several_projects)
+{
+    Project project;
+    QByteArray bytes = project.bytes();
+    const qsizetype begin = bytes.indexOf("<project");
+    const qsizetype end = bytes.indexOf("</project>") + 10;
+    QByteArray other = bytes.sliced(begin, end - begin);
+    bytes.insert(end, other.replace("我的 &amp; 项目", "另一个"));
+    const auto convert = [&](const QString &name) {
+        return FCPXML::convert({at(0, 1'000)}, XmlDocument::parse(bytes, {}), options25(), name).toUtf8();
+    };
+    EXPECT_THROW(convert({}), ConversionError);
+    EXPECT_THROW(convert(u"没有"_s), ConversionError);
+    const QByteArray written = convert(u"另一个"_s);
+    EXPECT_GT(written.indexOf("<title"), written.indexOf("name=\"成片\""));
+    EXPECT_TRUE(written.contains("name=\"我的 &amp; 项目\" uid=\"U\""));
+    EXPECT_EQ(FCPXML::settings({}, XmlDocument::parse(bytes, {}), u"另一个"_s).name, u"另一个_字幕版"_s);
+}
+
+TEST(ProjectTitles, find_resources_that_lie_inside_the_project)
+{
+    QByteArray bytes = Project().bytes();
+    const qsizetype begin = bytes.indexOf("<resources>");
+    const qsizetype end = bytes.indexOf("</resources>") + 12;
+    const QByteArray resources = bytes.sliced(begin, end - begin);
+    bytes.remove(begin, end - begin);
+    bytes.insert(bytes.indexOf("<sequence format='r1' duration"), resources);
+    EXPECT_EQ(FCPXML::settings({}, XmlDocument::parse(bytes, {})).rate.label, u"25"_s);
+    const QByteArray written = FCPXML::convert({at(0, 1'000)}, XmlDocument::parse(bytes, {}), options25()).toUtf8();
+    EXPECT_EQ(connected(written).size(), 1);
+}
+
+/// The cues that go into a project of 100 s, and after a bar the ids of those left out.
+std::string fitted(const Project &project, const QList<Subtitle> &cues, const TitleFitting::Choice &choice,
+                   const Options &options = options25())
+{
+    const XmlDocument document = XmlDocument::parse(project.bytes(), {});
+    const auto result = TitleFitting::fit(cues, FCPXML::project(document), options, choice);
+    QStringList words;
+    for (const Subtitle &cue : result.cues)
+        words.append(u"%1-%2"_s.arg(cue.start).arg(cue.end));
+    words.append(u"|"_s);
+    for (const auto &[cue, reason] : result.leftOut)
+        words.append(QString::number(cue.id) + reason);
+    return words.join(u' ').toStdString();
+}
+
+TEST(ProjectTitles, past_the_end_are_cut_or_dropped_when_asked)
+{
+    using enum TitleFitting::PastEnd;
+    const QList<Subtitle> cues{at(0, 100'000), at(99'000, 100'001, 2), at(99'500, 100'040, 3), at(100'000, 101'000, 4)};
+    const Project project;
+    EXPECT_EQ(fitted(project, cues, {}), "0-100000 99000-100001 99500-100040 100000-101000 |");
+    EXPECT_EQ(fitted(project, cues, {.pastEnd = cut}), "0-100000 99000-100001 99500-100000 | 4超出项目时长");
+    EXPECT_EQ(fitted(project, cues, {.pastEnd = drop}), "0-100000 99000-100001 | 3超出项目时长 4超出项目时长");
+    // What is cut can be written.
+    Options shifted = options25();
+    shifted.shiftMS = 500;
+    EXPECT_EQ(fitted(project, {at(99'000, 99'900)}, {.pastEnd = cut}, shifted), "99000-99500 |");
+    EXPECT_NO_THROW(converted(project, {at(99'000, 99'500)}, shifted));
+}
+
+TEST(ProjectTitles, over_retimed_clips_are_left_out_when_asked)
+{
+    Project project;
+    project.spine = "<gap offset='0s' duration='50s'/><asset-clip ref='r3' offset='50s' duration='50s'><timeMap/>"
+                    "</asset-clip>";
+    const QList<Subtitle> cues{at(49'960, 51'000), at(50'000, 51'000, 2)};
+    EXPECT_EQ(fitted(project, cues, {}), "49960-51000 50000-51000 |");
+    EXPECT_EQ(fitted(project, cues, {.skipRetimed = true}), "49960-51000 | 2位于变速片段上");
 }
 
 TEST(ProjectTitles, stand_where_the_published_order_has_connected_items)
