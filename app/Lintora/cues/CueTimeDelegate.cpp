@@ -1,7 +1,7 @@
 #include "app/Lintora/cues/CueTimeDelegate.h"
 
-#include "app/Lintora/cues/CueTableModel.h"
 #include "app/Lintora/controls/CueTime.h"
+#include "app/Lintora/cues/CueTableModel.h"
 #include "core/CueEditing.h"
 #include "core/SRT.h"
 

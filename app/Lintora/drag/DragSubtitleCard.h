@@ -48,7 +48,7 @@ private:
     LintoraModel &m_model;
     const std::optional<QUuid> m_trackID;
     QString m_caption;
-    QString m_label; ///< Of the track.
+    QString m_label;           ///< Of the track.
     QPoint m_pressed;          ///< Where the button went down, in the card.
     bool m_dragStarted = true; ///< Since the button went down.
 };
