@@ -1,11 +1,19 @@
+#include "ai/AnswerLedger.h"
 #include "ai/LocalAIJob.h"
+#include "ai/SubtitleGeneration.h"
 #include "ai/Workspace.h"
 #include "ai/models/LocalModels.h"
+#include "ai/speech/KeptAnswers.h"
 #include "ai/speech/Recognition.h"
+#include "ai/speech/SpeechTranscription.h"
+#include "ai/text/OnlineSubtitleAI.h"
+#include "ai/text/Translation.h"
 #include "cli/CancelOnInterrupt.h"
 #include "cli/Commands.h"
 #include "cli/ProgressLines.h"
 #include "cli/Result.h"
+#include "cli/ServiceArguments.h"
+#include "cli/StandardStreams.h"
 #include "core/SRT.h"
 
 #include <memory>
@@ -22,7 +30,24 @@ struct TranscribeArguments
     SubtitleAI::SpeechLanguage language = SubtitleAI::SpeechLanguage::automatic;
     std::string model;
     std::string modelFile;
+    ServiceArguments service;
+    bool wantsWords = false;
+    bool wantsReview = false;
+    std::string reviewModelFile;
+    ServiceArguments reviewService;
+    bool wantsDetails = false; ///< Whether the reason of a notice is told too.
     Arguments::Output output;
+};
+
+/// Who listens and who reviews, made before anything is done: what is wrong with them is told at once.
+struct Workers
+{
+    using Recognize = std::function<AnsweredCues(LocalAIJob &job, const ProgressReport &progress)>;
+    using Review =
+        std::function<AnsweredCues(const QList<Subtitle> &cues, LocalAIJob &job, const ProgressReport &progress)>;
+
+    Recognize recognize;
+    Review review; ///< Empty when nobody shall.
 };
 
 EngineModel modelOf(const TranscribeArguments &arguments)
@@ -32,19 +57,79 @@ EngineModel modelOf(const TranscribeArguments &arguments)
     return SubtitleAI::speechEngine(LocalModels::speechModel(Arguments::toText(arguments.model)));
 }
 
+Workers::Recognize recognizing(const TranscribeArguments &arguments)
+{
+    const QString input = Arguments::toPath(arguments.input);
+    const auto language = arguments.language;
+    constexpr auto noSpeech = SubtitleAI::NoSpeech::isRefused;
+    if (arguments.service.isGiven()) {
+        const SpeechAPIConfiguration service = arguments.service.forSpeech(arguments.wantsWords);
+        return [=](LocalAIJob &job, const ProgressReport &progress) {
+            return SpeechSubtitleAPI::transcribe(input, language, service, KeptAnswers::defaultFolder(), job, noSpeech,
+                                                 progress);
+        };
+    }
+    return [=, model = modelOf(arguments)](LocalAIJob &job, const ProgressReport &progress) {
+        return AnsweredCues{.cues = SubtitleAI::transcribe(input, language, model, job, noSpeech, progress),
+                            .forget = [] {}};
+    };
+}
+
+Workers::Review reviewing(const TranscribeArguments &arguments)
+{
+    const SubtitleAI::TextTask task{.work = SubtitleAI::TextWork::proofreading};
+    const QString ledger = AnswerLedger::defaultFolder();
+    if (!arguments.wantsReview)
+        return {};
+    if (arguments.reviewService.isGiven()) {
+        const OnlineAIConfiguration service = arguments.reviewService.forTexts(false);
+        return [=](const QList<Subtitle> &cues, LocalAIJob &job, const ProgressReport &progress) {
+            return OnlineSubtitleAI::answer(cues, task, service, ledger, job, progress);
+        };
+    }
+    const EngineModel model = arguments.reviewModelFile.empty()
+                                  ? SubtitleAI::textEngine()
+                                  : EngineModel::own(Arguments::toPath(arguments.reviewModelFile));
+    return [=](const QList<Subtitle> &cues, LocalAIJob &job, const ProgressReport &progress) {
+        return SubtitleAI::translate(cues, task, model, ledger, job, progress);
+    };
+}
+
+Workers workersFor(const TranscribeArguments &arguments)
+{
+    Workers workers{.recognize = recognizing(arguments), .review = reviewing(arguments)};
+    arguments.service.hideKey();
+    arguments.reviewService.hideKey();
+    return workers;
+}
+
 void runTranscribe(const TranscribeArguments &arguments)
 {
+    const Workers workers = workersFor(arguments);
     Workspace::removeLeftovers();
     LocalAIJob job;
     const CancelOnInterrupt cancelling(job);
     ProgressLines lines(arguments.output);
-    const QList<Subtitle> cues = SubtitleAI::transcribe(Arguments::toPath(arguments.input), arguments.language,
-                                                        modelOf(arguments), job, SubtitleAI::NoSpeech::isRefused,
-                                                        [&](const Progress &progress) { lines.show(progress); });
+    const ProgressReport progress = [&](const Progress &now) { lines.show(now); };
+    const AnsweredCues recognized = workers.recognize(job, progress);
+    std::function<void()> forgetReview = [] {};
+    std::function<QList<Subtitle>(const QList<Subtitle> &)> review;
+    if (workers.review) {
+        review = [&](const QList<Subtitle> &cues) {
+            const AnsweredCues reviewed = workers.review(cues, job, progress);
+            forgetReview = reviewed.forget;
+            return reviewed.cues;
+        };
+    }
+    const GeneratedSubtitles made = SubtitleGeneration::finish(recognized.cues, review);
     Result::deliver(
-        arguments.output, [&](Utf8Writer &out) { SRT::serialize(cues, out); },
-        [&](JsonWriter &json) { writeSubtitles(json, cues); });
-    arguments.output.report(u"已识别 %1 条字幕"_s.arg(cues.size()));
+        arguments.output, [&](Utf8Writer &out) { SRT::serialize(made.cues, out); },
+        [&](JsonWriter &json) { writeSubtitles(json, made.cues); });
+    recognized.forget();
+    forgetReview();
+    if (made.notice)
+        StandardStreams::writeError((arguments.wantsDetails ? made.notice->text() : made.notice->sentence).toUtf8());
+    arguments.output.report(u"已识别 %1 条字幕"_s.arg(made.cues.size()));
 }
 
 /// The ids of the catalog, for the command line to know.
@@ -63,7 +148,7 @@ void addTranscribe(CLI::App &app, Work &run)
     using SubtitleAI::SpeechLanguage;
     static const std::map<std::string, SpeechLanguage> languages = {
         {"auto", SpeechLanguage::automatic}, {"zh", SpeechLanguage::chinese}, {"en", SpeechLanguage::english}};
-    auto *const command = app.add_subcommand("transcribe", "在本机把语音识别为字幕");
+    auto *const command = app.add_subcommand("transcribe", "把语音识别为字幕（缺省在本机）");
     const auto arguments = std::make_shared<TranscribeArguments>();
     command->add_option("input", arguments->input, "音频或视频文件")
         ->required()
@@ -80,10 +165,25 @@ void addTranscribe(CLI::App &app, Work &run)
         ->type_name("文件")
         ->check(Arguments::notEmpty)
         ->excludes(model);
+    arguments->service.add(*command);
+    command->add_flag("--words", arguments->wantsWords, "在线服务：按词语时间组成短句")->needs("--api");
+    auto *const review = command->add_flag("--review", arguments->wantsReview, "识别后自动校对");
+    arguments->reviewService.add(*command, "review-");
+    command->get_option("--review-api")->needs(review);
+    command->add_option("--review-model-file", arguments->reviewModelFile, "校对用自己的语言模型文件（GGUF）")
+        ->type_name("文件")
+        ->check(Arguments::notEmpty)
+        ->needs(review)
+        ->excludes("--review-api");
+    model->excludes("--api");
+    command->get_option("--model-file")->excludes("--api");
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);
     command->footer("示例：\n  lintora-cli transcribe 访谈.mov -o 访谈.srt --language zh");
-    command->callback([&run, arguments] { run = [arguments] { runTranscribe(*arguments); }; });
+    command->callback([&run, arguments, command] {
+        arguments->wantsDetails = command->count("--details") > 0; // every command has it
+        run = [arguments] { runTranscribe(*arguments); };
+    });
 }
 
 } // namespace Commands

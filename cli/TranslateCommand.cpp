@@ -1,11 +1,13 @@
 #include "ai/AnswerLedger.h"
 #include "ai/LocalAIJob.h"
 #include "ai/Workspace.h"
+#include "ai/text/OnlineSubtitleAI.h"
 #include "ai/text/Translation.h"
 #include "cli/CancelOnInterrupt.h"
 #include "cli/Commands.h"
 #include "cli/ProgressLines.h"
 #include "cli/Result.h"
+#include "cli/ServiceArguments.h"
 #include "core/SRT.h"
 
 #include <memory>
@@ -25,8 +27,31 @@ struct TextArguments
     Direction direction = Direction::chineseToEnglish;
     std::string reference;
     std::string modelFile;
+    ServiceArguments service;
+    bool isQuick = false;
     Arguments::Output output;
 };
+
+/// A task of texts, given to the service that is named, or to the local model.
+using Answering = std::function<AnsweredCues(const QList<Subtitle> &cues, const SubtitleAI::TextTask &task,
+                                             LocalAIJob &job, const ProgressReport &progress)>;
+
+Answering answering(const TextArguments &arguments)
+{
+    const QString ledger = AnswerLedger::defaultFolder();
+    if (arguments.service.isGiven()) {
+        const OnlineAIConfiguration service = arguments.service.forTexts(arguments.isQuick);
+        arguments.service.hideKey();
+        return [=](const auto &cues, const auto &task, LocalAIJob &job, const ProgressReport &progress) {
+            return OnlineSubtitleAI::answer(cues, task, service, ledger, job, progress);
+        };
+    }
+    const EngineModel model = arguments.modelFile.empty() ? SubtitleAI::textEngine()
+                                                          : EngineModel::own(Arguments::toPath(arguments.modelFile));
+    return [=](const auto &cues, const auto &task, LocalAIJob &job, const ProgressReport &progress) {
+        return SubtitleAI::translate(cues, task, model, ledger, job, progress);
+    };
+}
 
 void runText(const TextArguments &arguments)
 {
@@ -36,17 +61,16 @@ void runText(const TextArguments &arguments)
     SubtitleAI::TextTask task{.work = arguments.work, .direction = arguments.direction};
     if (!arguments.reference.empty())
         task.references = SRT::decode(Arguments::readInput(arguments.reference));
+    const Answering answer = answering(arguments);
     Workspace::removeLeftovers();
     LocalAIJob job;
     const CancelOnInterrupt cancelling(job);
     ProgressLines lines(arguments.output);
-    const EngineModel model = arguments.modelFile.empty() ? SubtitleAI::textEngine()
-                                                          : EngineModel::own(Arguments::toPath(arguments.modelFile));
-    const QList<Subtitle> result = SubtitleAI::translate(cues, task, model, AnswerLedger::defaultFolder(), job,
-                                                         [&](const Progress &progress) { lines.show(progress); });
+    const AnsweredCues result = answer(cues, task, job, [&](const Progress &progress) { lines.show(progress); });
     Result::deliver(
-        arguments.output, [&](Utf8Writer &out) { SRT::serialize(result, out); },
-        [&](JsonWriter &json) { writeSubtitles(json, result); });
+        arguments.output, [&](Utf8Writer &out) { SRT::serialize(result.cues, out); },
+        [&](JsonWriter &json) { writeSubtitles(json, result.cues); });
+    result.forget();
 }
 
 /// What both commands have in common.
@@ -54,9 +78,12 @@ void addText(CLI::App &command, const std::shared_ptr<TextArguments> &arguments,
 {
     command.add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
     arguments->output.addPath(command);
+    arguments->service.add(command);
     command.add_option("--model-file", arguments->modelFile, "使用自己的语言模型文件（GGUF），不校验")
         ->type_name("文件")
-        ->check(Arguments::notEmpty);
+        ->check(Arguments::notEmpty)
+        ->excludes("--api");
+    command.add_flag("--quick", arguments->isQuick, "在线服务：合并短请求，兼容的模型不做深度思考")->needs("--api");
     arguments->output.addJson(command);
     arguments->output.addProgress(command);
     command.callback([&run, arguments] { run = [arguments] { runText(*arguments); }; });
@@ -68,7 +95,7 @@ void addTranslate(CLI::App &app, Work &run)
 {
     static const std::map<std::string, Direction> targets = {{"en", Direction::chineseToEnglish},
                                                              {"zh", Direction::englishToChinese}};
-    auto *const command = app.add_subcommand("translate", "在本机翻译字幕：中文译为英文，或英文译为中文");
+    auto *const command = app.add_subcommand("translate", "翻译字幕（缺省在本机）：中文译为英文，或英文译为中文");
     const auto arguments = std::make_shared<TextArguments>();
     command->add_option("--to", arguments->direction, "译为 en 或 zh")
         ->required()
@@ -81,7 +108,7 @@ void addTranslate(CLI::App &app, Work &run)
 
 void addProofread(CLI::App &app, Work &run)
 {
-    auto *const command = app.add_subcommand("proofread", "在本机校对字幕：错别字、识别错误和标点");
+    auto *const command = app.add_subcommand("proofread", "校对字幕（缺省在本机）：错别字、识别错误和标点");
     const auto arguments = std::make_shared<TextArguments>();
     arguments->work = TextWork::proofreading;
     addText(*command, arguments, run);

@@ -6,8 +6,8 @@ set -euo pipefail
 
 debian_packages() {
     case $1 in
-    build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libicu-dev libopencc-dev libcli11-dev libssl-dev fonts-noto-cjk ;;
-    test) echo python3 libgtest-dev libgmock-dev locales openssl xauth xdotool xvfb xz-utils ;;
+    build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libicu-dev libopencc-dev libcli11-dev libssl-dev qtkeychain-qt6-dev libsecret-1-0 fonts-noto-cjk ;;
+    test) echo python3 libgtest-dev dbus-daemon gnome-keyring libgmock-dev locales openssl xauth xdotool xvfb xz-utils ;;
     engines) echo ffmpeg ;;
     ci) echo git clang clang-format clang-tidy ccache desktop-file-utils libgnustep-gui-dev libobjc-12-dev ;;
     bench) echo libbenchmark-dev ;;
@@ -18,7 +18,7 @@ debian_packages() {
 
 brew_packages() {
     case $1 in
-    build) echo cmake ninja pkg-config qt libxml2 icu4c opencc cli11 openssl ;;
+    build) echo cmake ninja pkg-config qt libxml2 icu4c opencc cli11 openssl qtkeychain ;;
     test) echo python googletest xz ;;
     engines) echo ffmpeg whisper-cpp llama.cpp ;;
     ci) echo clang-format llvm ccache ;;

@@ -178,9 +178,8 @@ void validateReferences(const QList<Subtitle> &references, const QList<Subtitle>
         throw ConversionError(u"原文与译文时间不对应，请先匹配字幕轨道。"_s);
 }
 
-QList<qsizetype> batchSizes(const QList<Subtitle> &rows)
+QList<qsizetype> batchSizes(const QList<Subtitle> &rows, qsizetype largest)
 {
-    constexpr qsizetype largest = 1'200; // characters
     QList<qsizetype> sizes;
     qsizetype total = 0;
     for (const Subtitle &row : rows) {

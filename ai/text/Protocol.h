@@ -47,8 +47,8 @@ QByteArray rowsText(const QList<RequestRow> &rows);
 /// @throws ConversionError unless there are as many references as cues, each with the id and times of its cue
 void validateReferences(const QList<Subtitle> &references, const QList<Subtitle> &source);
 
-/// Sizes of the batches in which `rows` are sent, in their order: at most 1200 characters in each, or one cue.
-QList<qsizetype> batchSizes(const QList<Subtitle> &rows);
+/// Sizes of the batches in which `rows` are sent, in their order: at most `largest` characters in each, or one cue.
+QList<qsizetype> batchSizes(const QList<Subtitle> &rows, qsizetype largest = 1'200);
 
 /// The body of the request that asks the local server to answer `rows`.
 QByteArray completionRequest(const QString &instruction, const QList<RequestRow> &rows);

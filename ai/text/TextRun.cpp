@@ -34,6 +34,7 @@ TextRun::TextRun(const QList<Subtitle> &rows, TextTask task, const Service &serv
     , m_task(std::move(task))
     , m_instruction(instruction(m_task.direction, m_task.work, !m_task.references.isEmpty()))
     , m_ledger(ledgerFolder, ledgerWork(m_task, m_instruction, service))
+    , m_batch(service.batch)
 {
     if (rows.isEmpty())
         throw ConversionError(u"请先载入字幕或生成字幕。"_s);
@@ -55,7 +56,7 @@ void TextRun::ask(const Ask &ask, Job &job, const ProgressReport &progress)
     QElapsedTimer clock;
     clock.start();
     qsizetype answered = 0;
-    for (const qsizetype size : batchSizes(asked)) {
+    for (const qsizetype size : batchSizes(asked, m_batch)) {
         job.check();
         progress(progressAt(answered, clock.elapsed()));
         askBatch(ask, m_missing.sliced(answered, size));
@@ -64,13 +65,19 @@ void TextRun::ask(const Ask &ask, Job &job, const ProgressReport &progress)
     progress(progressAt(answered, clock.elapsed()));
 }
 
-QList<Subtitle> TextRun::finish()
+AnsweredCues TextRun::finish() const
 {
     QList<AnswerLedger::Line> lines;
     for (qsizetype i = 0; i < m_source.size(); ++i)
         lines.append(line(i));
-    m_ledger.drop(lines);
-    return m_rows;
+    const auto forget = [ledger = m_ledger, lines]() mutable {
+        try {
+            ledger.drop(lines);
+        } catch (const PlatformError &error) {
+            qCWarning(log) << "answers are not forgotten:" << error.what();
+        }
+    };
+    return {.cues = m_rows, .forget = forget};
 }
 
 AnswerLedger::Line TextRun::line(qsizetype place) const

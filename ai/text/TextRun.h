@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ai/AnswerLedger.h"
+#include "ai/AnsweredCues.h"
 #include "ai/text/Protocol.h"
 #include "core/Progress.h"
 
@@ -27,6 +28,7 @@ public:
         QByteArray model;
         QString endpoint = {};
         bool isQuick = false;
+        qsizetype batch = 1'200; ///< Characters of the largest batch.
     };
 
     /// What the model wrote on one batch. What it throws ends the run; what was answered before stays in the ledger.
@@ -40,8 +42,8 @@ public:
     /// Asks for what is missing, batch after batch. @throws ConversionError as parseTranslations does; Cancelled
     void ask(const Ask &ask, Job &job, const ProgressReport &progress);
 
-    /// The cues with all the answers, which the ledger forgets.
-    QList<Subtitle> finish();
+    /// The cues with all the answers, which the ledger keeps until it is told to forget them.
+    AnsweredCues finish() const;
 
 private:
     AnswerLedger::Line line(qsizetype place) const;
@@ -54,6 +56,7 @@ private:
     TextTask m_task;
     QString m_instruction;
     AnswerLedger m_ledger;
+    qsizetype m_batch;          ///< Characters of the largest batch.
     QList<qsizetype> m_missing; ///< Places of the cues that the ledger did not know.
 };
 

@@ -29,8 +29,8 @@ EngineModel textEngine()
     return EngineModel::ofCatalog(LocalModels::translation(), u"请先下载翻译模型。"_s, u"正在校验翻译与校对模型…"_s);
 }
 
-QList<Subtitle> translate(const QList<Subtitle> &rows, const TextTask &task, const EngineModel &model,
-                          const QString &ledgerFolder, LocalAIJob &job, const ProgressReport &progress)
+AnsweredCues translate(const QList<Subtitle> &rows, const TextTask &task, const EngineModel &model,
+                       const QString &ledgerFolder, LocalAIJob &job, const ProgressReport &progress)
 {
     TextRun run(rows, task, {.model = model.identity}, ledgerFolder);
     model.prepare(job, progress);

@@ -17,7 +17,7 @@ EngineModel textEngine();
 /// ledger in `ledgerFolder`, and the next call with the same cues asks only for the rest. The server and its files are
 /// gone when this ends, however it does.
 /// @throws ConversionError; PlatformError, Cancelled
-QList<Subtitle> translate(const QList<Subtitle> &rows, const TextTask &task, const EngineModel &model,
-                          const QString &ledgerFolder, LocalAIJob &job, const ProgressReport &progress);
+AnsweredCues translate(const QList<Subtitle> &rows, const TextTask &task, const EngineModel &model,
+                       const QString &ledgerFolder, LocalAIJob &job, const ProgressReport &progress);
 
 } // namespace SubtitleAI

@@ -119,7 +119,7 @@ TEST_F(RealEngines, the_language_models_server_answers_and_its_answer_is_held_to
                                   {.id = 2, .start = 1'000, .end = 1'900, .text = u"there was a cat"_s}};
     LocalAIJob job;
     try {
-        const auto result =
+        const auto [result, forget] =
             SubtitleAI::translate(rows, {.direction = SubtitleAI::Direction::englishToChinese},
                                   EngineModel::own(*model), folder.filePath(u"ledger"_s), job, [](const Progress &) {});
         ASSERT_EQ(result.size(), 2);

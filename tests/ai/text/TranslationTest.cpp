@@ -47,7 +47,8 @@ protected:
             const auto result = SubtitleAI::translate(rows, task, EngineModel::own(helpers.file(u"model.gguf"_s)),
                                                       helpers.file(u"ledger"_s), job,
                                                       [&](const Progress &news) { progress.append(news); });
-            for (const Subtitle &cue : result)
+            result.forget();
+            for (const Subtitle &cue : result.cues)
                 texts.append(cue.text.left(2));
             return texts.join(u' ');
         } catch (const ConversionError &error) {

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "ai/AnsweredCues.h"
+#include "ai/speech/SpeechSubtitleAPI.h"
+#include "core/Progress.h"
+
+class LocalAIJob;
+
+namespace SpeechSubtitleAPI {
+
+/// The cues of what is said in the first audio stream of `media`, by a transcription service.
+///
+/// The recording goes there in pieces, one after another; no more than one piece and its upload lie on the disk at a
+/// time beside the whole track. What was answered is kept in `keptFolder` until it is told to be
+/// forgotten: the next run of the same work pays only for the rest.
+/// @throws ConversionError; PlatformError in the network's own words, Cancelled
+AnsweredCues transcribe(const QString &media, SubtitleAI::SpeechLanguage language,
+                        const SpeechAPIConfiguration &configuration, const QString &keptFolder, LocalAIJob &job,
+                        SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress);
+
+} // namespace SpeechSubtitleAPI
