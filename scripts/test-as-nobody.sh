@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs the tests that a preset has built as a user without rights: scripts/test-as-nobody.sh PRESET [ctest's arguments]
 # For the administrator, whose own run skips what permissions mean to others. Nothing is written into the build folder.
+# Ends with 77 where that user cannot read the build folder.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 build=$PWD/build/$1
@@ -17,7 +18,8 @@ chown -R nobody "$home"
 nobody=(setpriv --reuid nobody --regid "$(id -g nobody)" --clear-groups
     env -u XDG_RUNTIME_DIR HOME="$home" TMPDIR="$home/tmp")
 if ! "${nobody[@]}" test -r "$build/CTestTestfile.cmake"; then
-    echo "nobody cannot read $build: move the project where everybody may" >&2
-    exit 1
+    echo "跳过：nobody 读不到 $build，请把项目放到人人可读的位置。" >&2
+    exit 77
 fi
-(cd "$home" && "${nobody[@]}" ctest --test-dir "$home" --output-on-failure -j "$(getconf _NPROCESSORS_ONLN)" "$@")
+(cd "$home" && "${nobody[@]}" ctest --test-dir "$home" --output-on-failure -j "$(getconf _NPROCESSORS_ONLN)" \
+    -E 'arrows' "$@") # which read the sources, with whatever Python the administrator has
