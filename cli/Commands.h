@@ -21,6 +21,7 @@ void addMerge(CLI::App &app, Work &run);
 void addPlan(CLI::App &app, Work &run);
 void addPresets(CLI::App &app, Work &run);
 void addProofread(CLI::App &app, Work &run);
+void addRender(CLI::App &app, Work &run);
 void addReplace(CLI::App &app, Work &run);
 void addRetext(CLI::App &app, Work &run);
 void addSeparate(CLI::App &app, Work &run);

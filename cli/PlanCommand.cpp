@@ -1,8 +1,6 @@
 #include "cli/Commands.h"
+#include "cli/ProjectAudio.h"
 #include "cli/Result.h"
-#include "cli/StandardStreams.h"
-#include "fcp/FCPXML.h"
-#include "fcp/audio/FCPAudioPlan.h"
 
 #include <QFileInfo>
 
@@ -18,6 +16,7 @@ namespace {
 struct PlanArguments
 {
     std::string input;
+    ProjectAudio audio;
     Arguments::Output output;
 };
 
@@ -55,17 +54,9 @@ QString summary(const FCPAudioPlan &plan)
     return text;
 }
 
-/// Standard input is data as a drag delivers it: there is no folder in which its files could lie, and what is too large
-/// is refused in the plan's own words.
-QByteArray readDraggedData()
-{
-    return StandardStreams::readUpTo(FCPXML::largestFile).value_or(QByteArray(FCPXML::largestFile + 1, ' '));
-}
-
 void runPlan(const PlanArguments &arguments)
 {
-    const FCPAudioPlan plan = arguments.input == "-" ? FCPAudioPlan::parse(readDraggedData())
-                                                     : FCPAudioPlan::parse(Arguments::readProject(arguments.input));
+    const FCPAudioPlan plan = arguments.audio.plan(arguments.input);
     Result::deliver(
         arguments.output, [&](Utf8Writer &out) { out.text(summary(plan)); },
         [&](JsonWriter &json) { writeAudioPlan(json, plan); });
@@ -81,6 +72,7 @@ void addPlan(CLI::App &app, Work &run)
         ->required()
         ->type_name("PROJECT")
         ->check(Arguments::notEmpty);
+    arguments->audio.addSwitches(*command);
     arguments->output.addPath(*command);
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);

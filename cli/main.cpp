@@ -61,6 +61,7 @@ void addCommands(CLI::App &app, Commands::Work &run, Common &common)
     Commands::addConvertScript(app, run);
     Commands::addSettings(app, run);
     Commands::addPlan(app, run);
+    Commands::addRender(app, run);
     Commands::addSession(app, run);
     Commands::addPresets(app, run);
     Commands::addTranscribe(app, run);

@@ -20,17 +20,18 @@ quint32 number(const QByteArray &bytes, qsizetype at)
 
 } // namespace
 
-std::optional<qint64> durationMS(const QString &path)
+std::optional<Sound> sound(const QString &path)
 {
-    constexpr qsizetype formatSize = 16; // bytes of a format that are read
-    constexpr qsizetype ratePlace = 8;   // bytes a second stand there in it
+    constexpr qsizetype formatSize = 16;   // bytes of a format that are read
+    constexpr qsizetype channelsPlace = 2; // the number of channels stands there in it ...
+    constexpr qsizetype ratePlace = 8;     // ... and the bytes a second there
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
     const QByteArray beginning = file.read(12);
     if (beginning.size() < 12 || !beginning.startsWith("RIFF") || !beginning.endsWith("WAVE"))
         return std::nullopt;
-    qint64 bytesPerSecond = 0;
+    Sound sound;
     for (;;) {
         const QByteArray header = file.read(headerSize);
         if (header.size() < headerSize)
@@ -38,21 +39,31 @@ std::optional<qint64> durationMS(const QString &path)
         const qint64 size = number(header, 4);
         const qint64 begin = file.pos();
         if (header.startsWith("data")) {
-            const qint64 bytes = std::min(size, file.size() - begin);
-            if (bytesPerSecond == 0)
+            if (sound.bytesPerSecond == 0)
                 return std::nullopt;
-            return (bytes * 1'000 + bytesPerSecond / 2) / bytesPerSecond;
+            sound.begin = begin;
+            sound.size = std::min(size, file.size() - begin);
+            return sound;
         }
         if (header.startsWith("fmt ")) {
             const QByteArray format = file.read(formatSize);
             if (format.size() < formatSize)
                 return std::nullopt;
-            bytesPerSecond = number(format, ratePlace);
+            sound.channels = qFromLittleEndian<quint16>(format.constData() + channelsPlace);
+            sound.bytesPerSecond = number(format, ratePlace);
         }
         // Chunks begin at even places.
         if (!file.seek(begin + size + size % 2))
             return std::nullopt;
     }
+}
+
+std::optional<qint64> durationMS(const QString &path)
+{
+    const auto found = sound(path);
+    if (!found)
+        return std::nullopt;
+    return (found->size * 1'000 + found->bytesPerSecond / 2) / found->bytesPerSecond;
 }
 
 } // namespace WavFile

@@ -22,14 +22,18 @@ public:
 /// Which pieces of which files sound where on the timeline of a Final Cut Pro project or of selected clips.
 struct FCPAudioPlan
 {
-    QString name; ///< Of the project, or of the first selected clip.
-    QList<FCPAudioSegment>
-        segments;        ///< By offset, equal ones in document order. At least 1, at most 250; they may overlap.
+    QString name = {}; ///< Of the project, or of the first selected clip.
+
+    /// By offset, equal ones in document order. At least 1, at most 250; they may overlap.
+    QList<FCPAudioSegment> segments = {};
     double duration = 0; ///< Seconds, above 0 and at most three hours. No segment reaches beyond it.
-    std::optional<Options>
-        settings; ///< Matched to the timeline; absent when its frame rate is not known, or not supported.
-    bool hasAudioEffects = false;    ///< Some clip has audio filters, which the plan leaves out.
-    QStringList skippedRetimedAudio; ///< Names of speed-changed clips whose own sound was left out, one for each clip.
+
+    /// Matched to the timeline; absent when its frame rate is not known, or not supported.
+    std::optional<Options> settings = {};
+    bool hasAudioEffects = false; ///< Some clip has audio filters, which the plan leaves out.
+
+    /// Names of speed-changed clips whose own sound was left out, one for each clip.
+    QStringList skippedRetimedAudio = {};
 
     /// Plans dragged data: a document of at most 16 MiB with one project, one clip, or several clips with offsets.
     /// @throws ConversionError with the sentence that says what cannot be planned; NothingAudible is one.

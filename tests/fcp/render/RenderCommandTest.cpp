@@ -1,0 +1,84 @@
+#include "tests/support/CommandLine.h"
+#include "tests/support/HelperFolder.h"
+#include "tests/support/StoryDocument.h"
+#include "tests/support/WavMaker.h"
+
+#include <QFile>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace StoryDocument;
+
+namespace {
+
+class RenderCommand : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        helpers.script(u"ffmpeg-audio"_s, {u"wav 5"_s});
+        ASSERT_TRUE((Wav{.channels = {std::vector<double>(16'000)}}.write(helpers.file(u"a.wav"_s))));
+    }
+
+    void TearDown() override { EXPECT_EQ(helpers.scratchFolders(), QStringList()); }
+
+    /// A project of 20 seconds that plays a file, and another one.
+    QString projectOf(const char *first, const char *second)
+    {
+        const auto asset = [&](const char *id, const char *name) {
+            const QUrl url = QUrl::fromLocalFile(helpers.file(QString::fromUtf8(name)));
+            return tag(QByteArray("asset hasAudio=1 duration=60s id=") + id, {tag("media-rep src=" + url.toEncoded())});
+        };
+        const QString path = helpers.file(u"片.fcpxml"_s);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(project(
+            "20s", {tag("asset-clip ref=a offset=0s duration=5s"), tag("asset-clip ref=b offset=5s duration=5s")},
+            {asset("a", first), asset("b", second)}));
+        return path;
+    }
+
+    QByteArray contentOf(const QString &name)
+    {
+        QFile file(helpers.file(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    HelperFolder helpers;
+};
+
+const QByteArray missing = "找不到片段原始音视频，请先在 FCP 重新连接媒体。\n";
+
+} // namespace
+
+TEST_F(RenderCommand, writes_a_file_as_long_as_the_project)
+{
+    const QString project = projectOf("a.wav", "a.wav");
+    const QString out = helpers.file(u"out.wav"_s);
+    const auto outcome = CommandLine::run({u"render"_s, project, u"-o"_s, out, u"--progress"_s});
+    EXPECT_EQ(outcome.status, 0) << outcome.error.toStdString();
+    EXPECT_TRUE(outcome.error.startsWith("正在读取 FCP 音轨 2 / 2\n")) << outcome.error.toStdString();
+    const auto wav = Wav::read(out);
+    ASSERT_TRUE(wav);
+    EXPECT_EQ(wav->channels[0].size(), 320'000U);
+    EXPECT_EQ(CommandLine::run({u"render"_s, project}).output, contentOf(u"out.wav"_s));
+}
+
+TEST_F(RenderCommand, finds_what_is_missing_before_anything_is_rendered_and_does_without_it_when_asked)
+{
+    const QString project = projectOf("gone.mov", "a.wav");
+    const QString out = helpers.file(u"out.wav"_s);
+    const auto refused = CommandLine::run({u"render"_s, project, u"-o"_s, out, u"--details"_s});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.error, missing + "缺少文件：" + helpers.file(u"gone.mov"_s).toUtf8() + '\n');
+    EXPECT_FALSE(QFile::exists(out));
+    EXPECT_EQ(helpers.runs(u"ffmpeg-audio"_s).size(), 0);
+    EXPECT_EQ(CommandLine::run({u"render"_s, project, u"-o"_s, out, u"--without-missing"_s}).status, 0);
+    EXPECT_EQ(helpers.runs(u"ffmpeg-audio"_s).last().count(u"-i"_s), 1);
+    const auto plan = CommandLine::run({u"plan"_s, project, u"--without-missing"_s});
+    EXPECT_TRUE(plan.output.contains("音频片段：1\n")) << plan.output.toStdString();
+    EXPECT_EQ(CommandLine::run({u"render"_s, projectOf("gone.mov", "lost.mov"), u"--without-missing"_s}).error,
+              "所选 FCP 内容没有可读取的音轨。\n");
+}
