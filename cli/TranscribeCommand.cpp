@@ -11,10 +11,12 @@
 #include "cli/CancelOnInterrupt.h"
 #include "cli/Commands.h"
 #include "cli/ProgressLines.h"
+#include "cli/ProjectAudio.h"
 #include "cli/Result.h"
 #include "cli/ServiceArguments.h"
 #include "cli/StandardStreams.h"
 #include "core/SRT.h"
+#include "fcp/render/FCPAudioRenderer.h"
 
 #include <memory>
 
@@ -30,6 +32,7 @@ struct TranscribeArguments
     SubtitleAI::SpeechLanguage language = SubtitleAI::SpeechLanguage::automatic;
     std::string model;
     std::string modelFile;
+    ProjectAudio audio; ///< Where the input is a project.
     ServiceArguments service;
     bool wantsWords = false;
     bool wantsReview = false;
@@ -57,8 +60,58 @@ EngineModel modelOf(const TranscribeArguments &arguments)
     return SubtitleAI::speechEngine(LocalModels::speechModel(Arguments::toText(arguments.model)));
 }
 
+/// Listens to a range of a timeline, where nobody may be speaking.
+using Listen = std::function<AnsweredCues(const QString &wav, qint64 durationMS, const Workspace &workspace,
+                                          LocalAIJob &job, const ProgressReport &progress)>;
+
+Listen listening(const TranscribeArguments &arguments)
+{
+    const auto language = arguments.language;
+    constexpr auto noSpeech = SubtitleAI::NoSpeech::isAllowed;
+    if (arguments.service.isGiven()) {
+        const SpeechAPIConfiguration service = arguments.service.forSpeech(arguments.wantsWords);
+        return [=](const QString &wav, qint64, const Workspace &, LocalAIJob &job, const ProgressReport &progress) {
+            return SpeechSubtitleAPI::transcribe(wav, language, service, KeptAnswers::defaultFolder(), job, noSpeech,
+                                                 progress);
+        };
+    }
+    return [=, model = modelOf(arguments).file](const QString &wav, qint64 durationMS, const Workspace &workspace,
+                                                LocalAIJob &job, const ProgressReport &progress) {
+        return AnsweredCues{
+            .cues = SubtitleAI::recognize(wav, durationMS, language, model, job, noSpeech, workspace, progress),
+            .forget = [] {}};
+    };
+}
+
+/// What is said on a project's timeline, at its times.
+Workers::Recognize recognizingTimeline(const TranscribeArguments &arguments)
+{
+    std::function<void(LocalAIJob &, const ProgressReport &)> prepare = [](LocalAIJob &, const ProgressReport &) {};
+    if (!arguments.service.isGiven())
+        prepare = modelOf(arguments).prepare;
+    return [=, listen = listening(arguments)](LocalAIJob &job, const ProgressReport &progress) {
+        const FCPAudioPlan plan = arguments.audio.plan(arguments.input);
+        ProjectAudio::tellNotices(plan, arguments.output);
+        prepare(job, progress);
+        std::vector<std::function<void()>> kept;
+        const auto recognize = [&](const QString &wav, qint64 durationMS, const Workspace &workspace,
+                                   const ProgressReport &report) {
+            const AnsweredCues answered = listen(wav, durationMS, workspace, job, report);
+            kept.push_back(answered.forget);
+            return answered.cues;
+        };
+        const QList<Subtitle> cues = FCPAudioRenderer::transcribe(plan, job, recognize, progress);
+        return AnsweredCues{.cues = cues, .forget = [kept] {
+                                for (const auto &forget : kept)
+                                    forget();
+                            }};
+    };
+}
+
 Workers::Recognize recognizing(const TranscribeArguments &arguments)
 {
+    if (ProjectAudio::isProject(arguments.input))
+        return recognizingTimeline(arguments);
     const QString input = Arguments::toPath(arguments.input);
     const auto language = arguments.language;
     constexpr auto noSpeech = SubtitleAI::NoSpeech::isRefused;
@@ -150,7 +203,7 @@ void addTranscribe(CLI::App &app, Work &run)
         {"auto", SpeechLanguage::automatic}, {"zh", SpeechLanguage::chinese}, {"en", SpeechLanguage::english}};
     auto *const command = app.add_subcommand("transcribe", "把语音识别为字幕（缺省在本机）");
     const auto arguments = std::make_shared<TranscribeArguments>();
-    command->add_option("input", arguments->input, "音频或视频文件")
+    command->add_option("input", arguments->input, "音频或视频文件，或项目（.fcpxml、.fcpxmld）")
         ->required()
         ->type_name("INPUT")
         ->check(Arguments::notEmpty);
@@ -177,9 +230,11 @@ void addTranscribe(CLI::App &app, Work &run)
         ->excludes("--review-api");
     model->excludes("--api");
     command->get_option("--model-file")->excludes("--api");
+    arguments->audio.addSwitches(*command);
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);
-    command->footer("示例：\n  lintora-cli transcribe 访谈.mov -o 访谈.srt --language zh");
+    command->footer("示例：\n  lintora-cli transcribe 访谈.mov -o 访谈.srt --language zh\n"
+                    "  lintora-cli transcribe 粗剪.fcpxmld -o 粗剪.srt");
     command->callback([&run, arguments, command] {
         arguments->wantsDetails = command->count("--details") > 0; // every command has it
         run = [arguments] { runTranscribe(*arguments); };

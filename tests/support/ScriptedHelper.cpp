@@ -3,7 +3,7 @@
 //   print TEXT | complain TEXT      a line on standard output, on standard error
 //   flood output|errors BYTES       so many bytes on one of them
 //   result TEXT                     writes TEXT where -of says, with .json behind; "result-size BYTES" blanks
-//   wav SECONDS                     writes that much silence to the last argument
+//   wav SECONDS [HUM]               writes that much silence, and so many seconds of a hum, to the last argument
 //   ignore                          ignores SIGTERM from now on
 //   child [away]                    starts a child that ignores SIGTERM and waits; away: in a session of its own
 //   wait                            waits for a signal
@@ -74,15 +74,16 @@ QString valueOf(const QString &option)
     return arguments.value(arguments.indexOf(option) + 1);
 }
 
-void writeSilence(double seconds)
+void writeSound(double silence, double hum)
 {
-    const auto bytes = quint32(seconds * 16'000) * 2;
+    const auto silent = quint32(silence * 16'000) * 2;
+    const auto bytes = silent + quint32(hum * 16'000) * 2;
     const auto number = [](quint32 value, int size) {
         return QByteArray(reinterpret_cast<const char *>(&value), size);
     };
     append(arguments.last(), "RIFF" + number(36 + bytes, 4) + "WAVEfmt " + number(16, 4) + number(1, 2) + number(1, 2) +
                                  number(16'000, 4) + number(32'000, 4) + number(2, 2) + number(16, 2) + "data" +
-                                 number(bytes, 4) + QByteArray(bytes, '\0'));
+                                 number(bytes, 4) + QByteArray(silent, '\0') + QByteArray(bytes - silent, '\1'));
 }
 
 void startChild(bool isAway)
@@ -229,7 +230,7 @@ void play(const QString &line)
     else if (command == u"result-size")
         append(valueOf(u"-of"_s) + u".json"_s, QByteArray(rest.toInt(), ' '));
     else if (command == u"wav")
-        writeSilence(rest.toDouble());
+        writeSound(rest.section(u' ', 0, 0).toDouble(), rest.section(u' ', 1).toDouble());
     else if (command == u"ignore")
         std::signal(SIGTERM, SIG_IGN);
     else if (command == u"child")

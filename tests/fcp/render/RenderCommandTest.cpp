@@ -82,3 +82,21 @@ TEST_F(RenderCommand, finds_what_is_missing_before_anything_is_rendered_and_does
     EXPECT_EQ(CommandLine::run({u"render"_s, projectOf("gone.mov", "lost.mov"), u"--without-missing"_s}).error,
               "所选 FCP 内容没有可读取的音轨。\n");
 }
+
+TEST_F(RenderCommand, what_is_said_on_a_timeline_stands_at_its_times)
+{
+    const QString project = projectOf("a.wav", "gone.mov");
+    const QString model = helpers.file(u"a.wav"_s);
+    helpers.script(u"whisper-cli"_s,
+                   {uR"(result {"transcription":[{"offsets":{"from":500,"to":2500},"text":" 你好"}]})"_s});
+    const QStringList transcribe = {u"transcribe"_s, project, u"--model-file"_s, model};
+    EXPECT_EQ(CommandLine::run(transcribe).error, missing);
+    // Five seconds of silence are not even sent.
+    EXPECT_EQ(CommandLine::run(transcribe + QStringList({u"--without-missing"_s})).error,
+              "未识别到有效语音，请检查时间线人声。\n");
+    EXPECT_EQ(helpers.runs(u"whisper-cli"_s).size(), 0);
+    helpers.script(u"ffmpeg-audio"_s, {u"wav 3 2"_s});
+    const auto outcome = CommandLine::run(transcribe + QStringList({u"--without-missing"_s, u"--progress"_s}));
+    EXPECT_EQ(outcome.output, "1\n00:00:02,500 --> 00:00:04,500\n你好\n");
+    EXPECT_TRUE(outcome.error.contains("正在识别时间线音频范围 1 / 1")) << outcome.error.toStdString();
+}
