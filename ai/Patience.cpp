@@ -3,7 +3,6 @@
 #include "core/Job.h"
 
 #include <QDateTime>
-#include <QLocale>
 
 #include <condition_variable>
 #include <mutex>
@@ -25,11 +24,12 @@ std::optional<seconds> pauseAsked(const HTTP::Head &head)
     constexpr seconds longest(60);
     if (head.status != tooManyRequests && head.status != unavailable)
         return std::nullopt;
-    const QString value = QString::fromLatin1(head.value("retry-after")).trimmed();
+    QString value = QString::fromLatin1(head.value("retry-after")).trimmed();
     bool isNumber = false;
     seconds asked(value.toLongLong(&isNumber));
     if (!isNumber) {
-        const QDateTime until = QDateTime::fromString(value, Qt::RFC2822Date);
+        // HTTP names the zone, which that format does not know.
+        const QDateTime until = QDateTime::fromString(value.replace(u" GMT"_s, u" +0000"_s), Qt::RFC2822Date);
         if (!until.isValid())
             return std::nullopt;
         asked = std::max(seconds(QDateTime::currentDateTimeUtc().secsTo(until)), seconds(0));

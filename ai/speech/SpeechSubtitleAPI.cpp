@@ -75,6 +75,15 @@ QList<Subtitle> cuesOfSegments(const QJsonArray &segments)
     return result;
 }
 
+/// Two times together. One that does not fit is no time of a recording but a fault of the program.
+qint64 sum(qint64 a, qint64 b)
+{
+    qint64 result = 0;
+    if (__builtin_add_overflow(a, b, &result))
+        qFatal("a time is beyond 64 bits");
+    return result;
+}
+
 QByteArray quoted(const QString &text)
 {
     // As browsers write names in forms.
@@ -88,10 +97,10 @@ QList<SpeechChunk> chunks(qint64 durationMS, qint64 coreMS, qint64 overlapMS)
     QList<SpeechChunk> result;
     if (durationMS < 1 || coreMS < 1 || overlapMS < 0)
         return result;
-    for (qint64 start = 0; start < durationMS; start += coreMS) {
-        const qint64 end = std::min(start + coreMS, durationMS);
+    for (qint64 start = 0, end = 0; end < durationMS; start = end) {
+        end = std::min(sum(start, coreMS), durationMS);
         result.append({.startMS = std::max(start - overlapMS, qint64(0)),
-                       .endMS = std::min(end + overlapMS, durationMS),
+                       .endMS = std::min(sum(end, overlapMS), durationMS),
                        .coreStartMS = start,
                        .coreEndMS = end});
     }

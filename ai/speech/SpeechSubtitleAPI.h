@@ -28,6 +28,7 @@ constexpr qint64 chunkCoreMS = 480'000;
 constexpr qint64 chunkOverlapMS = 1'000;
 
 /// The pieces of a recording of `durationMS`; none when the duration or the core is below 1 or the overlap negative.
+/// Times beyond 64 bits end the program.
 QList<SpeechChunk> chunks(qint64 durationMS, qint64 coreMS = chunkCoreMS, qint64 overlapMS = chunkOverlapMS);
 
 /// The form's fields, in their order. @throws ConversionError "模型名称不能包含换行。"

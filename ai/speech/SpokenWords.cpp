@@ -27,8 +27,8 @@ bool endsPhrase(QStringView text)
 bool needsBlank(QChar before, QChar after)
 {
     if (!hasBlanks(after))
-        return hasBlanks(before) && QStringView(u"([{\"“‘").contains(after);
-    return hasBlanks(before) || QStringView(u",.!?:;)]}\"%").contains(before);
+        return hasBlanks(before) && QStringView(u"([{\"“‘&+#$€£").contains(after);
+    return hasBlanks(before) || QStringView(u",.!?:;)]}\"%&+").contains(before);
 }
 
 /// Whole words of pieces, and `isTold` where the service marks the beginnings of words by blanks.

@@ -140,6 +140,9 @@ TEST(SpokenWords, phrases_are_short_and_blanks_stand_where_writing_has_them)
               u"0-400 用Final Cut剪"_s);
     EXPECT_EQ(lines(SpokenWords::cues({at(0, 100, u"Wait"_s), at(100, 100, u"!"_s), at(200, 300, u"No"_s)})),
               u"0-100 Wait!|200-300 No"_s);
+    EXPECT_EQ(lines(SpokenWords::cues({at(0, 100, u"R"_s), at(100, 200, u"&"_s), at(200, 300, u"B"_s),
+                                       at(300, 400, u"costs"_s), at(400, 500, u"$5"_s), at(500, 600, u"元"_s)})),
+              u"0-600 R & B costs $5元"_s);
     EXPECT_EQ(lines(SpokenWords::cues({at(0, 100, u"a"_s), at(700, 800, u"b"_s), at(1'401, 1'500, u"c"_s)})),
               u"0-800 a b|1401-1500 c"_s);
     EXPECT_EQ(lines(SpokenWords::cues({at(0, 100, u"a"_s), at(600, 4'000, u"b"_s), at(4'000, 4'001, u"c"_s)})),

@@ -57,9 +57,9 @@ struct Asking
     {
         LocalAIJob job;
         try {
-            cues = OnlineSubtitleAI::answer(rows, task, configuration, ledger.path(), job,
-                                            [&](const Progress &now) { progress.append(now.what); })
-                       .cues;
+            cues = OnlineSubtitleAI::answer(rows, task, configuration, ledger.path(), job, [&](const Progress &now) {
+                       progress.append(now.what);
+                   }).cues;
             return {};
         } catch (const ConversionError &error) {
             return error.message();
@@ -269,6 +269,13 @@ TEST(OnlineSubtitleAI, a_busy_service_is_waited_for_where_it_says_how_long)
     const ScriptedServer always429(always(ScriptedServer::reply(429, "", "Retry-After: 0\r\n")));
     EXPECT_TRUE(Asking(always429.url(u"/v1"_s)).ending().contains(u"HTTP 429"));
     EXPECT_EQ(always429.requests().size(), 4);
+    const QByteArray past = "Retry-After: Wed, 21 Oct 2015 07:28:00 GMT\r\n";
+    const ScriptedServer dated(always(ScriptedServer::reply(503, "", past)));
+    EXPECT_TRUE(Asking(dated.url(u"/v1"_s)).ending().contains(u"HTTP 503"));
+    EXPECT_EQ(dated.requests().size(), 4);
+    const ScriptedServer later(always(ScriptedServer::reply(503, "", "Retry-After: 61\r\n")));
+    EXPECT_TRUE(Asking(later.url(u"/v1"_s)).ending().contains(u"HTTP 503"));
+    EXPECT_EQ(later.requests().size(), 1);
     const ScriptedServer minute(always(ScriptedServer::reply(503, "", "Retry-After: 60\r\n")));
     LocalAIJob job;
     Asking cancelled(minute.url(u"/v1"_s));
