@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/Subtitle.h"
+
+#include <QFlags>
+
+#include <functional>
+
+/// A recognised cue that was likely invented by the recogniser.
+struct SuspectCue
+{
+    enum class Reason
+    {
+        silence = 1,       ///< Nothing sounds where it is said to be spoken.
+        repetition = 2,    ///< A phrase said over and over.
+        closingPhrase = 4, ///< What recognisers put under music and noise: thanks for watching, who made the subtitles.
+        speed = 8          ///< Nobody speaks that fast.
+    };
+    Q_DECLARE_FLAGS(Reasons, Reason)
+
+    qsizetype index = 0; ///< Position in the list of cues.
+    Reasons reasons;     ///< At least one.
+
+    friend bool operator==(const SuspectCue &, const SuspectCue &) = default;
+};
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(SuspectCue::Reasons)
+Q_DECLARE_TYPEINFO(SuspectCue, Q_RELOCATABLE_TYPE);
+
+/// Finds what a recogniser has likely made up. Marks only: each of them may be true.
+namespace SuspectCues {
+
+/// Whether nothing is heard between two times, in milliseconds, of what was recognised.
+using IsSilent = std::function<bool(qint64 startMS, qint64 endMS)>;
+
+/// The suspects among `items`, in order. Without `isSilent` the sound is not judged.
+QList<SuspectCue> find(const QList<Subtitle> &items, const IsSilent &isSilent);
+
+/// The reasons in the words that a person reads, joined by "；".
+QString reason(SuspectCue::Reasons reasons);
+
+} // namespace SuspectCues
