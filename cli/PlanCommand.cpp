@@ -48,6 +48,8 @@ QString summary(const FCPAudioPlan &plan)
         text += u"音频特效不参与，按原始音轨识别。\n"_s;
     if (const auto notice = plan.retimeNotice())
         text += u"已跳过 %1\n"_s.arg(*notice);
+    if (const auto notice = plan.unreadableNotice())
+        text += u"已跳过 %1\n"_s.arg(*notice);
     text += u"音频片段：%1\n"_s.arg(plan.segments.size());
     for (const FCPAudioSegment &segment : plan.segments)
         text += line(segment);

@@ -20,12 +20,14 @@ QByteArray readDraggedData()
 void ProjectAudio::addSwitches(CLI::App &command)
 {
     command.add_flag("--without-missing", withoutMissing, "不要找不到的媒体文件，只处理其余的音频");
+    command.add_flag("--skip-unreadable", skipUnreadable, "不要无法准确定位的片段，只处理其余的音频");
 }
 
 FCPAudioPlan ProjectAudio::plan(const std::string &input) const
 {
-    const FCPAudioPlan plan =
-        input == "-" ? FCPAudioPlan::parse(readDraggedData()) : FCPAudioPlan::parse(Arguments::readProject(input));
+    const UnreadableClips unreadable = skipUnreadable ? UnreadableClips::leaveOut : UnreadableClips::refuse;
+    const FCPAudioPlan plan = input == "-" ? FCPAudioPlan::parse(readDraggedData(), unreadable)
+                                           : FCPAudioPlan::parse(Arguments::readProject(input), unreadable);
     return withoutMissing ? MissingMedia::leaveOut(plan) : plan;
 }
 
@@ -36,6 +38,8 @@ void ProjectAudio::tellNotices(const FCPAudioPlan &plan, const Arguments::Output
     if (plan.hasAudioEffects)
         StandardStreams::writeError("音频特效不参与，按原始音轨识别。");
     if (const auto notice = plan.retimeNotice())
+        StandardStreams::writeError((u"已跳过 "_s + *notice).toUtf8());
+    if (const auto notice = plan.unreadableNotice())
         StandardStreams::writeError((u"已跳过 "_s + *notice).toUtf8());
 }
 

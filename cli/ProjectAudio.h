@@ -8,7 +8,9 @@ struct ProjectAudio
 {
     bool withoutMissing = false; ///< What sounds of files that are not there is left out.
 
-    void addSwitches(CLI::App &command); ///< --without-missing
+    bool skipUnreadable = false; ///< So are clips whose sound cannot be placed.
+
+    void addSwitches(CLI::App &command); ///< --without-missing, --skip-unreadable
 
     /// The plan of a project or of selected clips. Standard input is data as a drag delivers it.
     /// @throws ConversionError, PlatformError, Cancelled

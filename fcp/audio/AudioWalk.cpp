@@ -29,6 +29,21 @@ bool isTooShort(const TimeRange &piece)
     return piece.isEmpty() || (piece.end && *piece.end - piece.begin < shortestPiece);
 }
 
+QString clipDetail(const QString &name)
+{
+    return u"片段：%1"_s.arg(name.isEmpty() ? u"（未命名）"_s : name);
+}
+
+/// "00:01:02.500"
+QString clockTime(const Rational &seconds)
+{
+    const auto ms = qint64(std::max(0.0, seconds.toDouble()) * 1'000 + 0.5);
+    return u"%1:%2:%3.%4"_s.arg(ms / 3'600'000, 2, 10, QLatin1Char('0'))
+        .arg(ms / 60'000 % 60, 2, 10, QLatin1Char('0'))
+        .arg(ms / 1'000 % 60, 2, 10, QLatin1Char('0'))
+        .arg(ms % 1'000, 3, 10, QLatin1Char('0'));
+}
+
 /// Gains of nested clips multiply; no number of them makes what a record cannot hold.
 double multiplied(double a, double b)
 {
@@ -51,8 +66,9 @@ TimeRange assetRange(const MediaAsset &asset, const TimeMap &own)
 
 } // namespace
 
-AudioWalk::AudioWalk(MediaResources &resources)
+AudioWalk::AudioWalk(MediaResources &resources, UnreadableClips unreadable)
     : m_resources(resources)
+    , m_unreadable(unreadable)
 {}
 
 void AudioWalk::walkSequence(const StorySequence &sequence, const TimeRange &window)
@@ -70,9 +86,14 @@ void AudioWalk::walkClip(const xmlNode *clip, const Rational &offset, const Rati
 const StoryElement &AudioWalk::story(const xmlNode *element)
 {
     const auto known = m_stories.find(element);
-    return known != m_stories.end()
-               ? known->second
-               : m_stories.emplace(element, StoryElement::read(element, m_resources)).first->second;
+    if (known != m_stories.end())
+        return known->second;
+    try {
+        return m_stories.emplace(element, StoryElement::read(element, m_resources)).first->second;
+    } catch (ConversionError &error) {
+        error.addDetail(clipDetail(QString::fromUtf8(Xml::attribute(element, "name").value_or(QByteArray()))));
+        throw;
+    }
 }
 
 std::optional<Rational> AudioWalk::length(const StoryElement &story)
@@ -152,7 +173,9 @@ void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Plac
         if (story.connected.empty())
             return;
     }
-    const TimeMap own = ownTimes(story, offset, place);
+    TimeMap own;
+    if (!canRead(story, place.times.toPlan(offset), [&] { own = ownTimes(story, offset, place); }))
+        return;
     if (sounds && !story.retimed)
         play(story, own, place);
     else if (!story.muted && !story.retimed && (story.kind == Kind::Picture || !place.muted))
@@ -177,6 +200,7 @@ void AudioWalk::visitConnected(const StoryElement &story, const TimeMap &own, co
     Place outer = place;
     outer.times = own;
     outer.muted = place.connectedMuted;
+    outer.gain = place.connectedGain;
     ++outer.nesting;
     for (const xmlNode *const child : story.connected)
         visit(child, this->story(child).offset.value_or(0), outer);
@@ -198,19 +222,37 @@ void AudioWalk::play(const StoryElement &story, const TimeMap &own, const Place 
 {
     if (story.kind == Kind::Container)
         return visitContent(story, own, place);
-    if (!story.resource)
-        throw ConversionError(u"FCP 片段缺少媒体资源，请重新拖入。"_s);
-    if (Xml::isElement(story.resource, "asset"))
-        playAsset(story, own, place);
-    else if (Xml::isElement(story.resource, "media"))
+    // What is in a compound clip speaks for itself.
+    if (story.resource && Xml::isElement(story.resource, "media"))
         playCompound(story, own, place);
     else
-        throwStructure();
+        canRead(story, own.plan, [&] { playAsset(story, own, place); });
     visitContent(story, own, place);
+}
+
+/// Whether `read` could place what sounds of a clip; where not, the clip is left out if that was asked for.
+bool AudioWalk::canRead(const StoryElement &story, const Rational &begin, const std::function<void()> &read)
+{
+    try {
+        read();
+        return true;
+    } catch (ConversionError &error) {
+        if (m_unreadable == UnreadableClips::leaveOut) {
+            if (m_unread.insert(story.element).second)
+                m_found.skippedUnreadable.append(story.name());
+            return false;
+        }
+        error.addDetail(clipDetail(story.name()) + u"，时间线 "_s + clockTime(begin));
+        throw;
+    }
 }
 
 void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const Place &place)
 {
+    if (!story.resource)
+        throw ConversionError(u"FCP 片段缺少媒体资源，请重新拖入。"_s);
+    if (!Xml::isElement(story.resource, "asset"))
+        throwStructure();
     const MediaAsset &asset = m_resources.asset(story.resource);
     const TimeRange sound = soundRange(story, own, place);
     const TimeRange audible = sound.cutTo(place.window);
@@ -233,7 +275,7 @@ void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const P
     // Played at its own pace, a piece may reach past the file's end by what it is off.
     if (asset.duration)
         piece.end = std::min(*piece.end, piece.begin + (asset.start + *asset.duration - own.toLocal(piece.begin)));
-    add(asset, piece, own, multiplied(place.gain, story.volume));
+    add(asset, piece, own, multiplied(place.gain, story.volume), place.clip);
 }
 
 void AudioWalk::playCompound(const StoryElement &story, const TimeMap &own, const Place &place)
@@ -246,19 +288,33 @@ void AudioWalk::playCompound(const StoryElement &story, const TimeMap &own, cons
     Place inner = inside(story, own, place);
     ++inner.compounds;
     inner.frameDuration = sequence.frameDuration;
+    inner.clip = 0;
     forEachItem(sequence.spine, sequence.start,
                 [&](const xmlNode *item, const Rational &offset) { visit(item, offset, inner); });
 }
 
-void AudioWalk::add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain)
+/// A clip of several parts may hold one for each channel of its file: together they are its sound, as loud as the
+/// loudest. A file is played whole.
+void AudioWalk::add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain, int clip)
 {
     if (m_found.segments.size() > mostSegments)
         return;
-    m_found.segments.append({.url = *asset.file,
-                             .fileStart = (own.toLocal(piece.begin) - asset.start).toDouble(),
-                             .offset = piece.begin.toDouble(),
-                             .duration = (*piece.end - piece.begin).toDouble(),
-                             .gain = gain});
+    const FCPAudioSegment segment{.url = *asset.file,
+                                  .fileStart = (own.toLocal(piece.begin) - asset.start).toDouble(),
+                                  .offset = piece.begin.toDouble(),
+                                  .duration = (*piece.end - piece.begin).toDouble(),
+                                  .gain = gain};
+    // The parts of a clip are visited one after another.
+    for (size_t i = m_clips.size(); clip != 0 && i > 0 && m_clips[i - 1] == clip; --i) {
+        FCPAudioSegment &other = m_found.segments[qsizetype(i) - 1];
+        if (other.offset != segment.offset || other.fileStart != segment.fileStart ||
+            other.duration != segment.duration || other.url != segment.url)
+            continue;
+        other.gain = std::max(other.gain, gain);
+        return;
+    }
+    m_found.segments.append(segment);
+    m_clips.push_back(clip);
 }
 
 TimeMap AudioWalk::ownTimes(const StoryElement &story, const Rational &offset, const Place &place)
@@ -291,7 +347,11 @@ AudioWalk::Place AudioWalk::inside(const StoryElement &story, const TimeMap &own
     inner.times = own;
     inner.scale = own.scale;
     inner.window = soundRange(story, own, place).cutTo(place.window);
-    inner.gain = multiplied(place.gain, story.volume);
+    inner.gain = multiplied(multiplied(place.gain, story.volume), story.storylineVolume);
+    const double outside = story.kind == Kind::Picture ? place.connectedGain : place.gain;
+    inner.connectedGain = multiplied(multiplied(outside, story.volume), story.connectedVolume);
+    if (story.kind == Kind::Container && inner.clip == 0)
+        inner.clip = ++m_clipCount;
     ++inner.nesting;
     if (story.frameDuration)
         inner.frameDuration = story.frameDuration;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fcp/audio/FCPAudioSegment.h"
+#include "fcp/audio/UnreadableClips.h"
 #include "fcp/timeline/MediaResources.h"
 #include "fcp/timeline/StoryElement.h"
 #include "fcp/timeline/TimeMap.h"
@@ -9,9 +10,11 @@
 #include <QList>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 #include <set>
 #include <unordered_map>
+#include <vector>
 
 /// Walks the clips of a timeline, what is connected to them and what is nested in compound clips, and collects what
 /// sounds.
@@ -31,9 +34,10 @@ public:
         QList<FCPAudioSegment> segments; ///< In document order.
         bool hasAudioEffects = false;
         QStringList skippedRetimedAudio;
+        QStringList skippedUnreadable;
     };
 
-    explicit AudioWalk(MediaResources &resources);
+    explicit AudioWalk(MediaResources &resources, UnreadableClips unreadable = UnreadableClips::refuse);
 
     /// Collects what sounds in the storyline of a project within `window` of the plan, whose 0 is the sequence's start.
     /// @throws ConversionError
@@ -66,6 +70,8 @@ private:
         TimeRange window = {}; ///< Outside of it nothing sounds. On the plan.
         std::optional<Rational> frameDuration = {}; ///< Seconds, of the timeline on which it lies.
         double gain = 1;
+        double connectedGain = 1;    ///< The same for what is connected to it.
+        int clip = 0;                ///< The clip of several parts to which it belongs; 0 where it belongs to none.
         int compounds = 0;           ///< Compound clips around it.
         int nesting = 0;             ///< Elements around it.
         bool muted = false;          ///< Its own sound is switched off from outside ...
@@ -82,7 +88,8 @@ private:
     void play(const StoryElement &story, const TimeMap &own, const Place &place);
     void playAsset(const StoryElement &story, const TimeMap &own, const Place &place);
     void playCompound(const StoryElement &story, const TimeMap &own, const Place &place);
-    void add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain);
+    void add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain, int clip);
+    bool canRead(const StoryElement &story, const Rational &begin, const std::function<void()> &read);
 
     bool canSound(const StoryElement &story);
     static TimeMap ownTimes(const StoryElement &story, const Rational &offset, const Place &place);
@@ -90,8 +97,12 @@ private:
     Place inside(const StoryElement &story, const TimeMap &own, const Place &place);
 
     MediaResources &m_resources;
+    UnreadableClips m_unreadable;
     std::unordered_map<const xmlNode *, StoryElement> m_stories;
     Found m_found;
+    std::vector<int> m_clips;            ///< The clip of several parts to which each segment belongs.
+    int m_clipCount = 0;                 ///< Of those.
     std::set<const xmlNode *> m_retimed; ///< Speed-changed clips that are counted already.
+    std::set<const xmlNode *> m_unread;  ///< The same for those that could not be placed.
     int m_visits = 0;
 };

@@ -111,11 +111,11 @@ std::optional<Options> matchedSettings(const Draft &draft)
     }
 }
 
-FCPAudioPlan makePlan(const XmlDocument &document)
+FCPAudioPlan makePlan(const XmlDocument &document, UnreadableClips unreadable)
 {
     const DraggedTimeline timeline = DraggedTimeline::find(document);
     MediaResources resources(document, timeline.project);
-    AudioWalk walk(resources);
+    AudioWalk walk(resources, unreadable);
     const Draft draft =
         timeline.project ? walkProject(timeline, resources, walk) : walkSelection(timeline, resources, walk);
     const AudioWalk::Found &found = walk.found();
@@ -128,7 +128,8 @@ FCPAudioPlan makePlan(const XmlDocument &document)
             .duration = draft.durationStated ? duration : std::max(duration, reach(segments)),
             .settings = matchedSettings(draft),
             .hasAudioEffects = found.hasAudioEffects,
-            .skippedRetimedAudio = found.skippedRetimedAudio};
+            .skippedRetimedAudio = found.skippedRetimedAudio,
+            .skippedUnreadable = found.skippedUnreadable};
 }
 
 void writeSegment(JsonWriter &json, const FCPAudioSegment &segment)
@@ -144,18 +145,18 @@ void writeSegment(JsonWriter &json, const FCPAudioSegment &segment)
 
 } // namespace
 
-FCPAudioPlan FCPAudioPlan::parse(QByteArrayView data)
+FCPAudioPlan FCPAudioPlan::parse(QByteArrayView data, UnreadableClips unreadable)
 {
     static constexpr QStringView refusal = u"FCP 数据过大或含不支持的 XML 实体。";
     if (data.size() > FCPXML::largestFile)
         throw ConversionError(refusal.toString());
-    return parse(XmlDocument::parse(data, refusal));
+    return parse(XmlDocument::parse(data, refusal), unreadable);
 }
 
-FCPAudioPlan FCPAudioPlan::parse(const XmlDocument &document)
+FCPAudioPlan FCPAudioPlan::parse(const XmlDocument &document, UnreadableClips unreadable)
 {
     try {
-        return makePlan(document);
+        return makePlan(document, unreadable);
     } catch (const RationalOverflow &) {
         throw ConversionError(u"FCP 时间值无效。"_s);
     }
@@ -166,6 +167,14 @@ std::optional<QString> FCPAudioPlan::retimeNotice() const
     if (skippedRetimedAudio.isEmpty())
         return std::nullopt;
     return QString::number(skippedRetimedAudio.size()) + u" 段变速片段自身的音频，正常音轨照常识别。"_s;
+}
+
+std::optional<QString> FCPAudioPlan::unreadableNotice() const
+{
+    if (skippedUnreadable.isEmpty())
+        return std::nullopt;
+    return u"%1 段无法准确定位的片段，第一个是：%2。"_s.arg(QString::number(skippedUnreadable.size()),
+                                                            skippedUnreadable.first());
 }
 
 void writeAudioPlan(JsonWriter &json, const FCPAudioPlan &plan)
@@ -188,5 +197,11 @@ void writeAudioPlan(JsonWriter &json, const FCPAudioPlan &plan)
     for (const QString &name : plan.skippedRetimedAudio)
         json.text(name);
     json.endArray();
+    if (!plan.skippedUnreadable.isEmpty()) {
+        json.key("skippedUnreadable").beginArray();
+        for (const QString &name : plan.skippedUnreadable)
+            json.text(name);
+        json.endArray();
+    }
     json.endObject();
 }

@@ -3,6 +3,7 @@
 #include "core/ConversionError.h"
 #include "fcp/Options.h"
 #include "fcp/audio/FCPAudioSegment.h"
+#include "fcp/audio/UnreadableClips.h"
 #include "fcp/xml/XmlDocument.h"
 
 #include <QList>
@@ -35,20 +36,26 @@ struct FCPAudioPlan
     /// Names of speed-changed clips whose own sound was left out, one for each clip.
     QStringList skippedRetimedAudio = {};
 
+    /// Names of clips whose sound could not be placed and was left out, one for each clip.
+    QStringList skippedUnreadable = {};
+
     /// Plans dragged data: a document of at most 16 MiB with one project, one clip, or several clips with offsets.
     /// @throws ConversionError with the sentence that says what cannot be planned; NothingAudible is one.
     /// @throws PlatformError when the data is no XML.
-    static FCPAudioPlan parse(QByteArrayView data);
+    static FCPAudioPlan parse(QByteArrayView data, UnreadableClips unreadable = UnreadableClips::refuse);
 
     /// Plans a document that was read from a file. @throws ConversionError as above
-    static FCPAudioPlan parse(const XmlDocument &document);
+    static FCPAudioPlan parse(const XmlDocument &document, UnreadableClips unreadable = UnreadableClips::refuse);
 
     /// Tells how many clips were left out for their speed change; absent when none was.
     std::optional<QString> retimeNotice() const;
 
+    /// Tells how many clips were left out because they could not be placed, and the first; absent when none was.
+    std::optional<QString> unreadableNotice() const;
+
     friend bool operator==(const FCPAudioPlan &, const FCPAudioPlan &) = default;
 };
 
-/// Writes the plan as an object with the field names as keys, and "retimeNotice" where there is one. Absent fields are
-/// left out.
+/// Writes the plan as an object with the field names as keys, "retimeNotice" where there is one, and
+/// "skippedUnreadable" where it is not empty. Absent fields are left out.
 void writeAudioPlan(JsonWriter &json, const FCPAudioPlan &plan);

@@ -116,7 +116,7 @@ void readTimes(StoryElement &story)
 }
 
 /// A "sync-source" lists the components of the storyline of a synchronized clip, or of what is connected to it.
-void readSource(StoryElement &story, const xmlNode *source)
+void readSource(StoryElement &story, const xmlNode *source, const TimeRange &sound)
 {
     const AudioComponents components(source);
     const bool muted = components.areMuted();
@@ -124,10 +124,17 @@ void readSource(StoryElement &story, const xmlNode *source)
     const auto id = Xml::attribute(source, "sourceID");
     story.storylineMuted |= muted && id == "storyline";
     story.connectedMuted |= muted && id == "connected";
+    if (id == "storyline")
+        story.storylineVolume = components.volume(sound);
+    else if (id == "connected")
+        story.connectedVolume = components.volume(sound);
 }
 
 void readAdjustments(StoryElement &story, const std::vector<const xmlNode *> &adjustments)
 {
+    const Rational begin = story.soundStart.value_or(story.start);
+    const auto length = story.soundDuration ? story.soundDuration : story.duration;
+    const TimeRange sound{.begin = begin, .end = length ? std::optional(begin + *length) : std::nullopt};
     for (const xmlNode *const each : adjustments) {
         if (Xml::isElement(each, "timeMap"))
             story.retimed = true;
@@ -136,11 +143,8 @@ void readAdjustments(StoryElement &story, const std::vector<const xmlNode *> &ad
         else if (Xml::isElement(each, "conform-rate"))
             story.sourceRate = ConformRate::sourceRate(each);
         else if (Xml::isElement(each, "sync-source"))
-            readSource(story, each);
+            readSource(story, each, sound);
     }
-    const Rational begin = story.soundStart.value_or(story.start);
-    const auto length = story.soundDuration ? story.soundDuration : story.duration;
-    const TimeRange sound{.begin = begin, .end = length ? std::optional(begin + *length) : std::nullopt};
     const AudioComponents components(adjustments);
     story.muted |= components.areMuted();
     story.hasEffects |= components.haveEffects();

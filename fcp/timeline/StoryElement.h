@@ -50,6 +50,8 @@ struct StoryElement
     std::optional<Rational> frameDuration = {}; ///< Seconds, of its own format; absent when that does not tell.
 
     double volume = 1;                           ///< Linear factor.
+    double storylineVolume = 1;                  ///< In a "sync-clip", of the sound of its content ...
+    double connectedVolume = 1;                  ///< ... and of what is connected to its content. Linear factors.
     const xmlNode *resource = nullptr;           ///< What its "ref" names; null when there is no such thing.
     std::vector<const xmlNode *> content = {};   ///< What in it can carry sound: its own, a part of it ...
     std::vector<const xmlNode *> connected = {}; ///< ... and what hangs on it.

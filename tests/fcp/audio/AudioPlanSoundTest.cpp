@@ -189,6 +189,62 @@ TEST(AudioPlan, no_number_of_boosts_makes_a_gain_that_is_no_number)
     EXPECT_TRUE(std::isfinite(plan({clip}).segments.value(0).gain));
 }
 
+TEST(AudioPlan, a_synchronized_clip_s_sources_have_levels_of_their_own)
+{
+    const auto source = [](const char *id, const char *level) {
+        return tag(QByteArray("sync-source sourceID=") + id,
+                   {tag("audio-role-source role=dialogue", {tag(QByteArray("adjust-volume amount=") + level)})});
+    };
+    const FCPAudioPlan found =
+        plan({tag("sync-clip offset=0s duration=9s",
+                  {tag("adjust-volume amount=-1dB"),
+                   tag("spine", {tag("asset-clip ref=talk offset=0s duration=9s",
+                                     {tag("asset-clip ref=music lane=-1 offset=1s duration=5s")})}),
+                   tag("asset-clip ref=tape lane=1 offset=2s start=3600s duration=5s"), source("storyline", "-6dB"),
+                   source("connected", "3dB")})});
+    ASSERT_EQ(found.segments.size(), 3);
+    EXPECT_NEAR(found.segments[0].gain, std::pow(10, -7.0 / 20), 1e-12);
+    EXPECT_NEAR(found.segments[1].gain, std::pow(10, 2.0 / 20), 1e-12);
+    EXPECT_EQ(found.segments[2].gain, 1); // hangs on the clip, outside of it
+}
+
+TEST(AudioPlan, a_clip_s_channels_of_one_file_are_one_piece_as_loud_as_the_loudest)
+{
+    const Tag quiet = tag("audio ref=talk srcCh=1 offset=0s duration=9s", {tag("adjust-volume amount=-6dB")});
+    const Tag full = tag("audio ref=talk srcCh=2 lane=-1 offset=0s duration=9s");
+    EXPECT_EQ(planText(plan({tag("clip offset=0s duration=9s",
+                                 {tag("video ref=picture offset=0s duration=9s", {full}), quiet})})),
+              QStringList{u"0: talk 0 + 9"_s});
+    // Another place, another file, or another clip at the same place: a person put it there.
+    EXPECT_EQ(plan({tag("clip offset=0s duration=9s",
+                        {tag("audio ref=talk offset=0s duration=9s"), tag("audio ref=talk offset=0s duration=8s"),
+                         tag("audio ref=music offset=0s duration=9s")})})
+                  .segments.size(),
+              3);
+    EXPECT_EQ(plan({tag("gap offset=0s duration=9s", {tag("asset-clip ref=talk lane=1 offset=0s duration=9s"),
+                                                      tag("asset-clip ref=talk lane=2 offset=0s duration=9s")})})
+                  .segments.size(),
+              2);
+}
+
+TEST(AudioPlan, a_clip_that_cannot_be_placed_is_named_and_left_out_only_when_asked)
+{
+    const QByteArray document = project("60s", {tag("asset-clip ref=talk name=A offset=0s duration=9s"),
+                                                tag("asset-clip ref=talk name=B offset=19/2s start=2000s duration=9s",
+                                                    {tag("asset-clip ref=music lane=1 offset=2001s duration=2s")})});
+    try {
+        FCPAudioPlan::parse(document);
+        FAIL() << "a clip outside of its file was planned";
+    } catch (const ConversionError &error) {
+        EXPECT_EQ(error.message(), u"FCP 媒体的源时间范围无法准确读取，请先导出音频。"_s);
+        EXPECT_EQ(error.detail(), u"片段：B，时间线 00:00:09.500"_s);
+    }
+    const FCPAudioPlan found = FCPAudioPlan::parse(document, UnreadableClips::leaveOut);
+    EXPECT_EQ(planText(found), QStringList({u"0: talk 0 + 9"_s, u"10.5: music 0 + 2"_s}));
+    EXPECT_EQ(found.skippedUnreadable, QStringList{u"B"_s});
+    EXPECT_EQ(found.unreadableNotice(), u"1 段无法准确定位的片段，第一个是：B。"_s);
+}
+
 // Effects and speed changes
 
 TEST(AudioPlan, tells_of_audio_filters_that_are_on)
