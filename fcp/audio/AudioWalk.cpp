@@ -3,6 +3,7 @@
 #include "core/ConversionError.h"
 #include "fcp/timeline/ConformRate.h"
 
+#include <cmath>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -37,7 +38,7 @@ QString clipDetail(const QString &name)
 /// "00:01:02.500"
 QString clockTime(const Rational &seconds)
 {
-    const auto ms = qint64(std::max(0.0, seconds.toDouble()) * 1'000 + 0.5);
+    const qint64 ms = std::llround(std::max(0.0, seconds.toDouble()) * 1'000);
     return u"%1:%2:%3.%4"_s.arg(ms / 3'600'000, 2, 10, QLatin1Char('0'))
         .arg(ms / 60'000 % 60, 2, 10, QLatin1Char('0'))
         .arg(ms / 1'000 % 60, 2, 10, QLatin1Char('0'))
