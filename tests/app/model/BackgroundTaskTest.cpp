@@ -112,6 +112,7 @@ TEST(BackgroundTask, tells_of_the_newest_progress_alone)
     EXPECT_EQ(task.progress(), (Progress{.what = u"一"_s, .share = 1.0}));
     EXPECT_EQ(changes, 2) << "the beginning, and what was newest when it was looked at";
     goOn.release();
+    EXPECT_TRUE(Events::waitFor([&] { return !task.isRunning(); }));
 }
 
 TEST(BackgroundTask, ends_every_run_once_and_says_how_in_every_order)
