@@ -8,6 +8,7 @@
 #include "core/json/JsonWriter.h"
 #include "store/Locations.h"
 
+#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QSet>
@@ -86,14 +87,21 @@ void StylePresetStore::save(const QList<SubtitleStylePreset> &presets) const
     file.commit();
 }
 
-QList<SubtitleStylePreset> StylePresetStore::update(
-    const std::function<QList<SubtitleStylePreset>(const QList<SubtitleStylePreset> &)> &change) const
+QList<SubtitleStylePreset>
+StylePresetStore::update(const std::function<QList<SubtitleStylePreset>(const QList<SubtitleStylePreset> &)> &change,
+                         const Check &check) const
 {
     Folder::make(QFileInfo(m_file).path());
     QLockFile lock(m_file + u".lock"_s);
     constexpr int patience = 10'000; // milliseconds; a change takes a few
+    constexpr int pause = 50;        // milliseconds between two checks
+    const QDeadlineTimer deadline(patience);
     // Where no lock can be made no file can be written either, and saving says why.
-    if (!lock.tryLock(patience) && lock.error() == QLockFile::LockFailedError)
+    while (!lock.tryLock(pause) && lock.error() == QLockFile::LockFailedError && !deadline.hasExpired()) {
+        if (check)
+            check();
+    }
+    if (!lock.isLocked() && lock.error() == QLockFile::LockFailedError)
         throw PlatformError(u"样式预设正被另一个程序使用，请稍后再试。"_s);
     QList<SubtitleStylePreset> presets = change(load());
     save(presets);

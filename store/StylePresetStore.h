@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "store/SubtitleStylePreset.h"
 
 #include <functional>
@@ -32,9 +33,11 @@ public:
     void save(const QList<SubtitleStylePreset> &presets) const;
 
     /// Loads, changes and saves in one, so that two programs that do so at the same time do not undo each other.
-    /// Returns what was saved. @throws ConversionError, PlatformError as load and save do, and what `change` throws
+    /// Returns what was saved. Calls `check` while it waits for the other one. @throws ConversionError, PlatformError
+    /// as load and save do, and what `change` throws
     QList<SubtitleStylePreset>
-    update(const std::function<QList<SubtitleStylePreset>(const QList<SubtitleStylePreset> &)> &change) const;
+    update(const std::function<QList<SubtitleStylePreset>(const QList<SubtitleStylePreset> &)> &change,
+           const Check &check = {}) const;
 
 private:
     QString m_file;

@@ -135,6 +135,24 @@ qsizetype requireIndex(const QList<SubtitleStylePreset> &presets, const QString 
     return index;
 }
 
+qsizetype requireIndex(const QList<SubtitleStylePreset> &presets, const QUuid &id)
+{
+    const auto found = std::ranges::find(presets, id, &SubtitleStylePreset::id);
+    if (found == presets.end())
+        throw ConversionError(u"该样式预设已不存在。"_s);
+    return found - presets.begin();
+}
+
+/// A preset that may be kept under that name.
+SubtitleStylePreset checked(const QUuid &id, const QString &name, const Options &style)
+{
+    const SubtitleStylePreset preset{.id = id, .name = name.trimmed(), .style = style};
+    if (hasControlCharacter(preset.name))
+        throw invalidContent();
+    preset.validate();
+    return preset;
+}
+
 } // namespace
 
 const SubtitleStylePreset &named(const QList<SubtitleStylePreset> &presets, const QString &name)
@@ -145,11 +163,7 @@ const SubtitleStylePreset &named(const QList<SubtitleStylePreset> &presets, cons
 QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QString &name, const Options &style)
 {
     const qsizetype former = indexOf(presets, name);
-    const SubtitleStylePreset preset{
-        .id = former < 0 ? QUuid::createUuid() : presets[former].id, .name = name.trimmed(), .style = style};
-    if (hasControlCharacter(preset.name))
-        throw invalidContent();
-    preset.validate();
+    const SubtitleStylePreset preset = checked(former < 0 ? QUuid::createUuid() : presets[former].id, name, style);
     if (former < 0)
         presets.append(preset);
     else
@@ -157,9 +171,25 @@ QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QStr
     return presets;
 }
 
+QList<SubtitleStylePreset> renaming(QList<SubtitleStylePreset> presets, const QUuid &id, const QString &name)
+{
+    const qsizetype index = requireIndex(presets, id);
+    const qsizetype same = indexOf(presets, name);
+    if (same >= 0 && same != index)
+        throw ConversionError(u"已有同名的样式预设，请换一个名称。"_s);
+    presets[index] = checked(id, name, presets[index].style);
+    return presets;
+}
+
 QList<SubtitleStylePreset> removing(QList<SubtitleStylePreset> presets, const QString &name)
 {
     presets.removeAt(requireIndex(presets, name));
+    return presets;
+}
+
+QList<SubtitleStylePreset> removing(QList<SubtitleStylePreset> presets, const QUuid &id)
+{
+    presets.removeAt(requireIndex(presets, id));
     return presets;
 }
 

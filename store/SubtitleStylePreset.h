@@ -43,7 +43,14 @@ const SubtitleStylePreset &named(const QList<SubtitleStylePreset> &presets, cons
 /// @throws ConversionError as validate does, and for a name with control characters.
 QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QString &name, const Options &style);
 
+/// `presets` with the preset of that id called `name`. @throws ConversionError as saving does,
+/// "该样式预设已不存在。", or "已有同名的样式预设，请换一个名称。"
+QList<SubtitleStylePreset> renaming(QList<SubtitleStylePreset> presets, const QUuid &id, const QString &name);
+
 /// `presets` without the one called `name`. @throws ConversionError as named does.
 QList<SubtitleStylePreset> removing(QList<SubtitleStylePreset> presets, const QString &name);
+
+/// `presets` without the one of that id. @throws ConversionError "该样式预设已不存在。"
+QList<SubtitleStylePreset> removing(QList<SubtitleStylePreset> presets, const QUuid &id);
 
 } // namespace SubtitleStylePresets

@@ -29,7 +29,8 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     : QObject(parent)
     , m_dialogs(std::move(surroundings.dialogs))
     , m_preferences(std::move(surroundings.settings))
-    , m_presetStore(surroundings.stylePresetsURL ? StylePresetStore(*surroundings.stylePresetsURL) : StylePresetStore())
+    , m_stylePresets(surroundings.stylePresetsURL ? StylePresetStore(*surroundings.stylePresetsURL)
+                                                  : StylePresetStore())
     , m_keeper(surroundings.draftURL.value_or(Locations::draft()))
     , m_recent(QFileInfo(m_keeper.draftURL()).path() + u"/Recent"_s)
     , m_recentSessions(m_recent.list())
@@ -39,12 +40,15 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     , m_pinned(m_preferences.floatingPinned())
 {
     try {
-        m_stylePresets = m_presetStore.load();
+        m_stylePresets.load();
     } catch (const std::exception &error) {
         m_message = u"样式预设未能读取："_s + QString::fromUtf8(error.what());
     }
     for (const BackgroundTask *const task : m_tasks)
         connect(task, &BackgroundTask::progressChanged, this, &LintoraModel::activityChanged);
+    connect(&m_stylePresets, &StylePresets::done, this, &LintoraModel::report);
+    connect(&m_stylePresets, &StylePresets::refused, this,
+            qOverload<const Failure &>(&LintoraModel::reportFailure));
     connect(&m_keeper, &SessionKeeper::arrived, this, &LintoraModel::takeSession);
     connect(&m_keeper, &SessionKeeper::overruled, this, &LintoraModel::keepOverruled);
     connect(&m_keeper, &SessionKeeper::failureChanged, this, &LintoraModel::reportUnsaved);

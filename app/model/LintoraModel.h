@@ -6,10 +6,10 @@
 #include "app/model/Imports.h"
 #include "app/model/Preferences.h"
 #include "app/model/SessionKeeper.h"
+#include "app/model/StylePresets.h"
 #include "core/Failure.h"
 #include "core/text/ScriptAlignment.h"
 #include "store/RecentSessions.h"
-#include "store/StylePresetStore.h"
 
 #include <QMimeData>
 #include <QObject>
@@ -167,13 +167,9 @@ public:
     void setOptions(const Options &options);
     void setCanvasHeight(qint64 pixels);
 
-    const QList<SubtitleStylePreset> &stylePresets() const { return m_stylePresets; }
-    void saveStylePreset(const QString &named); ///< The selected track's; replaces the one of that name.
-    void renameStylePreset(const QUuid &id, const QString &name);
-    void removeStylePreset(const QUuid &id);
-    bool canRestoreStylePreset() const; ///< Whether the preset removed last is still missing.
-    void restoreStylePreset();
-    void applyStylePreset(const QUuid &id); ///< To the selected track.
+    StylePresets &stylePresets() { return m_stylePresets; }
+    void saveStylePreset(const QString &named); ///< The selected track's style; replaces the one of that name.
+    void applyStylePreset(const QUuid &id);     ///< To the selected track.
 
     // Import
 
@@ -295,7 +291,6 @@ Q_SIGNALS:
     void activityChanged();
     void historyChanged();
     void fillerWordsChanged();
-    void stylePresetsChanged();
     void recentSessionsChanged();
     void quitQuestionChanged();
     void quitConfirmed(); ///< The program is to end, whatever is lost.
@@ -328,12 +323,6 @@ private:
         QUuid track;
         QList<Subtitle> before;
         QList<Subtitle> after;
-    };
-
-    struct RemovedPreset
-    {
-        SubtitleStylePreset preset;
-        qsizetype index; ///< Where it stood.
     };
 
     struct ScriptMatching
@@ -390,10 +379,6 @@ private:
     void setScriptStatus(const QString &status, bool isRefused = false);
     void clearScriptRows();
 
-    // Style presets
-    void changePresets(std::function<QList<SubtitleStylePreset>(QList<SubtitleStylePreset>)> change,
-                       const QString &message);
-
     // Persistence
     void openSession(const QUrl &link);
     void schedulePersist();
@@ -410,7 +395,7 @@ private:
 
     FileDialogs m_dialogs;
     Preferences m_preferences;
-    StylePresetStore m_presetStore;
+    StylePresets m_stylePresets;
     SessionKeeper m_keeper;
 
     RecentSessions m_recent;
@@ -435,8 +420,6 @@ private:
     std::optional<QString> m_quitQuestion;
 
     QStringList m_fillerWords;
-    QList<SubtitleStylePreset> m_stylePresets;
-    std::optional<RemovedPreset> m_removedPreset; ///< The one removed last.
     std::optional<FCPProject> m_project;
     std::optional<Options> m_projectSettings;
     std::optional<FCPAudioPlan> m_timelinePlan;
@@ -456,7 +439,6 @@ private:
     BackgroundTask m_import{BackgroundTask::Order::oneAfterAnother};
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_match{BackgroundTask::Order::newestOnly};
-    BackgroundTask m_presets{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     /// One language server at a time: the next one waits until a cancelled one has left the memory.
     BackgroundTask m_owner{BackgroundTask::Order::newestAfterTheOld};
     BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};

@@ -139,7 +139,7 @@ void LintoraModel::shutdownAI()
     m_owner.finish(deadline);                                // first, so that what is being typed can still be kept
     m_import.finish(deadline);
     m_match.finish(deadline);
-    m_presets.wait();
+    m_stylePresets.wait();
     m_export.wait();
     m_keeping.wait();
 }

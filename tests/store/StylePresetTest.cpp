@@ -189,6 +189,23 @@ TEST(SubtitleStylePresets, saving_under_a_taken_name_replaces_and_keeps_the_id)
     EXPECT_EQ(outcome([&] { SubtitleStylePresets::saving(before, u"a\u0001b"_s, {}); }), invalidContent);
     EXPECT_EQ(outcome([&] { SubtitleStylePresets::removing(before, u"丁"_s); }), "没有名为“丁”的样式预设。");
     EXPECT_EQ(SubtitleStylePresets::removing(before, u"乙"_s), (QList{before[0], before[2]}));
+    EXPECT_EQ(SubtitleStylePresets::removing(before, before[1].id), (QList{before[0], before[2]}));
+    EXPECT_EQ(outcome([&] { SubtitleStylePresets::removing(before, QUuid::createUuid()); }), "该样式预设已不存在。");
+}
+
+TEST(SubtitleStylePresets, renaming_keeps_the_place_and_never_makes_two_of_one_name)
+{
+    const QList<SubtitleStylePreset> before{preset(u"甲"_s, {.fontSize = 60}), preset(u" 乙 "_s)};
+    const auto renaming = [&](const QUuid &id, const QString &name) {
+        return outcome([&] { SubtitleStylePresets::renaming(before, id, name); });
+    };
+    EXPECT_EQ(SubtitleStylePresets::renaming(before, before[0].id, u" 丙\t"_s),
+              (QList{SubtitleStylePreset{.id = before[0].id, .name = u"丙"_s, .style = {.fontSize = 60}}, before[1]}));
+    EXPECT_EQ(renaming(before[1].id, u"乙"_s), "accepted") << "its own name";
+    EXPECT_EQ(renaming(before[0].id, u"乙"_s), "已有同名的样式预设，请换一个名称。");
+    EXPECT_EQ(renaming(before[0].id, u"a\u0001b"_s), invalidContent);
+    EXPECT_EQ(renaming(before[0].id, u" "_s), invalidContent);
+    EXPECT_EQ(renaming(QUuid::createUuid(), u"丁"_s), "该样式预设已不存在。");
 }
 
 TEST_F(StylePresetStoreTest, without_a_file_there_are_none)

@@ -4,12 +4,12 @@
 
 using namespace Qt::StringLiterals;
 
-PresetListModel::PresetListModel(LintoraModel &model, QObject *parent)
+PresetListModel::PresetListModel(StylePresets &presets, QObject *parent)
     : QAbstractListModel(parent)
-    , m_model(model)
-    , m_presets(model.stylePresets())
+    , m_source(presets)
+    , m_presets(presets.all())
 {
-    connect(&model, &LintoraModel::stylePresetsChanged, this, &PresetListModel::follow);
+    connect(&presets, &StylePresets::changed, this, &PresetListModel::follow);
 }
 
 int PresetListModel::rowCount(const QModelIndex &parent) const
@@ -47,6 +47,6 @@ QModelIndex PresetListModel::indexOf(const QString &name) const
 void PresetListModel::follow()
 {
     beginResetModel();
-    m_presets = m_model.stylePresets();
+    m_presets = m_source.all();
     endResetModel();
 }

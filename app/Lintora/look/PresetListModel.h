@@ -1,17 +1,17 @@
 #pragma once
 
-#include "app/model/LintoraModel.h"
+#include "app/model/StylePresets.h"
 
 #include <QAbstractListModel>
 
-/// The style presets of the model, in their order.
+/// The style presets in their order.
 class PresetListModel : public QAbstractListModel
 {
     Q_OBJECT
 
 public:
-    /// `model` must live as long as this.
-    explicit PresetListModel(LintoraModel &model, QObject *parent = nullptr);
+    /// `presets` must live as long as this.
+    explicit PresetListModel(StylePresets &presets, QObject *parent = nullptr);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -23,6 +23,6 @@ public:
 private:
     void follow();
 
-    LintoraModel &m_model;
+    StylePresets &m_source;
     QList<SubtitleStylePreset> m_presets;
 };

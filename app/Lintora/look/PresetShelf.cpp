@@ -32,7 +32,7 @@ PresetShelf::PresetShelf(LintoraModel &model, QuestionSheet &questions, QWidget 
     : QWidget(parent)
     , m_model(model)
     , m_questions(questions)
-    , m_presets(model)
+    , m_presets(model.stylePresets())
     , m_apply(Controls::quietButton(u"套用"_s, this))
     , m_rename(Controls::quietButton(u"改名…"_s, this))
     , m_remove(Controls::quietButton(u"删除"_s, this))
@@ -96,7 +96,7 @@ QWidget *PresetShelf::makeActions()
     connect(m_apply, &QPushButton::clicked, this, &PresetShelf::apply);
     connect(m_rename, &QPushButton::clicked, this, &PresetShelf::rename);
     connect(m_remove, &QPushButton::clicked, this, &PresetShelf::remove);
-    connect(m_restore, &QPushButton::clicked, &m_model, &LintoraModel::restoreStylePreset);
+    connect(m_restore, &QPushButton::clicked, &m_model.stylePresets(), &StylePresets::restore);
     connect(m_save, &QPushButton::clicked, this, &PresetShelf::askForName);
     return actions;
 }
@@ -179,13 +179,13 @@ void PresetShelf::rename()
         return judgeName(name);
     };
     m_questions.askName({.title = u"给预设改名"_s, .text = {}, .answer = u"改名"_s}, preset->name, judge,
-                        [this, id = preset->id](const QString &name) { m_model.renameStylePreset(id, name); });
+                        [this, id = preset->id](const QString &name) { m_model.stylePresets().rename(id, name); });
 }
 
 void PresetShelf::remove()
 {
     if (const auto preset = selected())
-        m_model.removeStylePreset(preset->id);
+        m_model.stylePresets().remove(preset->id);
 }
 
 void PresetShelf::update()
@@ -194,7 +194,7 @@ void PresetShelf::update()
     m_apply->setEnabled(isSelected && !m_model.aiBusy());
     m_rename->setEnabled(isSelected);
     m_remove->setEnabled(isSelected);
-    m_restore->setVisible(m_model.canRestoreStylePreset());
+    m_restore->setVisible(m_model.stylePresets().canRestore());
 }
 
 void PresetShelf::followPresets()

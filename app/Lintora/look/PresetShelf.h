@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Lintora/look/PresetListModel.h"
+#include "app/model/LintoraModel.h"
 
 #include <QWidget>
 

@@ -187,7 +187,7 @@ QList<State> states()
              options.shadowBlur = 12;
              model.setOptions(options);
              model.saveStylePreset(u"纪录片"_s);
-             Events::waitFor([&] { return model.stylePresets().size() == 3; });
+             Events::waitFor([&] { return model.stylePresets().all().size() == 3; });
              model.setSettingsVisible(true);
          }},
         {u"style-name"_s,

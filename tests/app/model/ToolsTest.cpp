@@ -351,13 +351,13 @@ TEST_F(ToolsTest, a_gesture_is_one_step_however_many_values_it_went_through)
 TEST_F(ToolsTest, a_style_is_saved_under_a_name_and_replaces_its_namesake)
 {
     model->saveStylePreset(u" 片头 "_s);
-    EXPECT_TRUE(Events::waitFor([&] { return model->stylePresets().size() == 1; }));
-    const QUuid id = model->stylePresets().first().id;
+    EXPECT_TRUE(Events::waitFor([&] { return model->stylePresets().all().size() == 1; }));
+    const QUuid id = model->stylePresets().all().first().id;
     model->setCanvasHeight(1'080);
     model->saveStylePreset(u"片头"_s);
-    EXPECT_TRUE(Events::waitFor([&] { return model->stylePresets().first().style.height == 1'080; }));
-    EXPECT_EQ(model->stylePresets().first().id, id);
-    EXPECT_EQ(restart().stylePresets().size(), 1);
+    EXPECT_TRUE(Events::waitFor([&] { return model->stylePresets().all().first().style.height == 1'080; }));
+    EXPECT_EQ(model->stylePresets().all().first().id, id);
+    EXPECT_EQ(restart().stylePresets().all().size(), 1);
     model->saveStylePreset({});
     EXPECT_TRUE(Events::waitFor([&] { return model->failure().has_value(); }));
     EXPECT_EQ(failure(), u"样式预设内容无效，请检查字号与位置。"_s);
@@ -367,7 +367,7 @@ TEST_F(ToolsTest, presets_are_applied_in_proportion_renamed_removed_and_brought_
 {
     const auto names = [&] {
         QStringList list;
-        for (const SubtitleStylePreset &preset : model->stylePresets())
+        for (const SubtitleStylePreset &preset : model->stylePresets().all())
             list += preset.name;
         return list;
     };
@@ -376,7 +376,7 @@ TEST_F(ToolsTest, presets_are_applied_in_proportion_renamed_removed_and_brought_
     model->saveStylePreset(u"甲"_s);
     model->saveStylePreset(u"乙"_s);
     ASSERT_TRUE(becomes({u"甲"_s, u"乙"_s}));
-    const QUuid first = model->stylePresets().first().id;
+    const QUuid first = model->stylePresets().all().first().id;
 
     Options portrait = model->options();
     portrait.height = portrait.height / 2;
@@ -388,18 +388,20 @@ TEST_F(ToolsTest, presets_are_applied_in_proportion_renamed_removed_and_brought_
     model->undo();
     EXPECT_EQ(model->options().fontSize, 5);
 
-    model->renameStylePreset(first, u"乙"_s);
+    model->stylePresets().rename(first, u"乙"_s);
     EXPECT_TRUE(Events::waitFor([&] { return failure() == u"已有同名的样式预设，请换一个名称。"_s; }));
-    model->renameStylePreset(first, u" 丙 "_s);
+    model->stylePresets().rename(first, u"丙\u0001丁"_s);
+    EXPECT_TRUE(Events::waitFor([&] { return failure() == u"样式预设内容无效，请检查字号与位置。"_s; }));
+    model->stylePresets().rename(first, u" 丙 "_s);
     EXPECT_TRUE(becomes({u"丙"_s, u"乙"_s}));
-    model->removeStylePreset(first);
+    model->stylePresets().remove(first);
     EXPECT_TRUE(becomes({u"乙"_s}));
-    model->restoreStylePreset();
+    model->stylePresets().restore();
     EXPECT_TRUE(becomes({u"丙"_s, u"乙"_s}));
-    EXPECT_FALSE(model->canRestoreStylePreset());
+    EXPECT_FALSE(model->stylePresets().canRestore());
 
     write(u"Library/Application Support/Lintora/StylePresets.json"_s, "[");
-    model->removeStylePreset(first);
+    model->stylePresets().remove(first);
     EXPECT_TRUE(Events::waitFor([&] { return model->failure().has_value(); }));
     EXPECT_EQ(names().size(), 2) << "an unreadable file leaves the list alone";
 }

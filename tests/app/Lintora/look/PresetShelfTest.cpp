@@ -19,8 +19,9 @@ class PresetShelfTest : public StyleTest
 protected:
     PresetShelfTest()
     {
-        for (const auto signal : {&LintoraModel::stylePresetsChanged, &LintoraModel::failureChanged})
-            QObject::connect(&model, signal, workspace, [this] { ++m_told; });
+        const auto note = [this] { ++m_told; };
+        QObject::connect(&model.stylePresets(), &StylePresets::changed, workspace, note);
+        QObject::connect(&model, &LintoraModel::failureChanged, workspace, note);
     }
 
     /// Saves the style under a name, by the button and the keyboard.
@@ -63,7 +64,7 @@ protected:
     QStringList names() const
     {
         QStringList names;
-        for (const SubtitleStylePreset &each : model.stylePresets())
+        for (const SubtitleStylePreset &each : model.stylePresets().all())
             names += each.name;
         return names;
     }
@@ -101,20 +102,20 @@ TEST_F(PresetShelfTest, A_style_is_saved_under_a_name_and_applied_again)
 TEST_F(PresetShelfTest, A_name_that_exists_is_replaced_only_when_that_is_wanted)
 {
     saveNew(u"片名"_s);
-    const SubtitleStylePreset first = model.stylePresets().first();
+    const SubtitleStylePreset first = model.stylePresets().all().first();
     setSize(77);
     save(u"片名"_s);
-    EXPECT_EQ(model.stylePresets().first(), first);
+    EXPECT_EQ(model.stylePresets().all().first(), first);
     EXPECT_TRUE(visibleTexts().contains(u"替换“片名”？"_s));
     EXPECT_TRUE(visibleTexts().contains(u"已有同名的样式预设，它将被当前样式替换。"_s));
     click(u"取消"_s);
-    EXPECT_EQ(model.stylePresets().first(), first);
+    EXPECT_EQ(model.stylePresets().all().first(), first);
     save(u"片名"_s);
     click(u"替换"_s);
     finish();
-    ASSERT_EQ(model.stylePresets().size(), 1);
-    EXPECT_EQ(model.stylePresets().first().id, first.id);
-    EXPECT_EQ(model.stylePresets().first().style.fontSize, 77);
+    ASSERT_EQ(model.stylePresets().all().size(), 1);
+    EXPECT_EQ(model.stylePresets().all().first().id, first.id);
+    EXPECT_EQ(model.stylePresets().all().first().style.fontSize, 77);
 }
 
 TEST_F(PresetShelfTest, A_name_that_cannot_be_is_told_where_it_is_typed)
@@ -180,16 +181,16 @@ TEST_F(PresetShelfTest, A_file_that_cannot_be_read_at_the_start_is_told)
     outside.file(u"StylePresets.json"_s, "[{\"id\":");
     LintoraModel started(outside.surroundings());
     EXPECT_TRUE(started.message().startsWith(u"样式预设未能读取："_s));
-    EXPECT_TRUE(started.stylePresets().isEmpty());
+    EXPECT_TRUE(started.stylePresets().all().isEmpty());
 }
 
 TEST_F(PresetShelfTest, A_file_that_cannot_be_read_is_left_alone)
 {
     saveNew(u"片名"_s);
-    const QList<SubtitleStylePreset> before = model.stylePresets();
+    const QList<SubtitleStylePreset> before = model.stylePresets().all();
     outside.file(u"StylePresets.json"_s, "[{\"id\":");
     saveNew(u"另一个"_s);
-    EXPECT_EQ(model.stylePresets(), before);
+    EXPECT_EQ(model.stylePresets().all(), before);
     EXPECT_TRUE(model.failure().has_value());
     QFile file(outside.path(u"StylePresets.json"_s));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
