@@ -74,8 +74,8 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
         m_removedPresetLast = isRemoved;
         Q_EMIT undoChanged();
     };
-    connect(&model, &LintoraModel::stylePresetsChanged, this,
-            [&model, follow] { follow(model.canRestoreStylePreset()); });
+    StylePresets &presets = model.stylePresets();
+    connect(&presets, &StylePresets::changed, this, [&presets, follow] { follow(presets.canRestore()); });
     connect(&model, &LintoraModel::historyChanged, this, [follow] { follow(false); });
 }
 
@@ -89,7 +89,7 @@ QString StyleWorkspace::undoTitle() const
 
 void StyleWorkspace::undo()
 {
-    m_model.restoreStylePreset();
+    m_model.stylePresets().restore();
 }
 
 QWidget *StyleWorkspace::makeControls()
