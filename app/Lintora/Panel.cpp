@@ -6,7 +6,7 @@
 #include "app/Lintora/RecentList.h"
 #include "app/Lintora/StatusLine.h"
 #include "app/Lintora/controls/Controls.h"
-#include "app/Lintora/controls/Sheet.h"
+#include "app/Lintora/controls/QuestionSheet.h"
 #include "app/Lintora/cues/CueTable.h"
 #include "app/Lintora/cues/FilterField.h"
 #include "app/Lintora/cues/Inspector.h"
@@ -250,30 +250,15 @@ void LintoraPanel::showCue(qsizetype cue)
 void LintoraPanel::confirmRestore()
 {
     if (!m_confirmation) {
-        m_confirmation = new Sheet(Sheet::Extent::compact, m_stage);
-        auto *const title = Controls::heading(u"恢复分离前原稿？"_s, m_confirmation);
-        auto *const text = Controls::note(u"分离后对各语言的修改将被原稿替换。"_s, m_confirmation);
-        auto *const cancel = Controls::button(u"取消"_s, m_confirmation);
-        auto *const restore = Controls::primaryButton(u"恢复原稿"_s, m_confirmation);
-        auto *const buttons = new QHBoxLayout;
-        buttons->addStretch();
-        buttons->addWidget(cancel);
-        buttons->addWidget(restore);
-        m_confirmation->setAccessibleName(title->text());
-        m_confirmation->body()->addWidget(title);
-        m_confirmation->body()->addWidget(text);
-        m_confirmation->body()->addSpacing(VELTheme::gap);
-        m_confirmation->body()->addLayout(buttons);
-        connect(m_confirmation, &Sheet::closeRequested, m_confirmation, &Sheet::dismiss);
-        connect(cancel, &QPushButton::clicked, m_confirmation, &Sheet::dismiss);
-        // The question may answer itself: the separation is undone, another job comes in.
+        m_confirmation = new QuestionSheet(m_stage);
+        // The question may answer itself: the separation is undone, another session comes in.
         connect(&m_model, &LintoraModel::splitOriginalChanged, m_confirmation, &Sheet::dismiss);
-        connect(restore, &QPushButton::clicked, this, [this] {
-            m_confirmation->dismiss();
-            m_model.restoreOriginal();
-        });
     }
-    m_confirmation->open();
+    m_confirmation->ask({.title = u"恢复分离前原稿？"_s,
+                         .text = u"分离后对各语言的修改将被原稿替换。"_s,
+                         .answer = u"恢复原稿"_s,
+                         .losesWork = true},
+                        [this] { m_model.restoreOriginal(); });
 }
 
 void LintoraPanel::keyPressEvent(QKeyEvent *event)

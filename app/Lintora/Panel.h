@@ -8,6 +8,7 @@ class CleanupWorkspace;
 class CueTable;
 class FilterField;
 class FindReplaceWorkspace;
+class QuestionSheet;
 class QVBoxLayout;
 class ScriptMatchWorkspace;
 class Sheet;
@@ -55,7 +56,7 @@ private:
     FilterField *m_filter = nullptr;
     CueTable *m_table = nullptr;
     Sheet *m_fcpImport = nullptr; ///< Made when it is needed first, as are the following.
-    Sheet *m_confirmation = nullptr;
+    QuestionSheet *m_confirmation = nullptr;
     CleanupWorkspace *m_cleanup = nullptr;
     FindReplaceWorkspace *m_findReplace = nullptr;
     ScriptMatchWorkspace *m_scriptMatch = nullptr;

@@ -13,13 +13,13 @@ QuestionSheet::QuestionSheet(QWidget *content)
     , m_text(Controls::note({}, this))
     , m_name(new QLineEdit(this))
     , m_wrong(Controls::note({}, this))
+    , m_cancel(Controls::button(u"取消"_s, this))
     , m_answer(Controls::primaryButton({}, this))
 {
-    auto *const cancel = Controls::button(u"取消"_s, this);
     auto *const buttons = new QHBoxLayout;
     buttons->setSpacing(VELTheme::gap);
     buttons->addStretch();
-    buttons->addWidget(cancel);
+    buttons->addWidget(m_cancel);
     buttons->addWidget(m_answer);
     m_name->setAccessibleName(u"名称"_s);
     m_name->setPlaceholderText(u"名称"_s);
@@ -32,7 +32,7 @@ QuestionSheet::QuestionSheet(QWidget *content)
     body()->addSpacing(VELTheme::gap);
     body()->addLayout(buttons);
     connect(this, &Sheet::closeRequested, this, &Sheet::dismiss);
-    connect(cancel, &QPushButton::clicked, this, &Sheet::dismiss);
+    connect(m_cancel, &QPushButton::clicked, this, &Sheet::dismiss);
     connect(m_answer, &QPushButton::clicked, this, &QuestionSheet::answer);
     connect(m_name, &QLineEdit::returnPressed, this, &QuestionSheet::answer);
     connect(m_name, &QLineEdit::textChanged, this, &QuestionSheet::judge);
@@ -45,7 +45,7 @@ void QuestionSheet::ask(const Question &question, const std::function<void()> &c
     m_name->hide();
     m_wrong->hide();
     show(question);
-    open(m_answer);
+    open(question.losesWork ? m_cancel : m_answer);
 }
 
 void QuestionSheet::askName(const Question &question, const QString &suggestion,

@@ -20,7 +20,8 @@ public:
     {
         QString title;
         QString text;
-        QString answer; ///< On the button that does it.
+        QString answer;         ///< On the button that does it.
+        bool losesWork = false; ///< Whether work is lost by it: the keyboard is then on the button that does nothing.
     };
 
     void ask(const Question &question, const std::function<void()> &confirmed);
@@ -39,6 +40,7 @@ private:
     QLabel *m_text;
     QLineEdit *m_name;
     QLabel *m_wrong;
+    QPushButton *m_cancel;
     QPushButton *m_answer;
     std::function<void()> m_confirmed;
     std::function<QString(const QString &)> m_judge;

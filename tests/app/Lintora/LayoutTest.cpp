@@ -253,6 +253,7 @@ TEST_F(Layout, Restoring_the_original_asks_first)
     EXPECT_EQ(button(u"分离中英"_s), nullptr);
     click(u"恢复原稿"_s);
     EXPECT_TRUE(visibleTexts().contains(u"恢复分离前原稿？"_s));
+    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), u"取消"_s) << "Return loses nothing";
     EXPECT_TRUE(visibleTexts().contains(u"分离后对各语言的修改将被原稿替换。"_s));
     press(Qt::Key_Escape);
     EXPECT_EQ(model.visibleTracks().size(), 2);
