@@ -310,10 +310,11 @@ QByteArrayView plainText(QByteArrayView text, QByteArray &scratch)
 class Parser
 {
 public:
-    explicit Parser(QByteArrayView text)
+    Parser(QByteArrayView text, const Check &check)
         : m_begin(text.begin())
         , m_at(text.begin())
         , m_end(text.end())
+        , m_check(check)
     {}
 
     QList<Subtitle> parse()
@@ -324,6 +325,7 @@ public:
             if (m_at == m_end)
                 break;
             readBlock();
+            m_check();
         }
         if (m_cues.isEmpty())
             throw ConversionError(u"没有找到字幕。"_s);
@@ -423,14 +425,15 @@ private:
     const char *m_begin;
     const char *m_at;
     const char *m_end;
+    SparseCheck m_check;
     QByteArray m_scratch;
     QList<Subtitle> m_cues;
 };
 
-QList<Subtitle> parseUtf8(QByteArray &&text, bool hasMark)
+QList<Subtitle> parseUtf8(QByteArray &&text, bool hasMark, const Check &check)
 {
     normalize(text, hasMark);
-    return Parser(text).parse();
+    return Parser(text, check).parse();
 }
 
 QByteArray toUtf8(QStringView text)
@@ -446,7 +449,7 @@ enum class ByteOrder
     big
 };
 
-QList<Subtitle> parseUtf16(QByteArray &&bytes, ByteOrder order)
+QList<Subtitle> parseUtf16(QByteArray &&bytes, ByteOrder order, const Check &check)
 {
     if (bytes.size() % 2 != 0)
         throwUndecodableUtf16();
@@ -463,7 +466,7 @@ QList<Subtitle> parseUtf16(QByteArray &&bytes, ByteOrder order)
     QByteArray utf8 = toUtf8(text);
     const bool hasMark = text.contains(byteOrderMark);
     bytes.clear();
-    return parseUtf8(std::move(utf8), hasMark);
+    return parseUtf8(std::move(utf8), hasMark, check);
 }
 
 /// Writes `value` with at least `width` digits, as printf's "%0*lld" does: the minus sign counts as one of them.
@@ -497,26 +500,26 @@ char *putStamp(qint64 milliseconds, char *out)
 
 } // namespace
 
-QList<Subtitle> read(const QString &path)
+QList<Subtitle> read(const QString &path, const Check &check)
 {
-    return Failure::naming(path, [&] { return decode(FileReader::readAll(path)); });
+    return Failure::naming(path, [&] { return decode(FileReader::readAll(path), check); });
 }
 
-QList<Subtitle> decode(QByteArray bytes)
+QList<Subtitle> decode(QByteArray bytes, const Check &check)
 {
     if (bytes.startsWith("\xFF\xFE"))
-        return parseUtf16(std::move(bytes), ByteOrder::little);
+        return parseUtf16(std::move(bytes), ByteOrder::little, check);
     if (bytes.startsWith("\xFE\xFF"))
-        return parseUtf16(std::move(bytes), ByteOrder::big);
+        return parseUtf16(std::move(bytes), ByteOrder::big, check);
     const Utf8::Survey survey = Utf8::survey(bytes);
     if (!survey.valid)
         throwUndecodableUtf8(bytes);
-    return parseUtf8(std::move(bytes), survey.hasMark);
+    return parseUtf8(std::move(bytes), survey.hasMark, check);
 }
 
 QList<Subtitle> parse(QStringView text)
 {
-    return parseUtf8(toUtf8(text), text.contains(byteOrderMark));
+    return parseUtf8(toUtf8(text), text.contains(byteOrderMark), {});
 }
 
 QString stamp(qint64 milliseconds)

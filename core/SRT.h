@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "core/Subtitle.h"
 
 #include <QByteArray>
@@ -10,17 +11,18 @@ class Utf8Writer;
 ///
 /// The reader is strict: the first bad cue ends the call, so that the user can mend the file. Every cue that it returns
 /// can be written into a title: no control character that XML forbids, no formatting tag, no character entity is left.
-/// The detail of a refusal tells the line of the file, and the number that the cue has there.
+/// The detail of a refusal tells the line of the file, and the number that the cue has there. Readers call `check`
+/// every few milliseconds.
 namespace SRT {
 
 /// Reads the file at `path`: UTF-16 when it begins with FF FE or FE FF, else UTF-8.
 /// @throws PlatformError when the file cannot be read.
 /// @throws ConversionError as decode does. The detail of either names the file.
-QList<Subtitle> read(const QString &path);
+QList<Subtitle> read(const QString &path, const Check &check = {});
 
 /// Reads the bytes of a file, encoding chosen as in read.
 /// @throws ConversionError "字幕编码不支持。请先另存为 UTF-8 或 UTF-16。", or as parse does.
-QList<Subtitle> decode(QByteArray bytes);
+QList<Subtitle> decode(QByteArray bytes, const Check &check = {});
 
 /// Reads every cue of `text`, in file order. Cues are numbered 1, 2, 3 …, whatever numbers the text gives them. They
 /// are not sorted, and may overlap.

@@ -33,10 +33,12 @@ QByteArray absoluteSource(const QByteArray &value, const QUrl &folder)
     return folder.resolved(relative).toEncoded();
 }
 
-void resolveSources(const XmlDocument &document, const QString &folder)
+void resolveSources(const XmlDocument &document, const QString &folder, const Check &check)
 {
+    SparseCheck goOn(check);
     const QUrl base = QUrl::fromLocalFile(QFileInfo(folder).absoluteFilePath() + u'/');
     for (xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
+        goOn();
         const auto source = Xml::attribute(element, "src");
         if (!source)
             continue;
@@ -123,7 +125,7 @@ void checkLength(const std::vector<TitleGrid::Title> &titles, const Rational &du
 
 /// A base document that passed its checks, with the effect in place.
 TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titles, const QList<Subtitle> &cues,
-                     const Options &options, const QString &projectName)
+                     const Options &options, const QString &projectName, const Check &check)
 {
     xmlNode *const project = FCPXML::project(base, projectName);
     // Final Cut Pro takes a project without these for a new one and leaves the old one alone.
@@ -152,7 +154,7 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
                                      .styles = ids.counter("substyle"),
                                      .effectID = effectID,
                                      .indentation = std::nullopt},
-                                    titles, cues, options);
+                                    titles, cues, options, check);
 }
 
 } // namespace
@@ -175,12 +177,12 @@ XmlDocument document(const QString &path)
     return Failure::naming(file, [&] { return document(read, QFileInfo(file).absolutePath()); });
 }
 
-XmlDocument document(QByteArrayView bytes, const QString &folder)
+XmlDocument document(QByteArrayView bytes, const QString &folder, const Check &check)
 {
     if (bytes.size() > largestFile)
         throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
-    XmlDocument result = XmlDocument::parse(bytes, u"不支持含外部实体的 XML。");
-    resolveSources(result, folder);
+    XmlDocument result = XmlDocument::parse(bytes, u"不支持含外部实体的 XML。", check);
+    resolveSources(result, folder, check);
     return result;
 }
 
@@ -258,13 +260,13 @@ Options settings(Options options, const xmlNode *format, const QString &name)
 }
 
 TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options,
-                      const QString &projectName)
+                      const QString &projectName, const Check &check)
 {
     if (!base)
-        return NewDocument::project(cues, options);
-    const auto titles = TitleGrid::place(cues, options);
+        return NewDocument::project(cues, options, check);
+    const auto titles = TitleGrid::place(cues, options, check);
     try {
-        return extend(*std::move(base), titles, cues, options, projectName);
+        return extend(*std::move(base), titles, cues, options, projectName, check);
     } catch (const RationalOverflow &) {
         throwMissingStructure();
     }

@@ -7,7 +7,8 @@
 
 /// Final Cut Pro's interchange documents: titles written, the user's projects read.
 ///
-/// Times of documents are exact rationals, titles lie on the frame grid. No external entity is ever loaded.
+/// Times of documents are exact rationals, titles lie on the frame grid. No external entity is ever loaded. What takes
+/// a `check` calls it every few milliseconds.
 namespace FCPXML {
 
 /// The effect behind every title, Final Cut Pro's Basic Title.
@@ -27,7 +28,7 @@ QByteArray bytes(const QString &path);
 XmlDocument document(const QString &path);
 
 /// The same for the bytes of a document that lies in `folder`.
-XmlDocument document(QByteArrayView bytes, const QString &folder);
+XmlDocument document(QByteArrayView bytes, const QString &folder, const Check &check = {});
 
 /// The projects of a document: under its root, its events or the events of its library.
 std::vector<xmlNode *> projects(const XmlDocument &document);
@@ -54,6 +55,6 @@ Options settings(Options options, const xmlNode *format, const QString &name);
 /// one of several projects of the base.
 /// @throws ConversionError with the sentence that says what is wrong; nothing is written then.
 TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options,
-                      const QString &projectName = {});
+                      const QString &projectName = {}, const Check &check = {});
 
 } // namespace FCPXML

@@ -18,10 +18,10 @@ namespace Exports {
 
 namespace {
 
-XmlDocument parse(const FCPProject &project)
+XmlDocument parse(const FCPProject &project, const Check &check)
 {
-    return project.folder ? FCPXML::document(project.document, *project.folder)
-                          : XmlDocument::parse(project.document, u"不支持含外部实体的 XML。");
+    return project.folder ? FCPXML::document(project.document, *project.folder, check)
+                          : XmlDocument::parse(project.document, u"不支持含外部实体的 XML。", check);
 }
 
 } // namespace
@@ -62,13 +62,14 @@ qsizetype writeAllSRT(const QString &folder, const QString &name, const QList<Su
 void writeTitles(const QString &path, const QList<Subtitle> &cues, const Options &options,
                  const std::optional<FCPProject> &project, Job &job)
 {
-    auto base = project ? std::optional(parse(*project)) : std::nullopt;
+    const Check check = [&] { job.check(); };
+    auto base = project ? std::optional(parse(*project, check)) : std::nullopt;
     job.check();
-    const TitleDocument document = FCPXML::convert(cues, std::move(base), options);
+    const TitleDocument document = FCPXML::convert(cues, std::move(base), options, {}, check);
     TitleFile::write(
         path, document,
-        [&](QByteArrayView written) { WrittenTitles::verify(written, document.effectID(), cues, options); },
-        [&] { job.check(); });
+        [&](QByteArrayView written) { WrittenTitles::verify(written, document.effectID(), cues, options, {}, check); },
+        check);
 }
 
 QString fileName(const QString &name)

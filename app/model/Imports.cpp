@@ -49,7 +49,7 @@ ImportedTimeline readTimeline(const XmlDocument &document, FCPProject project, J
         keepProject(timeline, document, std::move(project));
     job.check();
     try {
-        timeline.plan = FCPAudioPlan::parse(document);
+        timeline.plan = FCPAudioPlan::parse(document, UnreadableClips::refuse, [&] { job.check(); });
         if (!timeline.settings)
             timeline.settings = timeline.plan->settings;
     } catch (const NothingAudible &error) {
@@ -80,9 +80,10 @@ std::optional<Kind> kindOf(const QString &path)
 ImportedCues readSubtitles(const QString &path, const Options &options, Job &job)
 {
     checkRegular(path);
-    ImportedCues imported{.cues = SRT::read(path), .source = QFileInfo(path).fileName()};
+    const Check check = [&] { job.check(); };
+    ImportedCues imported{.cues = SRT::read(path, check), .source = QFileInfo(path).fileName()};
     job.check();
-    SubtitleTransfer::clip(imported.cues, options);
+    SubtitleTransfer::clip(imported.cues, options, check);
     return imported;
 }
 
@@ -98,7 +99,7 @@ ImportedTimeline readTimeline(const QString &path, Job &job)
     return Failure::naming(file, [&] {
         if (!bytes)
             throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
-        const XmlDocument document = FCPXML::document(*bytes, folder);
+        const XmlDocument document = FCPXML::document(*bytes, folder, [&] { job.check(); });
         return readTimeline(document, {.document = *bytes, .folder = folder, .name = {}, .rate = {}}, job);
     });
 }
@@ -108,7 +109,7 @@ ImportedTimeline readTimeline(const QByteArray &dragged, Job &job)
     static constexpr QStringView refusal = u"FCP 数据过大或含不支持的 XML 实体。";
     if (dragged.size() > FCPXML::largestFile)
         throw ConversionError(refusal.toString());
-    const XmlDocument document = XmlDocument::parse(dragged, refusal);
+    const XmlDocument document = XmlDocument::parse(dragged, refusal, [&] { job.check(); });
     return readTimeline(document, {.document = dragged, .folder = std::nullopt, .name = {}, .rate = {}}, job);
 }
 

@@ -67,9 +67,10 @@ TimeRange assetRange(const MediaAsset &asset, const TimeMap &own)
 
 } // namespace
 
-AudioWalk::AudioWalk(MediaResources &resources, UnreadableClips unreadable)
+AudioWalk::AudioWalk(MediaResources &resources, UnreadableClips unreadable, const Check &check)
     : m_resources(resources)
     , m_unreadable(unreadable)
+    , m_check(check)
 {}
 
 void AudioWalk::walkSequence(const StorySequence &sequence, const TimeRange &window)
@@ -149,6 +150,7 @@ void AudioWalk::forEachItem(const xmlNode *spine, const Rational &begin, Visitor
 
 void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Place &place)
 {
+    m_check();
     if (++m_visits > mostVisits || place.nesting > deepestNesting)
         throwStructure();
     const StoryElement &story = this->story(element);

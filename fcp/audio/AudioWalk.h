@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "fcp/audio/FCPAudioSegment.h"
 #include "fcp/audio/UnreadableClips.h"
 #include "fcp/timeline/MediaResources.h"
@@ -20,7 +21,7 @@
 /// sounds.
 ///
 /// Places are exact; a RationalOverflow passes through. The document must outlive the walk. It never takes longer than
-/// a million elements do, however often a document shows its compound clips.
+/// a million elements do, however often a document shows its compound clips, and calls `check` every few milliseconds.
 class AudioWalk
 {
 public:
@@ -37,7 +38,8 @@ public:
         QStringList skippedUnreadable;
     };
 
-    explicit AudioWalk(MediaResources &resources, UnreadableClips unreadable = UnreadableClips::refuse);
+    explicit AudioWalk(MediaResources &resources, UnreadableClips unreadable = UnreadableClips::refuse,
+                       const Check &check = {});
 
     /// Collects what sounds in the storyline of a project within `window` of the plan, whose 0 is the sequence's start.
     /// @throws ConversionError
@@ -98,6 +100,7 @@ private:
 
     MediaResources &m_resources;
     UnreadableClips m_unreadable;
+    SparseCheck m_check;
     std::unordered_map<const xmlNode *, StoryElement> m_stories;
     Found m_found;
     std::vector<int> m_clips;            ///< The clip of several parts to which each segment belongs.

@@ -111,11 +111,11 @@ std::optional<Options> matchedSettings(const Draft &draft)
     }
 }
 
-FCPAudioPlan makePlan(const XmlDocument &document, UnreadableClips unreadable)
+FCPAudioPlan makePlan(const XmlDocument &document, UnreadableClips unreadable, const Check &goOn)
 {
     const DraggedTimeline timeline = DraggedTimeline::find(document);
     MediaResources resources(document, timeline.project);
-    AudioWalk walk(resources, unreadable);
+    AudioWalk walk(resources, unreadable, goOn);
     const Draft draft =
         timeline.project ? walkProject(timeline, resources, walk) : walkSelection(timeline, resources, walk);
     const AudioWalk::Found &found = walk.found();
@@ -153,10 +153,10 @@ FCPAudioPlan FCPAudioPlan::parse(QByteArrayView data, UnreadableClips unreadable
     return parse(XmlDocument::parse(data, refusal), unreadable);
 }
 
-FCPAudioPlan FCPAudioPlan::parse(const XmlDocument &document, UnreadableClips unreadable)
+FCPAudioPlan FCPAudioPlan::parse(const XmlDocument &document, UnreadableClips unreadable, const Check &check)
 {
     try {
-        return makePlan(document, unreadable);
+        return makePlan(document, unreadable, check);
     } catch (const RationalOverflow &) {
         throw ConversionError(u"FCP 时间值无效。"_s);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "core/ConversionError.h"
 #include "fcp/Options.h"
 #include "fcp/audio/FCPAudioSegment.h"
@@ -44,8 +45,10 @@ struct FCPAudioPlan
     /// @throws PlatformError when the data is no XML.
     static FCPAudioPlan parse(QByteArrayView data, UnreadableClips unreadable = UnreadableClips::refuse);
 
-    /// Plans a document that was read from a file. @throws ConversionError as above
-    static FCPAudioPlan parse(const XmlDocument &document, UnreadableClips unreadable = UnreadableClips::refuse);
+    /// Plans a document that was read from a file. Calls `check` every few milliseconds. @throws ConversionError as
+    /// above
+    static FCPAudioPlan parse(const XmlDocument &document, UnreadableClips unreadable = UnreadableClips::refuse,
+                              const Check &check = {});
 
     /// Tells how many clips were left out for their speed change; absent when none was.
     std::optional<QString> retimeNotice() const;

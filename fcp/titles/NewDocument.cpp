@@ -76,9 +76,9 @@ const xmlNode *complete(const XmlDocument &tree, const Options &options, qint64 
     return spine;
 }
 
-TitleDocument build(const QByteArray &frame, const QList<Subtitle> &cues, const Options &options)
+TitleDocument build(const QByteArray &frame, const QList<Subtitle> &cues, const Options &options, const Check &check)
 {
-    const auto titles = TitleGrid::place(cues, options);
+    const auto titles = TitleGrid::place(cues, options, check);
     const auto longest = std::max_element(titles.begin(), titles.end(),
                                           [](const auto &a, const auto &b) { return a.endFrame < b.endFrame; });
     XmlDocument tree = XmlDocument::parse(frame, {});
@@ -90,19 +90,19 @@ TitleDocument build(const QByteArray &frame, const QList<Subtitle> &cues, const 
                                      .styles = ids.counter("substyle"),
                                      .effectID = "subeffect1",
                                      .indentation = titleIndentation},
-                                    titles, cues, options);
+                                    titles, cues, options, check);
 }
 
 } // namespace
 
-TitleDocument project(const QList<Subtitle> &cues, const Options &options)
+TitleDocument project(const QList<Subtitle> &cues, const Options &options, const Check &check)
 {
-    return build(projectFrame(), cues, options);
+    return build(projectFrame(), cues, options, check);
 }
 
-TitleDocument clip(const QList<Subtitle> &cues, const Options &options)
+TitleDocument clip(const QList<Subtitle> &cues, const Options &options, const Check &check)
 {
-    return build(clipFrame(), cues, options);
+    return build(clipFrame(), cues, options, check);
 }
 
 } // namespace NewDocument

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "core/Check.h"
 #include "fcp/titles/TitleDocument.h"
 
 /// Title documents that stand on no project of the user's.
 namespace NewDocument {
 
 /// One event with one project, whose storyline is a gap that carries the titles. @throws ConversionError
-TitleDocument project(const QList<Subtitle> &cues, const Options &options);
+TitleDocument project(const QList<Subtitle> &cues, const Options &options, const Check &check = {});
 
 /// The same sequence as a media resource "lintoraMedia" with a clip that refers to it. @throws ConversionError
-TitleDocument clip(const QList<Subtitle> &cues, const Options &options);
+TitleDocument clip(const QList<Subtitle> &cues, const Options &options, const Check &check = {});
 
 } // namespace NewDocument

@@ -1,12 +1,20 @@
 #include "fcp/titles/SubtitleTransfer.h"
 
+#include "core/files/Utf8Writer.h"
 #include "fcp/titles/NewDocument.h"
 
 namespace SubtitleTransfer {
 
-QByteArray clip(const QList<Subtitle> &cues, const Options &options)
+QByteArray clip(const QList<Subtitle> &cues, const Options &options, const Check &check)
 {
-    return NewDocument::clip(cues, options).toUtf8();
+    QByteArray bytes;
+    Utf8Writer out([&](QByteArrayView block) {
+        if (check)
+            check();
+        bytes.append(block);
+    });
+    NewDocument::clip(cues, options, check).write(out);
+    return bytes;
 }
 
 } // namespace SubtitleTransfer

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "core/Subtitle.h"
 #include "fcp/Options.h"
 
@@ -10,6 +11,6 @@ namespace SubtitleTransfer {
 
 /// A document with one "ref-clip" of a media resource "lintoraMedia" that holds the titled sequence. UTF-8.
 /// @throws ConversionError as FCPXML::convert does.
-QByteArray clip(const QList<Subtitle> &cues, const Options &options);
+QByteArray clip(const QList<Subtitle> &cues, const Options &options, const Check &check = {});
 
 } // namespace SubtitleTransfer

@@ -42,11 +42,13 @@ const xmlNode *insertionPoint(const xmlNode *clip)
 }
 
 /// One above the highest lane of the document, and at least 1.
-quint64 freeLane(const XmlDocument &document)
+quint64 freeLane(const XmlDocument &document, SparseCheck &goOn)
 {
     qint64 highest = 0;
-    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root()))
+    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
+        goOn();
         highest = std::max(highest, Xml::integerAttribute(element, "lane").value_or(0));
+    }
     return static_cast<quint64>(highest) + 1;
 }
 
@@ -64,8 +66,9 @@ qint64 connectionFrame(const TitleGrid::Title &title, const Storyline::Clip &cli
 } // namespace
 
 TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles, const QList<Subtitle> &cues,
-                      const Options &options)
+                      const Options &options, const Check &check)
 {
+    SparseCheck goOn(check);
     const Storyline storyline(target.spine, target.projectStart, options.rate);
     struct Hung
     {
@@ -75,6 +78,7 @@ TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles
     std::vector<Hung> hung;
     hung.reserve(titles.size());
     for (const TitleGrid::Title &title : titles) {
+        goOn();
         const Storyline::Clip *const clip = storyline.clipAt(title.startFrame);
         if (!clip)
             throw ConversionError::aboutCue(title.cueID, u" 条字幕起点不在主时间线片段内。");
@@ -97,10 +101,11 @@ TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles
                                    .indentation = target.indentation,
                                    .titles = {},
                                    .runs = {}};
-    content.lane = freeLane(content.tree);
+    content.lane = freeLane(content.tree, goOn);
     content.titles.reserve(hung.size());
     const Storyline::Clip *last = nullptr;
     for (const Hung &each : hung) {
+        goOn();
         if (each.clip != last)
             content.runs.push_back({.clip = each.clip->element,
                                     .before = insertionPoint(each.clip->element),

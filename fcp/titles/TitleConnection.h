@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "fcp/titles/Identifiers.h"
 #include "fcp/titles/TitleDocument.h"
 #include "fcp/titles/TitleGrid.h"
@@ -23,6 +24,6 @@ struct Target
 /// @throws ConversionError when there is no clip, or naming the first cue that finds none, or
 /// "字幕连接位置位于变速主片段。请先将项目制作为复合片段，再导出 XML。"
 TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles, const QList<Subtitle> &cues,
-                      const Options &options);
+                      const Options &options, const Check &check = {});
 
 } // namespace TitleConnection

@@ -75,15 +75,18 @@ Title placeCue(const Subtitle &cue, const Options &options)
 
 } // namespace
 
-std::vector<Title> place(const QList<Subtitle> &cues, const Options &options)
+std::vector<Title> place(const QList<Subtitle> &cues, const Options &options, const Check &check)
 {
     if (cues.isEmpty())
         throw ConversionError(u"请先打开 SRT。"_s);
     checkOptions(options);
     std::vector<Title> titles;
     titles.reserve(static_cast<size_t>(cues.size()));
-    for (const Subtitle &cue : cues)
+    SparseCheck goOn(check);
+    for (const Subtitle &cue : cues) {
+        goOn();
         titles.push_back(placeCue(cue, options));
+    }
     const auto startsEarlier = [](const Title &a, const Title &b) { return a.startFrame < b.startFrame; };
     std::stable_sort(titles.begin(), titles.end(), startsEarlier);
     return titles;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "core/Subtitle.h"
 #include "fcp/Options.h"
 
@@ -19,7 +20,7 @@ struct Title
 /// The titles of `cues`, sorted by start frame; cues that start on the same frame keep their order. Every frame number
 /// can be written as a time of the rate. `cues` must outlive the result.
 /// @throws ConversionError "请先打开 SRT。", "画面或字体设置无效。", or about the first cue that cannot be written.
-std::vector<Title> place(const QList<Subtitle> &cues, const Options &options);
+std::vector<Title> place(const QList<Subtitle> &cues, const Options &options, const Check &check = {});
 
 /// Whether `frames` can be written as a time of `rate` and still be reckoned with to the microsecond. That is ten years
 /// at the least.

@@ -33,16 +33,18 @@ std::optional<qint64> wholeFrames(const std::optional<Rational> &seconds, const 
 
 /// The titles by the time at which they stand on the timeline.
 std::vector<Found> inOrder(std::vector<Found> titles, const Storyline &storyline,
-                           const std::vector<TitleGrid::Title> &expected, const FrameRate &rate)
+                           const std::vector<TitleGrid::Title> &expected, const FrameRate &rate, SparseCheck &goOn)
 {
     std::map<const xmlNode *, const Storyline::Clip *> clips;
     for (const TitleGrid::Title &title : expected) {
+        goOn();
         if (const Storyline::Clip *const clip = storyline.clipAt(title.startFrame))
             clips.emplace(clip->element, clip);
     }
     const Rational framesPerSecond(rate.numerator, rate.denominator);
     std::vector<std::pair<qint64, Found>> placed;
     for (Found &title : titles) {
+        goOn();
         const auto clip = clips.find(title.parent);
         // What hangs where no cue belongs counts as standing behind all others.
         qint64 frame = std::numeric_limits<qint64>::max();
@@ -80,8 +82,9 @@ const xmlNode *media(const XmlDocument &document)
 
 /// `owner` finds the element in the document whose sequence carries the titles.
 void compare(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options,
-             const std::function<const xmlNode *(const XmlDocument &)> &owner)
+             const std::function<const xmlNode *(const XmlDocument &)> &owner, const Check &check)
 {
+    SparseCheck goOn(check);
     std::vector<Found> titles;
     const XmlDocument::Extraction extraction{
         .element = "title", .attribute = "ref", .value = effectID, .take = [&](const XmlDocument::Extract &title) {
@@ -90,8 +93,8 @@ void compare(QByteArrayView document, const QByteArray &effectID, const QList<Su
                               .offset = Rational::parseTime(title.attribute("offset")),
                               .duration = Rational::parseTime(title.attribute("duration"))});
         }};
-    const XmlDocument rest = XmlDocument::parse(document, u"不支持含外部实体的 XML。", extraction);
-    const std::vector<TitleGrid::Title> expected = TitleGrid::place(cues, options);
+    const XmlDocument rest = XmlDocument::parse(document, u"不支持含外部实体的 XML。", extraction, check);
+    const std::vector<TitleGrid::Title> expected = TitleGrid::place(cues, options, check);
     const xmlNode *const found = owner(rest);
     const xmlNode *const sequence = found ? Xml::child(found, "sequence") : nullptr;
     const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
@@ -101,8 +104,9 @@ void compare(QByteArrayView document, const QByteArray &effectID, const QList<Su
         throw difference(expected.front().cueID);
     try {
         const Storyline storyline(spine, *start, options.rate);
-        titles = inOrder(std::move(titles), storyline, expected, options.rate);
+        titles = inOrder(std::move(titles), storyline, expected, options.rate, goOn);
         for (size_t i = 0; i < expected.size(); ++i) {
+            goOn();
             if (i >= titles.size() || !stands(titles[i], expected[i], storyline, options.rate))
                 throw difference(expected[i].cueID);
         }
@@ -116,16 +120,17 @@ void compare(QByteArrayView document, const QByteArray &effectID, const QList<Su
 } // namespace
 
 void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options,
-            const QString &projectName)
+            const QString &projectName, const Check &check)
 {
-    compare(document, effectID, cues, options,
-            [&](const XmlDocument &rest) { return FCPXML::project(rest, projectName); });
+    compare(
+        document, effectID, cues, options, [&](const XmlDocument &rest) { return FCPXML::project(rest, projectName); },
+        check);
 }
 
 void verifyClip(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues,
-                const Options &options)
+                const Options &options, const Check &check)
 {
-    compare(document, effectID, cues, options, media);
+    compare(document, effectID, cues, options, media, check);
 }
 
 } // namespace WrittenTitles

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <exception>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -34,8 +35,10 @@ enum class Refusal
 };
 
 /// What goes on while a document is parsed.
-struct Progress
+struct Parsing
 {
+    SparseCheck check;
+    std::exception_ptr end = nullptr; ///< What the check has thrown: nothing may be thrown through the parser.
     Refusal refusal = Refusal::none;
     const XmlDocument::Extraction *extraction = nullptr;        ///< Null when everything goes into the tree.
     std::optional<XmlDocument::Extract> extract = std::nullopt; ///< The element being taken out.
@@ -43,15 +46,28 @@ struct Progress
     int textDepth = 0;                                          ///< Those of them that are "text".
 };
 
-Progress &progressOf(void *context)
+Parsing &parsingOf(void *context)
 {
-    return *static_cast<Progress *>(static_cast<xmlParserCtxt *>(context)->_private);
+    return *static_cast<Parsing *>(static_cast<xmlParserCtxt *>(context)->_private);
 }
 
 void refuse(void *context, Refusal reason)
 {
-    progressOf(context).refusal = reason;
+    parsingOf(context).refusal = reason;
     xmlStopParser(static_cast<xmlParserCtxt *>(context));
+}
+
+/// Whether the parser goes on. Once it does not, what it has handed over lies in memory that it has freed.
+bool goesOn(void *context)
+{
+    Parsing &parsing = parsingOf(context);
+    try {
+        parsing.check();
+    } catch (...) {
+        parsing.end = std::current_exception();
+        xmlStopParser(static_cast<xmlParserCtxt *>(context));
+    }
+    return !parsing.end;
 }
 
 using Attributes = std::vector<std::pair<QByteArray, QByteArray>>;
@@ -78,16 +94,18 @@ bool isWanted(const XmlDocument::Extraction &extraction, const xmlChar *name, co
 void startElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *uri, int namespaceCount,
                   const xmlChar **namespaces, int attributeCount, int defaultCount, const xmlChar **attributes)
 {
-    Progress &progress = progressOf(context);
-    if (progress.extract) {
-        ++progress.depth;
-        progress.textDepth += QByteArrayView(plainChars(name)) == "text" ? 1 : 0;
+    Parsing &parsing = parsingOf(context);
+    if (!goesOn(context))
+        return;
+    if (parsing.extract) {
+        ++parsing.depth;
+        parsing.textDepth += QByteArrayView(plainChars(name)) == "text" ? 1 : 0;
         return;
     }
-    if (QByteArrayView(plainChars(name)) == progress.extraction->element) {
+    if (parsing.extraction && QByteArrayView(plainChars(name)) == parsing.extraction->element) {
         Attributes found = readAttributes(attributes, attributeCount);
-        if (isWanted(*progress.extraction, name, found)) {
-            progress.extract = {
+        if (isWanted(*parsing.extraction, name, found)) {
+            parsing.extract = {
                 .parent = static_cast<xmlParserCtxt *>(context)->node, .attributes = std::move(found), .text = {}};
             return;
         }
@@ -98,29 +116,29 @@ void startElement(void *context, const xmlChar *name, const xmlChar *prefix, con
 
 void endElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *uri)
 {
-    Progress &progress = progressOf(context);
-    if (!progress.extract) {
+    Parsing &parsing = parsingOf(context);
+    if (!parsing.extract) {
         xmlSAX2EndElementNs(context, name, prefix, uri);
-    } else if (progress.depth == 0) {
-        progress.extraction->take(*std::exchange(progress.extract, std::nullopt));
+    } else if (parsing.depth == 0) {
+        parsing.extraction->take(*std::exchange(parsing.extract, std::nullopt));
     } else {
-        --progress.depth;
-        progress.textDepth -= QByteArrayView(plainChars(name)) == "text" ? 1 : 0;
+        --parsing.depth;
+        parsing.textDepth -= QByteArrayView(plainChars(name)) == "text" ? 1 : 0;
     }
 }
 
 void takeCharacters(void *context, const xmlChar *text, int length)
 {
-    Progress &progress = progressOf(context);
-    if (!progress.extract)
+    Parsing &parsing = parsingOf(context);
+    if (!parsing.extract)
         xmlSAX2Characters(context, text, length);
-    else if (progress.textDepth > 0)
-        progress.extract->text.append(plainChars(text), length);
+    else if (parsing.textDepth > 0)
+        parsing.extract->text.append(plainChars(text), length);
 }
 
 void takeSection(void *context, const xmlChar *text, int length)
 {
-    if (progressOf(context).extract)
+    if (parsingOf(context).extract)
         takeCharacters(context, text, length);
     else
         xmlSAX2CDataBlock(context, text, length);
@@ -128,19 +146,18 @@ void takeSection(void *context, const xmlChar *text, int length)
 
 void takeComment(void *context, const xmlChar *text)
 {
-    if (!progressOf(context).extract)
+    if (!parsingOf(context).extract)
         xmlSAX2Comment(context, text);
 }
 
 void takeInstruction(void *context, const xmlChar *target, const xmlChar *data)
 {
-    if (!progressOf(context).extract)
+    if (!parsingOf(context).extract)
         xmlSAX2ProcessingInstruction(context, target, data);
 }
 
 void extractFrom(xmlSAXHandler &handler)
 {
-    handler.startElementNs = startElement;
     handler.endElementNs = endElement;
     handler.characters = takeCharacters;
     handler.ignorableWhitespace = takeCharacters;
@@ -206,14 +223,15 @@ PlatformError parserError(xmlParserCtxt *parser)
 
 } // namespace
 
-XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal)
+XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, const Check &check)
 {
-    return parse(bytes, entityRefusal, nullptr);
+    return parse(bytes, entityRefusal, nullptr, check);
 }
 
-XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction &extraction)
+XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction &extraction,
+                               const Check &check)
 {
-    return parse(bytes, entityRefusal, &extraction);
+    return parse(bytes, entityRefusal, &extraction, check);
 }
 
 QByteArray XmlDocument::Extract::attribute(QByteArrayView name) const
@@ -222,7 +240,8 @@ QByteArray XmlDocument::Extract::attribute(QByteArrayView name) const
     return found == attributes.end() ? QByteArray() : found->second;
 }
 
-XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction *extraction)
+XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction *extraction,
+                               const Check &check)
 {
     if (XmlGuard::mentionsEntity(bytes))
         throw ConversionError(entityRefusal.toString());
@@ -230,13 +249,16 @@ XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, 
         throw parseError(u"文件过大。"_s);
     if (XmlGuard::hasOverlongTag(bytes))
         throw parseError(u"一个元素的属性过多。"_s);
+    if (check)
+        check();
     const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> parser(xmlNewParserCtxt(), xmlFreeParserCtxt);
     if (!parser)
         throw std::bad_alloc();
     const SilentErrors silent;
     // The text search above knows the encodings of one, two and four bytes; the parser knows them all.
-    Progress progress{.extraction = extraction};
-    parser->_private = &progress;
+    Parsing parsing{.check = SparseCheck(check), .extraction = extraction};
+    parser->_private = &parsing;
+    parser->sax->startElementNs = startElement;
     if (extraction)
         extractFrom(*parser->sax);
     parser->sax->entityDecl = refuseEntity;
@@ -245,9 +267,11 @@ XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, 
     XmlDocument document(
         xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
                           XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
-    if (progress.refusal == Refusal::entity)
+    if (parsing.end)
+        std::rethrow_exception(parsing.end);
+    if (parsing.refusal == Refusal::entity)
         throw ConversionError(entityRefusal.toString());
-    if (progress.refusal == Refusal::defaultAttribute)
+    if (parsing.refusal == Refusal::defaultAttribute)
         throw parseError(u"不支持文档自带的属性默认值。"_s);
     if (!document.get() || !parser->wellFormed || !document.root())
         throw parserError(parser.get());

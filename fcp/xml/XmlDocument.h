@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Check.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -22,7 +24,7 @@ public:
     /// @throws PlatformError with the line and libxml2's words when the document is not well-formed; and when it has a
     /// tag of more than 250 attributes, or defaults for attributes, with which a small file could keep the parser busy
     /// for hours.
-    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal);
+    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, const Check &check = {});
 
     /// An element that was taken out of a document, with nothing inside but what is said here.
     struct Extract
@@ -44,7 +46,8 @@ public:
     };
 
     /// The same without the elements that `extraction` takes: a hundred thousand of them then need no tree.
-    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction &extraction);
+    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction &extraction,
+                             const Check &check = {});
 
     xmlDoc *get() const { return m_document.get(); }
     xmlNode *root() const { return xmlDocGetRootElement(m_document.get()); }
@@ -55,7 +58,8 @@ private:
         void operator()(xmlDoc *document) const { xmlFreeDoc(document); }
     };
 
-    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction *extraction);
+    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction *extraction,
+                             const Check &check);
 
     explicit XmlDocument(xmlDoc *document)
         : m_document(document)

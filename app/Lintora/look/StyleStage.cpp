@@ -5,6 +5,7 @@
 #include "app/Lintora/controls/ElidedLabel.h"
 #include "core/ConversionError.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QImageReader>
@@ -18,16 +19,35 @@ namespace {
 /// Pixels along the longer side that are kept of a still: more is not seen in the preview.
 constexpr int longestSide = 2560;
 
-/// Blocks, and belongs on a worker. @throws ConversionError when there is no picture in the file.
-QImage readStill(const QString &path)
+/// A file that cannot be read any further once its job is cancelled: the decoders read piece by piece.
+class StillFile : public QFile
 {
-    QImageReader reader(path);
+public:
+    StillFile(const QString &path, Job &job)
+        : QFile(path)
+        , m_job(job)
+    {}
+
+protected:
+    qint64 readData(char *data, qint64 room) override { return m_job.isCancelled() ? -1 : QFile::readData(data, room); }
+
+private:
+    Job &m_job;
+};
+
+/// Blocks, and belongs on a worker. @throws ConversionError when there is no picture in the file.
+QImage readStill(const QString &path, Job &job)
+{
+    StillFile file(path, job);
+    file.open(QIODevice::ReadOnly);
+    QImageReader reader(&file);
     reader.setAutoTransform(true);
     reader.setDecideFormatFromContent(true);
     const QSize size = reader.size();
     if (size.isValid() && std::max(size.width(), size.height()) > longestSide)
         reader.setScaledSize(size.scaled(longestSide, longestSide, Qt::KeepAspectRatio));
     const QImage still = reader.read();
+    job.check();
     if (still.isNull())
         throw ConversionError(u"“%1”不是可用的图片，背景没有更换。"_s.arg(QFileInfo(path).fileName()));
     return still.convertToFormat(QImage::Format_ARGB32_Premultiplied);
@@ -123,7 +143,7 @@ void StyleStage::loadStill(const QString &path)
 {
     setRefusal({});
     m_reading.run(
-        u"正在读取画面…"_s, [path](Job & /*job*/, const ProgressReport & /*report*/) { return readStill(path); },
+        u"正在读取画面…"_s, [path](Job &job, const ProgressReport & /*report*/) { return readStill(path, job); },
         [this](const QImage &still) { takeStill(still); },
         [this](const Failure &failure) { setRefusal(failure.sentence); });
 }
