@@ -76,9 +76,9 @@ Titles makeTitles(const TitlesArguments &arguments, const QList<Subtitle> &cues)
     const QString written = project.isEmpty() ? QString() : options.name;
     const auto proof = [=, clip = arguments.clip, effectID = document.effectID()](QByteArrayView bytes) {
         if (clip)
-            WrittenTitles::verifyClip(bytes, effectID, carried, options);
+            WrittenTitles::verifyClip(bytes, effectID, carried, options, Interrupt::check);
         else
-            WrittenTitles::verify(bytes, effectID, carried, options, written);
+            WrittenTitles::verify(bytes, effectID, carried, options, written, Interrupt::check);
     };
     return {.document = std::move(document), .count = carried.size(), .proof = proof};
 }
