@@ -8,7 +8,7 @@
 
 #include <benchmark/benchmark.h>
 
-/// One edit of a job of 10,000 cues on each of three tracks.
+/// One edit of a session of 10,000 cues on each of three tracks.
 ///
 /// Measured on 2 cores at 2.3 GHz, quiet (medians of 5): the edit until every observer has been told and has read all
 /// cues 0.31 ms, with the hand-over of its save 0.25 ms (nothing waits then); undo and redo together 0.38 ms. From the
@@ -95,7 +95,7 @@ void editUntilOnDisk(benchmark::State &state)
     }
 }
 
-/// The reference: encoding the same job once, and its bytes written, synced and renamed.
+/// The reference: encoding the same session once, and its bytes written, synced and renamed.
 void encodeAndRawWrite(benchmark::State &state)
 {
     Job job;

@@ -18,8 +18,8 @@
 
 using namespace Qt::StringLiterals;
 
-/// A job of 10,000 cues in each of three tracks: Chinese, English, and both together, which is selected. It takes 5.2
-/// MB.
+/// A session of 10,000 cues in each of three tracks: Chinese, English, and both together, which is selected. It
+/// takes 5.2 MB.
 ///
 /// Measured on two cores (Release, GCC 12, Qt 6.4, ext4; busy with other work, so CPU time where not said otherwise):
 /// encoding 8.9 ms against 112 ms by Qt's JSON (0.08), decoding 24 ms against 80 ms (0.30). The main thread's share of

@@ -1,5 +1,5 @@
 // What a person waits for in the style workspace, off the screen: from the event until the changed window is painted.
-// Measured in Release on 2 cores at 2.3 GHz, quiet, in ms of processor time, a cue in stroke and shadow in a job of
+// Measured in Release on 2 cores at 2.3 GHz, quiet, in ms of processor time, a cue in stroke and shadow in a session of
 // 10,000. All but a fifth to a third of a step of the drag is the panel behind the workspace.
 //
 //   dragSize, 640 × 790     10.5
@@ -32,7 +32,7 @@ void paint()
     }
 }
 
-/// The open workspace over the panel with a job of 10,000 cues.
+/// The open workspace over the panel with a session of 10,000 cues.
 class Window
 {
 public:

@@ -95,7 +95,7 @@ QString writeCues(const QTemporaryDir &folder, qsizetype count)
     return path;
 }
 
-/// The window's content with a job of that many cues.
+/// The window's content with a session of that many cues.
 class Window
 {
 public:

@@ -8,7 +8,7 @@
 #include <exception>
 #include <mutex>
 
-/// The file that brings a job back after a crash, a power cut or a full disk.
+/// The file that brings a session back after a crash, a power cut or a full disk.
 ///
 /// States are encoded and saved on a thread of its own; a newer state takes the place of one that still waits, and the
 /// next save starts when the one under way ends. A saved state has reached the disk. A state that cannot be saved

@@ -2,7 +2,7 @@
 
 #include "store/SubtitleTrack.h"
 
-/// A whole subtitle job: what the draft file keeps, and what we share with the workflow extension.
+/// A whole subtitle session: what the draft file keeps, and what we share with the workflow extension.
 struct LintoraSession
 {
     static constexpr qint64 currentSchema = 2;
@@ -18,7 +18,7 @@ struct LintoraSession
     bool removePunctuation = false;                    ///< Cleanup switch: remove punctuation and split sentences.
     std::optional<QList<Subtitle>> previousItems = {}; ///< The cues before the last cleanup; absent: nothing to undo.
     bool cleaned = false;                              ///< Whether the cleanup has been applied to `items`.
-    std::optional<QList<SubtitleTrack>> tracks = {};   ///< Absent in a single-track job of an older writer.
+    std::optional<QList<SubtitleTrack>> tracks = {};   ///< Absent in a single-track session of an older writer.
     std::optional<QUuid> selectedTrackID = {};
     std::optional<QUuid> splitOriginal = {}; ///< The track that holds the text from before language separation.
 

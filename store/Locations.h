@@ -5,7 +5,7 @@
 /// Where what we keep lies. The folders are the same on every system, below the home folder ($HOME).
 namespace Locations {
 
-QString draft();        ///< The draft file of the running job.
+QString draft();        ///< The draft file of the running session.
 QString stylePresets(); ///< The file of the style presets.
 QString fontIndex();    ///< The file of what was found out about the installed fonts.
 QString sessions();     ///< The folder in which the workflow extension puts its session files.

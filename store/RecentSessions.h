@@ -4,7 +4,7 @@
 
 #include <QDateTime>
 
-/// The jobs whose place another one has taken, in a folder of their own: one file each, the newest ten.
+/// The sessions whose place another one has taken, in a folder of their own: one file each, the newest ten.
 ///
 /// Values of this type name the folder; all calls block.
 class RecentSessions

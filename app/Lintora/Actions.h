@@ -9,7 +9,7 @@ class ElidedLabel;
 class QPushButton;
 class QToolButton;
 
-/// The row of what is done to the whole job.
+/// The row of what is done to the whole session.
 class MainActions : public QWidget
 {
     Q_OBJECT

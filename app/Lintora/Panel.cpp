@@ -76,7 +76,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     layout->addWidget(status);
     connect(status, &StatusLine::keyboardFreed, this, &LintoraPanel::returnKeyboard);
 
-    connect(&model, &LintoraModel::loaded, m_filter, &FilterField::clear); // which was about another job
+    connect(&model, &LintoraModel::loaded, m_filter, &FilterField::clear); // which was about another session
     connect(&model, &LintoraModel::stepped, this, &LintoraPanel::bringCue);
     connect(&model, &LintoraModel::itemsChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::tracksChanged, this, &LintoraPanel::followCues);

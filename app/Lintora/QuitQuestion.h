@@ -6,7 +6,7 @@
 class QLabel;
 class QPushButton;
 
-/// Asks whether the program is to end although the job cannot be saved. Opens and closes by itself.
+/// Asks whether the program is to end although the session cannot be saved. Opens and closes by itself.
 class QuitQuestion : public Sheet
 {
     Q_OBJECT

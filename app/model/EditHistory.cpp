@@ -43,7 +43,7 @@ QString EditHistory::redoTitle() const
 
 void EditHistory::record(const LintoraSession &state, const QString &title)
 {
-    FrozenJob frozen = freeze(state);
+    FrozenSession frozen = freeze(state);
     frozen.title = title;
     m_past.push_back(std::move(m_frozen));
     m_future.clear();
@@ -52,14 +52,14 @@ void EditHistory::record(const LintoraSession &state, const QString &title)
 
 void EditHistory::amend(const LintoraSession &state, const QString &title)
 {
-    FrozenJob frozen = freeze(state);
+    FrozenSession frozen = freeze(state);
     frozen.title = title.isEmpty() ? m_frozen.title : title;
     makeCurrent(std::move(frozen), state);
 }
 
 void EditHistory::insertBefore(const LintoraSession &state, const QString &title)
 {
-    FrozenJob frozen = freeze(state);
+    FrozenSession frozen = freeze(state);
     // What can be undone to the first state is the step to the current one.
     (m_past.empty() ? m_frozen : frozen).title = title;
     m_past.push_back(std::move(frozen));
@@ -67,7 +67,7 @@ void EditHistory::insertBefore(const LintoraSession &state, const QString &title
 
 const LintoraSession &EditHistory::undo()
 {
-    FrozenJob target = std::move(m_past.back());
+    FrozenSession target = std::move(m_past.back());
     m_past.pop_back();
     const LintoraSession state = thaw(target);
     m_future.push_back(std::move(m_frozen));
@@ -77,7 +77,7 @@ const LintoraSession &EditHistory::undo()
 
 const LintoraSession &EditHistory::redo()
 {
-    FrozenJob target = std::move(m_future.back());
+    FrozenSession target = std::move(m_future.back());
     m_future.pop_back();
     const LintoraSession state = thaw(target);
     m_past.push_back(std::move(m_frozen));
@@ -85,18 +85,18 @@ const LintoraSession &EditHistory::redo()
     return m_current;
 }
 
-void EditHistory::makeCurrent(FrozenJob frozen, const LintoraSession &state)
+void EditHistory::makeCurrent(FrozenSession frozen, const LintoraSession &state)
 {
     m_frozen = std::move(frozen);
     m_current = state;
 }
 
-EditHistory::FrozenJob EditHistory::freeze(const LintoraSession &state) const
+EditHistory::FrozenSession EditHistory::freeze(const LintoraSession &state) const
 {
-    FrozenJob job{.rest = withoutCues(state), .title = {}, .tracks = {}};
+    FrozenSession session{.rest = withoutCues(state), .title = {}, .tracks = {}};
     for (const SubtitleTrack &track : state.tracks.value_or(QList<SubtitleTrack>()))
-        job.tracks.push_back(freeze(track));
-    return job;
+        session.tracks.push_back(freeze(track));
+    return session;
 }
 
 std::shared_ptr<const EditHistory::FrozenTrack> EditHistory::freeze(const SubtitleTrack &track) const
@@ -135,11 +135,11 @@ EditHistory::Cues EditHistory::freeze(const QList<Subtitle> &cues, const FrozenT
                   : FrozenCues::freeze(cues, {}, FrozenCues());
 }
 
-LintoraSession EditHistory::thaw(const FrozenJob &job) const
+LintoraSession EditHistory::thaw(const FrozenSession &session) const
 {
-    LintoraSession state = job.rest;
+    LintoraSession state = session.rest;
     QList<SubtitleTrack> tracks;
-    for (const auto &frozen : job.tracks) {
+    for (const auto &frozen : session.tracks) {
         SubtitleTrack track = frozen->rest;
         track.items = thaw(frozen->items);
         if (frozen->previousItems)

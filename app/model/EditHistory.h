@@ -5,7 +5,7 @@
 
 #include <deque>
 
-/// The states that a job went through, to go back and forth between. Without a limit.
+/// The states that a session went through, to go back and forth between. Without a limit.
 ///
 /// ```
 ///   first ── record ── record ── current ── undone ── undone
@@ -51,22 +51,22 @@ private:
         Cues previousItems; ///< Null when absent.
     };
 
-    struct FrozenJob
+    struct FrozenSession
     {
         LintoraSession rest; ///< Without tracks and cues.
         QString title;       ///< What led to it; empty for the first.
         std::vector<std::shared_ptr<const FrozenTrack>> tracks;
     };
 
-    FrozenJob freeze(const LintoraSession &state) const;
+    FrozenSession freeze(const LintoraSession &state) const;
     std::shared_ptr<const FrozenTrack> freeze(const SubtitleTrack &track) const;
     Cues freeze(const QList<Subtitle> &cues, const FrozenTrack *before, const SubtitleTrack *original) const;
-    LintoraSession thaw(const FrozenJob &job) const;
+    LintoraSession thaw(const FrozenSession &session) const;
     QList<Subtitle> thaw(const Cues &cues) const;
-    void makeCurrent(FrozenJob frozen, const LintoraSession &state);
+    void makeCurrent(FrozenSession frozen, const LintoraSession &state);
 
-    std::deque<FrozenJob> m_past;   ///< Oldest first.
-    std::deque<FrozenJob> m_future; ///< The next one to be redone last.
-    FrozenJob m_frozen;             ///< The current state, put away.
+    std::deque<FrozenSession> m_past;   ///< Oldest first.
+    std::deque<FrozenSession> m_future; ///< The next one to be redone last.
+    FrozenSession m_frozen;             ///< The current state, put away.
     LintoraSession m_current;
 };

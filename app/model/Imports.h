@@ -13,7 +13,7 @@
 /// What comes in, read and judged. All of these block and belong on a worker.
 namespace Imports {
 
-/// Cues that are ready to become a job.
+/// Cues that are ready to become a session.
 struct ImportedCues
 {
     QList<Subtitle> cues;

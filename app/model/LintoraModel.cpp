@@ -16,11 +16,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-LintoraSession firstJob(const QString &font)
+LintoraSession firstSession(const QString &font)
 {
-    LintoraSession job;
-    job.options.font = font;
-    return job;
+    LintoraSession session;
+    session.options.font = font;
+    return session;
 }
 
 } // namespace
@@ -34,8 +34,8 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     , m_keeper(surroundings.draftURL.value_or(Locations::draft()))
     , m_recent(QFileInfo(m_keeper.draftURL()).path() + u"/Recent"_s)
     , m_recentSessions(m_recent.list())
-    , m_job(SessionTracks::normalized(m_keeper.loadDraft().value_or(firstJob(surroundings.font))))
-    , m_history(m_job)
+    , m_session(SessionTracks::normalized(m_keeper.loadDraft().value_or(firstSession(surroundings.font))))
+    , m_history(m_session)
     , m_fillerWords(m_preferences.fillerWords())
     , m_pinned(m_preferences.floatingPinned())
 {
@@ -47,8 +47,7 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     for (const BackgroundTask *const task : m_tasks)
         connect(task, &BackgroundTask::progressChanged, this, &LintoraModel::activityChanged);
     connect(&m_stylePresets, &StylePresets::done, this, &LintoraModel::report);
-    connect(&m_stylePresets, &StylePresets::refused, this,
-            qOverload<const Failure &>(&LintoraModel::reportFailure));
+    connect(&m_stylePresets, &StylePresets::refused, this, qOverload<const Failure &>(&LintoraModel::reportFailure));
     connect(&m_keeper, &SessionKeeper::arrived, this, &LintoraModel::takeSession);
     connect(&m_keeper, &SessionKeeper::overruled, this, &LintoraModel::keepOverruled);
     connect(&m_keeper, &SessionKeeper::failureChanged, this, &LintoraModel::reportUnsaved);
@@ -60,7 +59,7 @@ QList<SubtitleTrack> LintoraModel::visibleTracks() const
 {
     QList<SubtitleTrack> shown = tracks();
     if (shown.size() > 1)
-        shown.removeIf([&](const SubtitleTrack &track) { return track.id == m_job.splitOriginal; });
+        shown.removeIf([&](const SubtitleTrack &track) { return track.id == m_session.splitOriginal; });
     return shown;
 }
 
@@ -76,7 +75,7 @@ bool LintoraModel::isInUse() const
 void LintoraModel::apply(const LintoraSession &session)
 {
     if (!refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
-        replaceJob(SessionTracks::normalized(session), u"载入字幕"_s, Step::load);
+        replaceSession(SessionTracks::normalized(session), u"载入字幕"_s, Step::load);
 }
 
 // What is said
@@ -109,30 +108,30 @@ bool LintoraModel::refuseWhileBusy(const QString &sentence)
     return aiBusy();
 }
 
-// The job
+// The session
 
 /// `title` says what is done, for those who undo it.
-void LintoraModel::replaceJob(LintoraSession next, const QString &title, Step step)
+void LintoraModel::replaceSession(LintoraSession next, const QString &title, Step step)
 {
-    if (next == m_job)
+    if (next == m_session)
         return;
     if (step == Step::load) {
         Q_EMIT aboutToLoad();
         keepEdited();
-        m_jobAsLoaded = next;
+        m_sessionAsLoaded = next;
     }
-    const LintoraSession before = std::exchange(m_job, std::move(next));
+    const LintoraSession before = std::exchange(m_session, std::move(next));
     // A gesture goes on only through its own changes: whatever else happens in the middle is a step by itself.
     m_isGesture = m_isGesture && step != Step::record && step != Step::load;
     const bool continues =
         (step == Step::gesture && m_isGesture && m_gestureRecorded) || (m_isGroup && m_groupRecorded);
     if (step == Step::amend || continues) {
-        m_history.amend(m_job, step == Step::amend ? QString() : title);
+        m_history.amend(m_session, step == Step::amend ? QString() : title);
     } else {
         // A step made beyond the session's opening leads away from it for good.
         if (m_history.pastCount() < m_sessionBegins)
             m_sessionBegins = std::numeric_limits<size_t>::max();
-        m_history.record(m_job, title);
+        m_history.record(m_session, title);
     }
     m_gestureRecorded = m_gestureRecorded || step == Step::gesture;
     m_groupRecorded = m_groupRecorded || step != Step::amend;
@@ -154,15 +153,15 @@ void LintoraModel::tell(const LintoraSession &before, bool isLoaded)
 
 void LintoraModel::replaceItems(const QList<Subtitle> &items, const QString &title)
 {
-    LintoraSession next = m_job;
+    LintoraSession next = m_session;
     next.items = items;
-    replaceJob(SessionTracks::committed(std::move(next)), title);
+    replaceSession(SessionTracks::committed(std::move(next)), title);
 }
 
 void LintoraModel::emitChanges(const LintoraSession &before)
 {
-    // A receiver may change the job again; it then hears of that first, which is the newer state anyway.
-    const LintoraSession now = m_job;
+    // A receiver may change the session again; it then hears of that first, which is the newer state anyway.
+    const LintoraSession now = m_session;
     const bool haveCuesChanged = before.items != now.items;
     if (haveCuesChanged)
         Q_EMIT itemsChanged();
@@ -192,7 +191,7 @@ void LintoraModel::emitChanges(const LintoraSession &before)
 
 void LintoraModel::selectTrack(const QUuid &id)
 {
-    replaceJob(SessionTracks::selecting(m_job, id), {}, Step::amend);
+    replaceSession(SessionTracks::selecting(m_session, id), {}, Step::amend);
 }
 
 void LintoraModel::moveCue(qsizetype index, QUuid to)
@@ -202,13 +201,13 @@ void LintoraModel::moveCue(qsizetype index, QUuid to)
 
 void LintoraModel::moveCues(const QList<qsizetype> &indices, QUuid to)
 {
-    const auto target = SessionTracks::indexOf(m_job, to);
+    const auto target = SessionTracks::indexOf(m_session, to);
     const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
     if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || indices.isEmpty() ||
         !std::ranges::all_of(indices, isThere) || to == selectedTrackID() || to == splitOriginal() || !target)
         return;
     const QString label = tracks().at(*target).label;
-    replaceJob(SessionTracks::movingCues(m_job, indices, to), u"移动字幕"_s);
+    replaceSession(SessionTracks::movingCues(m_session, indices, to), u"移动字幕"_s);
     report(u"已移到“%1”"_s.arg(label));
 }
 
@@ -248,7 +247,7 @@ std::optional<qsizetype> LintoraModel::insertCue(qsizetype after)
 {
     if (tracks().isEmpty() && !aiBusy()) {
         const QList<Subtitle> first = CueEditing::inserting({}, -1);
-        replaceJob(SessionTracks::importing(m_job, first, source()), u"插入字幕"_s);
+        replaceSession(SessionTracks::importing(m_session, first, source()), u"插入字幕"_s);
         return 0;
     }
     const QList<qsizetype> neighbours = after < 0 ? QList<qsizetype>() : QList<qsizetype>{after};
@@ -320,15 +319,15 @@ void LintoraModel::redo()
 void LintoraModel::step(const LintoraSession &(EditHistory::*direction)(), const QString &message)
 {
     endGesture();
-    const LintoraSession before = std::exchange(m_job, (m_history.*direction)());
+    const LintoraSession before = std::exchange(m_session, (m_history.*direction)());
     // What changed is to be seen, also when another track was selected in the meantime.
-    if (const auto changed = SessionTracks::changedTrack(before, m_job)) {
-        m_job = SessionTracks::selecting(std::move(m_job), *changed);
-        m_history.amend(m_job);
+    if (const auto changed = SessionTracks::changedTrack(before, m_session)) {
+        m_session = SessionTracks::selecting(std::move(m_session), *changed);
+        m_history.amend(m_session);
     }
     tell(before, false);
     report(message);
-    if (const auto cue = SessionTracks::changedCue(before, m_job))
+    if (const auto cue = SessionTracks::changedCue(before, m_session))
         Q_EMIT stepped(*cue);
 }
 

@@ -18,16 +18,16 @@
 #include <array>
 #include <memory>
 
-/// Everything the window shows, and everything a person can do to it: the one live owner of the job.
+/// Everything the window shows, and everything a person can do to it: the one live owner of the session.
 ///
 /// Each published field has a signal of its own, emitted once the whole change is in place, and only when the field
 /// has another value. Every operation says what became of it in `message` (in passing) or in `failure` (until the next
 /// success), in the words that the person sees; none throws unless it says so. A refused operation changes nothing
 /// else; nor does one that names a position or a track that is not there.
 ///
-/// Every change of the job is one step of the history, and is saved to the draft and to the shared session, if there is
-/// one, as soon as control is back in the event loop. Files are read and written on workers; their operations return at
-/// once.
+/// Every change of the session is one step of the history, and is saved to the draft and to the shared session, if
+/// there is one, as soon as control is back in the event loop. Files are read and written on workers; their operations
+/// return at once.
 ///
 /// Lives on the main thread. Knows no widget and no file format.
 class LintoraModel : public QObject
@@ -42,45 +42,45 @@ public:
         std::optional<QString> stylePresetsURL = {}; ///< Path of the presets; absent: the user's own.
         std::shared_ptr<QSettings> settings = {};    ///< Where preferences are kept. Never null.
         FileDialogs dialogs = {};
-        QString font = Options().font; ///< The family that a first job begins with.
+        QString font = Options().font; ///< The family that a first session begins with.
     };
 
-    /// Takes up the job that the draft holds; an unreadable draft is as none.
+    /// Takes up the session that the draft holds; an unreadable draft is as none.
     explicit LintoraModel(Surroundings surroundings, QObject *parent = nullptr);
     ~LintoraModel() override;
 
-    // The job. Cues, options and switches are those of the selected track.
+    // The session. Cues, options and switches are those of the selected track.
 
-    const QList<Subtitle> &items() const { return m_job.items; }
-    const QString &source() const { return m_job.source; } ///< Display name of where the cues came from.
-    const Options &options() const { return m_job.options; }
-    bool removeFillers() const { return m_job.removeFillers; }
-    bool removePunctuation() const { return m_job.removePunctuation; }
-    const std::optional<QList<Subtitle>> &previousItems() const { return m_job.previousItems; }
-    bool cleaned() const { return m_job.cleaned; }
-    const QList<SubtitleTrack> &tracks() const { return *m_job.tracks; } ///< All of them, up to date.
-    std::optional<QUuid> selectedTrackID() const { return m_job.selectedTrackID; }
-    std::optional<QUuid> splitOriginal() const { return m_job.splitOriginal; }
+    const QList<Subtitle> &items() const { return m_session.items; }
+    const QString &source() const { return m_session.source; } ///< Display name of where the cues came from.
+    const Options &options() const { return m_session.options; }
+    bool removeFillers() const { return m_session.removeFillers; }
+    bool removePunctuation() const { return m_session.removePunctuation; }
+    const std::optional<QList<Subtitle>> &previousItems() const { return m_session.previousItems; }
+    bool cleaned() const { return m_session.cleaned; }
+    const QList<SubtitleTrack> &tracks() const { return *m_session.tracks; } ///< All of them, up to date.
+    std::optional<QUuid> selectedTrackID() const { return m_session.selectedTrackID; }
+    std::optional<QUuid> splitOriginal() const { return m_session.splitOriginal; }
 
     /// The tracks that are shown as tabs and cards: all but the one kept from before separation.
     QList<SubtitleTrack> visibleTracks() const;
 
-    /// The whole job as it stands. Shares its data.
-    const LintoraSession &snapshot() const { return m_job; }
+    /// The whole session as it stands. Shares its data.
+    const LintoraSession &snapshot() const { return m_session; }
 
-    /// Puts `session` in the job's place, as one step.
+    /// Puts `session` in the place of what stands, as one step.
     void apply(const LintoraSession &session);
 
     // What is said
 
     const QString &message() const { return m_message; }
 
-    /// Shown in the message's place: why an operation was refused, else why the job cannot be saved, as long as it
+    /// Shown in the message's place: why an operation was refused, else why the session cannot be saved, as long as it
     /// cannot.
     std::optional<QString> failure() const;
     QString failureDetail() const; ///< What goes with it, shown and copied on demand. Mostly empty.
 
-    /// How far long work is; absent while there is none. cancelActivity() ends it, and leaves the job as it was.
+    /// How far long work is; absent while there is none. cancelActivity() ends it, and leaves the session as it was.
     std::optional<Progress> activity() const;
     void cancelActivity();
 
@@ -154,7 +154,7 @@ public:
     const QString &undoTitle() const { return m_history.undoTitle(); } ///< What undo() takes back; may be empty.
     QString redoTitle() const { return m_history.redoTitle(); }        ///< What redo() does again; may be empty.
 
-    /// Whether there are cues to be seen, or ways in the job to have some back.
+    /// Whether there are cues to be seen, or ways in the session to have some back.
     bool isInUse() const;
 
     // Titles' look
@@ -183,7 +183,7 @@ public:
     void chooseImport();
     void showFCPImport();
 
-    /// The jobs that were edited when another took their place, newest first.
+    /// The sessions that were edited when another took their place, newest first.
     const QList<RecentSessions::Entry> &recentSessions() const { return m_recentSessions; }
     void openRecent(const QString &file); ///< Brings one of them back.
 
@@ -249,7 +249,7 @@ public:
     std::function<void()> raisePinnedWindow = nullptr; ///< Set by the owner of the window.
 
     Preferences &preferences() { return m_preferences; }
-    const FileDialogs &dialogs() const { return m_dialogs; } ///< For files that are no part of the job.
+    const FileDialogs &dialogs() const { return m_dialogs; } ///< For files that are no part of the session.
 
     // Persistence
 
@@ -273,9 +273,9 @@ public:
 
 Q_SIGNALS:
     void stepped(qsizetype cue); ///< Undone or redone: of the selected track this cue is the first that changed by it.
-    void aboutToLoad(); ///< Another job is about to be brought in, or the program to end: the last moment to keep what
-                        ///< is being typed.
-    void loaded(); ///< Another job was brought in: a file, an opened session. Comes before the fields' own signals.
+    void aboutToLoad(); ///< Another session is about to be brought in, or the program to end: the last moment to keep
+                        ///< what is being typed.
+    void loaded(); ///< Another session was brought in: a file, an opened session. Comes before the fields' own signals.
     void itemsChanged();
     void sourceChanged();
     void optionsChanged();
@@ -312,7 +312,7 @@ private:
     enum class Step
     {
         record,  ///< A step of the history.
-        load,    ///< A step that brings in another job.
+        load,    ///< A step that brings in another session.
         gesture, ///< A step, or a part of the step that a gesture is.
         amend    ///< No step of its own.
     };
@@ -337,8 +337,8 @@ private:
         QString manuscript;           ///< The transcript when it was matched.
     };
 
-    // The job
-    void replaceJob(LintoraSession next, const QString &title, Step step = Step::record);
+    // The session
+    void replaceSession(LintoraSession next, const QString &title, Step step = Step::record);
     void replaceItems(const QList<Subtitle> &items, const QString &title);
     void keepEdited();
     void tell(const LintoraSession &before, bool isLoaded);
@@ -401,8 +401,8 @@ private:
     RecentSessions m_recent;
     QList<RecentSessions::Entry> m_recentSessions;
 
-    LintoraSession m_job;                        ///< In the order of SessionTracks.
-    std::optional<LintoraSession> m_jobAsLoaded; ///< As it was brought in; absent: in an earlier run.
+    LintoraSession m_session;                        ///< In the order of SessionTracks.
+    std::optional<LintoraSession> m_sessionAsLoaded; ///< As it was brought in; absent: in an earlier run.
     EditHistory m_history;
     bool m_isGesture = false;
     bool m_gestureRecorded = false;
@@ -411,12 +411,12 @@ private:
     bool m_isPersisting = false;                 ///< Whether persistSession() is on its way.
     bool m_isOpening = false;                    ///< Whether a session was opened whose version has not arrived.
     std::optional<LintoraSession> m_heldSession; ///< A version that arrived while a job owned the cues.
-    LintoraSession m_jobWhenHeld;                ///< This job when it arrived.
+    LintoraSession m_sessionWhenHeld;            ///< This session when it arrived.
     size_t m_sessionBegins =
         0; ///< Steps of the history up to the session's opening; the largest number: left for good.
     QString m_message;
     std::optional<Failure> m_failure;
-    std::optional<QString> m_unsaved; ///< Why the newest job is not saved.
+    std::optional<QString> m_unsaved; ///< Why the newest session is not saved.
     std::optional<QString> m_quitQuestion;
 
     QStringList m_fillerWords;

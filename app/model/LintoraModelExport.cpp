@@ -18,13 +18,13 @@ using Written = QString;
 
 } // namespace
 
-/// What a file of the selected track is called, after `of` or the job's source.
+/// What a file of the selected track is called, after `of` or the session's source.
 QString LintoraModel::exportName(const QString &of) const
 {
     QString name = of.isEmpty() ? QFileInfo(source()).completeBaseName() : of;
     if (name.isEmpty())
         name = options().name;
-    if (const auto index = SessionTracks::selectedIndex(m_job); index && visibleTracks().size() > 1)
+    if (const auto index = SessionTracks::selectedIndex(m_session); index && visibleTracks().size() > 1)
         name += u'_' + tracks().at(*index).label;
     return Exports::fileName(name);
 }
@@ -65,7 +65,7 @@ void LintoraModel::exportFCPXML()
 
 void LintoraModel::exportToProject()
 {
-    // Undoing the import of a project, or opening another job, may leave one that these titles do not fit.
+    // Undoing the import of a project, or opening another session, may leave one that these titles do not fit.
     if (m_project && m_project->rate == options().rate) {
         exportTitles(m_project);
         return;
@@ -99,7 +99,7 @@ void LintoraModel::exportTitles(const std::optional<FCPProject> &project)
 
 std::optional<QByteArray> LintoraModel::payload(std::optional<QUuid> trackID)
 {
-    const auto index = trackID ? SessionTracks::indexOf(m_job, *trackID) : SessionTracks::selectedIndex(m_job);
+    const auto index = trackID ? SessionTracks::indexOf(m_session, *trackID) : SessionTracks::selectedIndex(m_session);
     if (trackID && !index) {
         reportFailure(u"该语言组已关闭，请重新拖动字幕卡片"_s);
         return std::nullopt;

@@ -160,9 +160,10 @@ void LintoraModel::takeImported(const Imports::Imported &imported)
 
 void LintoraModel::takeCues(const Imports::ImportedCues &imported)
 {
-    LintoraSession next = m_job;
+    LintoraSession next = m_session;
     next.options = forAnother(next.options, m_project && m_project->rate == next.options.rate);
-    replaceJob(SessionTracks::importing(std::move(next), imported.cues, imported.source), u"载入字幕"_s, Step::load);
+    replaceSession(SessionTracks::importing(std::move(next), imported.cues, imported.source), u"载入字幕"_s,
+                   Step::load);
     report(u"已载入"_s);
 }
 
@@ -173,11 +174,11 @@ void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
         publish(m_project, timeline.project, &LintoraModel::projectChanged);
     if (timeline.settings) {
         publish(m_projectSettings, timeline.settings, &LintoraModel::projectSettingsChanged);
-        LintoraSession next = m_job;
+        LintoraSession next = m_session;
         next.options = Imports::matching(next.options, *timeline.settings);
         for (SubtitleTrack &track : *next.tracks)
             track.options = Imports::matching(track.options, *timeline.settings);
-        replaceJob(std::move(next), u"匹配项目"_s);
+        replaceSession(std::move(next), u"匹配项目"_s);
     }
     publish(m_timelinePlan, timeline.plan, &LintoraModel::aiTimelinePlanChanged);
     if (timeline.plan)

@@ -35,7 +35,7 @@ void LintoraModel::openSession(const QUrl &link)
             persistSession();
             m_isOpening = true;
             m_keeper.watchSession(found);
-            // A project that was kept for another job is not this one's.
+            // A project that was kept for another session is not this one's.
             publish(m_project, std::optional<FCPProject>(), &LintoraModel::projectChanged);
             setPinned(true);
         },
@@ -47,29 +47,30 @@ void LintoraModel::takeSession(const LintoraSession &session)
 {
     if (aiBusy()) {
         m_heldSession = session;
-        m_jobWhenHeld = m_job;
+        m_sessionWhenHeld = m_session;
         return;
     }
-    const LintoraSession job = SessionTracks::normalized(session);
+    const LintoraSession taken = SessionTracks::normalized(session);
     // Agreed before it is in place: whoever hears of it may change it, which then has to be written.
-    m_keeper.adopt(job);
+    m_keeper.adopt(taken);
     const bool isOpening = std::exchange(m_isOpening, false);
     const bool wasInSession = isInSession();
-    replaceJob(job, u"悬浮字幕更新"_s, isOpening ? Step::load : Step::record);
+    replaceSession(taken, u"悬浮字幕更新"_s, isOpening ? Step::load : Step::record);
     if (isOpening || !wasInSession)
         m_sessionBegins = m_history.pastCount();
     if (isOpening)
         report(source().isEmpty() ? QString() : u"已载入"_s);
 }
 
-/// Takes up a version that had to wait, unless the job has become another one meanwhile: then it lies one step back.
+/// Takes up a version that had to wait, unless the session has become another one meanwhile: then it lies one step
+/// back.
 void LintoraModel::takeHeldSession()
 {
     const auto held = std::exchange(m_heldSession, std::nullopt);
     if (!held)
         return;
-    // Which track is looked at makes no other job.
-    if (m_job.tracks == m_jobWhenHeld.tracks && m_job.source == m_jobWhenHeld.source)
+    // Which track is looked at makes no other session.
+    if (m_session.tracks == m_sessionWhenHeld.tracks && m_session.source == m_sessionWhenHeld.source)
         takeSession(*held);
     else
         keepOverruled(*held);
@@ -83,8 +84,8 @@ void LintoraModel::keepOverruled(const LintoraSession &session)
     Q_EMIT historyChanged();
 }
 
-/// Whether the job is one of the session's states. Undoing beyond its opening leads to another job, which is none of
-/// the extension's business.
+/// Whether this is one of the shared session's states. Undoing beyond its opening leads to another session, which is
+/// none of the extension's business.
 bool LintoraModel::isInSession() const
 {
     return m_keeper.sessionURL() && !m_isOpening && m_history.pastCount() >= m_sessionBegins;
@@ -101,10 +102,10 @@ void LintoraModel::schedulePersist()
 void LintoraModel::persistSession()
 {
     m_isPersisting = false;
-    m_keeper.saveDraft(m_job);
+    m_keeper.saveDraft(m_session);
     // A version that waits for a job's end must not be written over.
     if (isInSession() && !m_heldSession)
-        m_keeper.saveSession(m_job);
+        m_keeper.saveSession(m_session);
     else
         m_keeper.retractChange();
     reportUnsaved();
@@ -188,16 +189,16 @@ void LintoraModel::answerQuit(bool quits)
         Q_EMIT quitConfirmed();
 }
 
-/// Work that another job is about to take the place of can be had back after the end of the program too.
+/// Work that another session is about to take the place of can be had back after the end of the program too.
 void LintoraModel::keepEdited()
 {
-    if (!hasCues() || (m_jobAsLoaded && m_jobAsLoaded->tracks == m_job.tracks))
+    if (!hasCues() || (m_sessionAsLoaded && m_sessionAsLoaded->tracks == m_session.tracks))
         return;
     const QString title = Exports::fileName(source().isEmpty() ? options().name : source());
     m_keeping.run(
         u"正在保留之前的字幕…"_s,
-        [recent = m_recent, job = m_job, title](Job & /*job*/, const ProgressReport & /*report*/) {
-            recent.keep(job, title);
+        [recent = m_recent, session = m_session, title](Job & /*job*/, const ProgressReport & /*report*/) {
+            recent.keep(session, title);
             return recent.list();
         },
         [this](const QList<RecentSessions::Entry> &entries) {

@@ -22,14 +22,14 @@ void LintoraModel::setOptions(const Options &options)
 {
     if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    LintoraSession next = m_job;
+    LintoraSession next = m_session;
     next.options = options;
-    replaceJob(SessionTracks::committed(std::move(next)), u"修改样式"_s, Step::gesture);
+    replaceSession(SessionTracks::committed(std::move(next)), u"修改样式"_s, Step::gesture);
 }
 
 void LintoraModel::setCanvasHeight(qint64 pixels)
 {
-    Options options = m_job.options;
+    Options options = m_session.options;
     options.height = pixels;
     setOptions(options);
 }

@@ -28,18 +28,18 @@ void LintoraModel::setRemoveFillers(bool on)
 {
     if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    LintoraSession next = m_job;
+    LintoraSession next = m_session;
     next.removeFillers = on;
-    replaceJob(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
+    replaceSession(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
 }
 
 void LintoraModel::setRemovePunctuation(bool on)
 {
     if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    LintoraSession next = m_job;
+    LintoraSession next = m_session;
     next.removePunctuation = on;
-    replaceJob(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
+    replaceSession(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
 }
 
 void LintoraModel::clean()
@@ -56,11 +56,11 @@ void LintoraModel::clean()
         report(u"没有需要清理的内容"_s);
         return;
     }
-    LintoraSession next = m_job;
+    LintoraSession next = m_session;
     next.previousItems = items();
     next.items = result;
     next.cleaned = true;
-    replaceJob(SessionTracks::committed(std::move(next)), u"清理"_s);
+    replaceSession(SessionTracks::committed(std::move(next)), u"清理"_s);
     report(u"已清理"_s);
 }
 
@@ -68,10 +68,10 @@ void LintoraModel::undoCleanup()
 {
     if (!previousItems() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    LintoraSession next = m_job;
+    LintoraSession next = m_session;
     next.items = *std::exchange(next.previousItems, std::nullopt);
     next.cleaned = false;
-    replaceJob(SessionTracks::committed(std::move(next)), u"恢复到清理前"_s);
+    replaceSession(SessionTracks::committed(std::move(next)), u"恢复到清理前"_s);
     report(u"已撤销"_s);
 }
 
@@ -100,7 +100,7 @@ bool LintoraModel::isRestorable(const std::optional<Restore> &restore) const
 {
     if (!restore || aiBusy())
         return false;
-    const auto index = SessionTracks::indexOf(m_job, restore->track);
+    const auto index = SessionTracks::indexOf(m_session, restore->track);
     return index && tracks().at(*index).items == restore->after;
 }
 
@@ -109,9 +109,9 @@ void LintoraModel::restore(std::optional<Restore> &restore, const QString &messa
 {
     if (!isRestorable(restore))
         return;
-    LintoraSession next = SessionTracks::selecting(m_job, restore->track);
+    LintoraSession next = SessionTracks::selecting(m_session, restore->track);
     next.items = restore->before;
-    replaceJob(SessionTracks::committed(std::move(next)), u"恢复文字"_s);
+    replaceSession(SessionTracks::committed(std::move(next)), u"恢复文字"_s);
     report(message);
 }
 
@@ -141,7 +141,7 @@ void LintoraModel::separateLanguages()
         reportFailure(LanguageSeparation::nothingToSeparate());
         return;
     }
-    replaceJob(SessionTracks::separated(m_job, groups), u"分离中英"_s);
+    replaceSession(SessionTracks::separated(m_session, groups), u"分离中英"_s);
     const bool leftSome = groups.last().group == LanguageSeparation::Group::unassigned;
     report(leftSome ? u"已分离，未识别文字保留在“待归类”中"_s : u"已分离，中文和 English 可独立编辑、拖入 FCP"_s);
 }
@@ -150,6 +150,6 @@ void LintoraModel::restoreOriginal()
 {
     if (!splitOriginal() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    replaceJob(SessionTracks::restored(m_job), u"恢复原稿"_s);
+    replaceSession(SessionTracks::restored(m_session), u"恢复原稿"_s);
     report(u"已恢复分离前原稿"_s);
 }

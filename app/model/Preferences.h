@@ -4,7 +4,7 @@
 
 #include <memory>
 
-/// What the program remembers between runs beside the job, under the keys of the user defaults.
+/// What the program remembers between runs beside the session, under the keys of the user defaults.
 ///
 /// A value of another type than it should have counts as absent. Written values reach the file by themselves.
 class Preferences

@@ -55,21 +55,21 @@ void SessionKeeper::note(std::optional<QString> &failure, const std::optional<QS
     Q_EMIT failureChanged();
 }
 
-void SessionKeeper::saveDraft(const LintoraSession &job)
+void SessionKeeper::saveDraft(const LintoraSession &session)
 {
-    m_draft.save(job);
+    m_draft.save(session);
 }
 
-void SessionKeeper::saveSession(const LintoraSession &job)
+void SessionKeeper::saveSession(const LintoraSession &session)
 {
     if (m_hasArrived)
-        m_session->save(job);
+        m_session->save(session);
 }
 
-void SessionKeeper::adopt(const LintoraSession &job)
+void SessionKeeper::adopt(const LintoraSession &session)
 {
     if (m_hasArrived)
-        m_session->adopt(job);
+        m_session->adopt(session);
 }
 
 void SessionKeeper::refreshSession()

@@ -3,7 +3,7 @@
 #include "store/DraftFile.h"
 #include "store/SessionFile.h"
 
-/// Keeps a job in its draft, and in a session file once one is shared with the workflow extension.
+/// Keeps a session in its draft, and in a file of its own once it is shared with the workflow extension.
 ///
 /// Nothing goes into a session file before the version in it has arrived: a link opens what the extension wrote.
 class SessionKeeper : public QObject
@@ -17,7 +17,7 @@ public:
     const QString &draftURL() const { return m_draftURL; }
     std::optional<QString> sessionURL() const; ///< The file that is watched; absent while none is.
 
-    /// Why the newest job is not in the draft, or not in the session; absent while all is well. In the platform's
+    /// Why the newest state is not in the draft, or not in the shared file; absent while all is well. In the platform's
     /// words.
     const std::optional<QString> &draftFailure() const { return m_draftFailure; }
     const std::optional<QString> &sessionFailure() const { return m_sessionFailure; }
@@ -27,15 +27,15 @@ public:
     /// Watches that file in place of any other. Its version arrives soon, also when it is the one last seen.
     void watchSession(const QString &file);
 
-    void announceChange();                       ///< The job has changed, and save() follows.
-    void retractChange();                        ///< No saveSession() follows after all.
-    void saveDraft(const LintoraSession &job);   ///< Returns at once.
-    void saveSession(const LintoraSession &job); ///< Returns at once.
-    void adopt(const LintoraSession &job);       ///< What became of the version that has just arrived.
-    void refreshSession();                       ///< Delivers a new version, if there is one, before it returns.
+    void announceChange();                           ///< The session has changed, and save() follows.
+    void retractChange();                            ///< No saveSession() follows after all.
+    void saveDraft(const LintoraSession &session);   ///< Returns at once.
+    void saveSession(const LintoraSession &session); ///< Returns at once.
+    void adopt(const LintoraSession &session);       ///< What became of the version that has just arrived.
+    void refreshSession();                           ///< Delivers a new version, if there is one, before it returns.
 
-    void flushDraft();   ///< @throws ConversionError, PlatformError when the newest job could not be saved.
-    void flushSession(); ///< @throws ConversionError, PlatformError when the newest job could not be written.
+    void flushDraft();   ///< @throws ConversionError, PlatformError when the newest session could not be saved.
+    void flushSession(); ///< @throws ConversionError, PlatformError when the newest session could not be written.
 
 Q_SIGNALS:
     void arrived(const LintoraSession &session);   ///< The extension has put this version in place.

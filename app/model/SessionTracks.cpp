@@ -19,93 +19,93 @@ QUuid newID()
     return QUuid::createUuid();
 }
 
-void select(LintoraSession &job, const QUuid &id)
+void select(LintoraSession &session, const QUuid &id)
 {
-    job.selectedTrackID = id;
-    job = activated(std::move(job));
+    session.selectedTrackID = id;
+    session = activated(std::move(session));
 }
 
 } // namespace
 
-LintoraSession normalized(LintoraSession job)
+LintoraSession normalized(LintoraSession session)
 {
-    job.schema = LintoraSession::currentSchema;
-    if (!job.tracks)
-        job.tracks.emplace();
-    if (job.tracks->isEmpty()) {
-        job.selectedTrackID.reset();
-        job.splitOriginal.reset();
-        if (job.items.isEmpty())
-            return job;
-        SubtitleTrack track = newTrack(job, job.items);
-        track.previousItems = job.previousItems;
-        track.cleaned = job.cleaned;
-        job.tracks->append(track);
+    session.schema = LintoraSession::currentSchema;
+    if (!session.tracks)
+        session.tracks.emplace();
+    if (session.tracks->isEmpty()) {
+        session.selectedTrackID.reset();
+        session.splitOriginal.reset();
+        if (session.items.isEmpty())
+            return session;
+        SubtitleTrack track = newTrack(session, session.items);
+        track.previousItems = session.previousItems;
+        track.cleaned = session.cleaned;
+        session.tracks->append(track);
     }
     // Two tracks of one id, from a record that another hand has written, would be taken for each other.
-    for (qsizetype i = 1; i < job.tracks->size(); ++i) {
-        if (*indexOf(job, job.tracks->at(i).id) != i)
-            (*job.tracks)[i].id = newID();
+    for (qsizetype i = 1; i < session.tracks->size(); ++i) {
+        if (*indexOf(session, session.tracks->at(i).id) != i)
+            (*session.tracks)[i].id = newID();
     }
-    if (job.splitOriginal && (!indexOf(job, *job.splitOriginal) || job.tracks->size() == 1))
-        job.splitOriginal.reset();
-    if (!selectedIndex(job) || job.selectedTrackID == job.splitOriginal) {
-        const auto shown = std::find_if(job.tracks->cbegin(), job.tracks->cend(),
-                                        [&](const SubtitleTrack &each) { return each.id != job.splitOriginal; });
-        job.selectedTrackID = shown == job.tracks->cend() ? job.tracks->first().id : shown->id;
+    if (session.splitOriginal && (!indexOf(session, *session.splitOriginal) || session.tracks->size() == 1))
+        session.splitOriginal.reset();
+    if (!selectedIndex(session) || session.selectedTrackID == session.splitOriginal) {
+        const auto shown = std::find_if(session.tracks->cbegin(), session.tracks->cend(),
+                                        [&](const SubtitleTrack &each) { return each.id != session.splitOriginal; });
+        session.selectedTrackID = shown == session.tracks->cend() ? session.tracks->first().id : shown->id;
     }
-    return activated(std::move(job));
+    return activated(std::move(session));
 }
 
-LintoraSession activated(LintoraSession job)
+LintoraSession activated(LintoraSession session)
 {
-    const auto index = selectedIndex(job);
+    const auto index = selectedIndex(session);
     if (!index)
-        return job;
-    const SubtitleTrack track = job.tracks->at(*index);
-    job.items = track.items;
-    job.options = track.options;
-    job.removeFillers = track.removeFillers;
-    job.removePunctuation = track.removePunctuation;
-    job.previousItems = track.previousItems;
-    job.cleaned = track.cleaned;
-    return job;
+        return session;
+    const SubtitleTrack track = session.tracks->at(*index);
+    session.items = track.items;
+    session.options = track.options;
+    session.removeFillers = track.removeFillers;
+    session.removePunctuation = track.removePunctuation;
+    session.previousItems = track.previousItems;
+    session.cleaned = track.cleaned;
+    return session;
 }
 
-LintoraSession committed(LintoraSession job)
+LintoraSession committed(LintoraSession session)
 {
-    const auto index = selectedIndex(job);
+    const auto index = selectedIndex(session);
     if (!index)
-        return job;
-    SubtitleTrack &track = (*job.tracks)[*index];
-    track.items = job.items;
-    track.options = job.options;
-    track.removeFillers = job.removeFillers;
-    track.removePunctuation = job.removePunctuation;
-    track.previousItems = job.previousItems;
-    track.cleaned = job.cleaned;
-    return job;
+        return session;
+    SubtitleTrack &track = (*session.tracks)[*index];
+    track.items = session.items;
+    track.options = session.options;
+    track.removeFillers = session.removeFillers;
+    track.removePunctuation = session.removePunctuation;
+    track.previousItems = session.previousItems;
+    track.cleaned = session.cleaned;
+    return session;
 }
 
-LintoraSession selecting(LintoraSession job, const QUuid &id)
+LintoraSession selecting(LintoraSession session, const QUuid &id)
 {
-    if (indexOf(job, id) && job.splitOriginal != id)
-        select(job, id);
-    return job;
+    if (indexOf(session, id) && session.splitOriginal != id)
+        select(session, id);
+    return session;
 }
 
-std::optional<qsizetype> selectedIndex(const LintoraSession &job)
+std::optional<qsizetype> selectedIndex(const LintoraSession &session)
 {
-    return job.selectedTrackID ? indexOf(job, *job.selectedTrackID) : std::nullopt;
+    return session.selectedTrackID ? indexOf(session, *session.selectedTrackID) : std::nullopt;
 }
 
-std::optional<qsizetype> indexOf(const LintoraSession &job, const QUuid &id)
+std::optional<qsizetype> indexOf(const LintoraSession &session, const QUuid &id)
 {
-    if (!job.tracks)
+    if (!session.tracks)
         return std::nullopt;
-    const auto found = std::find_if(job.tracks->cbegin(), job.tracks->cend(),
+    const auto found = std::find_if(session.tracks->cbegin(), session.tracks->cend(),
                                     [&](const SubtitleTrack &each) { return each.id == id; });
-    return found == job.tracks->cend() ? std::nullopt : std::optional(found - job.tracks->cbegin());
+    return found == session.tracks->cend() ? std::nullopt : std::optional(found - session.tracks->cbegin());
 }
 
 std::optional<QUuid> changedTrack(const LintoraSession &before, const LintoraSession &after)
@@ -137,14 +137,14 @@ std::optional<qsizetype> changedCue(const LintoraSession &before, const LintoraS
     return std::min(place, now.size() - 1);
 }
 
-SubtitleTrack newTrack(const LintoraSession &job, const QList<Subtitle> &cues)
+SubtitleTrack newTrack(const LintoraSession &session, const QList<Subtitle> &cues)
 {
     return {.id = newID(),
             .label = label(cues),
             .items = cues,
-            .options = job.options,
-            .removeFillers = job.removeFillers,
-            .removePunctuation = job.removePunctuation};
+            .options = session.options,
+            .removeFillers = session.removeFillers,
+            .removePunctuation = session.removePunctuation};
 }
 
 QString label(const QList<Subtitle> &cues)
@@ -161,55 +161,55 @@ QString label(const QList<Subtitle> &cues)
     return u"字幕"_s;
 }
 
-LintoraSession importing(LintoraSession job, const QList<Subtitle> &cues, const QString &source)
+LintoraSession importing(LintoraSession session, const QList<Subtitle> &cues, const QString &source)
 {
-    const SubtitleTrack track = newTrack(job, cues);
-    job.source = source;
-    job.splitOriginal.reset();
-    job.tracks = QList<SubtitleTrack>{track};
-    select(job, track.id);
-    return job;
+    const SubtitleTrack track = newTrack(session, cues);
+    session.source = source;
+    session.splitOriginal.reset();
+    session.tracks = QList<SubtitleTrack>{track};
+    select(session, track.id);
+    return session;
 }
 
-LintoraSession separated(LintoraSession job, const QList<LanguageSeparation::GroupedCues> &groups)
+LintoraSession separated(LintoraSession session, const QList<LanguageSeparation::GroupedCues> &groups)
 {
-    const qsizetype index = *selectedIndex(job);
-    QList<SubtitleTrack> &tracks = *job.tracks;
+    const qsizetype index = *selectedIndex(session);
+    QList<SubtitleTrack> &tracks = *session.tracks;
     QList<SubtitleTrack> languages;
     for (const LanguageSeparation::GroupedCues &group : groups) {
-        SubtitleTrack track = newTrack(job, group.items);
+        SubtitleTrack track = newTrack(session, group.items);
         track.label = LanguageSeparation::label(group.group);
         languages += track;
     }
     qsizetype place = index;
-    if (job.splitOriginal) {
+    if (session.splitOriginal) {
         // What a first separation kept holds this track's text too.
         tracks.removeAt(index);
     } else {
         tracks[index].label = u"原稿"_s;
-        job.splitOriginal = tracks[index].id;
+        session.splitOriginal = tracks[index].id;
         ++place;
     }
     for (const SubtitleTrack &language : std::as_const(languages))
         tracks.insert(place++, language);
-    select(job, languages.first().id);
-    return job;
+    select(session, languages.first().id);
+    return session;
 }
 
-LintoraSession restored(LintoraSession job)
+LintoraSession restored(LintoraSession session)
 {
-    const SubtitleTrack original = job.tracks->at(*indexOf(job, *job.splitOriginal));
-    job.tracks = QList<SubtitleTrack>{original};
-    job.splitOriginal.reset();
-    select(job, original.id);
-    return job;
+    const SubtitleTrack original = session.tracks->at(*indexOf(session, *session.splitOriginal));
+    session.tracks = QList<SubtitleTrack>{original};
+    session.splitOriginal.reset();
+    select(session, original.id);
+    return session;
 }
 
-LintoraSession movingCues(LintoraSession job, const QList<qsizetype> &indices, const QUuid &to)
+LintoraSession movingCues(LintoraSession session, const QList<qsizetype> &indices, const QUuid &to)
 {
-    const qsizetype source = *selectedIndex(job);
-    QList<SubtitleTrack> &tracks = *job.tracks;
-    QList<Subtitle> &target = tracks[*indexOf(job, to)].items;
+    const qsizetype source = *selectedIndex(session);
+    QList<SubtitleTrack> &tracks = *session.tracks;
+    QList<Subtitle> &target = tracks[*indexOf(session, to)].items;
     QSet<qint64> taken;
     for (const Subtitle &cue : std::as_const(target))
         taken += cue.id;
@@ -225,9 +225,9 @@ LintoraSession movingCues(LintoraSession job, const QList<qsizetype> &indices, c
     tracks[source].items = CueEditing::removing(tracks.at(source).items, indices);
     if (tracks[source].items.isEmpty()) {
         tracks.removeAt(source);
-        job.selectedTrackID = to;
+        session.selectedTrackID = to;
     }
-    return activated(std::move(job));
+    return activated(std::move(session));
 }
 
 } // namespace SessionTracks

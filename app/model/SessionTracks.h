@@ -3,31 +3,31 @@
 #include "core/text/LanguageSeparation.h"
 #include "store/LintoraSession.h"
 
-/// A job and its tracks.
+/// A session and its tracks.
 ///
-/// A job in use keeps this order: there is a list of tracks; an empty one goes with no cues. One of them is selected,
-/// never the original kept from before a separation while there is another; cues, options and switches of the job are
-/// those of the selected track, and the track has them too.
+/// A session in use keeps this order: there is a list of tracks; an empty one goes with no cues. One of them is
+/// selected, never the original kept from before a separation while there is another; cues, options and switches of the
+/// session are those of the selected track, and the track has them too.
 namespace SessionTracks {
 
-/// Any record put into that order. Where the job and its selected track differ, the track holds. A record without
+/// Any record put into that order. Where the session and its selected track differ, the track holds. A record without
 /// tracks gets one of its own cues, if it has some.
-LintoraSession normalized(LintoraSession job);
+LintoraSession normalized(LintoraSession session);
 
-/// The job with the selected track's cues, options and switches.
-LintoraSession activated(LintoraSession job);
+/// The session with the selected track's cues, options and switches.
+LintoraSession activated(LintoraSession session);
 
-/// The job with its cues, options and switches put back into the selected track.
-LintoraSession committed(LintoraSession job);
+/// The session with its cues, options and switches put back into the selected track.
+LintoraSession committed(LintoraSession session);
 
-/// The same job with another track selected; unchanged when there is none of that id, or it is the kept original.
-LintoraSession selecting(LintoraSession job, const QUuid &id);
+/// The same session with another track selected; unchanged when there is none of that id, or it is the kept original.
+LintoraSession selecting(LintoraSession session, const QUuid &id);
 
 /// Where the selected track stands; absent when there is none.
-std::optional<qsizetype> selectedIndex(const LintoraSession &job);
+std::optional<qsizetype> selectedIndex(const LintoraSession &session);
 
 /// Where that track stands; absent when there is none.
-std::optional<qsizetype> indexOf(const LintoraSession &job, const QUuid &id);
+std::optional<qsizetype> indexOf(const LintoraSession &session, const QUuid &id);
 
 /// The track whose cues differ between the two, if the selected one of `after` is not one that differs.
 std::optional<QUuid> changedTrack(const LintoraSession &before, const LintoraSession &after);
@@ -36,23 +36,23 @@ std::optional<QUuid> changedTrack(const LintoraSession &before, const LintoraSes
 /// when they are the same, when none is left, and for a track that `before` has not.
 std::optional<qsizetype> changedCue(const LintoraSession &before, const LintoraSession &after);
 
-/// A track of `cues` with the job's options and switches, labelled by their language.
-SubtitleTrack newTrack(const LintoraSession &job, const QList<Subtitle> &cues);
+/// A track of `cues` with the session's options and switches, labelled by their language.
+SubtitleTrack newTrack(const LintoraSession &session, const QList<Subtitle> &cues);
 
 /// What a track of such cues is called: the language of most of its lines, 字幕 when none prevails.
 QString label(const QList<Subtitle> &cues);
 
-/// The job with `cues` as its only track, from `source`.
-LintoraSession importing(LintoraSession job, const QList<Subtitle> &cues, const QString &source);
+/// The session with `cues` as its only track, from `source`.
+LintoraSession importing(LintoraSession session, const QList<Subtitle> &cues, const QString &source);
 
-/// The job with the selected track kept as the original, and a track for each group in its place.
-LintoraSession separated(LintoraSession job, const QList<LanguageSeparation::GroupedCues> &groups);
+/// The session with the selected track kept as the original, and a track for each group in its place.
+LintoraSession separated(LintoraSession session, const QList<LanguageSeparation::GroupedCues> &groups);
 
-/// The job with the original as its only track. There must be one.
-LintoraSession restored(LintoraSession job);
+/// The session with the original as its only track. There must be one.
+LintoraSession restored(LintoraSession session);
 
-/// The job with the cues at `indices` of the selected track moved to another track, in that track's order by start; one
-/// takes a new id where its own is taken. A track that is left empty is closed, and the other one selected.
-LintoraSession movingCues(LintoraSession job, const QList<qsizetype> &indices, const QUuid &to);
+/// The session with the cues at `indices` of the selected track moved to another track, in that track's order by start;
+/// one takes a new id where its own is taken. A track that is left empty is closed, and the other one selected.
+LintoraSession movingCues(LintoraSession session, const QList<qsizetype> &indices, const QUuid &to);
 
 } // namespace SessionTracks

@@ -85,7 +85,7 @@ struct EditMenu::Step
         nothing,
         text,
         owner,
-        job
+        session
     };
     Of of = Of::nothing;
     QString title = {};
@@ -164,11 +164,12 @@ EditMenu::Step EditMenu::nextStep(bool undoes) const
         const QString title = m_owner->property(undoes ? "undoTitle" : "redoTitle").toString();
         if (!title.isEmpty())
             return {.of = Step::Of::owner, .title = title};
-        if (!m_owner->property("editsJob").toBool())
+        if (!m_owner->property("editsSession").toBool())
             return {};
     }
     const bool isPossible = undoes ? m_model.canUndo() : m_model.canRedo();
-    return isPossible ? Step{.of = Step::Of::job, .title = undoes ? m_model.undoTitle() : m_model.redoTitle()} : Step();
+    return isPossible ? Step{.of = Step::Of::session, .title = undoes ? m_model.undoTitle() : m_model.redoTitle()}
+                      : Step();
 }
 
 void EditMenu::update()
@@ -196,9 +197,9 @@ void EditMenu::perform(const char *slot)
     const bool undoes = name == "undo";
     const bool isHistory = undoes || name == "redo";
     const Step step = isHistory ? nextStep(undoes) : Step();
-    if (step.of == Step::Of::job && undoes)
+    if (step.of == Step::Of::session && undoes)
         m_model.undo();
-    else if (step.of == Step::Of::job)
+    else if (step.of == Step::Of::session)
         m_model.redo();
     else if (step.of == Step::Of::owner)
         QMetaObject::invokeMethod(m_owner, slot);

@@ -6,12 +6,12 @@
 #include <QPointer>
 
 /// The menu of editing. Its entries act on what has the focus: on the text of a field that is being edited, else on the
-/// history of the job, and on what the focused control offers as slots: cut(), copy(), paste(), selectAll().
+/// history of the session, and on what the focused control offers as slots: cut(), copy(), paste(), selectAll().
 ///
-/// Before the history of the job comes what lies nearer to the focus and has one of its own: the slots undo() and
+/// Before the history of the session comes what lies nearer to the focus and has one of its own: the slots undo() and
 /// redo(), the properties `undoTitle` and `redoTitle`, which say what they do and are empty while they do nothing, and
-/// the signal undoChanged(). Its property `editsJob` tells whether the job's history can be reached from there at all.
-/// The entries name what they take back.
+/// the signal undoChanged(). Its property `editsSession` tells whether the session's history can be reached from there
+/// at all. The entries name what they take back.
 ///
 /// An entry is enabled exactly while it would do something; pasting, while there is something to paste into.
 class EditMenu : public QMenu

@@ -5,10 +5,10 @@
 
 #include <cstdio>
 
-/// draft_writer FILE changes a job without end and saves every change, like a busy editor. The job's source is the
-/// number of the change. Each line of its output is a number N: "the changes up to N have been saved". Ends only by a
-/// signal, or with 1 when the draft that is there cannot be read. draft_writer --read FILE prints the newest change in
-/// a draft.
+/// draft_writer FILE changes a session without end and saves every change, like a busy editor. The session's source is
+/// the number of the change. Each line of its output is a number N: "the changes up to N have been saved". Ends only by
+/// a signal, or with 1 when the draft that is there cannot be read. draft_writer --read FILE prints the newest change
+/// in a draft.
 int main(int argc, char **argv)
 {
     if (argc == 3) {

@@ -14,7 +14,7 @@ class Sheet : public QWidget
     Q_OBJECT
     Q_PROPERTY(QString undoTitle READ undoTitle NOTIFY undoChanged)
     Q_PROPERTY(QString redoTitle READ redoTitle NOTIFY undoChanged)
-    Q_PROPERTY(bool editsJob READ editsJob CONSTANT)
+    Q_PROPERTY(bool editsSession READ editsSession CONSTANT)
 
 public:
     enum class Extent
@@ -36,12 +36,12 @@ public:
     void dismiss();                      ///< Closes without asking anybody.
     void returnTo(QWidget *focus);       ///< What the keyboard goes to when the sheet closes.
 
-    // What the edit menu does while the keyboard is here. What is the sheet's own comes before the job's history, which
-    // is out of reach behind a sheet that does not edit the job.
+    // What the edit menu does while the keyboard is here. What is the sheet's own comes before the session's history,
+    // which is out of reach behind a sheet that does not edit the session.
 
     virtual QString undoTitle() const { return {}; } ///< What undo() takes back; empty while there is nothing.
     virtual QString redoTitle() const { return {}; }
-    virtual bool editsJob() const { return false; }
+    virtual bool editsSession() const { return false; }
 
 public Q_SLOTS:
     virtual void undo() {}

@@ -202,7 +202,7 @@ Qt::ItemFlags CueTableModel::flags(const QModelIndex &index) const
 
 bool CueTableModel::setData(const QModelIndex &index, const QVariant &value, int role)
 {
-    // Rows mean the job's cues only while they are the same.
+    // Rows mean the session's cues only while they are the same.
     if (!index.isValid() || role != Qt::EditRole || m_isFollowing || m_items != m_model.items())
         return false;
     const Subtitle cue = m_items.at(index.row());

@@ -11,7 +11,8 @@ class TitleMeasure;
 /// The cues of the selected track as rows.
 ///
 /// Follows the model: a change of its cues becomes the rows that came, went or changed, so that views keep their place
-/// and their selection; another track, or a job from elsewhere, is a reset. Edits go to the model, which may refuse.
+/// and their selection; another track, or a session from elsewhere, is a reset. Edits go to the model, which may
+/// refuse.
 class CueTableModel : public QAbstractTableModel
 {
     Q_OBJECT

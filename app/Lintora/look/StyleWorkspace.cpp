@@ -81,7 +81,7 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
 
 StyleWorkspace::~StyleWorkspace() = default;
 
-/// A removed preset is in no history of the job.
+/// A removed preset is in no history of the session.
 QString StyleWorkspace::undoTitle() const
 {
     return m_removedPresetLast ? u"删除预设"_s : QString();

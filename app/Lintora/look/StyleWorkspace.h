@@ -37,7 +37,7 @@ public:
     void showCue(std::optional<qsizetype> cue); ///< Its position in the selected track; absent: a sample is shown.
 
     QString undoTitle() const override;
-    bool editsJob() const override { return true; }
+    bool editsSession() const override { return true; }
     void undo() override;
 
 protected:
@@ -72,5 +72,5 @@ private:
     std::optional<Options> m_pending; ///< What is looked at and not chosen yet.
     bool m_isWide = false;
     bool m_isLoadingFonts = false;
-    bool m_removedPresetLast = false; ///< Whether no change of the job came after that of a preset.
+    bool m_removedPresetLast = false; ///< Whether no change of the session came after that of a preset.
 };

@@ -20,7 +20,7 @@ public:
     FindReplaceWorkspace(LintoraModel &model, QWidget *content);
 
     void present(); ///< Opens with the keyboard in the keyword field.
-    bool editsJob() const override { return true; }
+    bool editsSession() const override { return true; }
 
 Q_SIGNALS:
     void cueRequested(qsizetype cue); ///< To be shown in the table.

@@ -20,7 +20,7 @@ public:
     ScriptMatchWorkspace(LintoraModel &model, QWidget *content);
 
     void present();
-    bool editsJob() const override { return true; }
+    bool editsSession() const override { return true; }
 
 private:
     QWidget *makeButtons();

@@ -14,10 +14,10 @@ class PanelTest : public testing::Test
 protected:
     PanelTest();
 
-    /// A job of one track with a cue for each text, two seconds each and one behind the other.
+    /// A session of one track with a cue for each text, two seconds each and one behind the other.
     void load(const QStringList &texts);
 
-    /// A job of two tracks, the first of which is selected.
+    /// A session of two tracks, the first of which is selected.
     void loadTracks(const QStringList &chinese, const QStringList &english);
 
     QStringList texts() const; ///< Of the selected track.

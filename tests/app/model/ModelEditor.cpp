@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The number of the newest change that a job holds.
+/// The number of the newest change that a session holds.
 qint64 newestChange(const LintoraSession &job)
 {
     qint64 newest = 0;
@@ -30,8 +30,8 @@ void printNumber(qint64 number)
 
 } // namespace
 
-/// model_editor DRAFT types into a job without end, like an editor in a hurry: the text of change N is N. Each line of
-/// its output is a number N: "the changes up to N have been saved". Ends only by a signal, or with 1 when the draft
+/// model_editor DRAFT types into a session without end, like an editor in a hurry: the text of change N is N. Each line
+/// of its output is a number N: "the changes up to N have been saved". Ends only by a signal, or with 1 when the draft
 /// that is there was not taken up. model_editor --read DRAFT prints the newest change in a draft.
 int main(int argc, char **argv)
 {

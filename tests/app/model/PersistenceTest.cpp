@@ -336,7 +336,7 @@ TEST_F(PersistenceTest, undoing_beyond_the_opening_of_a_session_leaves_the_sessi
     model->saveDraft();
     EXPECT_EQ(LintoraSession::read(path).items[0].text, u"又在"_s);
 
-    // An edit there is the other job's; the extension's next version is taken up all the same.
+    // An edit there is the other session's; the extension's next version is taken up all the same.
     model->undo();
     model->undo();
     model->setText(0, u"别的工作"_s);

@@ -220,7 +220,7 @@ class OwnHistory : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(QString undoTitle MEMBER title)
-    Q_PROPERTY(bool editsJob MEMBER edits)
+    Q_PROPERTY(bool editsSession MEMBER edits)
 
 public:
     QString title;

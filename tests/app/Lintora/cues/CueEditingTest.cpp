@@ -121,7 +121,7 @@ TEST_F(CueEditing, What_is_typed_is_kept_when_something_else_is_turned_to)
         editWith(0, u"刚刚输入"_s);
         turn();
         Events::handle();
-        // Undo reaches the job in which it was typed, whatever has come since.
+        // Undo reaches the session in which it was typed, whatever has come since.
         bool isKept = false;
         do {
             for (const SubtitleTrack &track : model.tracks())
@@ -147,7 +147,7 @@ TEST_F(CueEditing, What_is_typed_into_a_cue_that_goes_is_shown)
 
 TEST_F(CueEditing, What_is_typed_never_lands_in_another_cue)
 {
-    // A job that comes in while a text or a time is being typed stays as it came.
+    // A session that comes in while a text or a time is being typed stays as it came.
     load({u"一"_s, u"二"_s, u"三"_s});
     editWith(1, u"旧的"_s);
     load({u"甲"_s, u"乙"_s, u"丙"_s});

@@ -81,7 +81,7 @@ TEST_F(CueTableModelTest, Follows_every_edit_without_losing_its_place)
             model.redo();
         }
         expectRows();
-        if (!last.isValid() || rows.rowCount() == 0) // undone back to before the job
+        if (!last.isValid() || rows.rowCount() == 0) // undone back to before the session
             break;
         EXPECT_EQ(last.row(), rows.rowCount() - 1);
         EXPECT_EQ(last.data().toString(), lastText);
