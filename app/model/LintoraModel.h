@@ -168,6 +168,7 @@ public:
     void setCanvasHeight(qint64 pixels);
 
     StylePresets &stylePresets() { return m_stylePresets; }
+    const StylePresets &stylePresets() const { return m_stylePresets; }
     void saveStylePreset(const QString &named); ///< The selected track's style; replaces the one of that name.
     void applyStylePreset(const QUuid &id);     ///< To the selected track.
 
