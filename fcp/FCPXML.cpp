@@ -17,9 +17,9 @@ namespace FCPXML {
 
 namespace {
 
-[[noreturn]] void throwMissingStructure()
+[[noreturn]] void throwMissingStructure(const QString &detail = {})
 {
-    throw ConversionError(u"项目 XML 缺少必要结构。"_s);
+    throw ConversionError(u"项目 XML 缺少必要结构。"_s, detail);
 }
 
 /// A "src" value as an absolute URL, unchanged where it has a scheme.
@@ -114,13 +114,31 @@ QString fileOf(const QString &path)
     return isBundle ? given.filePath() + u"/Info.fcpxml"_s : path;
 }
 
+QString inSeconds(const Rational &time)
+{
+    return QString::number(time.toDouble(), 'f', 3);
+}
+
+/// What a frame format says of its rate; null when there is no format.
+QString frameDurationDetail(const xmlNode *format)
+{
+    if (!format)
+        return u"项目没有画面格式。"_s;
+    const auto stated = Xml::attribute(format, "frameDuration");
+    return stated ? u"%1 的 frameDuration 是 %2。"_s.arg(Xml::place(format), Xml::excerpt(*stated))
+                  : u"%1 没有 frameDuration。"_s.arg(Xml::place(format));
+}
+
 void checkLength(const std::vector<TitleGrid::Title> &titles, const Rational &duration, const FrameRate &rate)
 {
     static const Rational tolerance(1, 1'000); // seconds
     const auto last = std::max_element(titles.begin(), titles.end(),
                                        [](const auto &a, const auto &b) { return a.endFrame < b.endFrame; });
     if (Rational(last->endFrame) * rate.frameDuration() > duration + tolerance)
-        throw ConversionError(u"字幕超出项目时长，请检查音频版本或时间偏移。"_s);
+        throw ConversionError(u"字幕超出项目时长，请检查音频版本或时间偏移。"_s,
+                              u"第 %1 条字幕结束于 %2 秒，项目长 %3 秒。"_s.arg(
+                                  QString::number(last->cueID),
+                                  inSeconds(Rational(last->endFrame) * rate.frameDuration()), inSeconds(duration)));
 }
 
 /// A base document that passed its checks, with the effect in place.
@@ -137,14 +155,19 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
     const xmlNode *const sequence = Xml::child(project, "sequence");
     const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
     const auto duration = sequence ? timeAttribute(sequence, "duration") : std::nullopt;
-    if (!resources || !spine || !duration)
-        throwMissingStructure();
+    if (!resources)
+        throwMissingStructure(u"缺少 resources。"_s);
+    if (!spine)
+        throwMissingStructure(u"项目没有主时间线（sequence 中的 spine）。"_s);
+    if (!duration)
+        throwMissingStructure(u"%1 没有可读的 duration。"_s.arg(Xml::place(sequence)));
     const xmlNode *const format = sequenceFormat(base, sequence);
     if (!format || !hasFrameDuration(options.rate, format))
-        throw ConversionError(u"字幕帧率与项目不一致，请重新选择项目 XML。"_s);
+        throw ConversionError(u"字幕帧率与项目不一致，请重新选择项目 XML。"_s,
+                              u"字幕按每秒 %1 帧；%2"_s.arg(options.rate.label, frameDurationDetail(format)));
     const auto start = Rational::parseTime(Xml::attribute(sequence, "tcStart").value_or("0s"));
     if (!start)
-        throwMissingStructure();
+        throwMissingStructure(u"%1 的 tcStart 无法读取。"_s.arg(Xml::place(sequence)));
     checkLength(titles, *duration, options.rate);
     Xml::setAttribute(project, "name", options.name.toUtf8());
     const QByteArray effectID = addEffect(resources, ids);
@@ -155,6 +178,19 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
                                      .effectID = effectID,
                                      .indentation = std::nullopt},
                                     titles, cues, options, check);
+}
+
+/// How many projects there are, and what the first of them are called.
+QString listed(const std::vector<xmlNode *> &projects)
+{
+    constexpr size_t most = 5;
+    if (projects.empty())
+        return u"文件中没有项目。"_s;
+    QStringList names;
+    for (size_t i = 0; i < std::min(most, projects.size()); ++i)
+        names += u'“' + Xml::excerpt(Xml::attribute(projects[i], "name").value_or(QByteArray())) + u'”';
+    const QStringView more = projects.size() > most ? u"…" : u"";
+    return u"文件中有 %1 个项目：%2%3。"_s.arg(QString::number(projects.size()), names.join(u'、'), more);
 }
 
 } // namespace
@@ -217,7 +253,7 @@ xmlNode *project(const XmlDocument &document)
 {
     const auto found = projects(document);
     if (found.size() != 1)
-        throw ConversionError(u"请选择只包含一个项目的 FCPXML。"_s);
+        throw ConversionError(u"请选择只包含一个项目的 FCPXML。"_s, listed(found));
     return found.front();
 }
 
@@ -239,7 +275,7 @@ Options settings(Options options, const XmlDocument &document, const QString &pr
     const xmlNode *const project = FCPXML::project(document, projectName);
     const xmlNode *const format = sequenceFormat(document, Xml::child(project, "sequence"));
     if (!format)
-        throw ConversionError(u"找不到项目画面格式。"_s);
+        throw ConversionError(u"找不到项目画面格式。"_s, u"见%1。"_s.arg(Xml::place(project)));
     const auto name = Xml::attribute(project, "name");
     return settings(std::move(options), format, name ? QString::fromUtf8(*name) : u"项目"_s);
 }
@@ -250,7 +286,7 @@ Options settings(Options options, const xmlNode *format, const QString &name)
     const auto rate =
         std::find_if(rates.begin(), rates.end(), [&](const FrameRate &each) { return hasFrameDuration(each, format); });
     if (rate == rates.end())
-        throw ConversionError(u"项目帧率暂不支持。"_s);
+        throw ConversionError(u"项目帧率暂不支持。"_s, frameDurationDetail(format));
     options.rate = *rate;
     options.width = Xml::integerAttribute(format, "width").value_or(3840);
     options.height = Xml::integerAttribute(format, "height").value_or(2160);

@@ -15,14 +15,20 @@ using Kind = StoryElement::Kind;
 /// A piece shorter than this is a leftover of rounding, not sound. Seconds.
 const Rational shortestPiece(1, 10'000);
 
-[[noreturn]] void throwStructure()
+/// Where a person finds what is wrong.
+QString at(const xmlNode *element)
 {
-    throw ConversionError(u"此复合或多机位结构暂不能直接读取，请先在 FCP 导出音频。"_s);
+    return u"见%1。"_s.arg(Xml::place(element));
 }
 
-[[noreturn]] void throwSourceRange()
+[[noreturn]] void throwStructure(const xmlNode *element)
 {
-    throw ConversionError(u"FCP 媒体的源时间范围无法准确读取，请先导出音频。"_s);
+    throw ConversionError(u"此复合或多机位结构暂不能直接读取，请先在 FCP 导出音频。"_s, at(element));
+}
+
+[[noreturn]] void throwSourceRange(const xmlNode *element)
+{
+    throw ConversionError(u"FCP 媒体的源时间范围无法准确读取，请先导出音频。"_s, at(element));
 }
 
 bool isTooShort(const TimeRange &piece)
@@ -152,7 +158,7 @@ void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Plac
 {
     m_check();
     if (++m_visits > mostVisits || place.nesting > deepestNesting)
-        throwStructure();
+        throwStructure(element);
     const StoryElement &story = this->story(element);
     if (!story.enabled)
         return;
@@ -262,11 +268,11 @@ void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const P
     if (isTooShort(audible))
         return;
     if (!asset.file)
-        throw ConversionError(u"找不到片段原始音视频，请先在 FCP 重新连接媒体。"_s);
+        throw ConversionError(u"找不到片段原始音视频，请先在 FCP 重新连接媒体。"_s, at(story.element));
     const TimeRange held = assetRange(asset, own);
     // A clip that shows nothing of its file has its times from somewhere else.
     if (sound.cutTo(held).isEmpty())
-        throwSourceRange();
+        throwSourceRange(story.element);
     TimeRange piece = audible.cutTo(held);
     if (isTooShort(piece))
         return;
@@ -274,7 +280,7 @@ void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const P
     const Rational length = *piece.end - piece.begin;
     const Rational drift = absolute(length / own.scale - length);
     if (drift > place.frameDuration.value_or(0))
-        throwSourceRange();
+        throwSourceRange(story.element);
     // Played at its own pace, a piece may reach past the file's end by what it is off.
     if (asset.duration)
         piece.end = std::min(*piece.end, piece.begin + (asset.start + *asset.duration - own.toLocal(piece.begin)));
@@ -284,10 +290,10 @@ void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const P
 void AudioWalk::playCompound(const StoryElement &story, const TimeMap &own, const Place &place)
 {
     if (place.compounds == deepestCompound)
-        throw ConversionError(u"复合片段嵌套过深，请先在 FCP 导出音频。"_s);
+        throw ConversionError(u"复合片段嵌套过深，请先在 FCP 导出音频。"_s, at(story.element));
     const StorySequence &sequence = m_resources.compound(story.resource);
     if (!sequence.spine)
-        throwStructure();
+        throwStructure(story.element);
     Place inner = inside(story, own, place);
     ++inner.compounds;
     inner.frameDuration = sequence.frameDuration;
@@ -326,7 +332,7 @@ TimeMap AudioWalk::ownTimes(const StoryElement &story, const Rational &offset, c
     if (!story.sourceRate)
         return own;
     if (!place.frameDuration)
-        throwSourceRange();
+        throwSourceRange(story.element);
     own.scale = place.scale / ConformRate::pace(*story.sourceRate, *place.frameDuration);
     return own;
 }
@@ -337,7 +343,7 @@ TimeRange AudioWalk::soundRange(const StoryElement &story, const TimeMap &own, c
     const auto duration = length(story);
     const Rational soundDuration = story.soundDuration.value_or(0);
     if (!duration || *duration <= 0 || soundDuration < 0)
-        throw ConversionError(u"片段时长无效。"_s);
+        throw ConversionError(u"片段时长无效。"_s, at(story.element));
     const Rational begin = own.toPlan(story.soundStart.value_or(story.start));
     const Rational planDuration = story.soundDuration ? soundDuration * own.scale : *duration * place.scale;
     return {.begin = begin, .end = begin + planDuration};

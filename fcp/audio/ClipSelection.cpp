@@ -43,7 +43,7 @@ ClipSelection ClipSelection::lay(const std::vector<const xmlNode *> &elements, A
         const Rational offset = story.offset.value_or(0);
         const auto length = walk.length(story);
         if (!length || *length <= 0)
-            throw ConversionError(u"片段时长无效。"_s);
+            throw ConversionError(u"片段时长无效。"_s, u"见%1。"_s.arg(Xml::place(element)));
         selection.origin = selection.clips.empty() ? offset : std::min(selection.origin, offset);
         end = std::max(end.value_or(offset), offset + *length);
         selection.clips.push_back({.element = element, .offset = offset});

@@ -59,7 +59,9 @@ void MediaResources::add(const xmlNode *parent)
             if (!id)
                 continue;
             if (m_byId.contains(*id))
-                throw ConversionError(u"FCP 资源编号重复。"_s);
+                throw ConversionError(u"FCP 资源编号重复。"_s,
+                                      u"%1 的编号 %2 已被%3 占用。"_s.arg(Xml::place(resource), Xml::excerpt(*id),
+                                                                          Xml::place(m_byId.value(*id))));
             m_byId.insert(*id, resource);
         }
     }

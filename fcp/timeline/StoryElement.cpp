@@ -99,7 +99,8 @@ std::vector<const xmlNode *> readChildren(StoryElement &story)
         } else if (isAdjustment(name)) {
             adjustments.push_back(child);
         } else if (isUnknownClip(child, name)) {
-            throw ConversionError(u"此复合或多机位结构暂不能直接读取，请先在 FCP 导出音频。"_s);
+            throw ConversionError(u"此复合或多机位结构暂不能直接读取，请先在 FCP 导出音频。"_s,
+                                  u"见%1。"_s.arg(Xml::place(child)));
         }
     }
     return adjustments;
@@ -169,7 +170,7 @@ StoryElement StoryElement::read(const xmlNode *element, const MediaResources &re
     }
     story.muted = Xml::attribute(element, "srcEnable") == "video";
     if (!story.muted && Xml::isElement(element, "mc-clip"))
-        throw ConversionError(u"多机位片段请先在 FCP 导出音频，再生成字幕。"_s);
+        throw ConversionError(u"多机位片段请先在 FCP 导出音频，再生成字幕。"_s, u"见%1。"_s.arg(Xml::place(element)));
     const auto adjustments = readChildren(story);
     readTimes(story);
     story.frameDuration = resources.frameDuration(element);

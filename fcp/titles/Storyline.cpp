@@ -13,11 +13,12 @@ namespace {
 /// A frame that lies this close before a cut belongs to the clip after it. Seconds.
 const Rational tolerance(1, 1'000'000);
 
-Rational requireTime(const std::optional<QByteArray> &text)
+Rational requireTime(const xmlNode *element, QByteArrayView attribute)
 {
-    const auto time = Rational::parseTime(text.value_or(QByteArray("0s")));
+    const auto time = Rational::parseTime(Xml::attribute(element, attribute).value_or(QByteArray("0s")));
     if (!time)
-        throw ConversionError(u"项目 XML 缺少必要结构。"_s);
+        throw ConversionError(u"项目 XML 缺少必要结构。"_s,
+                              u"%1 的 %2 无法读取。"_s.arg(Xml::place(element), QString::fromLatin1(attribute)));
     return *time;
 }
 
@@ -31,9 +32,9 @@ xmlNode *shownClip(xmlNode *item)
 Storyline::Clip readClip(const xmlNode *item, xmlNode *element, const Rational &projectStart, const FrameRate &rate)
 {
     const Rational framesPerSecond(rate.numerator, rate.denominator);
-    const Rational offset = requireTime(Xml::attribute(item, "offset"));
-    const Rational duration = requireTime(Xml::attribute(element, "duration"));
-    const Rational start = requireTime(Xml::attribute(element, "start"));
+    const Rational offset = requireTime(item, "offset");
+    const Rational duration = requireTime(element, "duration");
+    const Rational start = requireTime(element, "start");
     const Rational pace = ConformRate::pace(element, rate.frameDuration());
     const Rational begin = offset - projectStart - tolerance;
     return {.element = element,
@@ -66,7 +67,7 @@ Storyline::Storyline(const xmlNode *spine, const Rational &projectStart, const F
         try {
             m_clips.push_back(readClip(item, element, projectStart, rate));
         } catch (const RationalOverflow &) {
-            throw ConversionError(u"项目 XML 缺少必要结构。"_s);
+            throw ConversionError(u"项目 XML 缺少必要结构。"_s, u"%1 的时间过大。"_s.arg(Xml::place(element)));
         }
     }
     if (m_clips.empty())

@@ -81,9 +81,12 @@ TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles
         goOn();
         const Storyline::Clip *const clip = storyline.clipAt(title.startFrame);
         if (!clip)
-            throw ConversionError::aboutCue(title.cueID, u" 条字幕起点不在主时间线片段内。");
+            throw ConversionError::aboutCue(title.cueID, u" 条字幕起点不在主时间线片段内。",
+                                            u"它从时间线第 %1 帧开始。"_s.arg(title.startFrame));
         if (clip->retimed)
-            throw ConversionError(u"字幕连接位置位于变速主片段。请先将项目制作为复合片段，再导出 XML。"_s);
+            throw ConversionError(
+                u"字幕连接位置位于变速主片段。请先将项目制作为复合片段，再导出 XML。"_s,
+                u"第 %1 条字幕，连接到%2。"_s.arg(QString::number(title.cueID), Xml::place(clip->element)));
         hung.push_back({.clip = clip,
                         .title = {.text = title.text,
                                   .offsetFrame = connectionFrame(title, *clip, options.rate),

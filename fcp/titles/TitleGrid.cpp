@@ -40,12 +40,17 @@ bool areWritable(const Options &options)
 
 void checkOptions(const Options &options)
 {
-    const bool valid = std::isfinite(options.fontSize) && options.fontSize > 0 &&
-                       isBetween(options.strokeWidth, 0, 20) && isBetween(options.shadowBlur, 0, 30) &&
-                       isBetween(options.bottomPercent, 0, 40) && options.width >= 1 && options.height >= 1 &&
-                       isUsable(options.rate) && areWritable(options);
-    if (!valid)
-        throw ConversionError(u"画面或字体设置无效。"_s);
+    const auto require = [](bool valid, QStringView detail) {
+        if (!valid)
+            throw ConversionError(u"画面或字体设置无效。"_s, detail.toString());
+    };
+    require(std::isfinite(options.fontSize) && options.fontSize > 0, u"字号须大于 0。");
+    require(isBetween(options.strokeWidth, 0, 20), u"描边宽度须在 0 到 20 之间。");
+    require(isBetween(options.shadowBlur, 0, 30), u"阴影模糊须在 0 到 30 之间。");
+    require(isBetween(options.bottomPercent, 0, 40), u"底部距离须在 0 到 40 之间。");
+    require(options.width >= 1 && options.height >= 1, u"画面宽高须至少为 1。");
+    require(isUsable(options.rate), u"帧率无效。");
+    require(areWritable(options), u"名称、字体、颜色或角色中有无效控制字符。");
 }
 
 Title placeCue(const Subtitle &cue, const Options &options)
@@ -64,7 +69,9 @@ Title placeCue(const Subtitle &cue, const Options &options)
     const auto startFrame = options.rate.frame(start);
     const auto endFrame = options.rate.frame(end);
     if (start < 0 || (startFrame && *startFrame < 0))
-        throw ConversionError(u"时间偏移后有字幕早于项目起点，请调整偏移。"_s);
+        throw ConversionError(
+            u"时间偏移后有字幕早于项目起点，请调整偏移。"_s,
+            u"第 %1 条字幕从 %2 毫秒开始，偏移 %3 毫秒。"_s.arg(cue.id).arg(cue.start).arg(options.shiftMS));
     if (!startFrame || !endFrame || *startFrame == std::numeric_limits<qint64>::max())
         throw invalid();
     const qint64 lastFrame = std::max(*endFrame, *startFrame + 1);

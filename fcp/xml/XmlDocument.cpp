@@ -264,8 +264,9 @@ XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, 
     parser->sax->entityDecl = refuseEntity;
     parser->sax->reference = refuseReference;
     parser->sax->attributeDecl = declareAttribute;
+    const QByteArrayView content = XmlGuard::withoutBlankEnd(bytes);
     XmlDocument document(
-        xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
+        xmlCtxtReadMemory(parser.get(), content.data(), static_cast<int>(content.size()), nullptr, nullptr,
                           XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (parsing.end)
         std::rethrow_exception(parsing.end);
@@ -339,6 +340,24 @@ xmlNode *firstElement(xmlNode *node)
     while (node && node->type != XML_ELEMENT_NODE)
         node = node->next;
     return node;
+}
+
+QString excerpt(QByteArrayView value)
+{
+    constexpr qsizetype longest = 40;
+    const QString text = QString::fromUtf8(value).simplified();
+    return text.size() > longest ? text.first(longest) + u'…' : text;
+}
+
+QString place(const xmlNode *element)
+{
+    constexpr long lastLine = 65'535; // libxml2 counts no further
+    QString text = QString::fromUtf8(elementName(element));
+    const QString name = excerpt(attribute(element, "name").value_or(QByteArray()));
+    if (!name.isEmpty())
+        text += u"“%1”"_s.arg(name);
+    const long line = xmlGetLineNo(element);
+    return line > 0 && line < lastLine ? u"第 %1 行的 "_s.arg(line) + text : text;
 }
 
 xmlNode *nextElement(const xmlNode *element, const xmlNode *root)

@@ -119,6 +119,13 @@ private:
     xmlNode *m_first;
 };
 
+/// A value from a document in a line for a person: blanks simplified, cut when it is long.
+QString excerpt(QByteArrayView value);
+
+/// Which element it is, for a person who looks for it: "第 12 行的 asset-clip“采访”". The line is left out where it is
+/// not known.
+QString place(const xmlNode *element);
+
 /// The element that follows `element` in document order within `root`, null after the last one. Needs no stack, so that
 /// depth costs nothing.
 xmlNode *nextElement(const xmlNode *element, const xmlNode *root);

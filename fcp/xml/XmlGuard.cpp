@@ -131,4 +131,15 @@ bool hasOverlongTag(QByteArrayView bytes)
     return false;
 }
 
+QByteArrayView withoutBlankEnd(QByteArrayView bytes)
+{
+    const Encoding encoding = encodingOf(bytes);
+    const std::array blanks{widened(" ", encoding), widened("\n", encoding), widened("\r", encoding),
+                            widened("\t", encoding)};
+    QByteArrayView rest = bytes;
+    while (std::ranges::any_of(blanks, [&](QByteArrayView blank) { return rest.endsWith(blank); }))
+        rest.chop(encoding.width);
+    return rest.endsWith(widened(">", encoding)) ? rest : bytes;
+}
+
 } // namespace XmlGuard

@@ -12,4 +12,8 @@ bool mentionsEntity(QByteArrayView bytes);
 /// parser compares each attribute of a tag with all others: a hundred thousand of them would keep it busy for minutes.
 bool hasOverlongTag(QByteArrayView bytes);
 
+/// The bytes without the blanks after a document's last ">". They mean nothing, yet the parser refuses more than 10 MB
+/// of them.
+QByteArrayView withoutBlankEnd(QByteArrayView bytes);
+
 } // namespace XmlGuard

@@ -1,5 +1,6 @@
 #include "fcp/audio/FCPAudioPlan.h"
 
+#include "core/ConversionError.h"
 #include "core/PlatformError.h"
 #include "fcp/FCPXML.h"
 #include "tests/support/PlanText.h"
@@ -171,6 +172,34 @@ INSTANTIATE_TEST_SUITE_P(
                       Refused{"that_are_empty_after_its_clips",
                               project("0s", {tag("mc-clip ref=none offset=0s duration=9s")}), multicam}),
     rowName);
+
+TEST(AudioPlan, tells_in_the_detail_which_element_it_refuses)
+{
+    const auto detail = [](const QByteArray &document) {
+        try {
+            FCPAudioPlan::parse(document);
+            return std::string("accepted");
+        } catch (const ConversionError &error) {
+            return error.detail().toStdString();
+        }
+    };
+    const auto clip = [](QByteArrayView attributes) { return one("asset-clip name=采访 " + attributes.toByteArray()); };
+    for (const auto &[document, expected] : {
+             std::pair{clip("ref=talk offset=5 duration=9s"), "第 3 行的 asset-clip“采访” 的 offset 是“5”。"},
+             std::pair{clip("ref=talk offset=0s duration=0s"), "见第 3 行的 asset-clip“采访”。"},
+             std::pair{clip("ref=lost offset=0s duration=9s"), "见第 3 行的 asset-clip“采访”。"},
+             std::pair{clip("ref=none offset=0s duration=9s"), "见第 3 行的 asset-clip“采访”。"},
+             std::pair{clip("ref=tape offset=0s start=0s duration=9s"), "见第 3 行的 asset-clip“采访”。"},
+             std::pair{one("\nmc-clip ref=none offset=0s duration=9s").replace("<\n", "\n<"), "见第 4 行的 mc-clip。"},
+             std::pair{one("gap offset=0s duration=9s", {tag("holo-clip name=甲")}), "见第 3 行的 holo-clip“甲”。"},
+             std::pair{selection({tag("clip start=0s name=" + QByteArray("长").repeated(41))}),
+                       "见第 3 行的 "
+                       "clip“长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长长…”。"},
+             std::pair{project("9s", {talk()}, {tag("asset id=talk name=乙")}),
+                       "第 3 行的 asset“乙” 的编号 talk 已被第 3 行的 asset 占用。"},
+         })
+        EXPECT_EQ(detail(document), expected);
+}
 
 TEST(AudioPlan, takes_a_range_of_exactly_three_hours)
 {

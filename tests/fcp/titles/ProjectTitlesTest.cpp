@@ -375,29 +375,47 @@ TEST(ProjectTitles, lie_above_every_lane_and_under_ids_of_their_own)
 TEST(ProjectTitles, refuse_a_project_that_cannot_carry_them)
 {
     const std::string structure = "项目 XML 缺少必要结构。";
-    const auto with = [](const QByteArray &from, const QByteArray &to) {
+    std::string detail;
+    const auto with = [&](const QByteArray &from, const QByteArray &to) {
         const QByteArray bytes = Project().bytes();
         EXPECT_TRUE(bytes.contains(from)) << from.data();
         try {
             FCPXML::convert({at(0, 40)}, XmlDocument::parse(QByteArray(bytes).replace(from, to), {}), options25());
             return std::string("accepted");
         } catch (const ConversionError &error) {
+            detail = error.detail().toStdString();
             return error.message().toStdString();
         }
     };
     EXPECT_EQ(with("<project name", "<project/><project name"), "请选择只包含一个项目的 FCPXML。");
+    EXPECT_EQ(detail, "文件中有 2 个项目：“”、“我的 & 项目”。");
     EXPECT_EQ(with("<sequence format='r1' duration", "<sequence format='r9' duration"),
               "字幕帧率与项目不一致，请重新选择项目 XML。");
+    EXPECT_EQ(detail, "字幕按每秒 25 帧；项目没有画面格式。");
     EXPECT_EQ(with("duration='100s' tcStart", "tcStart"), structure);
     EXPECT_EQ(with("duration='100s' tcStart", "duration='long' tcStart"), structure);
+    EXPECT_EQ(detail, "第 10 行的 sequence 没有可读的 duration。");
     EXPECT_EQ(with("tcStart='0s'", "tcStart='00:00:00:00'"), structure);
+    EXPECT_EQ(detail, "第 10 行的 sequence 的 tcStart 无法读取。");
     EXPECT_EQ(with("offset='0s' start='3600s'", "offset='0' start='3600s'"), structure);
+    EXPECT_EQ(detail, "第 12 行的 gap“Gap” 的 offset 无法读取。");
     EXPECT_EQ(with("offset='0s' start='3600s'", "offset='9223372036854775807s' start='3600s'"), structure);
+    EXPECT_EQ(detail, "第 12 行的 gap“Gap” 的时间过大。");
 }
 
 TEST(ProjectTitles, refuse_titles_that_the_project_has_no_place_for)
 {
     Project project;
+    const auto detail = [&](const QList<Subtitle> &cues, const Options &options = options25()) {
+        try {
+            converted(project, cues, options);
+            return std::string("accepted");
+        } catch (const ConversionError &error) {
+            return error.detail().toStdString();
+        }
+    };
+    EXPECT_EQ(detail({at(0, 100'040, 7), at(500, 600, 8)}), "第 7 条字幕结束于 100.040 秒，项目长 100.000 秒。");
+    EXPECT_EQ(detail({at(0, 40)}, options25(4)), "字幕按每秒 30 帧；第 4 行的 format 的 frameDuration 是 100/2500s。");
     EXPECT_EQ(refusal(project, {at(0, 100'001)}), "accepted") << "a millisecond of tolerance";
     EXPECT_EQ(refusal(project, {at(0, 100'040), at(500, 600)}), "字幕超出项目时长，请检查音频版本或时间偏移。");
     EXPECT_EQ(refusal(project, {at(0, 40)}, options25(4)), "字幕帧率与项目不一致，请重新选择项目 XML。");
@@ -406,6 +424,7 @@ TEST(ProjectTitles, refuse_titles_that_the_project_has_no_place_for)
     project.spine = "<clip offset='0s' duration='5s'><timeMap/></clip><gap offset='5s' duration='95s'/>";
     EXPECT_EQ(refusal(project, {at(4'000, 6'000)}),
               "字幕连接位置位于变速主片段。请先将项目制作为复合片段，再导出 XML。");
+    EXPECT_EQ(detail({at(4'000, 6'000, 9)}), "第 9 条字幕，连接到第 12 行的 clip。");
     EXPECT_EQ(refusal(project, {at(5'000, 6'000)}), "accepted");
 }
 

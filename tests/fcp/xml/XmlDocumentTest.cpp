@@ -108,6 +108,14 @@ TEST(XmlDocument, says_in_chinese_what_is_too_large)
     }
 }
 
+TEST(XmlDocument, takes_any_number_of_blanks_behind_the_root)
+{
+    const QString padded = u"<x>\n</x>"_s + u" \n\r\t"_s.repeated(3'000'000);
+    EXPECT_EQ(outcome(padded.toUtf8()), "accepted");
+    EXPECT_EQ(outcome(encoded(padded, QStringConverter::Utf16BE)), "accepted");
+    EXPECT_EQ(outcome("<x>" + padded.toUtf8()), "not well-formed");
+}
+
 TEST(XmlDocument, never_reads_another_file)
 {
     EXPECT_EQ(outcome("<!DOCTYPE x SYSTEM \"file:///etc/passwd\"><x/>"), "accepted");
