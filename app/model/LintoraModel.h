@@ -342,6 +342,7 @@ private:
     void replaceSession(LintoraSession next, const QString &title, Step step = Step::record);
     void replaceItems(const QList<Subtitle> &items, const QString &title);
     void keepEdited();
+    void keepSession(const QString &prefix = {});
     void tell(const LintoraSession &before, bool isLoaded);
     void emitChanges(const LintoraSession &before);
     template <class Change>

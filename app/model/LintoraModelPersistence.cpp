@@ -192,9 +192,14 @@ void LintoraModel::answerQuit(bool quits)
 /// Work that another session is about to take the place of can be had back after the end of the program too.
 void LintoraModel::keepEdited()
 {
-    if (!hasCues() || (m_sessionAsLoaded && m_sessionAsLoaded->tracks == m_session.tracks))
-        return;
-    const QString title = Exports::fileName(source().isEmpty() ? options().name : source());
+    if (hasCues() && !(m_sessionAsLoaded && m_sessionAsLoaded->tracks == m_session.tracks))
+        keepSession();
+}
+
+/// Adds the session as it stands to those of late. `prefix` tells it from others of its name.
+void LintoraModel::keepSession(const QString &prefix)
+{
+    const QString title = prefix + Exports::fileName(source().isEmpty() ? options().name : source());
     m_keeping.run(
         u"正在保留之前的字幕…"_s,
         [recent = m_recent, session = m_session, title](Job & /*job*/, const ProgressReport & /*report*/) {

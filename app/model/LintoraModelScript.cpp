@@ -75,6 +75,8 @@ void LintoraModel::applyScriptRows()
     const QList<Subtitle> after = ScriptAlignment::apply(m_script.rows);
     m_scriptMatch = Restore{.track = *selectedTrackID(), .before = items(), .after = after};
     clearScriptRows();
+    // A transcript may touch every cue, and what it did badly is often seen days later only.
+    keepSession(u"文稿匹配前_"_s);
     replaceItems(after, u"文稿匹配"_s);
     const QString status = u"已按文稿修改 %1 条字幕，可撤销修改"_s.arg(count);
     setScriptStatus(status);

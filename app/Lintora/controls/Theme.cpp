@@ -108,7 +108,7 @@ QToolButton { padding: 0 5px; min-width: 16px; }
 QPushButton:hover, QToolButton:hover { background: %hovered%; }
 QPushButton:pressed, QToolButton:pressed, QToolButton:open { background: %border%; }
 QPushButton:checked, QToolButton:checked { border-color: %accent%; color: %accent%; }
-QPushButton:focus, QToolButton:focus { border: 2px solid %accent%; padding: 0 10px; min-height: 24px; max-height: 24px; }
+QPushButton:focus, QToolButton:focus { outline: 0; border: 2px solid %accent%; padding: 0 10px; min-height: 24px; max-height: 24px; }
 QToolButton:focus { padding: 0 4px; }
 QPushButton:disabled, QToolButton:disabled { color: %disabled%; background: transparent; border-color: %border%; }
 QPushButton[primary="true"] { background: %accent%; color: %onAccent%; border-color: %accent%; }

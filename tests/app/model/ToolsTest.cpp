@@ -1,5 +1,6 @@
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
+#include "core/files/FileReader.h"
 #include "core/text/SubtitleCleanup.h"
 #include "tests/support/Events.h"
 #include "tests/support/Generator.h"
@@ -261,6 +262,9 @@ TEST_F(ToolsTest, a_transcript_is_matched_reviewed_applied_and_taken_back)
     EXPECT_EQ(texts(), (QStringList{u"今天我们聊聊调色，"_s, u"先说白平衡"_s, u"谢谢大家"_s}));
     EXPECT_EQ(model->scriptStatus(), u"已按文稿修改 1 条字幕，可撤销修改"_s);
     EXPECT_TRUE(model->canUndoScriptMatch());
+    ASSERT_TRUE(Events::waitFor([&] { return model->recentSessions().size() == 1; })) << "outlasts the program";
+    EXPECT_TRUE(model->recentSessions().first().title.startsWith(u"文稿匹配前_"));
+    EXPECT_EQ(LintoraSession::decode(FileReader::readAll(model->recentSessions().first().file)), before);
     model->undoScriptMatch();
     EXPECT_EQ(model->snapshot(), before);
     model->undo();
