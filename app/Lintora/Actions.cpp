@@ -39,6 +39,7 @@ MainActions::MainActions(LintoraModel &model, QWidget *parent)
     auto *const match = Controls::button(u"文稿匹配"_s, this, u"按文稿校正文字，保留字幕时间"_s);
     connect(match, &QPushButton::clicked, &model, &LintoraModel::showScriptMatch);
     m_source->setProperty("secondary", true);
+    m_source->setElideMode(Qt::ElideMiddle);
     m_source->setFont(VELTheme::smallFont());
     m_source->setAlignment(Qt::AlignVCenter | Qt::AlignRight);
     m_source->setAccessibleName(u"字幕来源"_s);

@@ -14,6 +14,17 @@ bool ElidedLabel::isElided() const
     return fontMetrics().horizontalAdvance(onOneLine()) > contentsRect().width();
 }
 
+void ElidedLabel::setElideMode(Qt::TextElideMode mode)
+{
+    m_elideMode = mode;
+    update();
+}
+
+QString ElidedLabel::shownText() const
+{
+    return fontMetrics().elidedText(onOneLine(), m_elideMode, contentsRect().width());
+}
+
 QSize ElidedLabel::minimumSizeHint() const
 {
     return {0, fontMetrics().height()};
@@ -32,6 +43,5 @@ void ElidedLabel::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    painter.drawText(contentsRect(), int(alignment()) | Qt::TextSingleLine,
-                     fontMetrics().elidedText(onOneLine(), Qt::ElideRight, contentsRect().width()));
+    painter.drawText(contentsRect(), int(alignment()) | Qt::TextSingleLine, shownText());
 }

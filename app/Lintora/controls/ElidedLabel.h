@@ -13,6 +13,11 @@ public:
 
     bool isElided() const;
 
+    /// Where to leave something out: at the end, unless told otherwise. Names of files differ there.
+    void setElideMode(Qt::TextElideMode mode);
+
+    QString shownText() const; ///< As it is drawn.
+
     QSize minimumSizeHint() const override;
 
 protected:
@@ -21,4 +26,6 @@ protected:
 
 private:
     QString onOneLine() const;
+
+    Qt::TextElideMode m_elideMode = Qt::ElideRight;
 };

@@ -143,6 +143,16 @@ TEST_F(Layout, Nothing_is_clipped_in_the_smallest_window)
     EXPECT_GE(table().height(), 5 * 28);
 }
 
+TEST_F(Layout, A_long_file_name_keeps_its_end)
+{
+    load({u"一"_s});
+    LintoraSession job = model.snapshot();
+    job.source = QString(100, u'长') + u"_终稿_A.srt"_s;
+    model.apply(job);
+    Events::handle();
+    EXPECT_TRUE(find<ElidedLabel>(u"字幕来源"_s)->shownText().endsWith(u"_终稿_A.srt"));
+}
+
 TEST_F(Layout, A_failure_is_one_line_that_can_be_read_in_full_and_copied)
 {
     load({u"一"_s});
