@@ -259,9 +259,9 @@ bool AudioWalk::canRead(const StoryElement &story, const Rational &begin, const 
 void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const Place &place)
 {
     if (!story.resource)
-        throw ConversionError(u"FCP 片段缺少媒体资源，请重新拖入。"_s);
+        throw ConversionError(u"FCP 片段缺少媒体资源，请重新拖入。"_s, at(story.element));
     if (!Xml::isElement(story.resource, "asset"))
-        throwStructure();
+        throwStructure(story.element);
     const MediaAsset &asset = m_resources.asset(story.resource);
     const TimeRange sound = soundRange(story, own, place);
     const TimeRange audible = sound.cutTo(place.window);
