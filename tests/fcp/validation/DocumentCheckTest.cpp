@@ -201,9 +201,11 @@ void damage(const XmlDocument &document, Generator &generator)
             xmlRemoveProp(one->properties);
         break;
     default:
+        // The attribute of an element may be put into that element itself, which frees the value that is passed.
         if (other->properties)
-            xmlSetProp(one, other->properties->name,
-                       other->properties->children ? other->properties->children->content : nullptr);
+            Xml::setAttribute(
+                one, reinterpret_cast<const char *>(other->properties->name),
+                Xml::attribute(other, reinterpret_cast<const char *>(other->properties->name)).value_or(QByteArray()));
         break;
     }
 }
