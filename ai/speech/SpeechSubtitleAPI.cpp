@@ -36,7 +36,7 @@ qint64 milliseconds(const QJsonObject &object, const QString &field)
 QList<SpokenWord> read(const QJsonArray &array, const QString &textField)
 {
     QList<SpokenWord> result;
-    for (const QJsonValue &element : array) {
+    for (const auto &element : array) {
         const QJsonObject object = element.toObject();
         const SpokenWord word{.startMS = milliseconds(object, u"start"_s),
                               .endMS = milliseconds(object, u"end"_s),
@@ -56,9 +56,9 @@ QJsonArray words(const QJsonObject &answer)
         return answer.value(u"words").toArray();
     QJsonArray result;
     const QJsonArray segments = answer.value(u"segments").toArray();
-    for (const QJsonValue &segment : segments) {
+    for (const auto &segment : segments) {
         const QJsonArray inside = segment.toObject().value(u"words").toArray();
-        for (const QJsonValue &word : inside)
+        for (const auto &word : inside)
             result.append(word);
     }
     return result;
@@ -125,7 +125,7 @@ QList<std::pair<QString, QString>> fields(const SpeechAPIConfiguration &configur
 QByteArray writeMultipart(const QString &audio, const QString &body, const SpeechAPIConfiguration &configuration,
                           SubtitleAI::SpeechLanguage language)
 {
-    const QByteArray boundary = "lintora-" + QUuid::createUuid().toByteArray(QUuid::Id128);
+    QByteArray boundary = "lintora-" + QUuid::createUuid().toByteArray(QUuid::Id128);
     const auto parts = fields(configuration, language);
     QFile source(audio);
     QFile target(body);
@@ -164,7 +164,7 @@ QList<Subtitle> parseResponse(QByteArrayView data, bool wantsWords, SubtitleAI::
         throw ConversionError(u"音频接口返回格式不兼容。需要含 segments 或 words 时间戳的 verbose_json。"_s);
     }
     const bool usesWords = !spoken.isEmpty() && (wantsWords || !hasSegments);
-    const QList<Subtitle> cues =
+    QList<Subtitle> cues =
         usesWords ? SpokenWords::cues(read(spoken, u"word"_s)) : cuesOfSegments(answer.value(u"segments").toArray());
     if (cues.isEmpty() && noSpeech == SubtitleAI::NoSpeech::isRefused)
         throw ConversionError(u"音频接口未返回有效语音，请检查音轨与语言。"_s);
