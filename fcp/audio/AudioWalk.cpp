@@ -36,11 +36,6 @@ bool isTooShort(const TimeRange &piece)
     return piece.isEmpty() || (piece.end && *piece.end - piece.begin < shortestPiece);
 }
 
-QString clipDetail(const QString &name)
-{
-    return u"片段：%1"_s.arg(name.isEmpty() ? u"（未命名）"_s : name);
-}
-
 /// "00:01:02.500"
 QString clockTime(const Rational &seconds)
 {
@@ -96,12 +91,7 @@ const StoryElement &AudioWalk::story(const xmlNode *element)
     const auto known = m_stories.find(element);
     if (known != m_stories.end())
         return known->second;
-    try {
-        return m_stories.emplace(element, StoryElement::read(element, m_resources)).first->second;
-    } catch (ConversionError &error) {
-        error.addDetail(clipDetail(QString::fromUtf8(Xml::attribute(element, "name").value_or(QByteArray()))));
-        throw;
-    }
+    return m_stories.emplace(element, StoryElement::read(element, m_resources)).first->second;
 }
 
 std::optional<Rational> AudioWalk::length(const StoryElement &story)
@@ -251,7 +241,7 @@ bool AudioWalk::canRead(const StoryElement &story, const Rational &begin, const 
                 m_found.skippedUnreadable.append(story.name());
             return false;
         }
-        error.addDetail(clipDetail(story.name()) + u"，时间线 "_s + clockTime(begin));
+        error.addDetail(u"时间线 %1。"_s.arg(clockTime(begin)));
         throw;
     }
 }

@@ -68,7 +68,8 @@ TEST(lintora_cli_plan, refuses_in_the_words_of_the_plan)
     EXPECT_EQ(lost.error, "找不到片段原始音视频，请先在 FCP 重新连接媒体。\n");
     EXPECT_EQ(lost.output, "");
     const auto detailed = CommandLine::run({u"plan"_s, u"--details"_s, u"-"_s}, documentOf("a.mov"));
-    EXPECT_TRUE(detailed.error.endsWith("\n片段：（未命名），时间线 00:00:05.000\n")) << detailed.error.toStdString();
+    EXPECT_TRUE(detailed.error.endsWith("\n见第 3 行的 asset-clip。 时间线 00:00:05.000。\n"))
+        << detailed.error.toStdString();
     EXPECT_EQ(CommandLine::run({u"plan"_s, u"--skip-unreadable"_s, u"-"_s}, documentOf("a.mov")).error,
               "所选 FCP 内容没有可读取的音轨。\n");
     const auto entity = CommandLine::run({u"plan"_s, u"-"_s}, "<!DOCTYPE fcpxml [<!ENTITY a 'b'>]><fcpxml/>");

@@ -186,10 +186,11 @@ TEST(AudioPlan, tells_in_the_detail_which_element_it_refuses)
     const auto clip = [](QByteArrayView attributes) { return one("asset-clip name=采访 " + attributes.toByteArray()); };
     for (const auto &[document, expected] : {
              std::pair{clip("ref=talk offset=5 duration=9s"), "第 3 行的 asset-clip“采访” 的 offset 是“5”。"},
-             std::pair{clip("ref=talk offset=0s duration=0s"), "见第 3 行的 asset-clip“采访”。"},
-             std::pair{clip("ref=lost offset=0s duration=9s"), "见第 3 行的 asset-clip“采访”。"},
-             std::pair{clip("ref=none offset=0s duration=9s"), "见第 3 行的 asset-clip“采访”。"},
-             std::pair{clip("ref=tape offset=0s start=0s duration=9s"), "见第 3 行的 asset-clip“采访”。"},
+             std::pair{clip("ref=talk offset=0s duration=0s"), "见第 3 行的 asset-clip“采访”。 时间线 00:00:00.000。"},
+             std::pair{clip("ref=lost offset=0s duration=9s"), "见第 3 行的 asset-clip“采访”。 时间线 00:00:00.000。"},
+             std::pair{clip("ref=none offset=0s duration=9s"), "见第 3 行的 asset-clip“采访”。 时间线 00:00:00.000。"},
+             std::pair{clip("ref=tape offset=0s start=0s duration=9s"),
+                       "见第 3 行的 asset-clip“采访”。 时间线 00:00:00.000。"},
              std::pair{one("\nmc-clip ref=none offset=0s duration=9s").replace("<\n", "\n<"), "见第 4 行的 mc-clip。"},
              std::pair{one("gap offset=0s duration=9s", {tag("holo-clip name=甲")}), "见第 3 行的 holo-clip“甲”。"},
              std::pair{selection({tag("clip start=0s name=" + QByteArray("长").repeated(41))}),

@@ -237,7 +237,7 @@ TEST(AudioPlan, a_clip_that_cannot_be_placed_is_named_and_left_out_only_when_ask
         FAIL() << "a clip outside of its file was planned";
     } catch (const ConversionError &error) {
         EXPECT_EQ(error.message(), u"FCP 媒体的源时间范围无法准确读取，请先导出音频。"_s);
-        EXPECT_EQ(error.detail(), u"片段：B，时间线 00:00:09.500"_s);
+        EXPECT_EQ(error.detail(), u"见第 3 行的 asset-clip“B”。 时间线 00:00:09.500。"_s);
     }
     const FCPAudioPlan found = FCPAudioPlan::parse(document, UnreadableClips::leaveOut);
     EXPECT_EQ(planText(found), QStringList({u"0: talk 0 + 9"_s, u"10.5: music 0 + 2"_s}));
