@@ -5,6 +5,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace ServiceMessage {
@@ -21,6 +23,13 @@ QString shown(const QString &text, const QString &key)
 }
 
 } // namespace
+
+QString refusal(const QString &what, int status, std::span<const Hint> hints)
+{
+    const auto last = hints.end() - 1;
+    const auto hint = std::ranges::find(hints.begin(), last, status, &Hint::status);
+    return u"%1（HTTP %2）%3"_s.arg(what, QString::number(status), hint->text);
+}
 
 QString ofError(QByteArrayView body, const QString &key)
 {

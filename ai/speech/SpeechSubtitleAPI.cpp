@@ -1,5 +1,6 @@
 #include "ai/speech/SpeechSubtitleAPI.h"
 
+#include "ai/ServiceMessage.h"
 #include "ai/speech/SpokenWords.h"
 #include "core/PlatformError.h"
 
@@ -186,23 +187,13 @@ QList<Subtitle> merge(const QList<Subtitle> &cues, const SpeechChunk &chunk, qin
 
 ConversionError requestError(int status, const QString &detail)
 {
-    const auto hint = [status] {
-        switch (status) {
-        case 401:
-            return u"请检查音频接口密钥。"_s;
-        case 403:
-            return u"请检查语音模型权限。"_s;
-        case 404:
-            return u"地址需支持 /audio/transcriptions，且模型需已开通。"_s;
-        case 413:
-            return u"服务商音频上传上限更小，请缩短素材。"_s;
-        case 429:
-            return u"请求被限流或额度不足。"_s;
-        default:
-            return u"服务商未能完成转写，请检查音频接口配置。"_s;
-        }
-    };
-    return ConversionError(u"音频转写失败（HTTP %1）"_s.arg(status) + hint() + u"原字幕已保留。"_s, detail);
+    static constexpr ServiceMessage::Hint hints[] = {{401, u"请检查音频接口密钥。"},
+                                                     {403, u"请检查语音模型权限。"},
+                                                     {404, u"地址需支持 /audio/transcriptions，且模型需已开通。"},
+                                                     {413, u"服务商音频上传上限更小，请缩短素材。"},
+                                                     {429, u"请求被限流或额度不足。"},
+                                                     {0, u"服务商未能完成转写，请检查音频接口配置。"}};
+    return ConversionError(ServiceMessage::refusal(u"音频转写失败"_s, status, hints) + u"原字幕已保留。"_s, detail);
 }
 
 } // namespace SpeechSubtitleAPI

@@ -48,7 +48,7 @@ public:
             m_used.append(key);
             return *known;
         }
-        const QByteArray received = upload(before, count);
+        QByteArray received = upload(before, count);
         m_pending = key;
         return received;
     }

@@ -29,21 +29,11 @@ void writeMessage(JsonWriter &json, QStringView role, const QString &text)
     json.endObject();
 }
 
-QString hint(int status)
-{
-    switch (status) {
-    case 401:
-        return u"请检查 API 密钥。"_s;
-    case 403:
-        return u"请检查模型开通状态与接口权限。"_s;
-    case 404:
-        return u"请检查 API 地址和模型名称。"_s;
-    case 429:
-        return u"请求被限流或额度受限，请稍后重试并查看服务商提示。"_s;
-    default:
-        return u"请检查服务商状态与接口配置。"_s;
-    }
-}
+constexpr ServiceMessage::Hint hints[] = {{401, u"请检查 API 密钥。"},
+                                          {403, u"请检查模型开通状态与接口权限。"},
+                                          {404, u"请检查 API 地址和模型名称。"},
+                                          {429, u"请求被限流或额度受限，请稍后重试并查看服务商提示。"},
+                                          {0, u"请检查服务商状态与接口配置。"}};
 
 void checkLengths(const QList<Subtitle> &rows)
 {
@@ -120,7 +110,7 @@ QString content(QByteArrayView answer)
 
 ConversionError requestError(int status, QByteArrayView body, const OnlineAIConfiguration &configuration)
 {
-    QString text = u"API 请求失败（HTTP %1）"_s.arg(status) + hint(status);
+    QString text = ServiceMessage::refusal(u"API 请求失败"_s, status, hints);
     const QString message = ServiceMessage::ofError(body, configuration.apiKey);
     if (!message.isEmpty())
         text += u"\n服务商提示："_s + message;

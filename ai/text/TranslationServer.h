@@ -23,10 +23,10 @@ public:
     TranslationServer(const TranslationServer &) = delete;
     TranslationServer &operator=(const TranslationServer &) = delete;
 
-    /// The answer to one request for completion.
+    /// The answer to one request for completion, whose JSON is `body`.
     /// @throws ConversionError "本地翻译引擎尚未就绪。" unless it is answered whole, with status 200, within 180
     /// seconds; Cancelled
-    QByteArray complete(const QByteArray &request);
+    QByteArray complete(const QByteArray &body);
 
 private:
     void waitUntilReady();
