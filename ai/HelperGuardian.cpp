@@ -104,11 +104,12 @@ pid_t start(const Helper &helper)
 
 #ifdef __linux__
 
-/// The parent of process `name`, a decimal number; 0 when it is gone.
+/// The parent of process `name`, a decimal number that a folder lists; 0 when it is gone.
 int parentOf(const char *name)
 {
-    char path[64] = "/proc/";
-    std::strncat(path, name, 20);
+    constexpr size_t longestName = sizeof(dirent64::d_name);
+    char path[longestName + 16] = "/proc/";
+    std::strncat(path, name, longestName);
     std::strncat(path, "/stat", sizeof path - std::strlen(path) - 1);
     const int file = open(path, O_RDONLY | O_CLOEXEC);
     if (file < 0)
