@@ -1,4 +1,4 @@
-#include "tests/support/CommandLine.h"
+#include "tests/support/CommandTest.h"
 
 #include "core/SRT.h"
 #include "core/files/FileReader.h"
@@ -8,7 +8,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -25,31 +24,7 @@ const QByteArray project =
     "</resources><project name='片'><sequence format='r1' duration='60s'><spine><gap offset='0s' "
     "duration='60s'/></spine></sequence></project></fcpxml>";
 
-class CommandLineTest : public ::testing::Test
-{
-protected:
-    QString path(const QString &name) const { return m_folder.filePath(name); }
-
-    QString file(const QString &name, const QByteArray &content) const
-    {
-        QFile target(path(name));
-        EXPECT_TRUE(target.open(QIODevice::WriteOnly));
-        target.write(content);
-        return target.fileName();
-    }
-
-    QStringList names() const { return QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden); }
-
-private:
-    QTemporaryDir m_folder;
-};
-
-void expectOutcome(const CommandLine::Outcome &outcome, int status, const QByteArray &output, const QByteArray &error)
-{
-    EXPECT_EQ(outcome.status, status);
-    EXPECT_EQ(outcome.output.toStdString(), output.toStdString());
-    EXPECT_EQ(outcome.error.toStdString(), error.toStdString());
-}
+using CommandLineTest = CommandTest;
 
 } // namespace
 

@@ -1,10 +1,8 @@
 #include "core/files/FileReader.h"
-#include "tests/support/CommandLine.h"
+#include "tests/support/CommandTest.h"
 #include "tests/support/StoryDocument.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -23,10 +21,10 @@ Tag title(const QByteArray &attributes, const QByteArray &content)
 }
 
 /// A folder with projects that hold titles.
-class ProjectTextCommands : public ::testing::Test
+class ProjectTextsTest : public CommandTest
 {
 protected:
-    ProjectTextCommands()
+    ProjectTextsTest()
     {
         file(u"one.fcpxml"_s,
              StoryDocument::project("20s", {tag("gap offset=0s duration=20s",
@@ -40,39 +38,20 @@ protected:
         file(u"bare.fcpxml"_s, StoryDocument::project("20s", {tag("gap offset=0s duration=20s")}));
     }
 
-    QString path(const QString &name) const { return m_folder.filePath(name); }
-
-    void file(const QString &name, const QByteArray &content) const
-    {
-        QFile target(path(name));
-        EXPECT_TRUE(target.open(QIODevice::WriteOnly));
-        target.write(content);
-    }
-
     QByteArray content(const QString &name) const { return FileReader::readAll(path(name)); }
 
     CommandLine::Outcome run(const QString &command, const QString &input, const QStringList &arguments = {}) const
     {
         return CommandLine::run(QStringList{command, path(input)} + arguments);
     }
-
-    void expect(const CommandLine::Outcome &outcome, int status, const QByteArray &output, const QByteArray &error)
-    {
-        EXPECT_EQ(outcome.status, status);
-        EXPECT_EQ(outcome.output.toStdString(), output.toStdString());
-        EXPECT_EQ(outcome.error.toStdString(), error.toStdString());
-    }
-
-private:
-    QTemporaryDir m_folder;
 };
 
-TEST_F(ProjectTextCommands, extract_writes_what_stands_in_a_project)
+TEST_F(ProjectTextsTest, extract_writes_what_stands_in_a_project)
 {
     const QByteArray srt = "1\n00:00:01,000 --> 00:00:03,000\n你好\n\n2\n00:00:07,000 --> 00:00:08,000\n再见\n";
     const auto outcome = run(u"extract"_s, u"one.fcpxml"_s);
     EXPECT_EQ(outcome.output.trimmed().toStdString(), srt.trimmed().toStdString());
-    expect(
+    expectOutcome(
         run(u"extract"_s, u"one.fcpxml"_s, {u"--json"_s}), 0,
         R"([{"items":[{"end":3000,"id":1,"start":1000,"text":"你好"},{"end":8000,"id":2,"start":7000,"text":"再见"}],)"
         R"("label":"标题","lane":1,"role":"","skipped":[{"name":"藏","reason":"已停用"}]}])"
@@ -80,32 +59,33 @@ TEST_F(ProjectTextCommands, extract_writes_what_stands_in_a_project)
         "");
 }
 
-TEST_F(ProjectTextCommands, extract_writes_a_file_for_each_track)
+TEST_F(ProjectTextsTest, extract_writes_a_file_for_each_track)
 {
-    expect(run(u"extract"_s, u"two.fcpxml"_s), 1, "", "项目中有 2 条字幕轨，请用 --into 分别写入文件夹。\n");
-    expect(run(u"extract"_s, u"two.fcpxml"_s, {u"--into"_s, path(u"out"_s)}), 0, "", "");
+    expectOutcome(run(u"extract"_s, u"two.fcpxml"_s), 1, "", "项目中有 2 条字幕轨，请用 --into 分别写入文件夹。\n");
+    expectOutcome(run(u"extract"_s, u"two.fcpxml"_s, {u"--into"_s, path(u"out"_s)}), 0, "", "");
     EXPECT_EQ(QDir(path(u"out"_s)).entryList(QDir::Files, QDir::Name), (QStringList{u"English.srt"_s, u"中_文.srt"_s}));
     EXPECT_TRUE(content(u"out/English.srt"_s).contains("Hello"));
 }
 
-TEST_F(ProjectTextCommands, extract_says_what_it_cannot_read)
+TEST_F(ProjectTextsTest, extract_says_what_it_cannot_read)
 {
-    expect(run(u"extract"_s, u"bare.fcpxml"_s), 1, "", "项目中没有可读取的字幕。\n");
-    expect(run(u"extract"_s, u"bare.fcpxml"_s, {u"--json"_s}), 0, "[]\n", "");
-    expect(run(u"extract"_s, u"one.fcpxml"_s, {u"--project"_s, u"别的"_s}), 1, "", "找不到名为“别的”的项目。\n");
+    expectOutcome(run(u"extract"_s, u"bare.fcpxml"_s), 1, "", "项目中没有可读取的字幕。\n");
+    expectOutcome(run(u"extract"_s, u"bare.fcpxml"_s, {u"--json"_s}), 0, "[]\n", "");
+    expectOutcome(run(u"extract"_s, u"one.fcpxml"_s, {u"--project"_s, u"别的"_s}), 1, "", "找不到名为“别的”的项目。\n");
     EXPECT_EQ(run(u"extract"_s, u"one.fcpxml"_s, {u"--project"_s, u"Film"_s}).status, 0);
     EXPECT_EQ(run(u"extract"_s, u"one.fcpxml"_s, {u"--into"_s, path(u"x"_s), u"-o"_s, path(u"y"_s)}).status, 2);
 }
 
-TEST_F(ProjectTextCommands, retext_puts_texts_back_and_tells_of_the_rest)
+TEST_F(ProjectTextsTest, retext_puts_texts_back_and_tells_of_the_rest)
 {
     file(u"new.srt"_s, "1\n00:00:01,000 --> 00:00:03,000\n您好\n\n2\n00:00:09,000 --> 00:00:10,000\n再见\n");
     const QString out = path(u"out.fcpxml"_s);
-    expect(run(u"retext"_s, u"one.fcpxml"_s, {path(u"new.srt"_s), u"-o"_s, out, u"--json"_s}), 0,
-           R"({"added":[],"changed":[{"after":"您好","before":"你好","cue":1,"styles":false}],)"
-           R"("moved":[{"cue":2,"end":10000,"fromEnd":8000,"fromStart":7000,"start":9000}],"refused":[],"removed":[]})"
-           "\n",
-           "");
+    expectOutcome(
+        run(u"retext"_s, u"one.fcpxml"_s, {path(u"new.srt"_s), u"-o"_s, out, u"--json"_s}), 0,
+        R"({"added":[],"changed":[{"after":"您好","before":"你好","cue":1,"styles":false}],)"
+        R"("moved":[{"cue":2,"end":10000,"fromEnd":8000,"fromStart":7000,"start":9000}],"refused":[],"removed":[]})"
+        "\n",
+        "");
     EXPECT_EQ(content(u"out.fcpxml"_s), content(u"one.fcpxml"_s).replace("你好", "您好"));
     EXPECT_EQ(run(u"retext"_s, u"one.fcpxml"_s, {path(u"new.srt"_s), u"-o"_s, out, u"--moves"_s}).status, 0);
     EXPECT_TRUE(content(u"out.fcpxml"_s).contains("offset=\"9s\""));
@@ -114,42 +94,43 @@ TEST_F(ProjectTextCommands, retext_puts_texts_back_and_tells_of_the_rest)
     EXPECT_EQ(content(u"out.fcpxml"_s), kept);
 }
 
-TEST_F(ProjectTextCommands, validate_says_what_is_wrong_and_ends_accordingly)
+TEST_F(ProjectTextsTest, validate_says_what_is_wrong_and_ends_accordingly)
 {
     file(u"good.fcpxml"_s, "<fcpxml version='1.10'><resources/></fcpxml>");
     file(u"warned.fcpxml"_s, "<fcpxml version='1.5'/>");
     file(u"bad.fcpxml"_s, "<fcpxml version='1.10'>\n<wrong/></fcpxml>");
-    expect(run(u"validate"_s, u"good.fcpxml"_s, {u"--json"_s, u"--strict"_s}), 0, "[]\n", "");
+    expectOutcome(run(u"validate"_s, u"good.fcpxml"_s, {u"--json"_s, u"--strict"_s}), 0, "[]\n", "");
     EXPECT_EQ(run(u"validate"_s, u"warned.fcpxml"_s).status, 0);
     EXPECT_EQ(run(u"validate"_s, u"warned.fcpxml"_s, {u"--strict"_s}).status, 1);
-    expect(run(u"validate"_s, u"bad.fcpxml"_s), 1,
-           "第 2 行 wrong：错误，这个版本没有此元素。删除此元素，或改用支持它的版本。\n",
-           "文档有 1 处错误、0 处警告。\n");
-    expect(run(u"validate"_s, u"bad.fcpxml"_s, {u"--json"_s}), 1,
-           R"([{"element":"wrong","fix":"删除此元素，或改用支持它的版本。","line":2,"message":"这个版本没有此元素。",)"
-           R"("rule":"dtd.element","severity":"error"}])"
-           "\n",
-           "文档有 1 处错误、0 处警告。\n");
+    expectOutcome(run(u"validate"_s, u"bad.fcpxml"_s), 1,
+                  "第 2 行 wrong：错误，这个版本没有此元素。删除此元素，或改用支持它的版本。\n",
+                  "文档有 1 处错误、0 处警告。\n");
+    expectOutcome(
+        run(u"validate"_s, u"bad.fcpxml"_s, {u"--json"_s}), 1,
+        R"([{"element":"wrong","fix":"删除此元素，或改用支持它的版本。","line":2,"message":"这个版本没有此元素。",)"
+        R"("rule":"dtd.element","severity":"error"}])"
+        "\n",
+        "文档有 1 处错误、0 处警告。\n");
 }
 
-TEST_F(ProjectTextCommands, merge_writes_one_bilingual_track)
+TEST_F(ProjectTextsTest, merge_writes_one_bilingual_track)
 {
     file(u"a.srt"_s, "1\n00:00:01,000 --> 00:00:03,000\n你好\n");
     file(u"b.srt"_s, "1\n00:00:01,100 --> 00:00:03,000\nHello\n\n2\n00:00:05,000 --> 00:00:06,000\nBye\n");
-    expect(run(u"merge"_s, u"a.srt"_s, {path(u"b.srt"_s), u"--json"_s, u"--separator"_s, u"|"_s}), 0,
-           R"({"items":[{"end":3000,"id":1,"start":1000,"text":"你好|Hello"},)"
-           R"({"end":6000,"id":2,"start":5000,"text":"Bye"}],"unmatchedA":[],)"
-           R"("unmatchedB":[{"end":6000,"id":2,"start":5000,"text":"Bye"}]})"
-           "\n",
-           "");
+    expectOutcome(run(u"merge"_s, u"a.srt"_s, {path(u"b.srt"_s), u"--json"_s, u"--separator"_s, u"|"_s}), 0,
+                  R"({"items":[{"end":3000,"id":1,"start":1000,"text":"你好|Hello"},)"
+                  R"({"end":6000,"id":2,"start":5000,"text":"Bye"}],"unmatchedA":[],)"
+                  R"("unmatchedB":[{"end":6000,"id":2,"start":5000,"text":"Bye"}]})"
+                  "\n",
+                  "");
     EXPECT_TRUE(run(u"merge"_s, u"a.srt"_s, {path(u"b.srt"_s)}).output.contains("你好\nHello\n"));
 }
 
-TEST_F(ProjectTextCommands, titles_offer_a_way_on_where_a_project_refuses)
+TEST_F(ProjectTextsTest, titles_offer_a_way_on_where_a_project_refuses)
 {
     file(u"long.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n\n2\n00:00:19,000 --> 00:00:25,000\n二\n");
     const QStringList into{u"--base"_s, path(u"bare.fcpxml"_s)};
-    expect(run(u"titles"_s, u"long.srt"_s, into), 1, "", "字幕超出项目时长，请检查音频版本或时间偏移。\n");
+    expectOutcome(run(u"titles"_s, u"long.srt"_s, into), 1, "", "字幕超出项目时长，请检查音频版本或时间偏移。\n");
     const auto dropped =
         run(u"titles"_s, u"long.srt"_s, into + QStringList{u"--past-end"_s, u"drop"_s, u"--progress"_s});
     EXPECT_EQ(dropped.output.count("<title "), 1);

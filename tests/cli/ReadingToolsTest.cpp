@@ -1,8 +1,5 @@
 #include "core/files/FileReader.h"
-#include "tests/support/CommandLine.h"
-
-#include <QFile>
-#include <QTemporaryDir>
+#include "tests/support/CommandTest.h"
 
 #include <gtest/gtest.h>
 
@@ -10,34 +7,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A folder for input and output.
-class ReadingTools : public ::testing::Test
-{
-protected:
-    QString path(const QString &name) const { return m_folder.filePath(name); }
-
-    QString file(const QString &name, const QByteArray &content) const
-    {
-        QFile target(path(name));
-        EXPECT_TRUE(target.open(QIODevice::WriteOnly));
-        target.write(content);
-        return target.fileName();
-    }
-
-private:
-    QTemporaryDir m_folder;
-};
-
-void expectOutcome(const CommandLine::Outcome &outcome, int status, const QByteArray &output, const QByteArray &error)
-{
-    EXPECT_EQ(outcome.status, status);
-    EXPECT_EQ(outcome.output.toStdString(), output.toStdString());
-    EXPECT_EQ(outcome.error.toStdString(), error.toStdString());
-}
+using ReadingToolsTest = CommandTest;
 
 } // namespace
 
-TEST_F(ReadingTools, convert_script_converts_all_but_the_names_kept)
+TEST_F(ReadingToolsTest, convert_script_converts_all_but_the_names_kept)
 {
     const QString in = file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n張國榮的頭髮\n");
     const QString out = path(u"out.srt"_s);
@@ -51,7 +25,7 @@ TEST_F(ReadingTools, convert_script_converts_all_but_the_names_kept)
     EXPECT_EQ(CommandLine::run({u"convert-script"_s, in}).status, 2);
 }
 
-TEST_F(ReadingTools, break_makes_cues_or_lines_of_long_cues)
+TEST_F(ReadingToolsTest, break_makes_cues_or_lines_of_long_cues)
 {
     const QString in = file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:03,000\n我觉得这个方案不错不过预算可能不够\n");
     const QString out = path(u"out.srt"_s);
@@ -75,7 +49,7 @@ TEST_F(ReadingTools, break_makes_cues_or_lines_of_long_cues)
         EXPECT_EQ(CommandLine::run(QStringList{u"break"_s, in} + wrong).status, 2) << wrong[1].toStdString();
 }
 
-TEST_F(ReadingTools, check_lists_findings_and_fixes_what_is_safe)
+TEST_F(ReadingToolsTest, check_lists_findings_and_fixes_what_is_safe)
 {
     const QString in = file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n你好,世界\n\n"
                                          "2\n00:00:02,040 --> 00:00:03,000\n（再见\n");
@@ -103,7 +77,7 @@ TEST_F(ReadingTools, check_lists_findings_and_fixes_what_is_safe)
     EXPECT_TRUE(CommandLine::run({u"check"_s, u"--help"_s}).output.contains("\"smallestGapFrames\":2"));
 }
 
-TEST_F(ReadingTools, srt_repairs_only_by_choice_and_says_what_it_did)
+TEST_F(ReadingToolsTest, srt_repairs_only_by_choice_and_says_what_it_did)
 {
     const QString in = file(u"in.srt"_s, "1\n00:00:01,5 --> 00:00:02,000\n\xC4\xE3\xBA\xC3\xA3\xAC\xCA\xC0\xBD\xE7\n");
     expectOutcome(CommandLine::run({u"srt"_s, in}), 1, {}, "字幕编码不支持。请先另存为 UTF-8 或 UTF-16。\n");

@@ -1,4 +1,4 @@
-#include "tests/support/CommandLine.h"
+#include "tests/support/CommandTest.h"
 
 #include "core/SRT.h"
 #include "core/files/FileReader.h"
@@ -11,7 +11,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -20,22 +19,13 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The program with a home folder of its own.
-class StoreCommandsTest : public ::testing::Test
+class StoreCommandsTest : public CommandTest
 {
 protected:
-    StoreCommandsTest() { qputenv("HOME", QDir(m_folder.path()).canonicalPath().toUtf8()); }
+    StoreCommandsTest() { qputenv("HOME", QDir(path(u"."_s)).canonicalPath().toUtf8()); }
     ~StoreCommandsTest() override { qputenv("HOME", m_formerHome); }
 
-    QString file(const QString &name, const QByteArray &content) const
-    {
-        QFile target(m_folder.filePath(name));
-        EXPECT_TRUE(target.open(QIODevice::WriteOnly));
-        target.write(content);
-        return target.fileName();
-    }
-
 private:
-    QTemporaryDir m_folder;
     QByteArray m_formerHome = qgetenv("HOME");
 };
 

@@ -1,9 +1,8 @@
 #include "core/files/FileReader.h"
-#include "tests/support/CommandLine.h"
+#include "tests/support/CommandTest.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -12,24 +11,14 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// A folder with a bilingual subtitle file of three cues.
-class TextTools : public ::testing::Test
+class TextToolsTest : public CommandTest
 {
 protected:
-    TextTools()
+    TextToolsTest()
     {
         file(u"in.srt"_s, "1\n00:00:00,000 --> 00:00:03,000\n嗯，你好，世界。\nHello, world\n\n"
                           "2\n00:00:03,000 --> 00:00:04,000\n哈哈哈！\n\n"
                           "3\n00:00:04,000 --> 00:00:06,000\n再见\nПока\n");
-    }
-
-    QString path(const QString &name) const { return m_folder.filePath(name); }
-
-    QString file(const QString &name, const QByteArray &content) const
-    {
-        QFile target(path(name));
-        EXPECT_TRUE(target.open(QIODevice::WriteOnly));
-        target.write(content);
-        return target.fileName();
     }
 
     /// Runs `command` on the file with `arguments`.
@@ -37,22 +26,7 @@ protected:
     {
         return CommandLine::run(QStringList{command, path(u"in.srt"_s)} + arguments, input);
     }
-
-    QStringList names(const QString &folder) const
-    {
-        return QDir(path(folder)).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-    }
-
-private:
-    QTemporaryDir m_folder;
 };
-
-void expectOutcome(const CommandLine::Outcome &outcome, int status, const QByteArray &output, const QByteArray &error)
-{
-    EXPECT_EQ(outcome.status, status);
-    EXPECT_EQ(outcome.output.toStdString(), output.toStdString());
-    EXPECT_EQ(outcome.error.toStdString(), error.toStdString());
-}
 
 QByteArray wrongUse(const QByteArray &problem)
 {
@@ -61,7 +35,7 @@ QByteArray wrongUse(const QByteArray &problem)
 
 } // namespace
 
-TEST_F(TextTools, clean_removes_fillers_and_splits)
+TEST_F(TextToolsTest, clean_removes_fillers_and_splits)
 {
     expectOutcome(run(u"clean"_s, {u"--fillers"_s, u"--split"_s, u"--json"_s}), 0,
                   "[{\"end\":529,\"id\":1,\"start\":176,\"text\":\"你好\"},"
@@ -76,7 +50,7 @@ TEST_F(TextTools, clean_removes_fillers_and_splits)
                   "已清理：3 条字幕变为 2 条\n");
 }
 
-TEST_F(TextTools, clean_takes_a_word_list)
+TEST_F(TextToolsTest, clean_takes_a_word_list)
 {
     const QByteArray cleaned = "[{\"end\":3000,\"id\":1,\"start\":0,\"text\":\"嗯，你好，界。\\nHello,\"},"
                                "{\"end\":4000,\"id\":2,\"start\":3000,\"text\":\"哈哈哈！\"},"
@@ -98,7 +72,7 @@ TEST_F(TextTools, clean_takes_a_word_list)
                   wrongUse("字幕与词表不能同时来自标准输入"));
 }
 
-TEST_F(TextTools, replace_previews_and_applies)
+TEST_F(TextToolsTest, replace_previews_and_applies)
 {
     expectOutcome(run(u"replace"_s, {u"--find"_s, u"哈"_s, u"--with"_s, u""_s, u"--preview"_s}), 0,
                   "[{\"after\":\"！\",\"becomesEmpty\":false,\"id\":1,\"occurrences\":3}]\n", {});
@@ -128,7 +102,7 @@ TEST_F(TextTools, replace_previews_and_applies)
     EXPECT_EQ(run(u"replace"_s, {u"--find"_s, u"x"_s, u"--with"_s, u""_s, u"--preview"_s, u"-o"_s, out}).status, 2);
 }
 
-TEST_F(TextTools, separate_writes_a_file_for_each_language)
+TEST_F(TextToolsTest, separate_writes_a_file_for_each_language)
 {
     expectOutcome(run(u"separate"_s, {u"--into"_s, path(u"a/b"_s), u"--progress"_s}), 0, {},
                   "中文：3 条字幕\nEnglish：1 条字幕\n待归类：1 条字幕\n");
@@ -145,7 +119,7 @@ TEST_F(TextTools, separate_writes_a_file_for_each_language)
         {});
 }
 
-TEST_F(TextTools, separate_writes_nothing_without_both_languages)
+TEST_F(TextToolsTest, separate_writes_nothing_without_both_languages)
 {
     const QString chinese = file(u"zh.srt"_s, "1\n00:00:00,000 --> 00:00:03,000\n你好\nПока\n");
     expectOutcome(CommandLine::run({u"separate"_s, chinese, u"--json"_s, u"--into"_s, path(u"new"_s)}), 1, {},
@@ -161,7 +135,7 @@ TEST_F(TextTools, separate_writes_nothing_without_both_languages)
     EXPECT_EQ(names(u"out"_s), QStringList{u"中文.srt"_s});
 }
 
-TEST_F(TextTools, align_applies_what_is_selected)
+TEST_F(TextToolsTest, align_applies_what_is_selected)
 {
     const QString script =
         file(u"script.txt"_s, "\xEF\xBB\xBF你好，世界！\rHello, World.\r\n多余的一段。\r\n再见，пока。");
@@ -186,7 +160,7 @@ TEST_F(TextTools, align_applies_what_is_selected)
     EXPECT_EQ(FileReader::readAll(out), aligned);
 }
 
-TEST_F(TextTools, align_applies_every_match_when_told_to)
+TEST_F(TextToolsTest, align_applies_every_match_when_told_to)
 {
     const QByteArray script = "再见，По。";
     const QByteArray unsure = "再见，По。\n";
@@ -199,7 +173,7 @@ TEST_F(TextTools, align_applies_every_match_when_told_to)
     EXPECT_EQ(run(u"align"_s, {}).status, 2);
 }
 
-TEST_F(TextTools, nothing_of_the_users_is_lost_to_a_result)
+TEST_F(TextToolsTest, nothing_of_the_users_is_lost_to_a_result)
 {
     const QString original = file(u"中文.srt"_s, FileReader::readAll(path(u"in.srt"_s)));
     const auto onto = CommandLine::run({u"separate"_s, original, u"--into"_s, path(u"."_s)});
@@ -215,7 +189,7 @@ TEST_F(TextTools, nothing_of_the_users_is_lost_to_a_result)
     EXPECT_EQ(FileReader::readAll(kept), "mine");
 }
 
-TEST_F(TextTools, an_empty_value_may_follow_an_equals_sign)
+TEST_F(TextToolsTest, an_empty_value_may_follow_an_equals_sign)
 {
     expectOutcome(run(u"replace"_s, {u"--find=嗯，"_s, u"--with="_s, u"--preview"_s}), 0,
                   "[{\"after\":\"你好，世界。\\nHello, world\",\"becomesEmpty\":false,\"id\":0,\"occurrences\":1}]\n",
@@ -224,7 +198,7 @@ TEST_F(TextTools, an_empty_value_may_follow_an_equals_sign)
     EXPECT_EQ(run(u"separate"_s, {u"--into"_s, u""_s}).status, 2);
 }
 
-TEST_F(TextTools, a_transcript_that_is_cut_in_a_character_is_refused)
+TEST_F(TextToolsTest, a_transcript_that_is_cut_in_a_character_is_refused)
 {
     for (const QByteArray &bytes : {QByteArray("\xFF\xFE\x60\x4F\x7D", 5), QByteArray("\xFF\xFE\x60\x4F\x3D\xD8", 6),
                                     QByteArray("\xE4\xBD\xA0\xE5")})
