@@ -45,7 +45,7 @@ public:
             {.id = QUuid::createUuid(), .label = u"中文"_s, .items = Corpus::cues(10'000), .options = style()}};
         m_model.apply(job);
         paint();
-        m_model.setSettingsVisible(true);
+        m_model.window().setSettingsVisible(true);
         paint();
     }
 
@@ -109,9 +109,9 @@ void reopen(benchmark::State &state)
 {
     Window window(QSize(640, 790));
     for (auto _ : state) {
-        window.model().setSettingsVisible(false);
+        window.model().window().setSettingsVisible(false);
         paint();
-        window.model().setSettingsVisible(true);
+        window.model().window().setSettingsVisible(true);
         paint();
     }
 }

@@ -207,7 +207,7 @@ void changeTab(benchmark::State &state)
 void typeIntoFind(benchmark::State &state)
 {
     Window window(10'000);
-    window.model().setFindReplaceVisible(true);
+    window.model().window().setFindReplaceVisible(true);
     settle();
     QLineEdit *const field = window.panel().findChild<FindReplaceWorkspace *>()->findChild<QLineEdit *>();
     const QStringList words{u"的"_s, u"的是"_s, u"我"_s, u"我们"_s, u"不"_s};

@@ -81,11 +81,13 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
     connect(m_fillers, &CheckBox::clicked, &model, &LintoraModel::setRemoveFillers);
     connect(m_punctuation, &CheckBox::clicked, &model, &LintoraModel::setRemovePunctuation);
     connect(m_settings, &QToolButton::clicked, this,
-            [this] { perform([this] { m_model.setCleanupSettingsVisible(true); }); });
+            [this] { perform([this] { m_model.window().setCleanupSettingsVisible(true); }); });
     connect(m_clean, &QPushButton::clicked, this, [this] { perform([this] { m_model.clean(); }); });
     connect(m_undo, &QToolButton::clicked, this, [this] { perform([this] { undo(); }); });
-    connect(m_find, &QPushButton::clicked, this, [this] { perform([this] { m_model.setFindReplaceVisible(true); }); });
-    connect(style, &QPushButton::clicked, this, [this] { perform([this] { m_model.setSettingsVisible(true); }); });
+    connect(m_find, &QPushButton::clicked, this,
+            [this] { perform([this] { m_model.window().setFindReplaceVisible(true); }); });
+    connect(style, &QPushButton::clicked, this,
+            [this] { perform([this] { m_model.window().setSettingsVisible(true); }); });
     connect(m_separate, &QPushButton::clicked, this, [this] {
         perform([this] {
             if (m_model.splitOriginal())

@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-Header::Header(LintoraModel &model, QWidget *parent)
+Header::Header(WindowState &window, QWidget *parent)
     : QWidget(parent)
 {
     auto *const tagline = Controls::note(u"语音识别 · 中英互译 · FCP"_s, this);
@@ -21,11 +21,11 @@ Header::Header(LintoraModel &model, QWidget *parent)
     pin->setIcon(VELTheme::icon(VELTheme::Glyph::pin, *pin));
     pin->setIconSize({VELTheme::iconSize, VELTheme::iconSize});
     pin->setCheckable(true);
-    pin->setChecked(model.pinned());
+    pin->setChecked(window.pinned());
     pin->setToolTip(u"让字幕助手保持在 FCP 前方，再次点击取消"_s);
     pin->setAccessibleDescription(pin->toolTip());
-    connect(pin, &QPushButton::clicked, &model, &LintoraModel::toggleFloating);
-    connect(&model, &LintoraModel::pinnedChanged, pin, [&model, pin] { pin->setChecked(model.pinned()); });
+    connect(pin, &QPushButton::clicked, &window, &WindowState::toggleFloating);
+    connect(&window, &WindowState::pinnedChanged, pin, [&window, pin] { pin->setChecked(window.pinned()); });
 
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(VELTheme::margin, VELTheme::step * 2, VELTheme::margin, VELTheme::step * 2);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/model/LintoraModel.h"
+#include "app/model/WindowState.h"
 
 #include <QWidget>
 
@@ -10,6 +10,6 @@ class Header : public QWidget
     Q_OBJECT
 
 public:
-    /// `model` must live as long as this.
-    explicit Header(LintoraModel &model, QWidget *parent = nullptr);
+    /// `window` must live as long as this.
+    explicit Header(WindowState &window, QWidget *parent = nullptr);
 };

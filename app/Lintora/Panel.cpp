@@ -43,7 +43,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
 
     // In the order of the eye, which the Tab key follows.
     m_stage = new QWidget(this);
-    auto *const header = new Header(model, m_stage);
+    auto *const header = new Header(model.window(), m_stage);
     m_import = new UnifiedImportArea(model, m_stage);
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
     note->setAlignment(Qt::AlignCenter);
@@ -80,11 +80,10 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     connect(&model, &LintoraModel::stepped, this, &LintoraPanel::bringCue);
     connect(&model, &LintoraModel::itemsChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::tracksChanged, this, &LintoraPanel::followCues);
-    connect(&model, &LintoraModel::cleanupSettingsVisibleChanged, this, &LintoraPanel::followSheets);
-    connect(&model, &LintoraModel::findReplaceVisibleChanged, this, &LintoraPanel::followSheets);
-    connect(&model, &LintoraModel::scriptMatchPresentedChanged, this, &LintoraPanel::followSheets);
-    connect(&model, &LintoraModel::settingsVisibleChanged, this, &LintoraPanel::followSheets);
-    connect(&model, &LintoraModel::fcpImportVisibleChanged, this, &LintoraPanel::followSheets);
+    for (const auto signal : {&WindowState::cleanupSettingsVisibleChanged, &WindowState::findReplaceVisibleChanged,
+                              &WindowState::scriptMatchPresentedChanged, &WindowState::settingsVisibleChanged,
+                              &WindowState::fcpImportVisibleChanged})
+        connect(&model.window(), signal, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::splitOriginalChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::previousItemsChanged, this, &LintoraPanel::followCues);
     new QuitQuestion(model, m_stage);
@@ -192,14 +191,15 @@ void LintoraPanel::showSheet(Workspace *&workspace, bool visible)
 
 void LintoraPanel::followSheets()
 {
-    showFCPImport(m_model.fcpImportVisible());
-    showSheet(m_cleanup, m_model.cleanupSettingsVisible());
+    const WindowState &window = m_model.window();
+    showFCPImport(window.fcpImportVisible());
+    showSheet(m_cleanup, window.cleanupSettingsVisible());
     const bool isFirst = !m_findReplace;
-    showSheet(m_findReplace, m_model.findReplaceVisible());
+    showSheet(m_findReplace, window.findReplaceVisible());
     if (isFirst && m_findReplace)
         connect(m_findReplace, &FindReplaceWorkspace::cueRequested, this, &LintoraPanel::showCue);
-    showSheet(m_scriptMatch, m_model.scriptMatchPresented());
-    showSheet(m_style, m_model.settingsVisible());
+    showSheet(m_scriptMatch, window.scriptMatchPresented());
+    showSheet(m_style, window.settingsVisible());
     showStyle();
 }
 
@@ -221,7 +221,7 @@ void LintoraPanel::showFCPImport(bool visible)
         auto *const area = new FileDropArea(m_model, FileDropArea::Form::Large, {}, m_fcpImport);
         area->setMinimumHeight(area->sizeHint().height());
         body.addWidget(area);
-        connect(m_fcpImport, &Sheet::closeRequested, this, [this] { m_model.setFCPImportVisible(false); });
+        connect(m_fcpImport, &Sheet::closeRequested, this, [this] { m_model.window().setFCPImportVisible(false); });
     }
     if (visible)
         m_fcpImport->open();
@@ -242,7 +242,7 @@ void LintoraPanel::bringCue(qsizetype cue)
 /// Brings a cue that a tool has found before the eye.
 void LintoraPanel::showCue(qsizetype cue)
 {
-    m_model.setFindReplaceVisible(false);
+    m_model.window().setFindReplaceVisible(false);
     bringCue(cue);
     m_table->setFocus();
 }
@@ -269,7 +269,7 @@ void LintoraPanel::keyPressEvent(QKeyEvent *event)
     else if (event->matches(QKeySequence::Redo))
         m_model.redo();
     else if (event->matches(QKeySequence::Find))
-        m_model.setFindReplaceVisible(true);
+        m_model.window().setFindReplaceVisible(true);
     else
         QWidget::keyPressEvent(event);
 }

@@ -45,6 +45,8 @@ void EditHistory::record(const LintoraSession &state, const QString &title)
 {
     FrozenSession frozen = freeze(state);
     frozen.title = title;
+    if (m_mark && m_past.size() < *m_mark)
+        m_mark.reset();
     m_past.push_back(std::move(m_frozen));
     m_future.clear();
     makeCurrent(std::move(frozen), state);

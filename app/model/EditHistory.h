@@ -4,6 +4,9 @@
 #include "store/LintoraSession.h"
 
 #include <deque>
+#include <memory>
+#include <optional>
+#include <vector>
 
 /// The states that a session went through, to go back and forth between. Without a limit.
 ///
@@ -38,6 +41,11 @@ public:
     /// Puts `state` between the current one and the one before, so that undoing once leads to it.
     void insertBefore(const LintoraSession &state, const QString &title = {});
 
+    /// The current state, and those that follow it, are beyond the mark. It is gone when no undo() and redo() leads to
+    /// the marked state any more.
+    void mark() { m_mark = m_past.size(); }
+    bool isBeyondMark() const { return m_mark && m_past.size() >= *m_mark; }
+
     const LintoraSession &undo(); ///< Goes back and returns the state. There must be one.
     const LintoraSession &redo(); ///< Goes forth and returns the state. There must be one.
 
@@ -69,4 +77,5 @@ private:
     std::deque<FrozenSession> m_future; ///< The next one to be redone last.
     FrozenSession m_frozen;             ///< The current state, put away.
     LintoraSession m_current;
+    std::optional<size_t> m_mark; ///< Of past states at the marked one.
 };

@@ -6,10 +6,8 @@
 #include "store/Locations.h"
 
 #include <QFileInfo>
-#include <QScopeGuard>
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -34,32 +32,44 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     , m_keeper(surroundings.draftURL.value_or(Locations::draft()))
     , m_recent(QFileInfo(m_keeper.draftURL()).path() + u"/Recent"_s)
     , m_recentSessions(m_recent.list())
-    , m_session(SessionTracks::normalized(m_keeper.loadDraft().value_or(firstSession(surroundings.font))))
-    , m_history(m_session)
+    , m_session(m_keeper.loadDraft().value_or(firstSession(surroundings.font)))
     , m_fillerWords(m_preferences.fillerWords())
-    , m_pinned(m_preferences.floatingPinned())
 {
     try {
         m_stylePresets.load();
     } catch (const std::exception &error) {
         m_message = u"样式预设未能读取："_s + QString::fromUtf8(error.what());
     }
+    const auto refuse = qOverload<const Failure &>(&LintoraModel::reportFailure);
     for (const BackgroundTask *const task : m_tasks)
         connect(task, &BackgroundTask::progressChanged, this, &LintoraModel::activityChanged);
     connect(&m_stylePresets, &StylePresets::done, this, &LintoraModel::report);
-    connect(&m_stylePresets, &StylePresets::refused, this, qOverload<const Failure &>(&LintoraModel::reportFailure));
-    connect(&m_keeper, &SessionKeeper::arrived, this, &LintoraModel::takeSession);
-    connect(&m_keeper, &SessionKeeper::overruled, this, &LintoraModel::keepOverruled);
+    connect(&m_stylePresets, &StylePresets::refused, this, refuse);
+    connect(&m_session, &EditedSession::aboutToLoad, this, &LintoraModel::makeRoomFor);
+    connect(&m_session, &EditedSession::changed, this, &LintoraModel::tell);
+    connect(&m_session, &EditedSession::historyChanged, this, &LintoraModel::historyChanged);
+    connect(&m_owner, &CueOwnership::refused, this, refuse);
+    connect(&m_owner, &CueOwnership::busyChanged, this, &LintoraModel::aiBusyChanged);
+    connect(&m_owner, &CueOwnership::busyChanged, this, &LintoraModel::historyChanged);
+    connect(&m_scriptMatching, &ScriptMatching::aboutToApply, this, [this] { keepSession(u"文稿匹配前_"_s); });
+    connect(&m_scriptMatching, &ScriptMatching::done, this, &LintoraModel::report);
+    connect(&m_link, &SessionLink::opened, this, [this] { report(source().isEmpty() ? QString() : u"已载入"_s); });
+    connect(&m_link, &SessionLink::freed, this, &LintoraModel::schedulePersist);
     connect(&m_keeper, &SessionKeeper::failureChanged, this, &LintoraModel::reportUnsaved);
 }
 
-LintoraModel::~LintoraModel() = default;
+/// What is under way ends while all that its end concerns is there.
+LintoraModel::~LintoraModel()
+{
+    for (BackgroundTask *const task : m_tasks)
+        task->finish();
+}
 
 QList<SubtitleTrack> LintoraModel::visibleTracks() const
 {
     QList<SubtitleTrack> shown = tracks();
     if (shown.size() > 1)
-        shown.removeIf([&](const SubtitleTrack &track) { return track.id == m_session.splitOriginal; });
+        shown.removeIf([&](const SubtitleTrack &track) { return track.id == m_session.state().splitOriginal; });
     return shown;
 }
 
@@ -69,13 +79,14 @@ bool LintoraModel::isInUse() const
         return true;
     // Cleaned away, kept from before a separation, or deleted.
     const auto isCleaned = [](const SubtitleTrack &each) { return each.previousItems.has_value(); };
-    return splitOriginal() || std::ranges::any_of(tracks(), isCleaned) || (!tracks().isEmpty() && m_history.canUndo());
+    return splitOriginal() || std::ranges::any_of(tracks(), isCleaned) ||
+           (!tracks().isEmpty() && m_session.history().canUndo());
 }
 
 void LintoraModel::apply(const LintoraSession &session)
 {
-    if (!refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
-        replaceSession(SessionTracks::normalized(session), u"载入字幕"_s, Step::load);
+    if (!m_owner.refuses(u"任务处理中，请先取消再切换文件"_s))
+        m_session.replace(SessionTracks::normalized(session), u"载入字幕"_s, EditStep::load);
 }
 
 // What is said
@@ -101,49 +112,20 @@ void LintoraModel::reportFailure(const Failure &failure)
     publish(m_failure, std::optional(failure), &LintoraModel::failureChanged);
 }
 
-bool LintoraModel::refuseWhileBusy(const QString &sentence)
-{
-    if (aiBusy())
-        reportFailure(sentence);
-    return aiBusy();
-}
-
 // The session
 
-/// `title` says what is done, for those who undo it.
-void LintoraModel::replaceSession(LintoraSession next, const QString &title, Step step)
+/// Work that another session is about to take the place of can be had back after the end of the program too.
+void LintoraModel::makeRoomFor(const LintoraSession &next)
 {
-    if (next == m_session)
-        return;
-    if (step == Step::load) {
-        Q_EMIT aboutToLoad();
-        keepEdited();
-        m_sessionAsLoaded = next;
-    }
-    const LintoraSession before = std::exchange(m_session, std::move(next));
-    // A gesture goes on only through its own changes: whatever else happens in the middle is a step by itself.
-    m_isGesture = m_isGesture && step != Step::record && step != Step::load;
-    const bool continues =
-        (step == Step::gesture && m_isGesture && m_gestureRecorded) || (m_isGroup && m_groupRecorded);
-    if (step == Step::amend || continues) {
-        m_history.amend(m_session, step == Step::amend ? QString() : title);
-    } else {
-        // A step made beyond the session's opening leads away from it for good.
-        if (m_history.pastCount() < m_sessionBegins)
-            m_sessionBegins = std::numeric_limits<size_t>::max();
-        m_history.record(m_session, title);
-    }
-    m_gestureRecorded = m_gestureRecorded || step == Step::gesture;
-    m_groupRecorded = m_groupRecorded || step != Step::amend;
-    tell(before, step == Step::load);
+    Q_EMIT aboutToLoad();
+    if (hasCues() && !(m_sessionAsLoaded && m_sessionAsLoaded->tracks == m_session.state().tracks))
+        keepSession();
+    m_sessionAsLoaded = next;
 }
 
 /// Says and saves what has changed.
 void LintoraModel::tell(const LintoraSession &before, bool isLoaded)
 {
-    // Only what will be written: until then the session's own versions wait.
-    if (isInSession() && !m_heldSession)
-        m_keeper.announceChange();
     schedulePersist();
     if (isLoaded)
         Q_EMIT loaded();
@@ -151,17 +133,10 @@ void LintoraModel::tell(const LintoraSession &before, bool isLoaded)
     Q_EMIT historyChanged();
 }
 
-void LintoraModel::replaceItems(const QList<Subtitle> &items, const QString &title)
-{
-    LintoraSession next = m_session;
-    next.items = items;
-    replaceSession(SessionTracks::committed(std::move(next)), title);
-}
-
 void LintoraModel::emitChanges(const LintoraSession &before)
 {
     // A receiver may change the session again; it then hears of that first, which is the newer state anyway.
-    const LintoraSession now = m_session;
+    const LintoraSession now = m_session.state();
     const bool haveCuesChanged = before.items != now.items;
     if (haveCuesChanged)
         Q_EMIT itemsChanged();
@@ -191,7 +166,7 @@ void LintoraModel::emitChanges(const LintoraSession &before)
 
 void LintoraModel::selectTrack(const QUuid &id)
 {
-    replaceSession(SessionTracks::selecting(m_session, id), {}, Step::amend);
+    m_session.replace(SessionTracks::selecting(m_session.state(), id), {}, EditStep::amend);
 }
 
 void LintoraModel::moveCue(qsizetype index, QUuid to)
@@ -201,13 +176,13 @@ void LintoraModel::moveCue(qsizetype index, QUuid to)
 
 void LintoraModel::moveCues(const QList<qsizetype> &indices, QUuid to)
 {
-    const auto target = SessionTracks::indexOf(m_session, to);
+    const auto target = SessionTracks::indexOf(m_session.state(), to);
     const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
-    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || indices.isEmpty() ||
+    if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s) || indices.isEmpty() ||
         !std::ranges::all_of(indices, isThere) || to == selectedTrackID() || to == splitOriginal() || !target)
         return;
     const QString label = tracks().at(*target).label;
-    replaceSession(SessionTracks::movingCues(m_session, indices, to), u"移动字幕"_s);
+    m_session.replace(SessionTracks::movingCues(m_session.state(), indices, to), u"移动字幕"_s);
     report(u"已移到“%1”"_s.arg(label));
 }
 
@@ -219,10 +194,10 @@ std::optional<qsizetype> LintoraModel::editCues(const QString &title, const QLis
 {
     // The list may have become shorter since somebody looked at it.
     const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
-    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s) || !std::ranges::all_of(indices, isThere))
+    if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s) || !std::ranges::all_of(indices, isThere))
         return std::nullopt;
     try {
-        replaceItems(change(items()), title);
+        m_session.replaceItems(change(items()), title);
     } catch (const ConversionError &error) {
         reportFailure(Failure::of(error));
         return std::nullopt;
@@ -247,7 +222,7 @@ std::optional<qsizetype> LintoraModel::insertCue(qsizetype after)
 {
     if (tracks().isEmpty() && !aiBusy()) {
         const QList<Subtitle> first = CueEditing::inserting({}, -1);
-        replaceSession(SessionTracks::importing(m_session, first, source()), u"插入字幕"_s);
+        m_session.replace(SessionTracks::importing(m_session.state(), first, source()), u"插入字幕"_s);
         return 0;
     }
     const QList<qsizetype> neighbours = after < 0 ? QList<qsizetype>() : QList<qsizetype>{after};
@@ -288,46 +263,47 @@ std::optional<qsizetype> LintoraModel::joinWithNext(qsizetype index)
 
 void LintoraModel::asOneStep(const std::function<void()> &changes)
 {
-    m_isGroup = true;
-    m_groupRecorded = false;
-    const auto end = qScopeGuard([this] { m_isGroup = false; });
-    changes();
+    m_session.asOneStep(changes);
+}
+
+const QString &LintoraModel::undoTitle() const
+{
+    return m_session.history().undoTitle();
+}
+
+QString LintoraModel::redoTitle() const
+{
+    return m_session.history().redoTitle();
 }
 
 bool LintoraModel::canUndo() const
 {
-    return m_history.canUndo() && !aiBusy();
+    return m_session.history().canUndo() && !aiBusy();
 }
 
 bool LintoraModel::canRedo() const
 {
-    return m_history.canRedo() && !aiBusy();
+    return m_session.history().canRedo() && !aiBusy();
 }
 
 void LintoraModel::undo()
 {
     if (canUndo())
-        step(&EditHistory::undo, u"已撤销"_s);
+        step(&EditedSession::undo, u"已撤销"_s);
 }
 
 void LintoraModel::redo()
 {
     if (canRedo())
-        step(&EditHistory::redo, u"已重做"_s);
+        step(&EditedSession::redo, u"已重做"_s);
 }
 
-void LintoraModel::step(const LintoraSession &(EditHistory::*direction)(), const QString &message)
+void LintoraModel::step(void (EditedSession::*direction)(), const QString &message)
 {
-    endGesture();
-    const LintoraSession before = std::exchange(m_session, (m_history.*direction)());
-    // What changed is to be seen, also when another track was selected in the meantime.
-    if (const auto changed = SessionTracks::changedTrack(before, m_session)) {
-        m_session = SessionTracks::selecting(std::move(m_session), *changed);
-        m_history.amend(m_session);
-    }
-    tell(before, false);
+    const LintoraSession before = snapshot();
+    (m_session.*direction)();
     report(message);
-    if (const auto cue = SessionTracks::changedCue(before, m_session))
+    if (const auto cue = SessionTracks::changedCue(before, snapshot()))
         Q_EMIT stepped(*cue);
 }
 
@@ -352,31 +328,19 @@ BackgroundTask *LintoraModel::shownTask() const
     return shown == m_tasks.end() ? nullptr : *shown;
 }
 
-bool LintoraModel::claimCues()
-{
-    if (refuseWhileBusy(u"请等待当前任务完成。"_s))
-        return false;
-    setFindReplaceVisible(false);
-    publish(m_aiBusy, true, &LintoraModel::aiBusyChanged);
-    Q_EMIT historyChanged();
-    return true;
-}
-
-/// Calls `take` first: until it is said that the cues are free, they are as the operation found them.
-void LintoraModel::releaseCues(const std::function<void()> &take)
-{
-    m_aiBusy = false;
-    try {
-        asOneStep(take);
-    } catch (const std::exception &error) {
-        reportFailure(QString::fromUtf8(error.what()));
-    }
-    Q_EMIT aiBusyChanged();
-    Q_EMIT historyChanged();
-    takeHeldSession();
-}
-
 void LintoraModel::cancelAI()
 {
     m_owner.cancel();
+}
+
+// Window
+
+void LintoraModel::showScriptMatch()
+{
+    m_window.setScriptMatchPresented(true);
+}
+
+void LintoraModel::toggleFloating()
+{
+    m_window.toggleFloating();
 }

@@ -1,14 +1,13 @@
 #pragma once
 
-#include "app/model/BackgroundTask.h"
-#include "app/model/EditHistory.h"
 #include "app/model/FileDialogs.h"
 #include "app/model/Imports.h"
 #include "app/model/Preferences.h"
-#include "app/model/SessionKeeper.h"
+#include "app/model/ScriptMatching.h"
+#include "app/model/SessionLink.h"
 #include "app/model/StylePresets.h"
-#include "core/Failure.h"
-#include "core/text/ScriptAlignment.h"
+#include "app/model/WindowState.h"
+#include "app/model/ai/CueOwnership.h"
 #include "store/RecentSessions.h"
 
 #include <QMimeData>
@@ -51,22 +50,22 @@ public:
 
     // The session. Cues, options and switches are those of the selected track.
 
-    const QList<Subtitle> &items() const { return m_session.items; }
-    const QString &source() const { return m_session.source; } ///< Display name of where the cues came from.
-    const Options &options() const { return m_session.options; }
-    bool removeFillers() const { return m_session.removeFillers; }
-    bool removePunctuation() const { return m_session.removePunctuation; }
-    const std::optional<QList<Subtitle>> &previousItems() const { return m_session.previousItems; }
-    bool cleaned() const { return m_session.cleaned; }
-    const QList<SubtitleTrack> &tracks() const { return *m_session.tracks; } ///< All of them, up to date.
-    std::optional<QUuid> selectedTrackID() const { return m_session.selectedTrackID; }
-    std::optional<QUuid> splitOriginal() const { return m_session.splitOriginal; }
+    const QList<Subtitle> &items() const { return snapshot().items; }
+    const QString &source() const { return snapshot().source; } ///< Display name of where the cues came from.
+    const Options &options() const { return snapshot().options; }
+    bool removeFillers() const { return snapshot().removeFillers; }
+    bool removePunctuation() const { return snapshot().removePunctuation; }
+    const std::optional<QList<Subtitle>> &previousItems() const { return snapshot().previousItems; }
+    bool cleaned() const { return snapshot().cleaned; }
+    const QList<SubtitleTrack> &tracks() const { return *snapshot().tracks; } ///< All of them, up to date.
+    std::optional<QUuid> selectedTrackID() const { return snapshot().selectedTrackID; }
+    std::optional<QUuid> splitOriginal() const { return snapshot().splitOriginal; }
 
     /// The tracks that are shown as tabs and cards: all but the one kept from before separation.
     QList<SubtitleTrack> visibleTracks() const;
 
     /// The whole session as it stands. Shares its data.
-    const LintoraSession &snapshot() const { return m_session; }
+    const LintoraSession &snapshot() const { return m_session.state(); }
 
     /// Puts `session` in the place of what stands, as one step.
     void apply(const LintoraSession &session);
@@ -128,20 +127,6 @@ public:
     void separateLanguages();
     void restoreOriginal(); ///< Throws away the edits since the separation: ask first.
 
-    // Matching a transcript
-
-    const QString &scriptText() const { return m_script.text; }
-    const QList<ScriptMatchRow> &scriptRows() const { return m_script.rows; } ///< A row for each cue, or none.
-    const QStringList &scriptUnmatched() const { return m_script.unmatched; } ///< What of the transcript found no cue.
-    const QString &scriptStatus() const { return m_script.status; }
-    bool isScriptRefused() const { return m_script.isRefused; } ///< Whether the status says why something was not done.
-    void setScriptText(const QString &text);
-    void matchScript(); ///< Editing goes on meanwhile; a change of cues or transcript drops the result.
-    void setScriptRowSelected(qsizetype row, bool selected);
-    void applyScriptRows();
-    bool canUndoScriptMatch() const; ///< While the cues are as the last applying left them.
-    void undoScriptMatch();
-
     // History
 
     /// Calls `changes`, and makes one step of all that it changes.
@@ -151,8 +136,8 @@ public:
     bool canRedo() const;
     void undo();
     void redo();
-    const QString &undoTitle() const { return m_history.undoTitle(); } ///< What undo() takes back; may be empty.
-    QString redoTitle() const { return m_history.redoTitle(); }        ///< What redo() does again; may be empty.
+    const QString &undoTitle() const; ///< What undo() takes back; may be empty.
+    QString redoTitle() const;        ///< What redo() does again; may be empty.
 
     /// Whether there are cues to be seen, or ways in the session to have some back.
     bool isInUse() const;
@@ -206,48 +191,27 @@ public:
     /// The clip document for a drag of that track, or of the selected one. Absent when it was refused.
     std::optional<QByteArray> payload(std::optional<QUuid> trackID);
 
-    // Long work that owns the cues: while it runs, nothing else may change them.
+    // Long work that owns the cues
 
-    bool aiBusy() const { return m_aiBusy; }
+    bool aiBusy() const { return m_owner.isBusy(); }
 
-    /// Runs `operation(job, report)` on a worker, as the owner of the cues. `first` is what it is doing until it
-    /// reports. Refused, and false, while there is another owner.
-    ///
-    /// The cues are free again however it ends, done, refused or cancelled, and at the latest with the program. Then
-    /// `take(result)` puts a result in place, on the cues that the operation began with and as one step of the history.
-    /// A version of the shared session that had to wait is taken up last.
+    /// Runs `operation(job, report)` on a worker, as CueOwnership::run does. A version of the shared session that had
+    /// to wait is taken up last.
     template <class JobType = Job, class Operation, class Take>
     bool ownCues(const QString &first, Operation operation, Take take)
     {
-        if (!claimCues())
-            return false;
-        m_owner.run<JobType>(
-            first, std::move(operation),
-            [this, take = std::move(take)](auto result) { releaseCues([&] { take(std::move(result)); }); },
-            [this](const Failure &failure) { releaseCues([&] { reportFailure(failure); }); },
-            [this] { releaseCues([] {}); });
-        return true;
+        return m_owner.run<JobType>(first, std::move(operation), std::move(take));
     }
     void cancelAI(); ///< Ends the work that owns the cues, and leaves them as they are.
 
-    // Window
+    // Its parts
 
-    bool pinned() const { return m_pinned; }
-    void toggleFloating();
-    bool fcpImportVisible() const { return m_fcpImportVisible; }
-    bool settingsVisible() const { return m_settingsVisible; }
-    bool cleanupSettingsVisible() const { return m_cleanupSettingsVisible; }
-    bool findReplaceVisible() const { return m_findReplaceVisible; }
-    bool scriptMatchPresented() const { return m_scriptMatchPresented; }
-    void setFCPImportVisible(bool visible);
-    void setSettingsVisible(bool visible);
-    void setCleanupSettingsVisible(bool visible);
-    void setFindReplaceVisible(bool visible); ///< Not opened while a job owns the cues.
-    void setScriptMatchPresented(bool presented);
+    ScriptMatching &scriptMatching() { return m_scriptMatching; }
+    const ScriptMatching &scriptMatching() const { return m_scriptMatching; }
+    WindowState &window() { return m_window; }
+    const WindowState &window() const { return m_window; }
     void showScriptMatch();
-
-    bool subtitleDragInProgress = false;               ///< Set by the card that is dragged.
-    std::function<void()> raisePinnedWindow = nullptr; ///< Set by the owner of the window.
+    void toggleFloating();
 
     Preferences &preferences() { return m_preferences; }
     const FileDialogs &dialogs() const { return m_dialogs; } ///< For files that are no part of the session.
@@ -299,49 +263,10 @@ Q_SIGNALS:
     void projectSettingsChanged();
     void aiTimelinePlanChanged();
     void aiBusyChanged();
-    void scriptTextChanged();
-    void scriptRowsChanged(); ///< Rows and what was not matched.
-    void scriptStatusChanged();
-    void pinnedChanged();
-    void fcpImportVisibleChanged();
-    void settingsVisibleChanged();
-    void cleanupSettingsVisibleChanged();
-    void findReplaceVisibleChanged();
-    void scriptMatchPresentedChanged();
 
 private:
-    enum class Step
-    {
-        record,  ///< A step of the history.
-        load,    ///< A step that brings in another session.
-        gesture, ///< A step, or a part of the step that a gesture is.
-        amend    ///< No step of its own.
-    };
-
-    /// One-step restore of a text tool: how the cues of a track were, and how the tool left them.
-    struct Restore
-    {
-        QUuid track;
-        QList<Subtitle> before;
-        QList<Subtitle> after;
-    };
-
-    struct ScriptMatching
-    {
-        QString text;
-        QList<ScriptMatchRow> rows;
-        QStringList unmatched;
-        QString status;
-        bool isRefused = false;
-        std::optional<QUuid> trackID; ///< The track that the rows are about.
-        QList<Subtitle> items;        ///< Its cues when they were matched.
-        QString manuscript;           ///< The transcript when it was matched.
-    };
-
     // The session
-    void replaceSession(LintoraSession next, const QString &title, Step step = Step::record);
-    void replaceItems(const QList<Subtitle> &items, const QString &title);
-    void keepEdited();
+    void makeRoomFor(const LintoraSession &next);
     void keepSession(const QString &prefix = {});
     void tell(const LintoraSession &before, bool isLoaded);
     void emitChanges(const LintoraSession &before);
@@ -357,10 +282,7 @@ private:
         field = std::move(value);
         Q_EMIT(this->*changed)();
     }
-    void step(const LintoraSession &(EditHistory::*direction)(), const QString &message);
-    bool refuseWhileBusy(const QString &sentence);
-    bool isRestorable(const std::optional<Restore> &restore) const;
-    void restore(std::optional<Restore> &restore, const QString &message);
+    void step(void (EditedSession::*direction)(), const QString &message);
 
     // Import and export
     void importFrom(const QString &what, std::function<Imports::Imported(Job &)> read, std::function<void()> then);
@@ -371,29 +293,16 @@ private:
     void exportTitles(const std::optional<FCPProject> &project);
     QString exportName(const QString &of = {}) const;
 
-    // Owning the cues
-    bool claimCues();
-    void releaseCues(const std::function<void()> &take);
     BackgroundTask *shownTask() const;
-
-    // Script matching
-    void takeScriptResult(const ScriptMatchResult &result);
-    void setScriptStatus(const QString &status, bool isRefused = false);
-    void clearScriptRows();
 
     // Persistence
     void openSession(const QUrl &link);
     void schedulePersist();
     void persistSession();
-    void takeSession(const LintoraSession &session);
-    void takeHeldSession();
-    void keepOverruled(const LintoraSession &session);
-    bool isInSession() const;
     void reportUnsaved();
     bool hasCues() const;
     std::optional<QString> save();
     void setUnsaved(const std::optional<QString> &why);
-    void setPinned(bool pinned);
 
     FileDialogs m_dialogs;
     Preferences m_preferences;
@@ -403,19 +312,9 @@ private:
     RecentSessions m_recent;
     QList<RecentSessions::Entry> m_recentSessions;
 
-    LintoraSession m_session;                        ///< In the order of SessionTracks.
+    EditedSession m_session;
     std::optional<LintoraSession> m_sessionAsLoaded; ///< As it was brought in; absent: in an earlier run.
-    EditHistory m_history;
-    bool m_isGesture = false;
-    bool m_gestureRecorded = false;
-    bool m_isGroup = false; ///< Whether asOneStep() is under way.
-    bool m_groupRecorded = false;
-    bool m_isPersisting = false;                 ///< Whether persistSession() is on its way.
-    bool m_isOpening = false;                    ///< Whether a session was opened whose version has not arrived.
-    std::optional<LintoraSession> m_heldSession; ///< A version that arrived while a job owned the cues.
-    LintoraSession m_sessionWhenHeld;            ///< This session when it arrived.
-    size_t m_sessionBegins =
-        0; ///< Steps of the history up to the session's opening; the largest number: left for good.
+    bool m_isPersisting = false;                     ///< Whether persistSession() is on its way.
     QString m_message;
     std::optional<Failure> m_failure;
     std::optional<QString> m_unsaved; ///< Why the newest session is not saved.
@@ -425,25 +324,17 @@ private:
     std::optional<FCPProject> m_project;
     std::optional<Options> m_projectSettings;
     std::optional<FCPAudioPlan> m_timelinePlan;
-    std::optional<Restore> m_replacement; ///< Of the last replacement.
-    std::optional<Restore> m_scriptMatch; ///< Of the last applied rows.
-    ScriptMatching m_script;
-    bool m_aiBusy = false;
+    std::optional<CueRestore> m_replacement; ///< Of the last replacement.
 
-    bool m_pinned;
-    bool m_fcpImportVisible = false;
-    bool m_settingsVisible = false;
-    bool m_cleanupSettingsVisible = false;
-    bool m_findReplaceVisible = false;
-    bool m_scriptMatchPresented = false;
+    CueOwnership m_owner{m_session};
+    WindowState m_window{m_preferences, m_owner};
+    SessionLink m_link{m_keeper, m_session, m_owner};
+    ScriptMatching m_scriptMatching{m_session, m_owner};
 
     // The tasks come last, so that they end first.
     BackgroundTask m_import{BackgroundTask::Order::oneAfterAnother};
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
-    BackgroundTask m_match{BackgroundTask::Order::newestOnly};
-    /// One language server at a time: the next one waits until a cancelled one has left the memory.
-    BackgroundTask m_owner{BackgroundTask::Order::newestAfterTheOld};
     BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
-    const std::array<BackgroundTask *, 4> m_tasks = {&m_import, &m_export, &m_match,
-                                                     &m_owner}; ///< Those that are shown.
+    const std::array<BackgroundTask *, 4> m_tasks = {&m_import, &m_export, &m_scriptMatching.task(),
+                                                     &m_owner.task()}; ///< Those that are shown.
 };

@@ -24,7 +24,7 @@ QString LintoraModel::exportName(const QString &of) const
     QString name = of.isEmpty() ? QFileInfo(source()).completeBaseName() : of;
     if (name.isEmpty())
         name = options().name;
-    if (const auto index = SessionTracks::selectedIndex(m_session); index && visibleTracks().size() > 1)
+    if (const auto index = SessionTracks::selectedIndex(m_session.state()); index && visibleTracks().size() > 1)
         name += u'_' + tracks().at(*index).label;
     return Exports::fileName(name);
 }
@@ -70,7 +70,7 @@ void LintoraModel::exportToProject()
         exportTitles(m_project);
         return;
     }
-    if (refuseWhileBusy(u"任务处理中，请先取消再导入"_s))
+    if (m_owner.refuses(u"任务处理中，请先取消再导入"_s))
         return;
     m_dialogs.open({.title = u"选择要写入字幕的 FCP 项目"_s, .extensions = {u"fcpxml"_s, u"fcpxmld"_s}},
                    [this](const QString &path) {
@@ -99,7 +99,8 @@ void LintoraModel::exportTitles(const std::optional<FCPProject> &project)
 
 std::optional<QByteArray> LintoraModel::payload(std::optional<QUuid> trackID)
 {
-    const auto index = trackID ? SessionTracks::indexOf(m_session, *trackID) : SessionTracks::selectedIndex(m_session);
+    const auto index =
+        trackID ? SessionTracks::indexOf(m_session.state(), *trackID) : SessionTracks::selectedIndex(m_session.state());
     if (trackID && !index) {
         reportFailure(u"该语言组已关闭，请重新拖动字幕卡片"_s);
         return std::nullopt;

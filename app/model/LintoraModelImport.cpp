@@ -43,7 +43,7 @@ Options forAnother(Options options, bool keepsName)
 
 void LintoraModel::receiveURL(const QUrl &url)
 {
-    if (refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
+    if (m_owner.refuses(u"任务处理中，请先取消再切换文件"_s))
         return;
     if (url.scheme() == u"lintora")
         openSession(url);
@@ -53,7 +53,7 @@ void LintoraModel::receiveURL(const QUrl &url)
 
 void LintoraModel::load(const QUrl &file)
 {
-    if (refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
+    if (m_owner.refuses(u"任务处理中，请先取消再切换文件"_s))
         return;
     const QString path = file.toLocalFile();
     const auto kind = Imports::kindOf(path);
@@ -79,7 +79,7 @@ void LintoraModel::loadProject(const QString &path, std::function<void()> then)
 
 bool LintoraModel::receive(const QMimeData &pasteboard)
 {
-    if (refuseWhileBusy(u"任务处理中，请先取消再导入"_s))
+    if (m_owner.refuses(u"任务处理中，请先取消再导入"_s))
         return false;
     if (const auto type = FCPPasteboard::offeredType(pasteboard)) {
         const QByteArray data = pasteboard.data(*type);
@@ -103,7 +103,7 @@ bool LintoraModel::receive(const QMimeData &pasteboard)
 
 void LintoraModel::openRecent(const QString &file)
 {
-    if (refuseWhileBusy(u"任务处理中，请先取消再切换文件"_s))
+    if (m_owner.refuses(u"任务处理中，请先取消再切换文件"_s))
         return;
     m_import.run(
         u"正在打开字幕…"_s,
@@ -130,7 +130,7 @@ void LintoraModel::chooseImport()
 
 void LintoraModel::showFCPImport()
 {
-    setFCPImportVisible(true);
+    m_window.setFCPImportVisible(true);
 }
 
 /// Reads on a worker, takes what was read, and goes on with `then` when it could be taken.
@@ -141,7 +141,7 @@ void LintoraModel::importFrom(const QString &what, std::function<Imports::Import
         what, [read = std::move(read)](Job &job, const ProgressReport & /*report*/) { return read(job); },
         [this, then = std::move(then)](const Imports::Imported &imported) {
             // A job may have begun while the file was read.
-            if (refuseWhileBusy(u"任务处理中，请先取消再导入"_s))
+            if (m_owner.refuses(u"任务处理中，请先取消再导入"_s))
                 return;
             takeImported(imported);
             then();
@@ -155,15 +155,15 @@ void LintoraModel::takeImported(const Imports::Imported &imported)
         takeCues(*cues);
     else
         receiveFCP(std::get<Imports::ImportedTimeline>(imported));
-    setFCPImportVisible(false);
+    m_window.setFCPImportVisible(false);
 }
 
 void LintoraModel::takeCues(const Imports::ImportedCues &imported)
 {
-    LintoraSession next = m_session;
+    LintoraSession next = m_session.state();
     next.options = forAnother(next.options, m_project && m_project->rate == next.options.rate);
-    replaceSession(SessionTracks::importing(std::move(next), imported.cues, imported.source), u"载入字幕"_s,
-                   Step::load);
+    m_session.replace(SessionTracks::importing(std::move(next), imported.cues, imported.source), u"载入字幕"_s,
+                      EditStep::load);
     report(u"已载入"_s);
 }
 
@@ -174,11 +174,11 @@ void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
         publish(m_project, timeline.project, &LintoraModel::projectChanged);
     if (timeline.settings) {
         publish(m_projectSettings, timeline.settings, &LintoraModel::projectSettingsChanged);
-        LintoraSession next = m_session;
+        LintoraSession next = m_session.state();
         next.options = Imports::matching(next.options, *timeline.settings);
         for (SubtitleTrack &track : *next.tracks)
             track.options = Imports::matching(track.options, *timeline.settings);
-        replaceSession(std::move(next), u"匹配项目"_s);
+        m_session.replace(std::move(next), u"匹配项目"_s);
     }
     publish(m_timelinePlan, timeline.plan, &LintoraModel::aiTimelinePlanChanged);
     if (timeline.plan)

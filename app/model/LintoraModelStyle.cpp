@@ -9,27 +9,26 @@ using namespace Qt::StringLiterals;
 
 void LintoraModel::beginGesture()
 {
-    m_isGesture = true;
-    m_gestureRecorded = false;
+    m_session.beginGesture();
 }
 
 void LintoraModel::endGesture()
 {
-    m_isGesture = false;
+    m_session.endGesture();
 }
 
 void LintoraModel::setOptions(const Options &options)
 {
-    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+    if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    LintoraSession next = m_session;
+    LintoraSession next = m_session.state();
     next.options = options;
-    replaceSession(SessionTracks::committed(std::move(next)), u"修改样式"_s, Step::gesture);
+    m_session.replace(SessionTracks::committed(std::move(next)), u"修改样式"_s, EditStep::gesture);
 }
 
 void LintoraModel::setCanvasHeight(qint64 pixels)
 {
-    Options options = m_session.options;
+    Options options = m_session.state().options;
     options.height = pixels;
     setOptions(options);
 }

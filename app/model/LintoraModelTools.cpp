@@ -26,25 +26,25 @@ QString joinedText(const QList<Subtitle> &cues)
 
 void LintoraModel::setRemoveFillers(bool on)
 {
-    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+    if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    LintoraSession next = m_session;
+    LintoraSession next = m_session.state();
     next.removeFillers = on;
-    replaceSession(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
+    m_session.replace(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
 }
 
 void LintoraModel::setRemovePunctuation(bool on)
 {
-    if (refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+    if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    LintoraSession next = m_session;
+    LintoraSession next = m_session.state();
     next.removePunctuation = on;
-    replaceSession(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
+    m_session.replace(SessionTracks::committed(std::move(next)), u"修改清理选项"_s);
 }
 
 void LintoraModel::clean()
 {
-    if (refuseWhileBusy(u"请等待当前任务完成后再清理。"_s))
+    if (m_owner.refuses(u"请等待当前任务完成后再清理。"_s))
         return;
     // With both switches off there is nothing to clean, whatever the cues hold.
     const QList<Subtitle> result =
@@ -56,28 +56,28 @@ void LintoraModel::clean()
         report(u"没有需要清理的内容"_s);
         return;
     }
-    LintoraSession next = m_session;
+    LintoraSession next = m_session.state();
     next.previousItems = items();
     next.items = result;
     next.cleaned = true;
-    replaceSession(SessionTracks::committed(std::move(next)), u"清理"_s);
+    m_session.replace(SessionTracks::committed(std::move(next)), u"清理"_s);
     report(u"已清理"_s);
 }
 
 void LintoraModel::undoCleanup()
 {
-    if (!previousItems() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+    if (!previousItems() || m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    LintoraSession next = m_session;
+    LintoraSession next = m_session.state();
     next.items = *std::exchange(next.previousItems, std::nullopt);
     next.cleaned = false;
-    replaceSession(SessionTracks::committed(std::move(next)), u"恢复到清理前"_s);
+    m_session.replace(SessionTracks::committed(std::move(next)), u"恢复到清理前"_s);
     report(u"已撤销"_s);
 }
 
 std::optional<qint64> LintoraModel::replaceKeywords(const QString &query, const QString &with)
 {
-    if (refuseWhileBusy(u"请等待当前任务完成后再替换。"_s))
+    if (m_owner.refuses(u"请等待当前任务完成后再替换。"_s))
         return std::nullopt;
     try {
         const KeywordReplacement::Outcome outcome = KeywordReplacement::apply(items(), query, with);
@@ -86,8 +86,8 @@ std::optional<qint64> LintoraModel::replaceKeywords(const QString &query, const 
             return 0;
         }
         // Known before anybody hears of the change, and asks whether it can be undone.
-        m_replacement = Restore{.track = *selectedTrackID(), .before = items(), .after = outcome.items};
-        replaceItems(outcome.items, u"替换"_s);
+        m_replacement = CueRestore{.track = *selectedTrackID(), .before = items(), .after = outcome.items};
+        m_session.replaceItems(outcome.items, u"替换"_s);
         report(u"已替换 %1 处 · %2 条字幕，可撤销修改"_s.arg(outcome.occurrences).arg(outcome.changedCues));
         return outcome.occurrences;
     } catch (const ConversionError &error) {
@@ -96,33 +96,17 @@ std::optional<qint64> LintoraModel::replaceKeywords(const QString &query, const 
     }
 }
 
-bool LintoraModel::isRestorable(const std::optional<Restore> &restore) const
-{
-    if (!restore || aiBusy())
-        return false;
-    const auto index = SessionTracks::indexOf(m_session, restore->track);
-    return index && tracks().at(*index).items == restore->after;
-}
-
-/// Puts the cues back, in their own track and as a step of its own.
-void LintoraModel::restore(std::optional<Restore> &restore, const QString &message)
-{
-    if (!isRestorable(restore))
-        return;
-    LintoraSession next = SessionTracks::selecting(m_session, restore->track);
-    next.items = restore->before;
-    replaceSession(SessionTracks::committed(std::move(next)), u"恢复文字"_s);
-    report(message);
-}
-
 bool LintoraModel::canUndoReplacement() const
 {
-    return isRestorable(m_replacement);
+    return m_replacement && !aiBusy() && m_session.isRestorable(*m_replacement);
 }
 
 void LintoraModel::undoReplacement()
 {
-    restore(m_replacement, u"已撤销，字幕恢复为替换前内容"_s);
+    if (!canUndoReplacement())
+        return;
+    m_session.restore(*m_replacement);
+    report(u"已撤销，字幕恢复为替换前内容"_s);
 }
 
 void LintoraModel::saveFillerWords(const QString &text)
@@ -134,22 +118,22 @@ void LintoraModel::saveFillerWords(const QString &text)
 
 void LintoraModel::separateLanguages()
 {
-    if (refuseWhileBusy(u"请等待当前任务完成后再分离。"_s))
+    if (m_owner.refuses(u"请等待当前任务完成后再分离。"_s))
         return;
     const QList<LanguageSeparation::GroupedCues> groups = LanguageSeparation::split(items());
     if (!LanguageSeparation::holdsBothLanguages(groups)) {
         reportFailure(LanguageSeparation::nothingToSeparate());
         return;
     }
-    replaceSession(SessionTracks::separated(m_session, groups), u"分离中英"_s);
+    m_session.replace(SessionTracks::separated(m_session.state(), groups), u"分离中英"_s);
     const bool leftSome = groups.last().group == LanguageSeparation::Group::unassigned;
     report(leftSome ? u"已分离，未识别文字保留在“待归类”中"_s : u"已分离，中文和 English 可独立编辑、拖入 FCP"_s);
 }
 
 void LintoraModel::restoreOriginal()
 {
-    if (!splitOriginal() || refuseWhileBusy(u"任务处理中，请先取消再编辑字幕"_s))
+    if (!splitOriginal() || m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s))
         return;
-    replaceSession(SessionTracks::restored(m_session), u"恢复原稿"_s);
+    m_session.replace(SessionTracks::restored(m_session.state()), u"恢复原稿"_s);
     report(u"已恢复分离前原稿"_s);
 }

@@ -55,7 +55,7 @@ void LintoraApplicationDelegate::applicationDidFinishLaunching()
     // On Linux the program ends with its window, for nothing else would be left to bring it back by.
     QApplication::setQuitOnLastWindowClosed(!Platform::programOutlivesWindow());
     buildMenus();
-    m_model->raisePinnedWindow = [delegate = QPointer(this)] {
+    m_model->window().raisePinnedWindow = [delegate = QPointer(this)] {
         if (delegate)
             delegate->raisePinnedWindow();
     };
@@ -63,7 +63,7 @@ void LintoraApplicationDelegate::applicationDidFinishLaunching()
         m_mayEnd = true;
         QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
     });
-    connect(m_model.get(), &LintoraModel::pinnedChanged, this, &LintoraApplicationDelegate::applyPinned);
+    connect(&m_model->window(), &WindowState::pinnedChanged, this, &LintoraApplicationDelegate::applyPinned);
     showWindow();
 }
 
@@ -93,13 +93,14 @@ void LintoraApplicationDelegate::showWindow()
 void LintoraApplicationDelegate::applyPinned()
 {
     if (m_window)
-        m_window->setPinned(m_model->pinned());
+        m_window->setPinned(m_model->window().pinned());
 }
 
 void LintoraApplicationDelegate::raisePinnedWindow()
 {
     // While a card is on its way, the window must not come between it and the timeline.
-    if (!m_model->pinned() || m_model->subtitleDragInProgress || !m_window || Platform::isApplicationHidden())
+    if (!m_model->window().pinned() || m_model->window().subtitleDragInProgress || !m_window ||
+        Platform::isApplicationHidden())
         return;
     m_window->raiseQuietly();
 }
@@ -224,16 +225,16 @@ void LintoraApplicationDelegate::openScriptMatch()
 
 void LintoraApplicationDelegate::openStyle()
 {
-    m_model->setSettingsVisible(true);
+    m_model->window().setSettingsVisible(true);
 }
 
 void LintoraApplicationDelegate::openCleanup()
 {
-    m_model->setCleanupSettingsVisible(true);
+    m_model->window().setCleanupSettingsVisible(true);
 }
 
 void LintoraApplicationDelegate::openFindReplace()
 {
     if (!m_model->aiBusy())
-        m_model->setFindReplaceVisible(true);
+        m_model->window().setFindReplaceVisible(true);
 }

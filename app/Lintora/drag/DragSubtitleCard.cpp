@@ -33,7 +33,7 @@ public:
         , m_window(&window)
         , m_frame(window.frameGeometry())
     {
-        model.subtitleDragInProgress = true;
+        model.window().subtitleDragInProgress = true;
     }
 
     void finish(Qt::DropAction action) const
@@ -43,15 +43,15 @@ public:
         Platform::log(logger(), u"Subtitle drag window stayed still: %1"_s.arg(stayed ? u"true" : u"false"));
         if (!m_model)
             return;
-        m_model->subtitleDragInProgress = false;
+        m_model->window().subtitleDragInProgress = false;
         m_model->report(action == Qt::IgnoreAction ? u"未放入时间线，请把字幕卡片拖到 FCP 时间线区域"_s
                                                    : u"已发送字幕片段，请在 FCP 中检查位置"_s);
         // Once the system is done with the drag. Forgotten when the model goes before.
         QMetaObject::invokeMethod(
             m_model,
             [model = m_model.get()] {
-                if (model->raisePinnedWindow)
-                    model->raisePinnedWindow();
+                if (model->window().raisePinnedWindow)
+                    model->window().raisePinnedWindow();
             },
             Qt::QueuedConnection);
     }

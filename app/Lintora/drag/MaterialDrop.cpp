@@ -35,7 +35,7 @@ bool MaterialDrop::eventFilter(QObject *watched, QEvent *event)
 
 bool MaterialDrop::canTake(const QMimeData &pasteboard) const
 {
-    if (m_model.subtitleDragInProgress)
+    if (m_model.window().subtitleDragInProgress)
         return false;
     return FCPPasteboard::offeredType(pasteboard) ||
            std::ranges::any_of(pasteboard.urls(), [](const QUrl &url) { return url.isLocalFile(); });

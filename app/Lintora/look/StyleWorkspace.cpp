@@ -64,7 +64,7 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
     m_columns->addWidget(m_pages);
     arrange();
 
-    connect(this, &Sheet::closeRequested, &model, [&model] { model.setSettingsVisible(false); });
+    connect(this, &Sheet::closeRequested, &model, [&model] { model.window().setSettingsVisible(false); });
     connect(&model, &LintoraModel::optionsChanged, this, [this] { preview(std::nullopt); });
     connect(&m_catalogue, &FontCatalogue::ready, this, [this] { m_isLoadingFonts = false; });
     connect(&m_catalogue, &FontCatalogue::indexNotSaved, &model,

@@ -35,7 +35,7 @@ CleanupWorkspace::CleanupWorkspace(LintoraModel &model, QWidget *content)
     body()->addSpacing(VELTheme::step);
     body()->addLayout(row);
 
-    connect(this, &Sheet::closeRequested, &model, [&model] { model.setCleanupSettingsVisible(false); });
+    connect(this, &Sheet::closeRequested, &model, [&model] { model.window().setCleanupSettingsVisible(false); });
     connect(defaults, &QPushButton::clicked, this, &CleanupWorkspace::restoreDefaults);
     connect(saving, &QPushButton::clicked, this, &CleanupWorkspace::save);
     connect(m_text, &QPlainTextEdit::textChanged, this, [this] { setNote({}, false); });

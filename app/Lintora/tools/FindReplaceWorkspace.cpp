@@ -31,7 +31,7 @@ FindReplaceWorkspace::FindReplaceWorkspace(LintoraModel &model, QWidget *content
     body()->addWidget(makePreview(), 1);
     body()->addWidget(makeButtons());
 
-    connect(this, &Sheet::closeRequested, &model, [&model] { model.setFindReplaceVisible(false); });
+    connect(this, &Sheet::closeRequested, &model, [&model] { model.window().setFindReplaceVisible(false); });
     for (QLineEdit *const field : {m_query, m_replacement}) {
         connect(field, &QLineEdit::textChanged, this, [this] {
             setNote({}, false);

@@ -15,7 +15,8 @@ using namespace Qt::StringLiterals;
 ScriptMatchWorkspace::ScriptMatchWorkspace(LintoraModel &model, QWidget *content)
     : Sheet(Extent::whole, content)
     , m_model(model)
-    , m_rows(model)
+    , m_matching(model.scriptMatching())
+    , m_rows(m_matching)
     , m_text(new QPlainTextEdit(this))
     , m_list(new QListView(this))
     , m_status(new ElidedLabel(this))
@@ -28,7 +29,7 @@ ScriptMatchWorkspace::ScriptMatchWorkspace(LintoraModel &model, QWidget *content
     m_text->setPlaceholderText(u"在这里粘贴文稿正文…\n无需填写时间码，段落顺序应与字幕一致。"_s);
     m_text->setAccessibleName(u"文稿正文"_s);
     m_text->setTabChangesFocus(true);
-    m_text->setPlainText(model.scriptText());
+    m_text->setPlainText(m_matching.text());
     m_list->setModel(&m_rows);
     m_list->setItemDelegate(new MarkedTextDelegate(m_list));
     m_list->setUniformItemSizes(true);
@@ -40,11 +41,12 @@ ScriptMatchWorkspace::ScriptMatchWorkspace(LintoraModel &model, QWidget *content
     body()->addWidget(m_list, 3);
     body()->addWidget(makeButtons());
 
-    connect(this, &Sheet::closeRequested, &model, [&model] { model.setScriptMatchPresented(false); });
-    connect(m_text, &QPlainTextEdit::textChanged, this, [this] { m_model.setScriptText(m_text->toPlainText()); });
-    for (const auto signal :
-         {&LintoraModel::scriptRowsChanged, &LintoraModel::scriptStatusChanged, &LintoraModel::historyChanged,
-          &LintoraModel::activityChanged, &LintoraModel::aiBusyChanged, &LintoraModel::selectedTrackIDChanged})
+    connect(this, &Sheet::closeRequested, &model, [&model] { model.window().setScriptMatchPresented(false); });
+    connect(m_text, &QPlainTextEdit::textChanged, this, [this] { m_matching.setText(m_text->toPlainText()); });
+    connect(&m_matching, &ScriptMatching::rowsChanged, this, &ScriptMatchWorkspace::follow);
+    connect(&m_matching, &ScriptMatching::statusChanged, this, &ScriptMatchWorkspace::follow);
+    for (const auto signal : {&LintoraModel::historyChanged, &LintoraModel::activityChanged,
+                              &LintoraModel::aiBusyChanged, &LintoraModel::selectedTrackIDChanged})
         connect(&model, signal, this, &ScriptMatchWorkspace::follow);
 }
 
@@ -61,9 +63,9 @@ QWidget *ScriptMatchWorkspace::makeButtons()
     layout->addWidget(m_undo);
     layout->addWidget(m_match);
     layout->addWidget(m_apply);
-    connect(m_undo, &QPushButton::clicked, &m_model, &LintoraModel::undoScriptMatch);
-    connect(m_match, &QPushButton::clicked, &m_model, &LintoraModel::matchScript);
-    connect(m_apply, &QPushButton::clicked, &m_model, &LintoraModel::applyScriptRows);
+    connect(m_undo, &QPushButton::clicked, &m_matching, &ScriptMatching::undo);
+    connect(m_match, &QPushButton::clicked, &m_matching, &ScriptMatching::match);
+    connect(m_apply, &QPushButton::clicked, &m_matching, &ScriptMatching::apply);
     return row;
 }
 
@@ -71,8 +73,8 @@ void ScriptMatchWorkspace::present()
 {
     if (isVisible())
         return;
-    if (m_text->toPlainText() != m_model.scriptText())
-        m_text->setPlainText(m_model.scriptText());
+    if (m_text->toPlainText() != m_matching.text())
+        m_text->setPlainText(m_matching.text());
     open(m_text);
     follow();
 }
@@ -81,16 +83,16 @@ void ScriptMatchWorkspace::follow()
 {
     if (!isVisible())
         return;
-    const bool hasRows = !m_model.scriptRows().isEmpty();
+    const bool hasRows = !m_matching.rows().isEmpty();
     const qsizetype ticked = m_rows.ticked();
     m_list->setVisible(hasRows);
-    m_status->setText(m_model.scriptStatus());
-    m_status->setProperty("failure", m_model.isScriptRefused());
-    m_status->setProperty("secondary", !m_model.isScriptRefused());
+    m_status->setText(m_matching.status());
+    m_status->setProperty("failure", m_matching.isRefused());
+    m_status->setProperty("secondary", !m_matching.isRefused());
     m_status->style()->unpolish(m_status);
     m_status->style()->polish(m_status);
     m_match->setEnabled(!m_model.aiBusy() && !m_model.items().isEmpty());
-    m_undo->setVisible(m_model.canUndoScriptMatch());
+    m_undo->setVisible(m_matching.canUndo());
     m_apply->setText(u"应用勾选 · %1"_s.arg(ticked));
     m_apply->setAccessibleName(m_apply->text());
     m_apply->setVisible(hasRows);

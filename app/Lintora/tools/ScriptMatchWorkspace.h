@@ -2,6 +2,7 @@
 
 #include "app/Lintora/controls/Sheet.h"
 #include "app/Lintora/tools/ScriptRowsModel.h"
+#include "app/model/LintoraModel.h"
 
 class ElidedLabel;
 class QListView;
@@ -10,7 +11,7 @@ class QPushButton;
 
 /// Correcting the wording of the selected track by a transcript.
 ///
-/// Transcript and proposals are the model's: closing loses nothing.
+/// Transcript and proposals are kept by the model: closing loses nothing.
 class ScriptMatchWorkspace : public Sheet
 {
     Q_OBJECT
@@ -27,6 +28,7 @@ private:
     void follow();
 
     LintoraModel &m_model;
+    ScriptMatching &m_matching;
     ScriptRowsModel m_rows;
     QPlainTextEdit *m_text;
     QListView *m_list;

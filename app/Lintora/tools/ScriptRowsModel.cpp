@@ -6,17 +6,17 @@
 
 using namespace Qt::StringLiterals;
 
-ScriptRowsModel::ScriptRowsModel(LintoraModel &model, QObject *parent)
+ScriptRowsModel::ScriptRowsModel(ScriptMatching &matching, QObject *parent)
     : QAbstractListModel(parent)
-    , m_model(model)
+    , m_matching(matching)
     , m_entries(entries())
 {
-    connect(&model, &LintoraModel::scriptRowsChanged, this, &ScriptRowsModel::follow);
+    connect(&matching, &ScriptMatching::rowsChanged, this, &ScriptRowsModel::follow);
 }
 
 QList<ScriptRowsModel::Entry> ScriptRowsModel::entries() const
 {
-    const QList<ScriptMatchRow> &rows = m_model.scriptRows();
+    const QList<ScriptMatchRow> &rows = m_matching.rows();
     if (rows.isEmpty())
         return {};
     QList<Entry> changes;
@@ -33,7 +33,7 @@ QList<ScriptRowsModel::Entry> ScriptRowsModel::entries() const
         all += Entry{.kind = Kind::cuesHeading, .index = cues.size()};
         all += cues;
     }
-    if (const qsizetype passages = m_model.scriptUnmatched().size(); passages > 0) {
+    if (const qsizetype passages = m_matching.unmatched().size(); passages > 0) {
         all += Entry{.kind = Kind::passagesHeading, .index = passages};
         for (qsizetype i = 0; i < passages; ++i)
             all += Entry{.kind = Kind::passage, .index = i};
@@ -57,7 +57,7 @@ void ScriptRowsModel::follow()
 
 qsizetype ScriptRowsModel::ticked() const
 {
-    return std::ranges::count_if(m_model.scriptRows(),
+    return std::ranges::count_if(m_matching.rows(),
                                  [](const ScriptMatchRow &row) { return row.selected && row.changed(); });
 }
 
@@ -74,11 +74,11 @@ QVariant ScriptRowsModel::data(const QModelIndex &index, int role) const
     // Between a change of the model's rows and its signal, what is drawn may be gone.
     const bool isPassage = entry.kind == Kind::passage;
     const bool isRow = entry.kind == Kind::change || entry.kind == Kind::cue;
-    if ((isRow && entry.index >= m_model.scriptRows().size()) ||
-        (isPassage && entry.index >= m_model.scriptUnmatched().size()))
+    if ((isRow && entry.index >= m_matching.rows().size()) ||
+        (isPassage && entry.index >= m_matching.unmatched().size()))
         return {};
     if (role == Qt::CheckStateRole && entry.kind == Kind::change)
-        return m_model.scriptRows().at(entry.index).selected ? Qt::Checked : Qt::Unchecked;
+        return m_matching.rows().at(entry.index).selected ? Qt::Checked : Qt::Unchecked;
 
     ComparedRow row;
     switch (entry.kind) {
@@ -98,11 +98,11 @@ QVariant ScriptRowsModel::data(const QModelIndex &index, int role) const
         row.after = u"这些内容暂不写入字幕，请确认是否在素材中说出。"_s;
         break;
     case Kind::passage:
-        row.before = m_model.scriptUnmatched().at(entry.index);
+        row.before = m_matching.unmatched().at(entry.index);
         break;
     case Kind::change:
     case Kind::cue: {
-        const ScriptMatchRow &match = m_model.scriptRows().at(entry.index);
+        const ScriptMatchRow &match = m_matching.rows().at(entry.index);
         row.number = QString::number(match.id + 1);
         row.before = match.original.text;
         row.after = match.replacement.value_or(QString());
@@ -127,7 +127,7 @@ bool ScriptRowsModel::setData(const QModelIndex &index, const QVariant &value, i
 {
     if (!index.isValid() || role != Qt::CheckStateRole || m_entries.at(index.row()).kind != Kind::change)
         return false;
-    m_model.setScriptRowSelected(m_entries.at(index.row()).index, value.toInt() == Qt::Checked);
+    m_matching.setRowSelected(m_entries.at(index.row()).index, value.toInt() == Qt::Checked);
     return true;
 }
 

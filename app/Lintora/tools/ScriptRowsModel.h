@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/model/LintoraModel.h"
+#include "app/model/ScriptMatching.h"
 
 #include <QAbstractListModel>
 
@@ -11,8 +11,8 @@ class ScriptRowsModel : public QAbstractListModel
     Q_OBJECT
 
 public:
-    /// `model` must live as long as this.
-    explicit ScriptRowsModel(LintoraModel &model, QObject *parent = nullptr);
+    /// `matching` must live as long as this.
+    explicit ScriptRowsModel(ScriptMatching &matching, QObject *parent = nullptr);
 
     qsizetype ticked() const; ///< Changes that would be applied.
 
@@ -35,7 +35,7 @@ private:
     struct Entry
     {
         Kind kind = Kind::change;
-        qsizetype index = 0; ///< Of the model's row or passage; of a heading how many follow.
+        qsizetype index = 0; ///< Of the row or passage; of a heading how many follow.
 
         friend bool operator==(const Entry &, const Entry &) = default;
     };
@@ -43,6 +43,6 @@ private:
     void follow();
     QList<Entry> entries() const;
 
-    LintoraModel &m_model;
+    ScriptMatching &m_matching;
     QList<Entry> m_entries;
 };

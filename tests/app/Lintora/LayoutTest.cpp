@@ -176,8 +176,8 @@ TEST_F(Layout, A_failure_is_one_line_that_can_be_read_in_full_and_copied)
 TEST_F(Layout, Long_work_is_named_and_can_be_cancelled)
 {
     load({u"一"_s});
-    model.setScriptText(u"一"_s);
-    model.matchScript();
+    model.scriptMatching().setText(u"一"_s);
+    model.scriptMatching().match();
     ASSERT_TRUE(model.activity().has_value());
     EXPECT_EQ(status(), u"正在匹配文稿…"_s);
     click(u"取消"_s);
@@ -251,7 +251,7 @@ TEST_F(Layout, Buttons_do_what_they_say)
     QTest::mouseClick(button(u"撤销"_s), Qt::LeftButton, {}, QPoint(10, 10));
     EXPECT_EQ(texts(), QStringList{u"嗯好的。一起来。"_s});
     click(u"置顶"_s);
-    EXPECT_FALSE(model.pinned());
+    EXPECT_FALSE(model.window().pinned());
     EXPECT_FALSE(button(u"置顶"_s)->isChecked());
 }
 

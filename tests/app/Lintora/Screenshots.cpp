@@ -136,7 +136,7 @@ QList<State> states()
         {u"find-replace"_s,
          [load](LintoraModel &model, LintoraPanel &panel) {
              load(model, panel);
-             model.setFindReplaceVisible(true);
+             model.window().setFindReplaceVisible(true);
              const QList<QLineEdit *> fields = panel.findChildren<QLineEdit *>();
              for (QLineEdit *const field : fields) {
                  if (field->accessibleName() == u"关键词"_s)
@@ -151,15 +151,15 @@ QList<State> states()
              QString script;
              for (const Subtitle &cue : model.items())
                  script += QString(cue.text).replace(u"嗯，直接"_s, u"直接"_s).replace(u"聊聊调色"_s, u"聊一聊调色"_s);
-             model.setScriptText(script + u"这一整段没有人说出来，只写在文稿里，留给下一期。"_s);
-             model.setScriptMatchPresented(true);
-             model.matchScript();
+             model.scriptMatching().setText(script + u"这一整段没有人说出来，只写在文稿里，留给下一期。"_s);
+             model.window().setScriptMatchPresented(true);
+             model.scriptMatching().match();
              Events::waitFor([&] { return !model.activity(); });
          }},
         {u"cleanup"_s,
          [load](LintoraModel &model, LintoraPanel &panel) {
              load(model, panel);
-             model.setCleanupSettingsVisible(true);
+             model.window().setCleanupSettingsVisible(true);
          }},
         {u"failure"_s,
          [load](LintoraModel &model, LintoraPanel &panel) {
@@ -188,12 +188,12 @@ QList<State> states()
              model.setOptions(options);
              model.saveStylePreset(u"纪录片"_s);
              Events::waitFor([&] { return model.stylePresets().all().size() == 3; });
-             model.setSettingsVisible(true);
+             model.window().setSettingsVisible(true);
          }},
         {u"style-name"_s,
          [load](LintoraModel &model, LintoraPanel &panel) {
              load(model, panel);
-             model.setSettingsVisible(true);
+             model.window().setSettingsVisible(true);
              for (QPushButton *const button : panel.findChildren<QPushButton *>()) {
                  if (button->text() == u"保存预设…"_s)
                      button->click();
@@ -210,7 +210,7 @@ QList<State> states()
              options.fontSize = 64;
              options.shiftMS = -1500;
              model.setOptions(options);
-             model.setSettingsVisible(true);
+             model.window().setSettingsVisible(true);
              for (QAbstractButton *const button : panel.findChildren<QAbstractButton *>()) {
                  if (button->accessibleName() == u"背景：灰阶"_s || button->accessibleName() == u"放大"_s ||
                      button->accessibleName() == u"给文字加描边"_s)
@@ -230,7 +230,7 @@ QList<State> states()
         {u"style-fonts"_s,
          [load](LintoraModel &model, LintoraPanel &panel) {
              load(model, panel);
-             model.setSettingsVisible(true);
+             model.window().setSettingsVisible(true);
              for (QComboBox *const box : panel.findChildren<QComboBox *>()) {
                  if (box->accessibleName() == u"字体"_s)
                      box->showPopup();

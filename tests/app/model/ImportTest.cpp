@@ -260,7 +260,7 @@ TEST_F(ImportTest, refuses_everything_while_a_job_owns_the_cues)
     refusedWith(u"请等待当前任务完成后再替换。"_s, [&] { EXPECT_FALSE(model->replaceKeywords(u"a"_s, u"b"_s)); });
     refusedWith(u"请等待当前任务完成后再清理。"_s, [&] { model->clean(); });
     refusedWith(u"请等待当前任务完成后再分离。"_s, [&] { model->separateLanguages(); });
-    refusedWith(u"请等待当前任务完成后再匹配。"_s, [&] { model->matchScript(); });
+    refusedWith(u"请等待当前任务完成后再匹配。"_s, [&] { model->scriptMatching().match(); });
     refusedWith(editing, [&] { EXPECT_FALSE(model->setText(0, u"x"_s)); });
     refusedWith(editing, [&] { EXPECT_FALSE(model->insertCue(0)); });
     refusedWith(editing, [&] { model->setRemoveFillers(true); });
@@ -268,16 +268,16 @@ TEST_F(ImportTest, refuses_everything_while_a_job_owns_the_cues)
     refusedWith(switching, [&] { model->apply({}); });
     refusedWith(QString(), [&] { model->undo(); });
     EXPECT_FALSE(model->canUndo());
-    model->setFindReplaceVisible(true);
-    EXPECT_FALSE(model->findReplaceVisible());
+    model->window().setFindReplaceVisible(true);
+    EXPECT_FALSE(model->window().findReplaceVisible());
 
     refusedWith(u"请等待当前任务完成。"_s, [&] { OwnedCues second(*model); });
     EXPECT_TRUE(model->aiBusy());
     model->cancelAI();
     EXPECT_FALSE(model->aiBusy());
     EXPECT_TRUE(model->canUndo());
-    model->setFindReplaceVisible(true);
-    EXPECT_TRUE(model->findReplaceVisible());
+    model->window().setFindReplaceVisible(true);
+    EXPECT_TRUE(model->window().findReplaceVisible());
 }
 
 TEST_F(ImportTest, what_was_read_too_late_changes_nothing)
@@ -317,7 +317,7 @@ TEST_F(ImportTest, asks_for_files_by_dialog_and_takes_no_answer_for_none)
     settle();
     EXPECT_EQ(model->items().size(), 1);
     model->showFCPImport();
-    EXPECT_TRUE(model->fcpImportVisible());
+    EXPECT_TRUE(model->window().fcpImportVisible());
     load(write(u"p.fcpxml"_s, talk()));
-    EXPECT_FALSE(model->fcpImportVisible());
+    EXPECT_FALSE(model->window().fcpImportVisible());
 }

@@ -242,12 +242,12 @@ TEST_F(PersistenceTest, a_record_of_any_shape_becomes_a_job_in_order)
 TEST_F(PersistenceTest, a_link_opens_its_session_and_both_sides_stay_one)
 {
     model->toggleFloating();
-    EXPECT_FALSE(model->pinned());
+    EXPECT_FALSE(model->window().pinned());
     model->reportFailure(u"旧"_s);
     const QString path = open(Sessions::uniform(u"extension 1"_s));
     EXPECT_EQ(model->message(), u"已载入"_s);
     EXPECT_EQ(failure(), QString());
-    EXPECT_TRUE(model->pinned());
+    EXPECT_TRUE(model->window().pinned());
     EXPECT_EQ(model->sessionURL(), path);
 
     model->setText(0, u"本机"_s);
@@ -257,7 +257,7 @@ TEST_F(PersistenceTest, a_link_opens_its_session_and_both_sides_stay_one)
     model->undo();
     EXPECT_EQ(texts().first(), u"本机"_s) << "what came from outside is a step";
     EXPECT_TRUE(Events::waitFor([&] { return LintoraSession::read(path).items[0].text == u"本机"_s; }));
-    EXPECT_TRUE(restart().pinned());
+    EXPECT_TRUE(restart().window().pinned());
 }
 
 TEST_F(PersistenceTest, a_bad_link_changes_nothing)

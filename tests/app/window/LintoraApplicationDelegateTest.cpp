@@ -92,13 +92,13 @@ TEST_F(Application, Commands_open_what_they_name)
     QTest::keyClick(qApp->focusWindow(), Qt::Key_O, Qt::ControlModifier);
     EXPECT_EQ(outside.openings.size(), 1);
     entry(u"从 FCP 导入…"_s)->trigger();
-    EXPECT_TRUE(model.fcpImportVisible());
+    EXPECT_TRUE(model.window().fcpImportVisible());
     QTest::keyClick(qApp->focusWindow(), Qt::Key_Comma, Qt::ControlModifier);
-    EXPECT_TRUE(model.settingsVisible());
+    EXPECT_TRUE(model.window().settingsVisible());
     entry(u"清理设置…"_s)->trigger();
-    EXPECT_TRUE(model.cleanupSettingsVisible());
+    EXPECT_TRUE(model.window().cleanupSettingsVisible());
     entry(u"文稿匹配…"_s)->trigger();
-    EXPECT_TRUE(model.scriptMatchPresented());
+    EXPECT_TRUE(model.window().scriptMatchPresented());
 }
 
 TEST_F(Application, Finding_waits_for_the_end_of_a_job)
@@ -109,10 +109,10 @@ TEST_F(Application, Finding_waits_for_the_end_of_a_job)
     EXPECT_FALSE(entry(u"查找与替换…"_s)->isEnabled());
     QTest::keyClick(qApp->focusWindow(), Qt::Key_F, Qt::ControlModifier);
     delegate.openFindReplace();
-    EXPECT_FALSE(model.findReplaceVisible());
+    EXPECT_FALSE(model.window().findReplaceVisible());
     owned.end();
     QTest::keyClick(qApp->focusWindow(), Qt::Key_F, Qt::ControlModifier);
-    EXPECT_TRUE(model.findReplaceVisible());
+    EXPECT_TRUE(model.window().findReplaceVisible());
 }
 
 /// The usual size of the content, which a menu bar takes nothing of; unless the screen is too low for both.
@@ -192,7 +192,7 @@ TEST_P(Raising, Happens_only_while_the_pinned_window_can_be_seen_and_nothing_is_
     Events::handle();
     delegate.window()->windowHandle()->setFlag(Qt::WindowStaysOnTopHint, false);
     const bool wasVisible = delegate.window()->isVisible();
-    delegate.model().raisePinnedWindow();
+    delegate.model().window().raisePinnedWindow();
     EXPECT_EQ(level(), GetParam().raises ? 3 : 0);
     EXPECT_EQ(delegate.window()->isVisible(), wasVisible);
 }
@@ -203,7 +203,8 @@ INSTANTIATE_TEST_SUITE_P(
         RaiseCase{"Pinned", [](LintoraApplicationDelegate &) {}, true},
         RaiseCase{"Not_pinned", [](LintoraApplicationDelegate &delegate) { delegate.model().toggleFloating(); }, false},
         RaiseCase{"Dragging",
-                  [](LintoraApplicationDelegate &delegate) { delegate.model().subtitleDragInProgress = true; }, false},
+                  [](LintoraApplicationDelegate &delegate) { delegate.model().window().subtitleDragInProgress = true; },
+                  false},
         RaiseCase{"Closed", [](LintoraApplicationDelegate &delegate) { delegate.window()->close(); }, false},
         RaiseCase{"Minimised", [](LintoraApplicationDelegate &delegate) { delegate.window()->showMinimized(); },
                   false}),
@@ -216,7 +217,7 @@ TEST_F(Application, Raising_after_the_delegate_is_gone_does_nothing)
         const TemporaryModel other;
         LintoraApplicationDelegate delegate([](LintoraModel &) { return new QWidget; }, outside.surroundings());
         delegate.applicationDidFinishLaunching();
-        raise = delegate.model().raisePinnedWindow;
+        raise = delegate.model().window().raisePinnedWindow;
     }
     raise();
 }

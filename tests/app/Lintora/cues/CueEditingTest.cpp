@@ -98,7 +98,7 @@ TEST_F(CueEditing, What_is_typed_is_kept_when_something_else_is_turned_to)
              QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
          }},
         {"a tool", [this] { click(u"查找替换"_s); }},
-        {"a tool of the menu", [this] { model.setScriptMatchPresented(true); }},
+        {"a tool of the menu", [this] { model.window().setScriptMatchPresented(true); }},
         {"another job", [this] { load({u"新"_s}); }},
         {"another window",
          [this] {
@@ -115,8 +115,8 @@ TEST_F(CueEditing, What_is_typed_is_kept_when_something_else_is_turned_to)
         window.show();
         window.activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-        model.setFindReplaceVisible(false);
-        model.setScriptMatchPresented(false);
+        model.window().setFindReplaceVisible(false);
+        model.window().setScriptMatchPresented(false);
         loadTracks({u"一"_s, u"二"_s, u"三"_s}, {u"one"_s});
         editWith(0, u"刚刚输入"_s);
         turn();

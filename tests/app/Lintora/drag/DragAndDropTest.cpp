@@ -98,7 +98,7 @@ TEST_F(DragAndDrop, Areas_take_files_and_documents_and_nothing_else)
         document.setData(type, "<fcpxml/>");
         EXPECT_TRUE(hovers(area, document)) << type.toStdString();
     }
-    m_model.subtitleDragInProgress = true;
+    m_model.window().subtitleDragInProgress = true;
     EXPECT_FALSE(hovers(area, *FCPPasteboard::offering("<fcpxml/>"))) << "a card of our own";
 }
 
@@ -201,8 +201,8 @@ TEST_F(DragAndDrop, A_card_that_is_let_go_elsewhere_says_so_and_calls_the_window
 {
     load(2);
     int raised = 0;
-    m_model.raisePinnedWindow = [&] {
-        EXPECT_FALSE(m_model.subtitleDragInProgress);
+    m_model.window().raisePinnedWindow = [&] {
+        EXPECT_FALSE(m_model.window().subtitleDragInProgress);
         ++raised;
     };
     DragSubtitleCard card(m_model, std::nullopt);
@@ -210,7 +210,7 @@ TEST_F(DragAndDrop, A_card_that_is_let_go_elsewhere_says_so_and_calls_the_window
     pull(card); // off the screen nothing takes a drag
     EXPECT_EQ(raised, 0) << "the drag has not returned to the event loop";
     EXPECT_EQ(m_model.message(), u"未放入时间线，请把字幕卡片拖到 FCP 时间线区域"_s);
-    EXPECT_FALSE(m_model.subtitleDragInProgress);
+    EXPECT_FALSE(m_model.window().subtitleDragInProgress);
     Events::handle();
     EXPECT_EQ(raised, 1) << "one press is one drag";
 }
@@ -220,7 +220,7 @@ TEST_F(DragAndDrop, A_call_for_the_window_is_dropped_with_the_model)
     auto model = std::make_unique<LintoraModel>(m_outside.surroundings());
     model->load(m_outside.srt(u"a.srt"_s, 1));
     ASSERT_TRUE(Events::waitFor([&] { return model->items().size() == 1; }));
-    model->raisePinnedWindow = [] { FAIL(); };
+    model->window().raisePinnedWindow = [] { FAIL(); };
     {
         DragSubtitleCard card(*model, std::nullopt);
         card.show();
@@ -241,7 +241,7 @@ TEST_F(DragAndDrop, A_card_of_a_closed_track_starts_no_drag)
     pull(card);
     EXPECT_EQ(m_model.failure(), u"该语言组已关闭，请重新拖动字幕卡片"_s);
     EXPECT_EQ(m_model.message(), message);
-    EXPECT_FALSE(m_model.subtitleDragInProgress);
+    EXPECT_FALSE(m_model.window().subtitleDragInProgress);
 }
 
 TEST_F(DragAndDrop, A_small_movement_is_no_drag)

@@ -181,7 +181,7 @@ int runCard(const QString &folder, const QPoint &place, const QString &loss)
         showAt(program.window, place);
     });
     QObject::connect(&program.watch, &QTimer::timeout, &program.watch, [&] {
-        if (loss.isEmpty() || !program.model->subtitleDragInProgress)
+        if (loss.isEmpty() || !program.model->window().subtitleDragInProgress)
             return;
         program.watch.stop();
         program.lose(loss, folder + u"/other.srt"_s);

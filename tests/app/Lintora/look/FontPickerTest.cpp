@@ -90,9 +90,9 @@ TEST_F(FontPickerTest, Escape_leaves_everything_as_it_was)
     press(Qt::Key_Escape);
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(model.options(), before);
-    EXPECT_TRUE(model.settingsVisible());
+    EXPECT_TRUE(model.window().settingsVisible());
     press(Qt::Key_Escape);
-    EXPECT_FALSE(model.settingsVisible());
+    EXPECT_FALSE(model.window().settingsVisible());
 }
 
 TEST_F(FontPickerTest, Typing_in_the_list_goes_on_searching)

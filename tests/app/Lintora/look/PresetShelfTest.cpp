@@ -134,7 +134,7 @@ TEST_F(PresetShelfTest, A_name_that_cannot_be_is_told_where_it_is_typed)
     click(u"保存预设…"_s);
     press(Qt::Key_Escape);
     EXPECT_EQ(field(u"名称"_s), nullptr);
-    EXPECT_TRUE(model.settingsVisible()) << "only the question is left";
+    EXPECT_TRUE(model.window().settingsVisible()) << "only the question is left";
 }
 
 TEST_F(PresetShelfTest, Presets_are_renamed_removed_and_brought_back)

@@ -94,7 +94,7 @@ TEST_F(StyleControlsTest, What_is_no_value_stays_in_its_field_with_a_sentence)
         EXPECT_TRUE(visibleTexts().contains(sentence)) << qPrintable(name) << qPrintable(visibleTexts().join(u'|'));
         field(name)->setFocus();
         press(Qt::Key_Escape);
-        EXPECT_TRUE(model.settingsVisible()) << "only what was typed is left";
+        EXPECT_TRUE(model.window().settingsVisible()) << "only what was typed is left";
         EXPECT_FALSE(visibleTexts().contains(sentence)) << qPrintable(name);
     }
 }

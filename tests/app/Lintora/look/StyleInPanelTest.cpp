@@ -56,12 +56,12 @@ TEST_F(StyleInPanel, Opens_by_its_button_and_closes_by_Escape)
     EXPECT_EQ(panel.findChild<StyleWorkspace *>(), nullptr) << "nothing is made before it is needed";
     ASSERT_NE(button(u"样式"_s), nullptr);
     QTest::mouseClick(button(u"样式"_s), Qt::LeftButton);
-    EXPECT_TRUE(model.settingsVisible());
+    EXPECT_TRUE(model.window().settingsVisible());
     auto *const workspace = panel.findChild<StyleWorkspace *>();
     ASSERT_NE(workspace, nullptr);
     EXPECT_TRUE(workspace->isVisible());
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
-    EXPECT_FALSE(model.settingsVisible());
+    EXPECT_FALSE(model.window().settingsVisible());
     EXPECT_FALSE(workspace->isVisible());
 }
 
@@ -72,7 +72,7 @@ TEST_F(StyleInPanel, Shows_the_cue_that_is_looked_at)
     model.setOptions(options);
     ASSERT_TRUE(model.setText(1, QString(30, u'长')));
     panel.table().goTo(0);
-    model.setSettingsVisible(true);
+    model.window().setSettingsVisible(true);
     auto *const preview = panel.findChild<StylePreview *>();
     ASSERT_NE(preview, nullptr);
     const auto isTooWide = [&] {

@@ -59,8 +59,8 @@ StyleTest::StyleTest()
 {
     VELTheme::configure(window);
     workspace = new StyleWorkspace(model, &window, {.indexFile = outside.path(u"Fonts.json"_s), .source = system()});
-    QObject::connect(&model, &LintoraModel::settingsVisibleChanged, workspace, [this] {
-        if (model.settingsVisible())
+    QObject::connect(&model.window(), &WindowState::settingsVisibleChanged, workspace, [this] {
+        if (model.window().settingsVisible())
             workspace->present();
         else
             workspace->dismiss();
@@ -79,7 +79,7 @@ StyleTest::StyleTest()
     window.show();
     window.activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-    model.setSettingsVisible(true);
+    model.window().setSettingsVisible(true);
     Events::handle();
 }
 

@@ -49,7 +49,7 @@ protected:
 
     void search(const QString &query, const QString &replacement)
     {
-        model.setFindReplaceVisible(true);
+        model.window().setFindReplaceVisible(true);
         field(u"关键词"_s)->setText(query);
         field(u"替换为（留空则删除关键词）"_s)->setText(replacement);
         Events::handle();
@@ -62,7 +62,7 @@ protected:
 
     void match(const QString &script)
     {
-        model.setScriptMatchPresented(true);
+        model.window().setScriptMatchPresented(true);
         find<QPlainTextEdit>(u"文稿正文"_s)->setPlainText(script);
         click(u"开始匹配"_s);
         ASSERT_TRUE(Events::waitFor([&] { return !model.activity(); }));
@@ -76,10 +76,10 @@ TEST_F(Workspaces, Escape_closes_a_sheet_and_the_keyboard_goes_back)
     table().goTo(1);
     table().setFocus();
     press(Qt::Key_F, Qt::ControlModifier);
-    EXPECT_TRUE(model.findReplaceVisible());
+    EXPECT_TRUE(model.window().findReplaceVisible());
     EXPECT_TRUE(field(u"关键词"_s)->hasFocus());
     press(Qt::Key_Escape);
-    EXPECT_FALSE(model.findReplaceVisible());
+    EXPECT_FALSE(model.window().findReplaceVisible());
     EXPECT_TRUE(table().hasFocus());
     EXPECT_EQ(table().currentCue(), 1);
 }
@@ -89,19 +89,19 @@ TEST_F(Workspaces, The_keyboard_goes_back_to_what_is_still_there)
     load({u"一"_s, u"二"_s});
     // The editor that had it is gone when the sheet closes.
     edit(1);
-    model.setFindReplaceVisible(true);
+    model.window().setFindReplaceVisible(true);
     press(Qt::Key_Escape);
     EXPECT_TRUE(table().hasFocus());
     // One sheet over the other, closed one by one.
     model.showFCPImport();
-    model.setFindReplaceVisible(true);
+    model.window().setFindReplaceVisible(true);
     press(Qt::Key_Escape);
     press(Qt::Key_Escape);
-    EXPECT_FALSE(model.fcpImportVisible());
+    EXPECT_FALSE(model.window().fcpImportVisible());
     EXPECT_TRUE(table().hasFocus());
     // Cues that come in under a sheet get it when that closes.
     model.deleteCues({0, 1});
-    model.setScriptMatchPresented(true);
+    model.window().setScriptMatchPresented(true);
     load({u"三"_s});
     Events::handle();
     EXPECT_FALSE(table().hasFocus());
@@ -149,13 +149,13 @@ TEST_F(Workspaces, The_default_words_come_back_only_when_saved)
 {
     load({u"一"_s});
     model.saveFillerWords({});
-    model.setCleanupSettingsVisible(true);
+    model.window().setCleanupSettingsVisible(true);
     click(u"恢复默认词表"_s);
     EXPECT_EQ(note(), u"点击保存后生效"_s);
     EXPECT_EQ(find<QPlainTextEdit>(u"语气词"_s)->toPlainText(), SubtitleCleanup::defaultFillerWords().join(u'\n'));
     press(Qt::Key_Escape);
     EXPECT_EQ(model.fillerWords(), QStringList());
-    model.setCleanupSettingsVisible(true);
+    model.window().setCleanupSettingsVisible(true);
     click(u"保存"_s); // what was put in is still there
     EXPECT_EQ(model.fillerWords(), SubtitleCleanup::defaultFillerWords());
 }
@@ -163,7 +163,7 @@ TEST_F(Workspaces, The_default_words_come_back_only_when_saved)
 TEST_F(Workspaces, A_list_that_is_too_long_is_refused_in_words)
 {
     load({u"一"_s});
-    model.setCleanupSettingsVisible(true);
+    model.window().setCleanupSettingsVisible(true);
     QStringList many;
     for (int i = 0; i < 101; ++i)
         many += u"词%1"_s.arg(i);
@@ -250,7 +250,7 @@ TEST_F(Workspaces, An_activated_match_is_shown_in_the_table)
     list->setFocus();
     list->setCurrentIndex(list->model()->index(0, 0));
     press(Qt::Key_Return);
-    EXPECT_FALSE(model.findReplaceVisible());
+    EXPECT_FALSE(model.window().findReplaceVisible());
     EXPECT_EQ(table().currentCue(), 2);
     EXPECT_TRUE(table().hasFocus());
 }
@@ -304,7 +304,7 @@ TEST_F(Workspaces, Closing_loses_neither_transcript_nor_proposals)
     load({u"今天我们聊聊条色"_s});
     match(u"今天我们聊聊调色"_s);
     press(Qt::Key_Escape);
-    EXPECT_FALSE(model.scriptMatchPresented());
+    EXPECT_FALSE(model.window().scriptMatchPresented());
     click(u"文稿匹配"_s);
     EXPECT_EQ(find<QPlainTextEdit>(u"文稿正文"_s)->toPlainText(), u"今天我们聊聊调色"_s);
     EXPECT_NE(button(u"应用勾选 · 1"_s), nullptr);
@@ -313,7 +313,7 @@ TEST_F(Workspaces, Closing_loses_neither_transcript_nor_proposals)
 TEST_F(Workspaces, An_empty_transcript_is_asked_for)
 {
     load({u"一"_s});
-    model.setScriptMatchPresented(true);
+    model.window().setScriptMatchPresented(true);
     EXPECT_EQ(find<QPlainTextEdit>(u"文稿正文"_s)->placeholderText(),
               u"在这里粘贴文稿正文…\n无需填写时间码，段落顺序应与字幕一致。"_s);
     click(u"开始匹配"_s);
@@ -321,7 +321,7 @@ TEST_F(Workspaces, An_empty_transcript_is_asked_for)
     EXPECT_TRUE(find<QLabel>(u"状态"_s)->property("failure").toBool());
     find<QPlainTextEdit>(u"文稿正文"_s)->setPlainText(u"一"_s);
     click(u"开始匹配"_s);
-    EXPECT_FALSE(model.isScriptRefused());
+    EXPECT_FALSE(model.scriptMatching().isRefused());
 }
 
 } // namespace

@@ -1,0 +1,83 @@
+#include "app/model/EditedSession.h"
+
+#include "app/model/SessionTracks.h"
+
+#include <QScopeGuard>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+EditedSession::EditedSession(const LintoraSession &first)
+    : m_state(SessionTracks::normalized(first))
+    , m_history(m_state)
+{}
+
+void EditedSession::replace(LintoraSession next, const QString &title, EditStep step)
+{
+    if (next == m_state)
+        return;
+    if (step == EditStep::load)
+        Q_EMIT aboutToLoad(next);
+    const LintoraSession before = std::exchange(m_state, std::move(next));
+    if (m_grouping.joinsLast(step))
+        m_history.amend(m_state, step == EditStep::amend ? QString() : title);
+    else
+        m_history.record(m_state, title);
+    Q_EMIT changed(before, step == EditStep::load);
+}
+
+void EditedSession::replaceItems(const QList<Subtitle> &items, const QString &title)
+{
+    LintoraSession next = m_state;
+    next.items = items;
+    replace(SessionTracks::committed(std::move(next)), title);
+}
+
+void EditedSession::asOneStep(const std::function<void()> &changes)
+{
+    m_grouping.beginGroup();
+    const auto end = qScopeGuard([this] { m_grouping.endGroup(); });
+    changes();
+}
+
+void EditedSession::undo()
+{
+    step(&EditHistory::undo);
+}
+
+void EditedSession::redo()
+{
+    step(&EditHistory::redo);
+}
+
+void EditedSession::step(const LintoraSession &(EditHistory::*direction)())
+{
+    endGesture();
+    const LintoraSession before = std::exchange(m_state, (m_history.*direction)());
+    // What changed is to be seen, also when another track was selected in the meantime.
+    if (const auto track = SessionTracks::changedTrack(before, m_state)) {
+        m_state = SessionTracks::selecting(std::move(m_state), *track);
+        m_history.amend(m_state);
+    }
+    Q_EMIT changed(before, false);
+}
+
+void EditedSession::insertBefore(const LintoraSession &state, const QString &title)
+{
+    m_history.insertBefore(SessionTracks::normalized(state), title);
+    Q_EMIT historyChanged();
+}
+
+bool EditedSession::isRestorable(const CueRestore &restore) const
+{
+    const auto index = SessionTracks::indexOf(m_state, restore.track);
+    return index && m_state.tracks->at(*index).items == restore.after;
+}
+
+void EditedSession::restore(const CueRestore &restore)
+{
+    LintoraSession next = SessionTracks::selecting(m_state, restore.track);
+    next.items = restore.before;
+    replace(SessionTracks::committed(std::move(next)), u"恢复文字"_s);
+}

@@ -1,0 +1,51 @@
+#include "app/model/WindowState.h"
+
+#include <utility>
+
+WindowState::WindowState(Preferences &preferences, const CueOwnership &owner)
+    : m_preferences(preferences)
+    , m_owner(owner)
+    , m_pinned(preferences.floatingPinned())
+{
+    connect(&owner, &CueOwnership::busyChanged, this, [this] {
+        if (m_owner.isBusy())
+            setFindReplaceVisible(false);
+    });
+}
+
+void WindowState::set(bool &field, bool value, void (WindowState::*changed)())
+{
+    if (std::exchange(field, value) != value)
+        Q_EMIT(this->*changed)();
+}
+
+void WindowState::setPinned(bool pinned)
+{
+    m_preferences.setFloatingPinned(pinned);
+    set(m_pinned, pinned, &WindowState::pinnedChanged);
+}
+
+void WindowState::setFCPImportVisible(bool visible)
+{
+    set(m_fcpImportVisible, visible, &WindowState::fcpImportVisibleChanged);
+}
+
+void WindowState::setSettingsVisible(bool visible)
+{
+    set(m_settingsVisible, visible, &WindowState::settingsVisibleChanged);
+}
+
+void WindowState::setCleanupSettingsVisible(bool visible)
+{
+    set(m_cleanupSettingsVisible, visible, &WindowState::cleanupSettingsVisibleChanged);
+}
+
+void WindowState::setFindReplaceVisible(bool visible)
+{
+    set(m_findReplaceVisible, visible && !m_owner.isBusy(), &WindowState::findReplaceVisibleChanged);
+}
+
+void WindowState::setScriptMatchPresented(bool presented)
+{
+    set(m_scriptMatchPresented, presented, &WindowState::scriptMatchPresentedChanged);
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "app/model/Preferences.h"
+#include "app/model/ai/CueOwnership.h"
+
+/// What the window has open, and whether it stays in front.
+class WindowState : public QObject
+{
+    Q_OBJECT
+
+public:
+    WindowState(Preferences &preferences, const CueOwnership &owner);
+
+    bool pinned() const { return m_pinned; } ///< Whether it stays in front. Kept between runs.
+    void setPinned(bool pinned);
+    void toggleFloating() { setPinned(!m_pinned); }
+
+    bool fcpImportVisible() const { return m_fcpImportVisible; }
+    bool settingsVisible() const { return m_settingsVisible; } ///< The titles' look.
+    bool cleanupSettingsVisible() const { return m_cleanupSettingsVisible; }
+    bool findReplaceVisible() const { return m_findReplaceVisible; }
+    bool scriptMatchPresented() const { return m_scriptMatchPresented; }
+    void setFCPImportVisible(bool visible);
+    void setSettingsVisible(bool visible);
+    void setCleanupSettingsVisible(bool visible);
+    void setFindReplaceVisible(bool visible); ///< Not opened while long work owns the cues, which closes it.
+    void setScriptMatchPresented(bool presented);
+
+    bool subtitleDragInProgress = false;               ///< Set by the card that is dragged.
+    std::function<void()> raisePinnedWindow = nullptr; ///< Set by the owner of the window.
+
+Q_SIGNALS:
+    void pinnedChanged();
+    void fcpImportVisibleChanged();
+    void settingsVisibleChanged();
+    void cleanupSettingsVisibleChanged();
+    void findReplaceVisibleChanged();
+    void scriptMatchPresentedChanged();
+
+private:
+    void set(bool &field, bool value, void (WindowState::*changed)());
+
+    Preferences &m_preferences;
+    const CueOwnership &m_owner;
+    bool m_pinned;
+    bool m_fcpImportVisible = false;
+    bool m_settingsVisible = false;
+    bool m_cleanupSettingsVisible = false;
+    bool m_findReplaceVisible = false;
+    bool m_scriptMatchPresented = false;
+};
