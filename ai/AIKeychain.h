@@ -4,7 +4,7 @@
 
 /// The keys of online services, in the system's keychain and nowhere else.
 ///
-/// The calls wait for the keychain, which may ask the person.
+/// The calls wait for the keychain, which may ask the person. They may be made from any thread.
 namespace AIKeychain {
 
 inline const QString textAccount = QStringLiteral("text-api");     ///< The key of the chat service.

@@ -4,6 +4,7 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -23,6 +24,20 @@ TEST(AIKeychainWithService, keeps_a_key_for_each_purpose_replaces_and_removes_it
     AIKeychain::save({}, AIKeychain::textAccount);
     EXPECT_EQ(AIKeychain::read(AIKeychain::textAccount), QString());
     EXPECT_EQ(AIKeychain::read(AIKeychain::speechAccount), u"speech-1"_s);
+}
+
+TEST(AIKeychainWithService, serves_threads_that_come_and_go)
+{
+    for (const QString &key : {u"one"_s, u"two"_s, QString()}) {
+        QString kept = u"unread"_s;
+        const std::unique_ptr<QThread> worker(QThread::create([&] {
+            AIKeychain::save(key, AIKeychain::textAccount);
+            kept = AIKeychain::read(AIKeychain::textAccount);
+        }));
+        worker->start();
+        ASSERT_TRUE(worker->wait());
+        EXPECT_EQ(kept, key);
+    }
 }
 
 TEST(AIKeychainWithoutService, says_so_with_the_reason_and_writes_the_key_nowhere)
