@@ -7,6 +7,7 @@
 #include "app/model/SessionLink.h"
 #include "app/model/StylePresets.h"
 #include "app/model/WindowState.h"
+#include "app/model/ai/AISettings.h"
 #include "app/model/ai/CueOwnership.h"
 #include "store/RecentSessions.h"
 
@@ -41,6 +42,7 @@ public:
         std::optional<QString> stylePresetsURL = {}; ///< Path of the presets; absent: the user's own.
         std::shared_ptr<QSettings> settings = {};    ///< Where preferences are kept. Never null.
         FileDialogs dialogs = {};
+        AIKeyStore keys = {};          ///< Where keys of services are kept; unless named: the user's own keychain.
         QString font = Options().font; ///< The family that a first session begins with.
     };
 
@@ -206,6 +208,8 @@ public:
 
     // Its parts
 
+    AISettings &aiSettings() { return m_aiSettings; }
+    const AISettings &aiSettings() const { return m_aiSettings; }
     ScriptMatching &scriptMatching() { return m_scriptMatching; }
     const ScriptMatching &scriptMatching() const { return m_scriptMatching; }
     WindowState &window() { return m_window; }
@@ -305,6 +309,7 @@ private:
     void setUnsaved(const std::optional<QString> &why);
 
     FileDialogs m_dialogs;
+    AISettings m_aiSettings;
     Preferences m_preferences;
     StylePresets m_stylePresets;
     SessionKeeper m_keeper;

@@ -1,5 +1,6 @@
 #include "app/model/Preferences.h"
 
+#include "app/model/SettingsValues.h"
 #include "core/PlatformError.h"
 #include "core/text/SubtitleCleanup.h"
 
@@ -15,18 +16,6 @@ const QString expandedKey = u"expandedActionsLayout"_s;
 const QString favoritesKey = u"favoriteFonts"_s;
 const QString recentKey = u"recentFonts"_s;
 const QString frameKey = u"LintoraEditor"_s;
-
-/// Settings files of plain text hold booleans as words.
-bool readBool(const QSettings &settings, const QString &key, bool otherwise)
-{
-    const QVariant value = settings.value(key);
-    if (value.typeId() == QMetaType::Bool)
-        return value.toBool();
-    const QString word = value.toString();
-    if (word == u"true" || word == u"false")
-        return word == u"true";
-    return otherwise;
-}
 
 /// Brings what was set to the disk. Whether that could be done.
 bool isWritten(QSettings &settings)
@@ -70,7 +59,7 @@ void Preferences::setFillerWords(const QStringList &words)
 
 bool Preferences::floatingPinned() const
 {
-    return readBool(*m_settings, pinnedKey, true);
+    return SettingsValues::boolean(m_settings->value(pinnedKey)).value_or(true);
 }
 
 void Preferences::setFloatingPinned(bool pinned)
@@ -80,7 +69,7 @@ void Preferences::setFloatingPinned(bool pinned)
 
 bool Preferences::expandedActionsLayout() const
 {
-    return readBool(*m_settings, expandedKey, false);
+    return SettingsValues::boolean(m_settings->value(expandedKey)).value_or(false);
 }
 
 void Preferences::setExpandedActionsLayout(bool done)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/model/LintoraModel.h"
+#include "tests/support/MemoryKeys.h"
 
 #include <QFile>
 #include <QSettings>
@@ -27,7 +28,8 @@ public:
         return {.draftURL = path(QStringLiteral("Draft.json")),
                 .stylePresetsURL = path(QStringLiteral("StylePresets.json")),
                 .settings = std::make_shared<QSettings>(path(QStringLiteral("settings.ini")), QSettings::IniFormat),
-                .dialogs = dialogs};
+                .dialogs = dialogs,
+                .keys = keys.store()};
     }
 
     QString path(const QString &name) const { return m_folder.filePath(name); }
@@ -52,6 +54,7 @@ public:
 
     QString answer;       ///< What dialogs for opening are answered with; empty: given up.
     QStringList openings; ///< Titles of the dialogs for opening, in order.
+    MemoryKeys keys;      ///< The keychain.
 
 private:
     const QTemporaryDir m_folder;

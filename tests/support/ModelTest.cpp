@@ -33,7 +33,8 @@ std::unique_ptr<LintoraModel> ModelTest::start()
         .settings = std::make_shared<QSettings>(home(u"settings.ini"_s), QSettings::IniFormat),
         .dialogs = {.open = [reply](const auto &request, const auto &chosen) { reply(request.title, chosen); },
                     .save = [reply](const auto &request, const auto &chosen) { reply(request.suggestion, chosen); },
-                    .folder = reply}});
+                    .folder = reply},
+        .keys = keys.store()});
 }
 
 LintoraModel &ModelTest::restart()

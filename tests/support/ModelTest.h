@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/model/LintoraModel.h"
+#include "tests/support/MemoryKeys.h"
 
 #include <QTemporaryDir>
 
@@ -31,8 +32,9 @@ protected:
     QString failure() const { return model->failure().value_or(QString()); }
     QStringList texts() const; ///< Of the selected track's cues.
 
-    QString answer; ///< What the next dialog is answered with; empty: given up.
-    QString asked;  ///< What the last dialog suggested, or its title.
+    QString answer;  ///< What the next dialog is answered with; empty: given up.
+    QString asked;   ///< What the last dialog suggested, or its title.
+    MemoryKeys keys; ///< The keychain, which stays from model to model.
 
 private:
     QTemporaryDir m_home;
