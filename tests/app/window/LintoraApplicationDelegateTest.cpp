@@ -5,6 +5,7 @@
 #include "store/LintoraSession.h"
 #include "tests/app/TemporaryModel.h"
 #include "tests/support/Events.h"
+#include "tests/support/LoggedLines.h"
 #include "tests/support/OwnedCues.h"
 
 #include <gmock/gmock.h>
@@ -298,22 +299,12 @@ TEST_F(Application, The_last_change_is_saved_at_the_end)
     EXPECT_TRUE(draft.readAll().contains("改过"));
 }
 
-QStringList &logged()
-{
-    static QStringList lines;
-    return lines;
-}
-
 TEST_F(Application, Notes_how_the_window_stands_when_another_program_becomes_active)
 {
     LintoraApplicationDelegate &delegate = launch();
-    logged().clear();
-    const auto before = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &line) {
-        logged() += QString::fromUtf8(context.category) + u": "_s + line;
-    });
+    const LoggedLines logged;
     Q_EMIT qApp->applicationStateChanged(Qt::ApplicationInactive);
-    qInstallMessageHandler(before);
-    EXPECT_EQ(logged(),
+    EXPECT_EQ(logged.lines,
               QStringList(u"FloatingWindow: Resigned active: visible=true hidesOnDeactivate=false level=3"_s));
     EXPECT_TRUE(delegate.window()->isVisible());
 }

@@ -5,6 +5,7 @@
 
 #include "tests/app/TemporaryModel.h"
 #include "tests/support/Events.h"
+#include "tests/support/LoggedLines.h"
 #include "tests/support/OwnedCues.h"
 
 #include <gmock/gmock.h>
@@ -207,7 +208,9 @@ TEST_F(DragAndDrop, A_card_that_is_let_go_elsewhere_says_so_and_calls_the_window
     };
     DragSubtitleCard card(m_model, std::nullopt);
     card.show();
+    const LoggedLines logged;
     pull(card); // off the screen nothing takes a drag
+    EXPECT_TRUE(logged.lines.contains(u"SubtitleDrag: Subtitle drag window stayed still: true"_s));
     EXPECT_EQ(raised, 0) << "the drag has not returned to the event loop";
     EXPECT_EQ(m_model.message(), u"未放入时间线，请把字幕卡片拖到 FCP 时间线区域"_s);
     EXPECT_FALSE(m_model.window().subtitleDragInProgress);
