@@ -147,6 +147,8 @@ void CueTable::select(const QModelIndex &index)
 
 void CueTable::takeKeyboard()
 {
+    if (!currentIndex().isValid())
+        restorePlace();
     if (!currentIndex().isValid() && m_filter.rowCount() > 0)
         goTo(m_filter.mapToSource(m_filter.index(0, 0)).row());
     setFocus();

@@ -359,6 +359,12 @@ TEST_F(CueEditing, The_filter_is_left_by_the_keys_that_lead_on)
 {
     load({u"一"_s, u"二"_s, u"三"_s});
     auto *const filter = find<QLineEdit>(u"筛选字幕"_s);
+    table().goTo(1);
+    filter->setFocus();
+    filter->setText(u"没有"_s);
+    Events::handle();
+    press(Qt::Key_Escape);
+    EXPECT_EQ(table().currentCue(), 1) << "back to where we were";
     for (const int key : {Qt::Key_Down, Qt::Key_Return, Qt::Key_Escape}) {
         filter->setFocus();
         filter->setText(u"三"_s);
