@@ -4,11 +4,15 @@
 #include "app/titles/GaussianBlur.h"
 #include "app/titles/TitleColor.h"
 
+#include <QHash>
 #include <QPainter>
+#include <QRawFont>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <mutex>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -20,11 +24,22 @@ QColor colorOf(const QString &text, const QString &otherwise)
     return TitleColor::read(text).value_or(*TitleColor::read(otherwise));
 }
 
+void drawPictures(QPainter &painter, const std::vector<TitleLayers::Glyphs::Pictures> &pictures)
+{
+    const QTransform before = painter.transform();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    for (const TitleLayers::Glyphs::Pictures &each : pictures) {
+        painter.setTransform(each.place * before);
+        painter.drawGlyphRun(QPointF(), each.run);
+    }
+    painter.setTransform(before);
+}
+
 /// Shadow and stroke are made of the same mask: all that glyphs and stroke cover.
 class Silhouette
 {
 public:
-    Silhouette(const std::vector<QPainterPath> &glyphs, const TitlePicture::Layout &layout)
+    Silhouette(const TitleLayers::Glyphs &glyphs, const TitlePicture::Layout &layout)
         : m_layout(layout)
     {
         // What stands farther out than blur and stroke reach leaves no trace in the picture.
@@ -60,15 +75,16 @@ public:
     }
 
 private:
-    std::vector<uchar> glyphCoverage(const std::vector<QPainterPath> &glyphs) const
+    std::vector<uchar> glyphCoverage(const TitleLayers::Glyphs &glyphs) const
     {
         QImage image(m_area.size(), QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
         QPainter painter(&image);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(-QPointF(m_area.topLeft()));
-        for (const QPainterPath &piece : glyphs)
+        for (const QPainterPath &piece : glyphs.pieces)
             painter.fillPath(piece, Qt::black);
+        drawPictures(painter, glyphs.pictures);
         painter.end();
         std::vector<uchar> coverage(static_cast<size_t>(m_area.width()) * static_cast<size_t>(m_area.height()));
         auto at = coverage.begin();
@@ -166,14 +182,71 @@ std::vector<Contour> contours(const QPainterPath &outline)
     return list;
 }
 
+/// Whether there may be signs in the line that fonts have as coloured pictures. Most lines have none, and need no
+/// second look.
+bool mayHavePictures(const QString &line)
+{
+    return std::ranges::any_of(line, [](QChar each) {
+        const char16_t unit = each.unicode();
+        return each.isSurrogate() || (unit >= 0x2030 && unit < 0x2C00) || unit == 0xFE0F || unit == 0x3030 ||
+               unit == 0x303D || unit == 0x3297 || unit == 0x3299 || unit == 0xA9 || unit == 0xAE;
+    });
+}
+
+/// By its tables. To ask such a font for an outline spoils the widths that it answers from then on.
+bool hasPictures(const QRawFont &font)
+{
+    static std::mutex mutex;
+    static QHash<QString, bool> known; // Tables are copied to be looked at, and may be large.
+    const std::lock_guard lock(mutex);
+    const auto found = known.constFind(font.familyName());
+    if (found != known.cend())
+        return *found;
+    const auto has = [&font](const char *table) { return !font.fontTable(table).isEmpty(); };
+    return *known.insert(font.familyName(), has("CBLC") || has("COLR") || has("sbix"));
+}
+
+void addOutlines(QPainterPath &path, const QGlyphRun &run)
+{
+    const QList<quint32> glyphs = run.glyphIndexes();
+    const QList<QPointF> positions = run.positions();
+    for (qsizetype i = 0; i < glyphs.size(); ++i)
+        path.addPath(run.rawFont().pathForGlyph(glyphs[i]).translated(positions[i]));
+}
+
 } // namespace
 
-QPainterPath TitleLayers::outline(const QString &line, const QFont &font)
+TitleLayers::Shapes TitleLayers::shapes(const QString &line, const QFont &font)
 {
-    QPainterPath path;
-    path.setFillRule(Qt::WindingFill);
-    path.addText(QPointF(), font, line);
-    return path;
+    Shapes shapes;
+    shapes.outline.setFillRule(Qt::WindingFill);
+    QList<QGlyphRun> runs;
+    if (mayHavePictures(line)) {
+        QTextLayout layout(line, font);
+        layout.beginLayout();
+        const QTextLine only = layout.createLine();
+        layout.endLayout();
+        runs = layout.glyphRuns();
+        for (QGlyphRun &run : runs) {
+            QList<QPointF> positions = run.positions();
+            for (QPointF &position : positions)
+                position.ry() -= only.ascent();
+            run.setBoundingRect(run.boundingRect().translated(0, -only.ascent()));
+            run.setPositions(positions);
+        }
+    }
+    const auto isPictured = [](const QGlyphRun &run) { return hasPictures(run.rawFont()); };
+    if (!std::ranges::any_of(runs, isPictured)) {
+        shapes.outline.addText(QPointF(), font, line);
+        return shapes;
+    }
+    for (const QGlyphRun &run : runs) {
+        if (isPictured(run))
+            shapes.pictures.append(run);
+        else
+            addOutlines(shapes.outline, run);
+    }
+    return shapes;
 }
 
 std::vector<QPainterPath> TitleLayers::pieces(const QPainterPath &outline)
@@ -195,8 +268,7 @@ std::vector<QPainterPath> TitleLayers::pieces(const QPainterPath &outline)
     return result;
 }
 
-void TitleLayers::draw(QImage &canvas, const std::vector<QPainterPath> &glyphs, const TitlePicture::Layout &layout,
-                       const Options &options)
+void TitleLayers::draw(QImage &canvas, const Glyphs &glyphs, const TitlePicture::Layout &layout, const Options &options)
 {
     if (!layout.bounds.intersects(QRectF(QPointF(), layout.size)))
         return;
@@ -214,6 +286,8 @@ void TitleLayers::draw(QImage &canvas, const std::vector<QPainterPath> &glyphs, 
         else if (layout.stroke > 0)
             silhouette.drawHollowStroke(painter, stroke);
     }
-    for (const QPainterPath &piece : glyphs)
+    for (const QPainterPath &piece : glyphs.pieces)
         painter.fillPath(piece, fill);
+    painter.setOpacity(fill.alphaF());
+    drawPictures(painter, glyphs.pictures);
 }

@@ -15,11 +15,11 @@
 
 namespace {
 
-/// A layout and the outlines of its text.
+/// A layout and what of its text is drawn.
 struct Composition
 {
     TitlePicture::Layout layout;
-    std::vector<QPainterPath> glyphs;
+    TitleLayers::Glyphs glyphs;
 };
 
 QRectF centred(QSize size, double part)
@@ -85,11 +85,16 @@ Composition compose(const QString &text, const Options &options, QSize size, Tit
         const double width = measure.widthOf(line.text) * layout.scale;
         const double left = (layout.size.width() - width) / 2;
         const QTransform place(layout.em / TitleFont::em, 0, 0, layout.em / TitleFont::em, left, baseline);
-        const QPainterPath glyphs = place.map(TitleLayers::outline(line.text, measure.font().font));
-        const QRectF ink = glyphs.boundingRect();
+        const TitleLayers::Shapes shapes = TitleLayers::shapes(line.text, measure.font().font);
+        const QPainterPath outline = place.map(shapes.outline);
+        QRectF ink = outline.boundingRect();
+        for (const QGlyphRun &run : shapes.pictures) {
+            result.glyphs.pictures.push_back({.run = run, .place = place});
+            ink = ink.united(place.mapRect(run.boundingRect()));
+        }
         layout.lines.append({.text = line.text, .baseline = baseline, .left = left, .width = width, .ink = ink});
         layout.ink = layout.ink.united(ink);
-        std::ranges::move(TitleLayers::pieces(glyphs), std::back_inserter(result.glyphs));
+        std::ranges::move(TitleLayers::pieces(outline), std::back_inserter(result.glyphs.pieces));
         baseline += measure.lineSpacing() * layout.scale;
     }
     layout.bounds = boundsOf(layout, options);

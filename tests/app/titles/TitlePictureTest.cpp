@@ -211,3 +211,29 @@ TEST_F(TitlePictureTest, Fills_the_frame_with_the_middle_of_a_still)
     EXPECT_EQ(picture.pixelColor(555, 310), QColor(Qt::blue));
     EXPECT_EQ(TitlePicture::draw({}, style(), {560, 315}, TitleBackdrops::fitted(backdrop, {560, 315})), picture);
 }
+
+TEST_F(TitlePictureTest, coloured_signs_are_seen_and_leave_the_fonts_as_they_were)
+{
+    if (!QFontDatabase::hasFamily(u"Noto Color Emoji"_s))
+        GTEST_SKIP() << "needs the font Noto Color Emoji (package fonts-noto-color-emoji)";
+    QFont list;
+    list.setPixelSize(13);
+    const QString signs = u"🎬🇨🇳"_s;
+    const double before = QFontMetricsF(list).horizontalAdvance(signs);
+    Options options = style();
+    options.shadowEnabled = false;
+    const QSize size(1920, 1080);
+    const QImage picture = TitlePicture::draw(signs, options, size, on(TitleBackdrop::Kind::transparent));
+    const QRect seen = painted(picture);
+    const TitlePicture::Layout layout = TitlePicture::layout(signs, options, size);
+    EXPECT_NEAR(seen.width(), layout.lines.first().width, layout.em / 4);
+    EXPECT_TRUE(layout.ink.toAlignedRect().adjusted(-1, -1, 1, 1).contains(seen));
+    EXPECT_LT(seen.bottom(), layout.lines.first().baseline + layout.em / 3) << "on the baseline";
+    int reds = 0; // the flag
+    for (int x = seen.left(); x <= seen.right(); ++x) {
+        const QColor pixel = picture.pixelColor(x, seen.center().y());
+        reds += pixel.red() > 150 && pixel.green() < 80 ? 1 : 0;
+    }
+    EXPECT_GT(reds, layout.em / 2);
+    EXPECT_EQ(QFontMetricsF(list).horizontalAdvance(signs), before);
+}
