@@ -30,6 +30,15 @@ private:
     std::optional<Progress> m_progress;
 };
 
+std::unique_ptr<QThreadPool> makePool(BackgroundTask::Order order)
+{
+    // An operation that was cancelled may need a moment to notice; the one in its place does not wait for it.
+    constexpr int threads = 4;
+    auto pool = std::make_unique<QThreadPool>();
+    pool->setMaxThreadCount(order == BackgroundTask::Order::newestOnly ? threads : 1);
+    return pool;
+}
+
 } // namespace
 
 /// What workers say arrives as long as the task is there.
@@ -64,12 +73,8 @@ BackgroundTask::BackgroundTask(Order order, Effect effect)
     : m_order(order)
     , m_effect(effect)
     , m_line(std::make_shared<Line>(*this))
-    , m_pool(std::make_unique<QThreadPool>())
-{
-    // An operation that was cancelled may need a moment to notice; the one in its place does not wait for it.
-    constexpr int threads = 4;
-    m_pool->setMaxThreadCount(order == Order::newestOnly ? threads : 1);
-}
+    , m_pool(makePool(order))
+{}
 
 BackgroundTask::~BackgroundTask()
 {
@@ -77,8 +82,11 @@ BackgroundTask::~BackgroundTask()
     waitUntil(m_isGivenUp ? QDeadlineTimer() : QDeadlineTimer(patience));
     m_line->cut();
     // Its destructor would wait for ever. The worker keeps what it needs.
-    if (m_isGivenUp)
+    if (m_isGivenUp) {
         static_cast<void>(m_pool.release());
+        for (std::unique_ptr<QThreadPool> &pool : m_left)
+            static_cast<void>(pool.release());
+    }
 }
 
 std::optional<Progress> BackgroundTask::progress() const
@@ -154,16 +162,27 @@ void BackgroundTask::cancelRuns()
     }
 }
 
+/// What comes next has a worker of its own. What writes, or takes its predecessor's place, waits for its end.
+void BackgroundTask::leaveCancelledReads()
+{
+    std::erase_if(m_left, [](const auto &pool) { return pool->activeThreadCount() == 0; });
+    if (m_order == Order::oneAfterAnother && m_effect == Effect::reads && m_pool->activeThreadCount() > 0)
+        m_left.push_back(std::exchange(m_pool, makePool(m_order)));
+}
+
 void BackgroundTask::cancel()
 {
     if (m_runs.empty())
         return;
+    leaveCancelledReads();
     cancelRuns();
     Q_EMIT progressChanged();
 }
 
 void BackgroundTask::wait()
 {
+    for (const std::unique_ptr<QThreadPool> &pool : m_left)
+        pool->waitForDone();
     m_pool->waitForDone();
 }
 
@@ -175,8 +194,11 @@ void BackgroundTask::finish(QDeadlineTimer deadline)
 
 void BackgroundTask::waitUntil(QDeadlineTimer deadline)
 {
+    const auto isDone = [deadline](const std::unique_ptr<QThreadPool> &pool) {
+        return pool->waitForDone(int(deadline.remainingTime()));
+    };
     if (m_effect == Effect::writes)
         wait();
     else
-        m_isGivenUp = !m_pool->waitForDone(int(deadline.remainingTime()));
+        m_isGivenUp = !std::ranges::all_of(m_left, isDone) || !isDone(m_pool);
 }

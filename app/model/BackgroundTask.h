@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 /// Long operations of one kind, on a worker thread, and their way back to the main thread.
 ///
@@ -25,7 +26,7 @@
 ///
 /// What was cancelled may need a moment yet on its worker. finish() and the destructor wait for it: for what writes to
 /// its end, for what only reads no longer than `patience`. A pipe or a network may keep a read waiting for ever; such a
-/// one is left alone, and whatever it comes to is dropped.
+/// one is left alone, holds up none that follow, and whatever it comes to is dropped.
 ///
 /// Lives on the main thread.
 class BackgroundTask : public QObject
@@ -40,7 +41,7 @@ public:
     {
         newestOnly,        ///< It takes its place, and begins at once.
         newestAfterTheOld, ///< It takes its place, and begins when the other one has left its worker.
-        oneAfterAnother    ///< It waits for its turn.
+        oneAfterAnother    ///< It waits for its turn; a read does not wait for one that was cancelled.
     };
 
     /// What operations do to files.
@@ -102,13 +103,15 @@ private:
     void end(const Job *job, const Ending &ending);
     void setProgress(const Job *job, const Progress &progress);
     void cancelRuns();
+    void leaveCancelledReads();
     void waitUntil(QDeadlineTimer deadline);
     std::deque<Run>::iterator find(const Job *job);
 
     Order m_order;
     std::deque<Run> m_runs; ///< Those whose end is not told, in their order.
     Effect m_effect;
-    bool m_isGivenUp = false;            ///< Whether a read was waited for in vain.
-    std::shared_ptr<Line> m_line;        ///< By which workers reach this object.
-    std::unique_ptr<QThreadPool> m_pool; ///< Never null.
+    bool m_isGivenUp = false;                         ///< Whether a read was waited for in vain.
+    std::shared_ptr<Line> m_line;                     ///< By which workers reach this object.
+    std::unique_ptr<QThreadPool> m_pool;              ///< Never null.
+    std::vector<std::unique_ptr<QThreadPool>> m_left; ///< Where cancelled reads may still be.
 };

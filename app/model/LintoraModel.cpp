@@ -139,6 +139,11 @@ void LintoraModel::emitChanges(const LintoraSession &before)
     // A receiver may change the session again; it then hears of that first, which is the newer state anyway.
     const LintoraSession now = m_session.state();
     const bool haveCuesChanged = before.items != now.items;
+    // The selected track has the cues too, which need not be compared again. Another one may be selected now.
+    const bool isSameTrack = before.selectedTrackID == now.selectedTrackID;
+    const bool haveTracksChanged = (haveCuesChanged && isSameTrack) || before.tracks != now.tracks;
+    if (haveTracksChanged) // What was said of the step before is over.
+        publish(m_message, QString(), &LintoraModel::messageChanged);
     if (haveCuesChanged)
         Q_EMIT itemsChanged();
     if (before.source != now.source)
@@ -153,9 +158,7 @@ void LintoraModel::emitChanges(const LintoraSession &before)
         Q_EMIT previousItemsChanged();
     if (before.cleaned != now.cleaned)
         Q_EMIT cleanedChanged();
-    // The selected track has the cues too, which need not be compared again. Another one may be selected now.
-    const bool isSameTrack = before.selectedTrackID == now.selectedTrackID;
-    if ((haveCuesChanged && isSameTrack) || before.tracks != now.tracks)
+    if (haveTracksChanged)
         Q_EMIT tracksChanged();
     if (before.selectedTrackID != now.selectedTrackID)
         Q_EMIT selectedTrackIDChanged();

@@ -108,6 +108,9 @@ void LintoraModel::setUnsaved(const std::optional<QString> &why)
         publish(m_message, *why, &LintoraModel::messageChanged);
     else if (m_message == m_unsaved)
         publish(m_message, QString(), &LintoraModel::messageChanged);
+    // What was refused meanwhile, an export to the same full disk perhaps, is told no longer than its cause.
+    if (m_unsaved && !why)
+        publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged);
     publish(m_unsaved, why, &LintoraModel::failureChanged);
     if (!why) // Then the question has answered itself.
         publish(m_quitQuestion, std::optional<QString>(), &LintoraModel::quitQuestionChanged);

@@ -217,13 +217,16 @@ TEST(BackgroundTask, leaves_a_read_alone_that_does_not_end)
             return deaf->returning(1)(job, report);
         });
         deaf->begun.acquire();
+        task.cancel();
+        told.run(task, u"下一个"_s, returning(2));
+        EXPECT_TRUE(Events::waitFor([&] { return told.endings.contains(u"下一个 2"_s); })) << "it holds up no other";
         task.finish(QDeadlineTimer(1));
     }
     // What it says now finds nobody.
     deaf->goOn.release();
     deaf->begun.acquire();
     Events::handle();
-    EXPECT_EQ(told.endings, (QStringList{u"管道 cancelled"_s}));
+    EXPECT_EQ(told.endings, (QStringList{u"管道 cancelled"_s, u"下一个 2"_s}));
 }
 
 TEST(BackgroundTask, waits_for_a_write_however_long_it_takes)

@@ -195,7 +195,9 @@ TEST_F(ToolsTest, an_edit_is_heard_only_by_those_whom_it_concerns_and_no_edit_by
     loadTexts({u"大家好"_s, u"今天"_s});
     Published published(*model);
     model->setText(0, u"你好"_s);
-    EXPECT_EQ(published.take(), (QStringList{u"itemsChanged"_s, u"tracksChanged"_s, u"historyChanged"_s}));
+    EXPECT_EQ(published.take(),
+              (QStringList{u"messageChanged"_s, u"itemsChanged"_s, u"tracksChanged"_s, u"historyChanged"_s}));
+    EXPECT_EQ(model->message(), QString()) << "what was said of the step before is over";
     model->setText(0, u"你好"_s);
     model->setRemoveFillers(false);
     model->selectTrack(*model->selectedTrackID());
