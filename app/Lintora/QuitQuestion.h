@@ -20,5 +20,6 @@ private:
 
     LintoraModel &m_model;
     QLabel *m_reason;
+    QLabel *m_note;
     QPushButton *m_export;
 };
