@@ -11,7 +11,7 @@
 
 #include "app/fonts/FontIndexFile.h"
 #include "app/fonts/FontSearch.h"
-#include "app/fonts/Pinyin.h"
+#include "core/text/Pinyin.h"
 #include "tests/app/fonts/SyntheticFonts.h"
 
 #include <benchmark/benchmark.h>

@@ -1,7 +1,7 @@
 #include "app/fonts/FontCatalogue.h"
 
 #include "app/fonts/FontIndexFile.h"
-#include "app/fonts/Pinyin.h"
+#include "core/text/Pinyin.h"
 #include "core/PlatformError.h"
 #include "core/text/Characters.h"
 #include "fcp/Options.h"

@@ -11,26 +11,16 @@ constexpr size_t shingleLength = 8;
 constexpr qint32 none = -1;
 constexpr qint32 repeated = -2;
 
-struct Anchor
-{
-    qint32 source; ///< Where its shingle starts.
-    qint32 script;
-};
-
 using Sequence = std::span<const Key>;
-
-size_t shingleCount(Sequence sequence)
-{
-    return sequence.size() < shingleLength ? 0 : sequence.size() - shingleLength + 1;
-}
 
 /// All shingles of the source, and where in the script they are found. Hashes only lead to them: keys are compared.
 class Shingles
 {
 public:
-    explicit Shingles(Sequence source)
+    Shingles(Sequence source, size_t length)
         : m_source(source)
-        , m_entries(std::bit_ceil(std::max<size_t>(shingleCount(source) * 2, 2)))
+        , m_length(length)
+        , m_entries(std::bit_ceil(std::max<size_t>(source.size() * 2, 2)))
     {
         forEachShingle(source, [this](size_t start, quint64 hash, Sequence shingle) {
             Entry &entry = find(hash, shingle);
@@ -75,23 +65,20 @@ private:
     };
 
     template <class Take>
-    static void forEachShingle(Sequence sequence, Take &&take)
+    void forEachShingle(Sequence sequence, Take &&take) const
     {
         constexpr quint64 base = 0x9E37'79B9'7F4A'7C15; // odd, its bits well mixed
-        constexpr quint64 highest = [] {
-            quint64 power = 1;
-            for (size_t i = 0; i < shingleLength; ++i)
-                power *= base;
-            return power;
-        }();
+        quint64 highest = 1;
+        for (size_t i = 0; i < m_length; ++i)
+            highest *= base;
         quint64 hash = 0;
         for (size_t end = 0; end < sequence.size(); ++end) {
             hash = hash * base + sequence[end];
-            if (end >= shingleLength)
-                hash -= highest * sequence[end - shingleLength];
-            if (end + 1 >= shingleLength) {
-                const size_t start = end + 1 - shingleLength;
-                take(start, hash, sequence.subspan(start, shingleLength));
+            if (end >= m_length)
+                hash -= highest * sequence[end - m_length];
+            if (end + 1 >= m_length) {
+                const size_t start = end + 1 - m_length;
+                take(start, hash, sequence.subspan(start, m_length));
             }
         }
     }
@@ -105,12 +92,13 @@ private:
         for (size_t at = static_cast<size_t>(hash >> 32) & mask;; at = (at + 1) & mask) {
             Entry &entry = m_entries[at];
             if (entry.source == none ||
-                std::ranges::equal(m_source.subspan(static_cast<size_t>(entry.source), shingleLength), shingle))
+                std::ranges::equal(m_source.subspan(static_cast<size_t>(entry.source), m_length), shingle))
                 return entry;
         }
     }
 
     Sequence m_source;
+    size_t m_length;
     std::vector<Entry> m_entries; ///< Open addressing, at most half full.
 };
 
@@ -139,9 +127,8 @@ std::vector<Anchor> longestAscending(const std::vector<Anchor> &anchors)
 }
 
 /// Leaves out anchors that overlap the one before.
-std::vector<Anchor> apart(const std::vector<Anchor> &chain)
+std::vector<Anchor> apart(const std::vector<Anchor> &chain, qint32 length)
 {
-    constexpr auto length = static_cast<qint32>(shingleLength);
     std::vector<Anchor> kept;
     for (const Anchor &anchor : chain) {
         if (kept.empty() ||
@@ -153,16 +140,18 @@ std::vector<Anchor> apart(const std::vector<Anchor> &chain)
 
 } // namespace
 
+std::vector<Anchor> anchors(Sequence source, Sequence script, size_t length, const std::function<void()> &check)
+{
+    Shingles shingles(source, length);
+    check();
+    shingles.findIn(script);
+    check();
+    return apart(longestAscending(shingles.anchors()), static_cast<qint32>(length));
+}
+
 std::vector<qint32> match(Sequence source, Sequence script, Key keyCount, const std::function<void()> &check)
 {
-    std::vector<Anchor> anchors;
-    {
-        Shingles shingles(source);
-        check();
-        shingles.findIn(script);
-        check();
-        anchors = apart(longestAscending(shingles.anchors()));
-    }
+    std::vector<Anchor> anchors = SequenceAlignment::anchors(source, script, shingleLength, check);
     anchors.push_back({static_cast<qint32>(source.size()), static_cast<qint32>(script.size())});
 
     std::vector<qint32> partners(source.size(), none);

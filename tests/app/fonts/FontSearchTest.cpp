@@ -1,6 +1,6 @@
 #include "app/fonts/FontSearch.h"
 
-#include "app/fonts/Pinyin.h"
+#include "core/text/Pinyin.h"
 #include "tests/app/fonts/SyntheticFonts.h"
 
 #include <gtest/gtest.h>

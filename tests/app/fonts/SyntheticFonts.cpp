@@ -1,6 +1,6 @@
 #include "tests/app/fonts/SyntheticFonts.h"
 
-#include "app/fonts/Pinyin.h"
+#include "core/text/Pinyin.h"
 #include "tests/support/Generator.h"
 
 using namespace Qt::StringLiterals;

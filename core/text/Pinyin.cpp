@@ -1,4 +1,4 @@
-#include "app/fonts/Pinyin.h"
+#include "core/text/Pinyin.h"
 
 #include "core/text/Characters.h"
 

@@ -1,0 +1,93 @@
+#include "core/timing/SpeechBorders.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr qsizetype shortestPause = 10; ///< Frames; a stop within a word is shorter.
+constexpr qsizetype shortestSpeech = 5; ///< Frames; a click is shorter.
+constexpr quint16 leastLoud = 64;       ///< 54 dB below full scale.
+constexpr int leastContrast = 4;        ///< Between loud and quiet, at least: 12 dB.
+
+/// The peak above which a recording is loud; absent when it is not quiet anywhere, or silent throughout.
+std::optional<quint16> threshold(QList<quint16> peaks)
+{
+    if (peaks.isEmpty())
+        return std::nullopt;
+    const auto quantile = [&](qsizetype percent) {
+        const auto place = peaks.begin() + peaks.size() * percent / 100;
+        std::nth_element(peaks.begin(), place, peaks.end());
+        return int(*place);
+    };
+    const int quiet = quantile(10);
+    const int loud = quantile(95);
+    if (loud < leastLoud || loud < quiet * leastContrast)
+        return std::nullopt;
+    return std::max(leastLoud, quint16(quiet + (loud - quiet) / 10));
+}
+
+/// Frames, half-open.
+struct Stretch
+{
+    qsizetype begin;
+    qsizetype end;
+};
+
+} // namespace
+
+SpeechBorders::SpeechBorders(const QList<quint16> &peaks)
+{
+    const auto loud = threshold(peaks);
+    if (!loud)
+        return;
+    std::vector<Stretch> speech;
+    for (qsizetype i = 0; i < peaks.size(); ++i) {
+        if (peaks[i] < *loud)
+            continue;
+        if (speech.empty() || i - speech.back().end >= shortestPause)
+            speech.push_back({.begin = i, .end = i});
+        speech.back().end = i + 1;
+    }
+    std::erase_if(speech, [](const Stretch &each) { return each.end - each.begin < shortestSpeech; });
+    for (const Stretch &each : speech) {
+        m_onsets.push_back(each.begin * frameMS);
+        m_ends.push_back(each.end * frameMS);
+    }
+}
+
+std::optional<qint64> SpeechBorders::nearest(const std::vector<qint64> &sorted, qint64 nearMS, qint64 withinMS)
+{
+    const auto above = std::ranges::lower_bound(sorted, nearMS);
+    std::optional<qint64> best;
+    if (above != sorted.end() && *above - nearMS <= withinMS)
+        best = *above;
+    if (above != sorted.begin() && nearMS - *(above - 1) <= withinMS &&
+        (!best || nearMS - *(above - 1) < *best - nearMS))
+        best = *(above - 1);
+    return best;
+}
+
+namespace TimedCues {
+
+QList<TimedCue> snapped(QList<TimedCue> cues, const SpeechBorders &borders, const FrameGrid &grid)
+{
+    for (qsizetype i = 0; i < cues.size(); ++i) {
+        if (cues[i].isUnsure)
+            continue;
+        Subtitle &cue = cues[i].cue;
+        const qint64 earliest = i > 0 ? cues[i - 1].cue.end : 0;
+        if (const auto onset = borders.onset(cue.start, snapMS)) {
+            const qint64 start = std::max(grid.snapped(*onset), earliest);
+            cue.start = start < cue.end ? start : cue.start;
+        }
+        if (const auto end = borders.end(cue.end, snapMS)) {
+            qint64 last = grid.snapped(*end);
+            if (i + 1 < cues.size())
+                last = std::min(last, cues[i + 1].cue.start);
+            cue.end = last > cue.start ? last : cue.end;
+        }
+    }
+    return cues;
+}
+
+} // namespace TimedCues

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/FrameGrid.h"
+#include "core/timing/TimedCues.h"
+
+#include <QList>
+
+#include <optional>
+#include <vector>
+
+/// Where speech begins and ends in a recording, by how loud it is.
+///
+/// Loud is what rises clearly over the recording's own quiet. A recording without quiet, music under every word, has no
+/// borders.
+class SpeechBorders
+{
+public:
+    static constexpr qint64 frameMS = 10;
+
+    /// `peaks` are those of the recording, one for each frame of frameMS, the last one may be of less.
+    explicit SpeechBorders(const QList<quint16> &peaks);
+
+    /// The onset, or the end, of speech that is nearest to a time, no further than `withinMS`. Milliseconds.
+    std::optional<qint64> onset(qint64 nearMS, qint64 withinMS) const { return nearest(m_onsets, nearMS, withinMS); }
+    std::optional<qint64> end(qint64 nearMS, qint64 withinMS) const { return nearest(m_ends, nearMS, withinMS); }
+
+private:
+    static std::optional<qint64> nearest(const std::vector<qint64> &sorted, qint64 nearMS, qint64 withinMS);
+
+    std::vector<qint64> m_onsets; ///< Milliseconds, ascending.
+    std::vector<qint64> m_ends;
+};
+
+namespace TimedCues {
+
+constexpr qint64 snapMS = 200; ///< How far a border moves to speech.
+
+/// The cues with their borders at the onsets and ends of speech near them, on `grid`. Order stays, nothing overlaps,
+/// and what is unsure stays where it is.
+QList<TimedCue> snapped(QList<TimedCue> cues, const SpeechBorders &borders, const FrameGrid &grid);
+
+} // namespace TimedCues
