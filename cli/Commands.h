@@ -28,6 +28,7 @@ void addSeparate(CLI::App &app, Work &run);
 void addSession(CLI::App &app, Work &run);
 void addSettings(CLI::App &app, Work &run);
 void addSrt(CLI::App &app, Work &run);
+void addTime(CLI::App &app, Work &run);
 void addTitles(CLI::App &app, Work &run);
 void addTranscribe(CLI::App &app, Work &run);
 void addTranslate(CLI::App &app, Work &run);

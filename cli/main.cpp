@@ -56,6 +56,7 @@ void addCommands(CLI::App &app, Commands::Work &run, Common &common)
     Commands::addSeparate(app, run);
     Commands::addMerge(app, run);
     Commands::addAlign(app, run);
+    Commands::addTime(app, run);
     Commands::addBreak(app, run);
     Commands::addCheck(app, run);
     Commands::addConvertScript(app, run);

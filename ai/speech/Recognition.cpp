@@ -5,6 +5,7 @@
 #include "ai/Workspace.h"
 #include "ai/speech/RecognitionProgress.h"
 #include "ai/speech/WavFile.h"
+#include "ai/speech/WordTimes.h"
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
 #include "core/files/FileReader.h"
@@ -19,9 +20,8 @@ namespace SubtitleAI {
 namespace {
 
 /// What the recogniser wrote, which may end well and write nothing: `reason` is then what it said last.
-QByteArray readResult(const QString &path, const QString &reason)
+QByteArray readResult(const QString &path, qint64 largest, const QString &reason)
 {
-    constexpr qint64 largest = 16 * 1024 * 1024; // bytes
     const QString refusal = u"识别结果过大，请将素材分段。"_s;
     std::optional<QByteArray> result;
     try {
@@ -32,6 +32,23 @@ QByteArray readResult(const QString &path, const QString &reason)
     if (!result)
         throw ConversionError(refusal);
     return *std::move(result);
+}
+
+/// Runs the recogniser and returns what it wrote, which is at most `largest` bytes. `result` is the path that the
+/// arguments name.
+QByteArray runRecogniser(const QStringList &arguments, const QString &result, qint64 largest, qint64 durationMS,
+                         LocalAIJob &job, const Workspace &workspace, const ProgressReport &progress)
+{
+    const QString what = u"正在识别语音，较长素材需要一些时间…"_s;
+    progress({.what = what});
+    RecognitionProgress listener(what, durationMS);
+    QElapsedTimer clock;
+    clock.start();
+    // What an earlier recognition wrote there must not be taken for this one's.
+    QFile::remove(result + u".json"_s);
+    job.run(LocalModels::helper(u"whisper-cli"_s), arguments, workspace.path(),
+            [&](QByteArrayView printed) { progress(listener.hear(printed, clock.elapsed())); });
+    return readResult(result + u".json"_s, largest, job.lastWords());
 }
 
 } // namespace
@@ -52,17 +69,21 @@ QList<Subtitle> recognize(const QString &wav, qint64 durationMS, SpeechLanguage 
                           LocalAIJob &job, NoSpeech noSpeech, const Workspace &workspace,
                           const ProgressReport &progress)
 {
-    const QString what = u"正在识别语音，较长素材需要一些时间…"_s;
-    progress({.what = what});
-    RecognitionProgress listener(what, durationMS);
-    QElapsedTimer clock;
-    clock.start();
+    constexpr qint64 largest = 16 * 1024 * 1024; // bytes
     const QString result = workspace.file(u"result"_s);
-    // What an earlier recognition wrote there must not be taken for this one's.
-    QFile::remove(result + u".json"_s);
-    job.run(LocalModels::helper(u"whisper-cli"_s), speechArguments(model, wav, result, language), workspace.path(),
-            [&](QByteArrayView printed) { progress(listener.hear(printed, clock.elapsed())); });
-    return parseTranscript(readResult(result + u".json"_s, job.lastWords()), noSpeech, durationMS);
+    const QByteArray answer = runRecogniser(speechArguments(model, wav, result, language), result, largest, durationMS,
+                                            job, workspace, progress);
+    return parseTranscript(answer, noSpeech, durationMS);
+}
+
+QList<HeardWord> recognizeWords(const QString &wav, qint64 durationMS, SpeechLanguage language, const QString &model,
+                                LocalAIJob &job, const Workspace &workspace, const ProgressReport &progress)
+{
+    constexpr qint64 largest = 256 * 1024 * 1024; // bytes; some 300 a word
+    const QString result = workspace.file(u"result"_s);
+    const QByteArray answer = runRecogniser(wordTimeArguments(model, wav, result, language), result, largest,
+                                            durationMS, job, workspace, progress);
+    return parseWordTimes(answer, durationMS);
 }
 
 QList<Subtitle> transcribe(const QString &media, SpeechLanguage language, const EngineModel &model, LocalAIJob &job,

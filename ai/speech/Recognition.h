@@ -2,6 +2,7 @@
 
 #include "ai/EngineModel.h"
 #include "ai/speech/Transcript.h"
+#include "core/HeardWord.h"
 #include "core/Progress.h"
 
 class LocalAIJob;
@@ -24,6 +25,11 @@ void extractAudio(const QString &media, const QString &wav, LocalAIJob &job, con
 QList<Subtitle> recognize(const QString &wav, qint64 durationMS, SpeechLanguage language, const QString &model,
                           LocalAIJob &job, NoSpeech noSpeech, const Workspace &workspace,
                           const ProgressReport &progress);
+
+/// The words of what is said in a WAV file of that form, with their times; none where nobody speaks.
+/// @throws ConversionError when the result cannot be read, is missing or larger than 256 MiB; PlatformError, Cancelled
+QList<HeardWord> recognizeWords(const QString &wav, qint64 durationMS, SpeechLanguage language, const QString &model,
+                                LocalAIJob &job, const Workspace &workspace, const ProgressReport &progress);
 
 /// The cues of what is said in the first audio stream of `media`, on this machine alone.
 ///

@@ -172,6 +172,22 @@ QList<Subtitle> parseResponse(QByteArrayView data, bool wantsWords, SubtitleAI::
     return cues;
 }
 
+QList<Subtitle> parseWords(QByteArrayView data)
+{
+    const QJsonObject answer = QJsonDocument::fromJson(data.toByteArray()).object();
+    const QJsonArray spoken = words(answer);
+    const bool hasSegments = answer.value(u"segments").isArray() && !answer.value(u"segments").toArray().isEmpty();
+    if (spoken.isEmpty() && (hasSegments || !answer.value(u"text").toString().trimmed().isEmpty()))
+        throw ConversionError(u"此接口没有返回词语时间，无法为文稿定时。请使用支持 words 的模型。"_s);
+    QList<Subtitle> result;
+    for (const SpokenWord &word : read(spoken, u"word"_s))
+        result.append({.id = result.size() + 1,
+                       .start = word.startMS,
+                       .end = std::max(word.endMS, word.startMS + 1),
+                       .text = word.text});
+    return result;
+}
+
 QList<Subtitle> merge(const QList<Subtitle> &cues, const SpeechChunk &chunk, qint64 durationMS)
 {
     QList<Subtitle> result;

@@ -46,6 +46,10 @@ QByteArray writeMultipart(const QString &audio, const QString &body, const Speec
 /// nothing was said, unless that is allowed
 QList<Subtitle> parseResponse(QByteArrayView data, bool wantsWords, SubtitleAI::NoSpeech noSpeech);
 
+/// The words of an answer, a cue each, of at least a millisecond; none when nothing was said.
+/// @throws ConversionError when it has no times of words, and as parseResponse does
+QList<Subtitle> parseWords(QByteArrayView data);
+
 /// The cues of `chunk` for which it is responsible, at their place in the whole recording of `durationMS`.
 QList<Subtitle> merge(const QList<Subtitle> &cues, const SpeechChunk &chunk, qint64 durationMS);
 

@@ -151,11 +151,11 @@ private:
     QList<QByteArray> m_used;
 };
 
-} // namespace
-
-AnsweredCues transcribe(const QString &media, SubtitleAI::SpeechLanguage language,
-                        const SpeechAPIConfiguration &configuration, const QString &keptFolder, LocalAIJob &job,
-                        SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress)
+/// What `parse` makes of the answers to all pieces of a recording.
+template <class Parse>
+AnsweredCues transcribePieces(const QString &media, SubtitleAI::SpeechLanguage language,
+                              const SpeechAPIConfiguration &configuration, const QString &keptFolder, LocalAIJob &job,
+                              SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress, const Parse &parse)
 {
     // What is wrong with the settings is told before anything is done.
     configuration.endpoint();
@@ -173,7 +173,7 @@ AnsweredCues transcribe(const QString &media, SubtitleAI::SpeechLanguage languag
     for (qsizetype i = 0; i < pieces.size(); ++i) {
         const QByteArray answer = transcription.answer(wav, pieces[i], i, pieces.size());
         // One piece may be silent where others are not.
-        const auto parsed = parseResponse(answer, configuration.wordTimestamps, SubtitleAI::NoSpeech::isAllowed);
+        const auto parsed = parse(answer);
         transcription.keep(answer);
         cues += merge(parsed, pieces[i], durationMS);
     }
@@ -186,6 +186,27 @@ AnsweredCues transcribe(const QString &media, SubtitleAI::SpeechLanguage languag
         throw ConversionError(u"未识别到有效语音，请检查音轨。"_s);
     }
     return {.cues = cues, .forget = forget};
+}
+
+} // namespace
+
+AnsweredCues transcribe(const QString &media, SubtitleAI::SpeechLanguage language,
+                        const SpeechAPIConfiguration &configuration, const QString &keptFolder, LocalAIJob &job,
+                        SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress)
+{
+    return transcribePieces(
+        media, language, configuration, keptFolder, job, noSpeech, progress, [&](const QByteArray &answer) {
+            return parseResponse(answer, configuration.wordTimestamps, SubtitleAI::NoSpeech::isAllowed);
+        });
+}
+
+AnsweredCues transcribeWords(const QString &media, SubtitleAI::SpeechLanguage language,
+                             SpeechAPIConfiguration configuration, const QString &keptFolder, LocalAIJob &job,
+                             const ProgressReport &progress)
+{
+    configuration.wordTimestamps = true;
+    return transcribePieces(media, language, configuration, keptFolder, job, SubtitleAI::NoSpeech::isAllowed, progress,
+                            parseWords);
 }
 
 } // namespace SpeechSubtitleAPI

@@ -18,4 +18,10 @@ AnsweredCues transcribe(const QString &media, SubtitleAI::SpeechLanguage languag
                         const SpeechAPIConfiguration &configuration, const QString &keptFolder, LocalAIJob &job,
                         SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress);
 
+/// The same for single words, each a cue of its own with the blanks that the service gave it; none where nobody speaks.
+/// @throws ConversionError also when the service tells no times of words
+AnsweredCues transcribeWords(const QString &media, SubtitleAI::SpeechLanguage language,
+                             SpeechAPIConfiguration configuration, const QString &keptFolder, LocalAIJob &job,
+                             const ProgressReport &progress);
+
 } // namespace SpeechSubtitleAPI

@@ -66,9 +66,9 @@ QList<qsizetype> borders(const Peaks &peaks, const Stretch &stretch)
 
 } // namespace
 
-Peaks peaks(RenderedSound &sound, const Job &job)
+Peaks peaks(RenderedSound &sound, const Job &job, qint64 ofMS)
 {
-    constexpr qint64 frame = frameMS * RenderedSound::samplesPerMS; // samples
+    const qint64 frame = ofMS * RenderedSound::samplesPerMS; // samples
     Peaks result;
     result.reserve(sound.size() / frame + 1);
     qint64 place = 0;

@@ -24,7 +24,7 @@ struct SpeechRange
 /// How a recording is divided.
 namespace SpeechRanges {
 
-/// Peaks of a recording, one for each frame of frameMS; the last one may be of less.
+/// Peaks of a recording, one for each frame of some milliseconds; the last one may be of less.
 using Peaks = QList<quint16>;
 constexpr qint64 frameMS = 50;
 
@@ -36,11 +36,11 @@ constexpr qint64 searchMS = 60'000;      ///< How far from there a border is loo
 constexpr qint64 restMS = 500;           ///< A border lies in the middle of the quietest stretch of this length.
 constexpr qint64 overlapMS = 5'000;      ///< So much is heard on the other side of such a border.
 
-/// @throws PlatformError, Cancelled
-Peaks peaks(RenderedSound &sound, const Job &job);
+/// The peaks of each `ofMS` milliseconds, 1 or more. @throws PlatformError, Cancelled
+Peaks peaks(RenderedSound &sound, const Job &job, qint64 ofMS = frameMS);
 
-/// Divides a recording of `durationMS` whose frames have these peaks: what sounds, without long silences, in ranges of
-/// about longestMS whose borders lie where it is quietest. In order; empty when nothing sounds.
+/// Divides a recording of `durationMS` whose frames of frameMS have these peaks: what sounds, without long silences, in
+/// ranges of about longestMS whose borders lie where it is quietest. In order; empty when nothing sounds.
 QList<SpeechRange> divide(const Peaks &peaks, qint64 durationMS);
 
 } // namespace SpeechRanges
