@@ -21,8 +21,9 @@ using namespace Qt::StringLiterals;
 /// from the same server.
 ///
 /// On two cores that others loaded too: the digest ran at 1.04 of the library's throughput by processor time (313 ms to
-/// 325 ms). The download took 7.5 s to curl's 5.0 s, with a spread of 18 %, 0.7 s of it on the processor: that is short
-/// of the 0.9 that is wanted, and has to be seen on an idle machine before anything is concluded.
+/// 325 ms). The download took 733 ms to curl's 871 ms, the best of four runs each in turn (1.19 of its throughput; 1.01
+/// at worst of one pair). Three threads share the work, so that a machine with fewer free cores than that shows less:
+/// 0.77 to 0.9 where five other builds ran at a higher priority.
 namespace {
 
 constexpr qint64 size = 512LL * 1024 * 1024; // bytes
