@@ -46,7 +46,7 @@ QString ofError(QByteArrayView body, const QString &key)
 
 QString ofAnyText(QByteArrayView body, const QString &key)
 {
-    const QString told = ofError(body, key);
+    QString told = ofError(body, key);
     const QByteArrayView text = body.trimmed();
     if (!told.isEmpty() || body.size() > longestBody || text.startsWith('<') || text.startsWith('{'))
         return told;
