@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include <functional>
+#include <utility>
 
 /// What a long operation without a job of its own calls now and then: whatever it throws ends the operation, and
 /// passes through. Null where nobody wants to end it.
@@ -12,8 +13,8 @@ using Check = std::function<void()>;
 class SparseCheck
 {
 public:
-    explicit SparseCheck(const Check &check)
-        : m_check(check)
+    explicit SparseCheck(Check check)
+        : m_check(std::move(check))
     {}
 
     void operator()()
