@@ -12,8 +12,10 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 
 #include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -94,9 +96,12 @@ QString render(const FCPAudioPlan &plan, LocalAIJob &job, const QString &directo
         job.check();
         const QString mix = folder.filePath(u"fcp-mix.wav"_s);
         job.run(helper, RenderArguments::mix(stems, plan.duration, mix), directory);
+        // Each is as long as the plan: those of three hours take 4.5 GB.
+        for (const QString &stem : std::as_const(stems))
+            QFile::remove(stem);
         stems = {mix};
     }
-    const QString result = stems.value(0);
+    QString result = stems.value(0);
     RenderedSound sound(result);
     if (sound.size() == 0)
         throw ConversionError(u"所选 FCP 内容没有可读取的音轨。"_s, job.lastWords());
@@ -109,7 +114,7 @@ QList<Subtitle> transcribe(const FCPAudioPlan &plan, LocalAIJob &job, const Reco
 {
     const Workspace workspace;
     RenderedSound sound(render(plan, job, workspace.path(), progress));
-    const QList<Subtitle> cues = recognizeRanges(sound, job, workspace, recognize, progress);
+    QList<Subtitle> cues = recognizeRanges(sound, job, workspace, recognize, progress);
     if (cues.isEmpty())
         throw ConversionError(u"未识别到有效语音，请检查时间线人声。"_s);
     return cues;
