@@ -45,6 +45,8 @@ AudioComponents::AudioComponents(const std::vector<const xmlNode *> &children)
         m_listed = true;
         if (isOn(child))
             m_on.push_back(child);
+        if (const auto role = Xml::attribute(child, "role"))
+            (isOn(child) ? m_rolesOn : m_rolesOff).insert(full(*role));
     }
 }
 
@@ -60,6 +62,11 @@ bool AudioComponents::areMuted() const
 bool AudioComponents::haveEffects() const
 {
     return std::any_of(m_on.begin(), m_on.end(), hasFilter);
+}
+
+QByteArray AudioComponents::full(const QByteArray &role)
+{
+    return role.contains('.') ? role : role + '.' + role + "-1";
 }
 
 double AudioComponents::volume(const TimeRange &sound) const

@@ -2,6 +2,9 @@
 
 #include "fcp/timeline/TimeRange.h"
 
+#include <QByteArray>
+#include <QSet>
+
 #include <libxml/tree.h>
 
 #include <vector>
@@ -19,10 +22,21 @@ public:
     bool areMuted() const;    ///< Some are listed, and none of them is on.
     bool haveEffects() const; ///< One that is on has an enabled audio filter.
 
+    /// The roles of the components that are on, as full() gives them. Empty where none tells.
+    const QSet<QByteArray> &rolesOn() const { return m_rolesOn; }
+
+    /// The roles that are listed and all of whose components are off.
+    QSet<QByteArray> rolesOff() const { return m_rolesOff - m_rolesOn; }
+
+    /// A role with its subrole: "dialogue" is "dialogue.dialogue-1".
+    static QByteArray full(const QByteArray &role);
+
     /// The factor of the loudest component that is on; 1 where none is. `sound` is the clip's range in its own time.
     double volume(const TimeRange &sound) const;
 
 private:
     std::vector<const xmlNode *> m_on;
+    QSet<QByteArray> m_rolesOn;
+    QSet<QByteArray> m_rolesOff;
     bool m_listed = false;
 };

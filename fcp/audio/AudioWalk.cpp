@@ -91,7 +91,31 @@ const StoryElement &AudioWalk::story(const xmlNode *element)
     const auto known = m_stories.find(element);
     if (known != m_stories.end())
         return known->second;
-    return m_stories.emplace(element, StoryElement::read(element, m_resources)).first->second;
+    const bool isLenient = m_unreadable == UnreadableClips::leaveOut;
+    return m_stories.emplace(element, isLenient ? readLeniently(element) : StoryElement::read(element, m_resources))
+        .first->second;
+}
+
+/// An element or, where it cannot be read, as much of it as can: all but its own sound, or its place alone.
+StoryElement AudioWalk::readLeniently(const xmlNode *element)
+{
+    try {
+        return StoryElement::read(element, m_resources);
+    } catch (const ConversionError &) {
+        leaveOut(element);
+    }
+    try {
+        return StoryElement::read(element, m_resources, StoryElement::OwnSound::off);
+    } catch (const ConversionError &) {
+        return StoryElement::readPlace(element, m_resources);
+    }
+}
+
+void AudioWalk::leaveOut(const xmlNode *element)
+{
+    const QString name = StoryElement{.element = element}.name();
+    if (m_unread.insert(element).second)
+        m_found.skippedUnreadable.append(name.isEmpty() ? u"未命名片段"_s : name);
 }
 
 std::optional<Rational> AudioWalk::length(const StoryElement &story)
@@ -114,14 +138,15 @@ Rational AudioWalk::storylineEnd(const StorySequence &sequence)
     return end;
 }
 
-/// Whether an element has sound of its own, as far as it and its resource tell. One whose resource is missing might
-/// have.
-bool AudioWalk::canSound(const StoryElement &story)
+/// Whether an element has sound of its own that is not switched off by its role, as far as it and its resource tell.
+/// One whose resource is missing might have.
+bool AudioWalk::canSound(const StoryElement &story, const Place &place)
 {
     if (story.kind != Kind::Reference || !story.resource)
         return story.kind != Kind::Picture;
     if (Xml::isElement(story.resource, "asset"))
-        return m_resources.asset(story.resource).hasSound;
+        return m_resources.asset(story.resource).hasSound &&
+               (story.roles.isEmpty() || !place.rolesOff.contains(story.roles));
     // An "audio" of an effect is a generated tone, which nobody speaks.
     return !Xml::isElement(story.resource, "effect") || !Xml::isElement(story.element, "audio");
 }
@@ -161,7 +186,9 @@ void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Plac
             visit(story.content.front(), offset, active);
         return;
     }
-    const bool sounds = !story.muted && !place.muted && canSound(story);
+    const Rational begin = place.times.toPlan(offset);
+    bool sounds = false;
+    canRead(story, begin, [&] { sounds = !story.muted && !place.muted && canSound(story, place); });
     if (!sounds && story.content.empty() && story.connected.empty())
         return;
     m_found.hasAudioEffects |= sounds && story.hasEffects;
@@ -173,7 +200,7 @@ void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Plac
             return;
     }
     TimeMap own;
-    if (!canRead(story, place.times.toPlan(offset), [&] { own = ownTimes(story, offset, place); }))
+    if (!canRead(story, begin, [&] { own = ownTimes(story, offset, place); }))
         return;
     if (sounds && !story.retimed)
         play(story, own, place);
@@ -199,6 +226,7 @@ void AudioWalk::visitConnected(const StoryElement &story, const TimeMap &own, co
     Place outer = place;
     outer.times = own;
     outer.muted = place.connectedMuted;
+    outer.rolesOff = place.connectedRolesOff;
     outer.gain = place.connectedGain;
     ++outer.nesting;
     for (const xmlNode *const child : story.connected)
@@ -209,7 +237,9 @@ void AudioWalk::visitContent(const StoryElement &story, const TimeMap &own, cons
 {
     if (story.content.empty())
         return;
-    const Place inner = inside(story, own, place);
+    Place inner;
+    if (!canRead(story, own.plan, [&] { inner = inside(story, own, place); }))
+        return;
     for (const xmlNode *const child : story.content) {
         const StoryElement &content = this->story(child);
         const Rational begin = content.kind == Kind::Storyline ? story.contentStart.value_or(0) : Rational(0);
@@ -237,8 +267,7 @@ bool AudioWalk::canRead(const StoryElement &story, const Rational &begin, const 
         return true;
     } catch (ConversionError &error) {
         if (m_unreadable == UnreadableClips::leaveOut) {
-            if (m_unread.insert(story.element).second)
-                m_found.skippedUnreadable.append(story.name());
+            leaveOut(story.element);
             return false;
         }
         error.addDetail(u"时间线 %1。"_s.arg(clockTime(begin)));
@@ -279,12 +308,18 @@ void AudioWalk::playAsset(const StoryElement &story, const TimeMap &own, const P
 
 void AudioWalk::playCompound(const StoryElement &story, const TimeMap &own, const Place &place)
 {
-    if (place.compounds == deepestCompound)
-        throw ConversionError(u"复合片段嵌套过深，请先在 FCP 导出音频。"_s, at(story.element));
-    const StorySequence &sequence = m_resources.compound(story.resource);
-    if (!sequence.spine)
-        throwStructure(story.element);
-    Place inner = inside(story, own, place);
+    StorySequence sequence;
+    Place inner;
+    const bool isRead = canRead(story, own.plan, [&] {
+        if (place.compounds == deepestCompound)
+            throw ConversionError(u"复合片段嵌套过深，请先在 FCP 导出音频。"_s, at(story.element));
+        sequence = m_resources.compound(story.resource);
+        if (!sequence.spine)
+            throwStructure(story.element);
+        inner = inside(story, own, place);
+    });
+    if (!isRead)
+        return;
     ++inner.compounds;
     inner.frameDuration = sequence.frameDuration;
     inner.clip = 0;
@@ -357,6 +392,8 @@ AudioWalk::Place AudioWalk::inside(const StoryElement &story, const TimeMap &own
     if (story.kind != Kind::Picture) {
         inner.muted = story.storylineMuted;
         inner.connectedMuted = story.connectedMuted;
+        inner.rolesOff = place.rolesOff | story.contentRolesOff;
+        inner.connectedRolesOff = place.rolesOff | story.connectedRolesOff;
     }
     return inner;
 }

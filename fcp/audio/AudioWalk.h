@@ -71,6 +71,8 @@ private:
         Rational scale = 1;    ///< Plan seconds in which a second of its duration passes.
         TimeRange window = {}; ///< Outside of it nothing sounds. On the plan.
         std::optional<Rational> frameDuration = {}; ///< Seconds, of the timeline on which it lies.
+        QSet<QByteArray> rolesOff = {};             ///< Roles that are switched off from outside ...
+        QSet<QByteArray> connectedRolesOff = {};    ///< ... and for what is connected to it.
         double gain = 1;
         double connectedGain = 1;    ///< The same for what is connected to it.
         int clip = 0;                ///< The clip of several parts to which it belongs; 0 where it belongs to none.
@@ -93,7 +95,10 @@ private:
     void add(const MediaAsset &asset, const TimeRange &piece, const TimeMap &own, double gain, int clip);
     bool canRead(const StoryElement &story, const Rational &begin, const std::function<void()> &read);
 
-    bool canSound(const StoryElement &story);
+    StoryElement readLeniently(const xmlNode *element);
+    void leaveOut(const xmlNode *element);
+
+    bool canSound(const StoryElement &story, const Place &place);
     static TimeMap ownTimes(const StoryElement &story, const Rational &offset, const Place &place);
     TimeRange soundRange(const StoryElement &story, const TimeMap &own, const Place &place);
     Place inside(const StoryElement &story, const TimeMap &own, const Place &place);

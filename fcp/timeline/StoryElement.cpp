@@ -120,15 +120,25 @@ void readTimes(StoryElement &story)
 void readSource(StoryElement &story, const xmlNode *source, const TimeRange &sound)
 {
     const AudioComponents components(source);
+    const QSet<QByteArray> off = components.rolesOff();
     const bool muted = components.areMuted();
     story.hasEffects |= components.haveEffects();
     const auto id = Xml::attribute(source, "sourceID");
     story.storylineMuted |= muted && id == "storyline";
     story.connectedMuted |= muted && id == "connected";
-    if (id == "storyline")
+    if (id == "storyline") {
         story.storylineVolume = components.volume(sound);
-    else if (id == "connected")
+        story.contentRolesOff |= off;
+    } else if (id == "connected") {
         story.connectedVolume = components.volume(sound);
+        story.connectedRolesOff |= off;
+    }
+}
+
+QSet<QByteArray> statedRole(const xmlNode *element)
+{
+    const auto role = Xml::attribute(element, Xml::isElement(element, "audio") ? "role" : "audioRole");
+    return role ? QSet<QByteArray>{AudioComponents::full(*role)} : QSet<QByteArray>();
 }
 
 void readAdjustments(StoryElement &story, const std::vector<const xmlNode *> &adjustments)
@@ -148,6 +158,9 @@ void readAdjustments(StoryElement &story, const std::vector<const xmlNode *> &ad
     }
     const AudioComponents components(adjustments);
     story.muted |= components.areMuted();
+    story.roles = components.rolesOn().isEmpty() ? statedRole(story.element) : components.rolesOn();
+    story.contentRolesOff |= components.rolesOff();
+    story.connectedRolesOff |= components.rolesOff();
     story.hasEffects |= components.haveEffects();
     story.volume = std::min(ClipVolume::product(adjustments, sound) * components.volume(sound),
                             std::numeric_limits<double>::max());
@@ -155,20 +168,26 @@ void readAdjustments(StoryElement &story, const std::vector<const xmlNode *> &ad
 
 } // namespace
 
-StoryElement StoryElement::read(const xmlNode *element, const MediaResources &resources)
+StoryElement StoryElement::readPlace(const xmlNode *element, const MediaResources &resources)
 {
+    return {.element = element,
+            .kind = kindOf(Xml::elementName(element)).value_or(Kind::Picture),
+            .enabled = false,
+            .isConnected = ::isConnected(element),
+            .offset = lenientTime(element, "offset"),
+            .duration = lenientTime(element, "duration"),
+            // Where no duration is stated, what follows it begins after the asset's.
+            .resource = resources.find(element, "ref")};
+}
+
+StoryElement StoryElement::read(const xmlNode *element, const MediaResources &resources, OwnSound sound)
+{
+    if (Xml::attribute(element, "enabled") == "0")
+        return readPlace(element, resources);
     StoryElement story{.element = element,
                        .kind = kindOf(Xml::elementName(element)).value_or(Kind::Picture),
                        .isConnected = ::isConnected(element)};
-    if (Xml::attribute(element, "enabled") == "0") {
-        story.enabled = false;
-        story.offset = lenientTime(element, "offset");
-        story.duration = lenientTime(element, "duration");
-        // Where no duration is stated, what follows it begins after the asset's.
-        story.resource = resources.find(element, "ref");
-        return story;
-    }
-    story.muted = Xml::attribute(element, "srcEnable") == "video";
+    story.muted = sound == OwnSound::off || Xml::attribute(element, "srcEnable") == "video";
     if (!story.muted && Xml::isElement(element, "mc-clip"))
         throw ConversionError(u"多机位片段请先在 FCP 导出音频，再生成字幕。"_s, u"见%1。"_s.arg(Xml::place(element)));
     const auto adjustments = readChildren(story);

@@ -2,6 +2,8 @@
 
 #include "fcp/Rational.h"
 
+#include <QByteArray>
+#include <QSet>
 #include <QString>
 
 #include <libxml/tree.h>
@@ -30,6 +32,12 @@ struct StoryElement
         Audition,  ///< A choice, of which the first child is the one in use.
     };
 
+    enum class OwnSound
+    {
+        asStated,
+        off, ///< As if only the picture was used.
+    };
+
     const xmlNode *element = nullptr;
     Kind kind = Kind::Picture;
     bool enabled = true;         ///< Of a disabled element only the times below are read.
@@ -49,6 +57,10 @@ struct StoryElement
     std::optional<Rational> sourceRate = {};    ///< As ConformRate::sourceRate.
     std::optional<Rational> frameDuration = {}; ///< Seconds, of its own format; absent when that does not tell.
 
+    QSet<QByteArray> roles = {};             ///< Of its own sound, with subroles; empty when it does not tell.
+    QSet<QByteArray> contentRolesOff = {};   ///< Roles that are switched off in what it contains ...
+    QSet<QByteArray> connectedRolesOff = {}; ///< ... and in what is connected to that.
+
     double volume = 1;                           ///< Linear factor.
     double storylineVolume = 1;                  ///< In a "sync-clip", of the sound of its content ...
     double connectedVolume = 1;                  ///< ... and of what is connected to its content. Linear factors.
@@ -58,7 +70,12 @@ struct StoryElement
 
     /// @throws ConversionError when a time cannot be read, when it is a multicam clip, or when something stands in it
     /// that cannot be placed.
-    static StoryElement read(const xmlNode *element, const MediaResources &resources);
+    static StoryElement read(const xmlNode *element, const MediaResources &resources,
+                             OwnSound sound = OwnSound::asStated);
+
+    /// What a disabled element tells: no more than where its neighbours in a storyline lie. Times that cannot be read
+    /// are absent.
+    static StoryElement readPlace(const xmlNode *element, const MediaResources &resources);
 
     /// Whether the element is one of the kinds above.
     static bool isStory(const xmlNode *element);

@@ -107,6 +107,37 @@ TEST(AudioPlan, a_synchronized_clip_can_switch_off_either_of_its_sources)
     EXPECT_EQ(segments("connected"), QStringList{u"0: talk 0 + 9"_s});
 }
 
+TEST(AudioPlan, a_role_that_is_switched_off_is_silent)
+{
+    const QList<Tag> story{
+        tag("asset-clip ref=talk audioRole=dialogue offset=0s duration=9s",
+            {tag("asset-clip ref=tape lane=1 audioRole=music.score offset=1s start=3600s duration=5s"),
+             tag("asset-clip ref=endless lane=2 offset=2s duration=5s")}),
+        tag("asset-clip ref=music offset=9s duration=9s",
+            {tag("audio-channel-source srcCh=1 role=music.score"), tag("audio-channel-source srcCh=2 role=effects")})};
+    const auto compoundWith = [&](const QList<Tag> &roles) {
+        return planText(project("60s", {tag("ref-clip ref=c offset=0s duration=20s", roles)},
+                                {compound("c", "sequence format=p25", story)}));
+    };
+    const Tag dialogueOn = tag("audio-role-source role=dialogue.dialogue-1");
+    const Tag scoreOff = tag("audio-role-source role=music.score active=0");
+    const Tag effectsOff = tag("audio-role-source role=effects.effects-1 enabled=0");
+    // What tells no role, and what has another one that is on, goes on sounding.
+    EXPECT_EQ(compoundWith({dialogueOn, scoreOff}),
+              QStringList({u"0: talk 0 + 9"_s, u"2: endless 0 + 5"_s, u"9: music 0 + 9"_s}));
+    EXPECT_EQ(compoundWith({dialogueOn, scoreOff, effectsOff}),
+              QStringList({u"0: talk 0 + 9"_s, u"2: endless 0 + 5"_s}));
+    EXPECT_EQ(compoundWith({tag("audio-role-source role=music.other active=0"), dialogueOn}).size(), 4);
+    const auto synchronized = [&](const char *source) {
+        return planText(project("60s", {tag("sync-clip offset=0s duration=20s",
+                                            {tag("spine", story), tag(source, {dialogueOn, scoreOff, effectsOff})})}));
+    };
+    EXPECT_EQ(synchronized("sync-source sourceID=storyline"),
+              QStringList({u"0: talk 0 + 9"_s, u"1: tape 0 + 5"_s, u"2: endless 0 + 5"_s}));
+    EXPECT_EQ(synchronized("sync-source sourceID=connected"),
+              QStringList({u"0: talk 0 + 9"_s, u"2: endless 0 + 5"_s, u"9: music 0 + 9"_s}));
+}
+
 // Volume
 
 struct Level
@@ -243,6 +274,45 @@ TEST(AudioPlan, a_clip_that_cannot_be_placed_is_named_and_left_out_only_when_ask
     EXPECT_EQ(planText(found), QStringList({u"0: talk 0 + 9"_s, u"10.5: music 0 + 2"_s}));
     EXPECT_EQ(found.skippedUnreadable, QStringList{u"B"_s});
     EXPECT_EQ(found.unreadableNotice(), u"1 段无法准确定位的片段，第一个是：B。"_s);
+}
+
+TEST(AudioPlan, whatever_kind_of_clip_cannot_be_read_is_left_out_when_asked)
+{
+    const Tag good = tag("asset-clip ref=talk duration=9s");
+    const Tag hanging = tag("asset-clip ref=music lane=1 offset=1s duration=2s");
+    const struct
+    {
+        Tag clip;
+        QString sentence;
+        bool keepsWhatHangs = true;
+    } rows[] = {
+        {tag("mc-clip ref=none name=X offset=0s duration=9s", {hanging}),
+         u"多机位片段请先在 FCP 导出音频，再生成字幕。"_s},
+        {tag("asset-clip ref=none name=X offset=0s duration=9s", {hanging}), u"FCP 片段缺少媒体资源，请重新拖入。"_s},
+        {tag("asset-clip ref=broken name=X offset=0s duration=9s", {hanging}), u"FCP 时间值无效。"_s},
+        {tag("ref-clip ref=empty name=X offset=0s duration=9s", {hanging}),
+         u"此复合或多机位结构暂不能直接读取，请先在 FCP 导出音频。"_s},
+        {tag("asset-clip ref=talk name=X offset=0s duration=9s start=later", {hanging}), u"FCP 时间值无效。"_s, false},
+        {tag("clip name=X offset=0s duration=9s", {tag("other-clip ref=talk"), hanging}),
+         u"此复合或多机位结构暂不能直接读取，请先在 FCP 导出音频。"_s, false},
+    };
+    const QList<Tag> more{tag("asset id=broken hasAudio=1 start=never", {tag("media-rep src=file:///m/b.mov")}),
+                          tag("media id=empty", {tag("sequence format=p25")})};
+    for (const auto &row : rows) {
+        const QByteArray document = project("60s", {row.clip, good}, more);
+        try {
+            FCPAudioPlan::parse(document);
+            ADD_FAILURE() << document.toStdString();
+        } catch (const ConversionError &error) {
+            EXPECT_EQ(error.message(), row.sentence);
+        }
+        const FCPAudioPlan found = FCPAudioPlan::parse(document, UnreadableClips::leaveOut);
+        QStringList expected{u"9: talk 0 + 9"_s};
+        if (row.keepsWhatHangs)
+            expected.prepend(u"1: music 0 + 2"_s);
+        EXPECT_EQ(planText(found), expected) << document.toStdString();
+        EXPECT_EQ(found.skippedUnreadable, QStringList{u"X"_s}) << document.toStdString();
+    }
 }
 
 // Effects and speed changes
