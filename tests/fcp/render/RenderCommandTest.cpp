@@ -1,9 +1,11 @@
 #include "tests/support/CommandLine.h"
 #include "tests/support/HelperFolder.h"
+#include "tests/support/ScriptedServer.h"
 #include "tests/support/StoryDocument.h"
 #include "tests/support/WavMaker.h"
 
 #include <QFile>
+#include <QScopeGuard>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -25,7 +27,8 @@ protected:
     void TearDown() override { EXPECT_EQ(helpers.scratchFolders(), QStringList()); }
 
     /// A project of 20 seconds that plays a file, and another one.
-    QString projectOf(const char *first, const char *second)
+    QString projectOf(const char *first, const char *second,
+                      const char *secondClip = "asset-clip ref=b offset=5s duration=5s")
     {
         const auto asset = [&](const char *id, const char *name) {
             const QUrl url = QUrl::fromLocalFile(helpers.file(QString::fromUtf8(name)));
@@ -34,9 +37,8 @@ protected:
         const QString path = helpers.file(u"片.fcpxml"_s);
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(project(
-            "20s", {tag("asset-clip ref=a offset=0s duration=5s"), tag("asset-clip ref=b offset=5s duration=5s")},
-            {asset("a", first), asset("b", second)}));
+        file.write(project("20s", {tag("asset-clip ref=a offset=0s duration=5s"), tag(secondClip)},
+                           {asset("a", first), asset("b", second)}));
         return path;
     }
 
@@ -99,4 +101,37 @@ TEST_F(RenderCommand, what_is_said_on_a_timeline_stands_at_its_times)
     const auto outcome = CommandLine::run(transcribe + QStringList({u"--without-missing"_s, u"--progress"_s}));
     EXPECT_EQ(outcome.output, "1\n00:00:02,500 --> 00:00:04,500\n你好\n");
     EXPECT_TRUE(outcome.error.contains("正在识别时间线音频范围 1 / 1")) << outcome.error.toStdString();
+}
+
+TEST_F(RenderCommand, a_service_can_listen_to_a_timeline)
+{
+    helpers.script(u"ffmpeg-audio"_s, {u"wav 3 2"_s});
+    const QByteArray formerHome = qgetenv("HOME");
+    const auto restore = qScopeGuard([&] { qputenv("HOME", formerHome); });
+    qputenv("HOME", helpers.file(u"home"_s).toUtf8());
+    int asked = 0;
+    const ScriptedServer server([&](const ScriptedServer::Request &) {
+        return ++asked == 1 ? ScriptedServer::reply(200, R"({"segments":[{"start":0.5,"end":2.5,"text":" 你好 "}]})")
+                            : ScriptedServer::reply(401, "");
+    });
+    const QStringList transcribe = {u"transcribe"_s, projectOf("a.wav", "gone.mov"),  u"--without-missing"_s,
+                                    u"--api"_s,      server.url(u"/v1"_s).toString(), u"--api-model"_s,
+                                    u"m"_s};
+    // The service heard the sound from a second before it begins.
+    EXPECT_EQ(CommandLine::run(transcribe).output, "1\n00:00:02,500 --> 00:00:04,500\n你好\n");
+    EXPECT_EQ(helpers.runs(u"whisper-cli"_s).size(), 0);
+    EXPECT_EQ(CommandLine::run(transcribe).error, "音频转写失败（HTTP 401）请检查音频接口密钥。原字幕已保留。\n");
+}
+
+TEST_F(RenderCommand, a_multicam_clip_is_named_and_left_out_only_when_asked)
+{
+    const QString project = projectOf("a.wav", "a.wav", "mc-clip name=两机 ref=b offset=5s duration=5s");
+    const QStringList render = {u"render"_s, project, u"-o"_s, helpers.file(u"out.wav"_s), u"--details"_s};
+    const auto refused = CommandLine::run(render);
+    EXPECT_TRUE(refused.error.startsWith("多机位片段请先在 FCP 导出音频，再生成字幕。\n"))
+        << refused.error.toStdString();
+    EXPECT_TRUE(refused.error.contains("两机")) << refused.error.toStdString();
+    const auto rest = CommandLine::run(render + QStringList{u"--skip-unreadable"_s});
+    EXPECT_EQ(rest.status, 0);
+    EXPECT_EQ(rest.error, "已跳过 1 段无法准确定位的片段，第一个是：两机。\n");
 }
