@@ -18,7 +18,7 @@ public:
     QString file(const QString &name) const;
 
     /// Removes the scratch folders that runs of ours have left when they were killed: those of this user in which
-    /// nothing has been written for a day. For the program's start.
+    /// nothing has been written for a day. For the program's start, on any thread.
     static void removeLeftovers();
 
 private:

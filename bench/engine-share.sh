@@ -13,7 +13,7 @@ trap 'rm -rf "$work"' EXIT
 export HOME=$work
 printf '1\n00:00:00,000 --> 00:00:01,000\nOnce upon a time\n\n' >"$work/in.srt"
 
-now() { date +%s%N; }
+. "$(dirname "$0")/measure.sh"
 
 by_hand_transcribe() {
     "$helpers/ffmpeg-audio" -nostdin -hide_banner -loglevel error -i "$media" -map 0:a:0 -vn -ar 16000 -ac 1 \
@@ -53,35 +53,10 @@ json.dump({"prompt": prompt, "n_predict": 2048, "temperature": 0, "cache_prompt"
 PYTHON
 }
 
-peak=0
-# Runs the program and notes the highest peak of its own process.
-program() {
-    local pid kib
-    "$cli" "$@" >/dev/null 2>&1 &
-    pid=$!
-    while kib=$(sed -n 's/^VmHWM:[^0-9]*\([0-9]*\).*/\1/p' "/proc/$pid/status" 2>/dev/null) && [ -n "$kib" ]; do
-        [ "$kib" -gt "$peak" ] && peak=$kib
-        sleep 0.02
-    done
-    wait $pid || true # a model this small may be refused; the time is the same
-}
-
-# best NAME COMMAND…: the shortest of the rounds, in milliseconds.
-best() {
-    local name=$1 shortest='' begin took i
-    shift
-    for ((i = 0; i < rounds; ++i)); do
-        begin=$(now)
-        "$@"
-        took=$((($(now) - begin) / 1000000))
-        [ -z "$shortest" ] || [ "$took" -lt "$shortest" ] && shortest=$took
-    done
-    echo "$name: $shortest ms"
-}
+by_program_transcribe() { program "$cli" transcribe "$media" --model-file "$speech" --language en; }
+by_program_translate() { program "$cli" translate "$work/in.srt" --to zh --model-file "$language"; }
 
 capture_request
-best "transcribe, helpers by hand" by_hand_transcribe
-best "transcribe, program" program transcribe "$media" --model-file "$speech" --language en
-best "translate, helpers by hand" by_hand_translate
-best "translate, program" program translate "$work/in.srt" --to zh --model-file "$language"
-echo "program's own peak memory: $((peak / 1024)) MiB"
+in_turn "transcribe: helpers by hand" by_hand_transcribe "program" by_program_transcribe
+in_turn "translate: helpers by hand" by_hand_translate "program" by_program_translate
+tell_peak
