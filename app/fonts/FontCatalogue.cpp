@@ -1,9 +1,9 @@
 #include "app/fonts/FontCatalogue.h"
 
 #include "app/fonts/FontIndexFile.h"
-#include "core/text/Pinyin.h"
 #include "core/PlatformError.h"
 #include "core/text/Characters.h"
+#include "core/text/Pinyin.h"
 #include "fcp/Options.h"
 
 #include <QFont>
