@@ -171,5 +171,5 @@ void AnswerLedger::write(const Answers &answers) const
         json.endObject();
         json.endObject();
     }));
-    file.commit(AtomicFile::Durability::PowerCut);
+    file.commit(AtomicFile::Durability::powerCut);
 }

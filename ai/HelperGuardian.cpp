@@ -76,7 +76,7 @@ pid_t start(const Helper &helper)
 {
     int failure[2] = {-1, -1};
     if (pipe(failure) != 0) {
-        tell(Report::Kind::NotStarted, errno);
+        tell(Report::Kind::notStarted, errno);
         _exit(1);
     }
     fcntl(failure[0], F_SETFD, FD_CLOEXEC);
@@ -93,12 +93,12 @@ pid_t start(const Helper &helper)
     close(output);
     close(errors);
     if (isTold) {
-        tell(Report::Kind::NotStarted, error);
+        tell(Report::Kind::notStarted, error);
         _exit(1);
     }
     // From both sides, for whichever comes first.
     setpgid(child, child);
-    tell(Report::Kind::Started, child);
+    tell(Report::Kind::started, child);
     return child;
 }
 
@@ -176,7 +176,7 @@ void killChildren() {}
         if (child < 0 && errno != EINTR)
             break;
     }
-    tell(Report::Kind::Ended, status);
+    tell(Report::Kind::ended, status);
     _exit(0);
 }
 
@@ -195,11 +195,11 @@ void reap(pid_t helper)
 
 void obey(pid_t helper)
 {
-    char order = static_cast<char>(Order::KillAll);
+    char order = static_cast<char>(Order::killAll);
     const auto size = read(channel, &order, 1);
     if (size < 0 && errno == EINTR)
         return;
-    if (size == 1 && order == static_cast<char>(Order::Terminate))
+    if (size == 1 && order == static_cast<char>(Order::terminate))
         kill(-helper, SIGTERM);
     else
         finish(helper);

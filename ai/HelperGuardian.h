@@ -10,8 +10,8 @@ namespace HelperGuardian {
 /// What the guardian reads from the channel: one byte each. Its end means KillAll.
 enum class Order : char
 {
-    Terminate = 'T', ///< SIGTERM to the helper and those it has started.
-    KillAll = 'K',   ///< SIGKILL to all of them.
+    terminate = 'T', ///< SIGTERM to the helper and those it has started.
+    killAll = 'K',   ///< SIGKILL to all of them.
 };
 
 /// What the guardian writes to the channel. NotStarted or Started comes first, Ended when nothing is left; then it
@@ -20,11 +20,11 @@ struct Report
 {
     enum class Kind : int
     {
-        NotStarted, ///< `value` is the errno of the step that failed.
-        Started,    ///< `value` is the helper's process id.
-        Ended,      ///< `value` is the helper's status as waitpid gives it.
+        notStarted, ///< `value` is the errno of the step that failed.
+        started,    ///< `value` is the helper's process id.
+        ended,      ///< `value` is the helper's status as waitpid gives it.
     };
-    Kind kind = Kind::NotStarted;
+    Kind kind = Kind::notStarted;
     int value = 0;
 };
 

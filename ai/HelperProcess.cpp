@@ -175,12 +175,12 @@ bool HelperProcess::waitForEnd(std::chrono::milliseconds longest)
 
 void HelperProcess::terminate()
 {
-    send(static_cast<char>(HelperGuardian::Order::Terminate));
+    send(static_cast<char>(HelperGuardian::Order::terminate));
 }
 
 void HelperProcess::kill()
 {
-    send(static_cast<char>(HelperGuardian::Order::KillAll));
+    send(static_cast<char>(HelperGuardian::Order::killAll));
     while (m_channel >= 0)
         receive(1min);
 }
@@ -230,17 +230,17 @@ bool HelperProcess::receive(std::chrono::milliseconds longest)
         return true;
     }
     switch (report.kind) {
-    case Report::Kind::NotStarted:
+    case Report::Kind::notStarted:
         m_error = report.value;
         break;
-    case Report::Kind::Started:
+    case Report::Kind::started:
         m_isStarted = true;
         break;
-    case Report::Kind::Ended:
+    case Report::Kind::ended:
         m_status = report.value;
         break;
     }
-    if (report.kind == Report::Kind::Started)
+    if (report.kind == Report::Kind::started)
         return false;
     close();
     return true;

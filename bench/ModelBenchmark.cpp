@@ -104,7 +104,7 @@ void encodeAndRawWrite(benchmark::State &state)
         const QByteArray bytes = job.model().snapshot().encoded();
         AtomicFile file(path);
         file.write(bytes);
-        file.commit(AtomicFile::Durability::PowerCut);
+        file.commit(AtomicFile::Durability::powerCut);
     }
 }
 

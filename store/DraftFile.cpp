@@ -114,7 +114,7 @@ void DraftFile::replaceFile(const LintoraSession &state)
     target.sync();
     if (isForeign && !isInTheWay)
         setAside();
-    target.commit(AtomicFile::Durability::PowerCut);
+    target.commit(AtomicFile::Durability::powerCut);
     lock.lock();
     m_isOurs = true;
     m_saved = state;

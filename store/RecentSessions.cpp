@@ -75,7 +75,7 @@ void RecentSessions::keep(const LintoraSession &session, const QString &title) c
     AtomicFile file(u"%1/%2 %3.json"_s.arg(m_folder, now.toString(timeForm), shown));
     file.write(bytes);
     file.sync();
-    file.commit(AtomicFile::Durability::PowerCut);
+    file.commit(AtomicFile::Durability::powerCut);
 
     qsizetype others = 0;
     for (const Entry &entry : before) {

@@ -128,7 +128,7 @@ void SessionFile::replaceFile(const LintoraSession &state)
             unseen = newVersion();
         if (unseen)
             replaced = std::move(unseen->session);
-        target.commit(AtomicFile::Durability::PowerCut);
+        target.commit(AtomicFile::Durability::powerCut);
         m_lastBytes = std::move(bytes);
     }
     std::unique_lock lock(m_mutex);

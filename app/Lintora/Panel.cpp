@@ -140,7 +140,7 @@ QWidget *LintoraPanel::makeTableHeading()
 void LintoraPanel::followCues()
 {
     const bool isInUse = m_model.isInUse();
-    const auto form = isInUse ? UnifiedImportArea::Form::OneLine : UnifiedImportArea::Form::Large;
+    const auto form = isInUse ? UnifiedImportArea::Form::oneLine : UnifiedImportArea::Form::large;
     if (m_import->form() != form)
         m_import->setForm(form);
     const bool begins = isInUse && !m_isInUse;
@@ -218,7 +218,7 @@ void LintoraPanel::showFCPImport(bool visible)
         QVBoxLayout &body = *m_fcpImport->body();
         body.addWidget(
             Controls::note(u"从 FCP 浏览器将项目拖到下方，读取时间线音轨；也可拖入单个片段或 FCPXML。"_s, m_fcpImport));
-        auto *const area = new FileDropArea(m_model, FileDropArea::Form::Large, {}, m_fcpImport);
+        auto *const area = new FileDropArea(m_model, FileDropArea::Form::large, {}, m_fcpImport);
         area->setMinimumHeight(area->sizeHint().height());
         body.addWidget(area);
         connect(m_fcpImport, &Sheet::closeRequested, this, [this] { m_model.window().setFCPImportVisible(false); });

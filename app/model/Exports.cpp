@@ -38,7 +38,7 @@ void writeSRT(const QString &path, const QList<Subtitle> &cues, Job &job)
     SRT::serialize(cues, out);
     file.sync();
     job.check();
-    file.commit(AtomicFile::Durability::PowerCut);
+    file.commit(AtomicFile::Durability::powerCut);
 }
 
 qsizetype writeAllSRT(const QString &folder, const QString &name, const QList<SubtitleTrack> &tracks, Job &job)

@@ -98,7 +98,7 @@ int main(int argc, char **argv, LintoraApplicationDelegate::PanelFactory panel)
 
     SingleInstance instance; // outlives the delegate, so that the next launch finds the draft saved
     try {
-        if (instance.launch(requested) == SingleInstance::Launch::HandedOver)
+        if (instance.launch(requested) == SingleInstance::Launch::handedOver)
             return 0;
     } catch (const ConversionError &error) {
         QTextStream(stderr) << error.message() << Qt::endl;

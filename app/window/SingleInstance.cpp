@@ -63,10 +63,10 @@ std::optional<QList<QUrl>> decode(const QByteArray &links)
 
 enum class Answer
 {
-    Confirmed,
-    NobodyThere,
-    Foreign, ///< Somebody else has taken the name.
-    None,    ///< The other process went away or let the time run out.
+    confirmed,
+    nobodyThere,
+    foreign, ///< Somebody else has taken the name.
+    none,    ///< The other process went away or let the time run out.
 };
 
 Answer handOver(const QByteArray &message, const QDeadlineTimer &deadline)
@@ -76,19 +76,19 @@ Answer handOver(const QByteArray &message, const QDeadlineTimer &deadline)
     socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
     socket.connectToServer(SingleInstance::name());
     if (!socket.waitForConnected(left()))
-        return Answer::NobodyThere;
+        return Answer::nobodyThere;
     if (!belongsToUser(socket))
-        return Answer::Foreign;
+        return Answer::foreign;
     socket.write(message);
     while (socket.bytesToWrite() > 0) {
         if (!socket.waitForBytesWritten(left()))
-            return Answer::None;
+            return Answer::none;
     }
     while (socket.bytesAvailable() == 0) {
         if (!socket.waitForReadyRead(left()))
-            return Answer::None;
+            return Answer::none;
     }
-    return socket.read(1) == QByteArray(1, confirmation) ? Answer::Confirmed : Answer::None;
+    return socket.read(1) == QByteArray(1, confirmation) ? Answer::confirmed : Answer::none;
 }
 
 } // namespace
@@ -113,22 +113,22 @@ SingleInstance::SingleInstance(std::chrono::milliseconds patience, QObject *pare
 SingleInstance::Launch SingleInstance::launch(const QList<QUrl> &urls)
 {
     if (Platform::systemRunsProgramOnce())
-        return Launch::First;
+        return Launch::first;
     const QByteArray message = encode(urls);
     const QDeadlineTimer deadline(m_patience);
     do {
         // One of several that start at once gets the name; the others find it here on a later round.
         if (m_server.listen(name()))
-            return Launch::First;
+            return Launch::first;
         if (m_server.serverError() != QAbstractSocket::AddressInUseError)
-            return Launch::First; // no later launch can reach it, which is better than not to run at all
+            return Launch::first; // no later launch can reach it, which is better than not to run at all
         switch (handOver(message, deadline)) {
-        case Answer::Confirmed:
-            return Launch::HandedOver;
-        case Answer::Foreign:
-            return Launch::First; // as above
-        case Answer::NobodyThere:
-        case Answer::None:
+        case Answer::confirmed:
+            return Launch::handedOver;
+        case Answer::foreign:
+            return Launch::first; // as above
+        case Answer::nobodyThere:
+        case Answer::none:
             // It has just begun or is about to end.
             QThread::msleep(10);
         }

@@ -23,8 +23,8 @@ class SingleInstance : public QObject
 public:
     enum class Launch
     {
-        First,     ///< This is the running program from now on.
-        HandedOver ///< Another one runs and has confirmed that it has the links.
+        first,     ///< This is the running program from now on.
+        handedOver ///< Another one runs and has confirmed that it has the links.
     };
 
     /// The name that the running program of this user and home folder listens under, in the abstract namespace.

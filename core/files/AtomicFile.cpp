@@ -112,11 +112,11 @@ void AtomicFile::commit(Durability durability)
         m_file->close();
         return;
     }
-    if (durability == Durability::PowerCut)
+    if (durability == Durability::powerCut)
         sync();
     if (!replacement->commit())
         throw PlatformError::aboutFile(replacement->fileName(), replacement->errorString());
-    if (durability == Durability::PowerCut)
+    if (durability == Durability::powerCut)
         syncFolder(QFileInfo(QFileInfo(replacement->fileName()).canonicalFilePath()).path());
 }
 

@@ -33,13 +33,13 @@ public:
     /// What the replacement outlives once commit() has returned.
     enum class Durability
     {
-        Crash,    ///< The end of this program.
-        PowerCut, ///< The end of the system too: the content and its name in the folder have reached the disk.
+        crash,    ///< The end of this program.
+        powerCut, ///< The end of the system too: the content and its name in the folder have reached the disk.
     };
 
     /// Puts the written content in the target's place.
     /// @throws PlatformError; the target is then as it was, unless only its folder failed to reach the disk.
-    void commit(Durability durability = Durability::Crash);
+    void commit(Durability durability = Durability::crash);
 
     /// Removes what writers of the file at `path` left beside it when they were killed, more than ten minutes ago.
     static void removeLeftovers(const QString &path);

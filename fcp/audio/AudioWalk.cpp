@@ -120,7 +120,7 @@ void AudioWalk::leaveOut(const xmlNode *element)
 
 std::optional<Rational> AudioWalk::length(const StoryElement &story)
 {
-    if (story.kind == Kind::Audition)
+    if (story.kind == Kind::audition)
         return story.content.empty() ? std::nullopt : length(this->story(story.content.front()));
     if (story.duration || !story.resource)
         return story.duration;
@@ -142,8 +142,8 @@ Rational AudioWalk::storylineEnd(const StorySequence &sequence)
 /// One whose resource is missing might have.
 bool AudioWalk::canSound(const StoryElement &story, const Place &place)
 {
-    if (story.kind != Kind::Reference || !story.resource)
-        return story.kind != Kind::Picture;
+    if (story.kind != Kind::reference || !story.resource)
+        return story.kind != Kind::picture;
     if (Xml::isElement(story.resource, "asset"))
         return m_resources.asset(story.resource).hasSound &&
                (story.roles.isEmpty() || !place.rolesOff.contains(story.roles));
@@ -177,9 +177,9 @@ void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Plac
     const StoryElement &story = this->story(element);
     if (!story.enabled)
         return;
-    if (story.kind == Kind::Storyline)
+    if (story.kind == Kind::storyline)
         return visitStoryline(story, offset, place);
-    if (story.kind == Kind::Audition) {
+    if (story.kind == Kind::audition) {
         Place active = place;
         ++active.nesting;
         if (!story.content.empty())
@@ -204,7 +204,7 @@ void AudioWalk::visit(const xmlNode *element, const Rational &offset, const Plac
         return;
     if (sounds && !story.retimed)
         play(story, own, place);
-    else if (!story.muted && !story.retimed && (story.kind == Kind::Picture || !place.muted))
+    else if (!story.muted && !story.retimed && (story.kind == Kind::picture || !place.muted))
         visitContent(story, own, place);
     visitConnected(story, own, place);
 }
@@ -242,14 +242,14 @@ void AudioWalk::visitContent(const StoryElement &story, const TimeMap &own, cons
         return;
     for (const xmlNode *const child : story.content) {
         const StoryElement &content = this->story(child);
-        const Rational begin = content.kind == Kind::Storyline ? story.contentStart.value_or(0) : Rational(0);
+        const Rational begin = content.kind == Kind::storyline ? story.contentStart.value_or(0) : Rational(0);
         visit(child, content.offset.value_or(begin), inner);
     }
 }
 
 void AudioWalk::play(const StoryElement &story, const TimeMap &own, const Place &place)
 {
-    if (story.kind == Kind::Container)
+    if (story.kind == Kind::container)
         return visitContent(story, own, place);
     // What is in a compound clip speaks for itself.
     if (story.resource && Xml::isElement(story.resource, "media"))
@@ -382,14 +382,14 @@ AudioWalk::Place AudioWalk::inside(const StoryElement &story, const TimeMap &own
     inner.scale = own.scale;
     inner.window = soundRange(story, own, place).cutTo(place.window);
     inner.gain = multiplied(multiplied(place.gain, story.volume), story.storylineVolume);
-    const double outside = story.kind == Kind::Picture ? place.connectedGain : place.gain;
+    const double outside = story.kind == Kind::picture ? place.connectedGain : place.gain;
     inner.connectedGain = multiplied(multiplied(outside, story.volume), story.connectedVolume);
-    if (story.kind == Kind::Container && inner.clip == 0)
+    if (story.kind == Kind::container && inner.clip == 0)
         inner.clip = ++m_clipCount;
     ++inner.nesting;
     if (story.frameDuration)
         inner.frameDuration = story.frameDuration;
-    if (story.kind != Kind::Picture) {
+    if (story.kind != Kind::picture) {
         inner.muted = story.storylineMuted;
         inner.connectedMuted = story.connectedMuted;
         inner.rolesOff = place.rolesOff | story.contentRolesOff;

@@ -26,13 +26,13 @@ struct KindName
 std::optional<Kind> kindOf(QByteArrayView name)
 {
     static constexpr std::array kinds{
-        KindName{"asset-clip", Kind::Reference}, KindName{"video", Kind::Picture},
-        KindName{"audio", Kind::Reference},      KindName{"clip", Kind::Container},
-        KindName{"ref-clip", Kind::Reference},   KindName{"sync-clip", Kind::Container},
-        KindName{"gap", Kind::Picture},          KindName{"title", Kind::Picture},
-        KindName{"caption", Kind::Picture},      KindName{"live-drawing", Kind::Picture},
-        KindName{"mc-clip", Kind::Picture},      KindName{"spine", Kind::Storyline},
-        KindName{"audition", Kind::Audition},
+        KindName{"asset-clip", Kind::reference}, KindName{"video", Kind::picture},
+        KindName{"audio", Kind::reference},      KindName{"clip", Kind::container},
+        KindName{"ref-clip", Kind::reference},   KindName{"sync-clip", Kind::container},
+        KindName{"gap", Kind::picture},          KindName{"title", Kind::picture},
+        KindName{"caption", Kind::picture},      KindName{"live-drawing", Kind::picture},
+        KindName{"mc-clip", Kind::picture},      KindName{"spine", Kind::storyline},
+        KindName{"audition", Kind::audition},
     };
     for (const KindName &each : kinds) {
         if (each.name == name)
@@ -59,7 +59,7 @@ bool isAdjustment(QByteArrayView name)
 /// A title, say, on which nothing hangs that could sound.
 bool isSilentLeaf(const xmlNode *element, Kind kind)
 {
-    if (kind != Kind::Picture || Xml::isElement(element, "mc-clip"))
+    if (kind != Kind::picture || Xml::isElement(element, "mc-clip"))
         return false;
     const auto canSound = [](const xmlNode *child) {
         const QByteArrayView name = Xml::elementName(child);
@@ -87,7 +87,7 @@ std::optional<Rational> lenientTime(const xmlNode *element, QByteArrayView attri
 std::vector<const xmlNode *> readChildren(StoryElement &story)
 {
     // In a storyline and in an audition even a silent one says where, or what, its neighbours are.
-    const bool isOrdered = story.kind == Kind::Storyline || story.kind == Kind::Audition;
+    const bool isOrdered = story.kind == Kind::storyline || story.kind == Kind::audition;
     std::vector<const xmlNode *> adjustments;
     for (const xmlNode *const child : Xml::Children(story.element)) {
         const QByteArrayView name = Xml::elementName(child);
@@ -171,7 +171,7 @@ void readAdjustments(StoryElement &story, const std::vector<const xmlNode *> &ad
 StoryElement StoryElement::readPlace(const xmlNode *element, const MediaResources &resources)
 {
     return {.element = element,
-            .kind = kindOf(Xml::elementName(element)).value_or(Kind::Picture),
+            .kind = kindOf(Xml::elementName(element)).value_or(Kind::picture),
             .enabled = false,
             .isConnected = ::isConnected(element),
             .offset = lenientTime(element, "offset"),
@@ -185,7 +185,7 @@ StoryElement StoryElement::read(const xmlNode *element, const MediaResources &re
     if (Xml::attribute(element, "enabled") == "0")
         return readPlace(element, resources);
     StoryElement story{.element = element,
-                       .kind = kindOf(Xml::elementName(element)).value_or(Kind::Picture),
+                       .kind = kindOf(Xml::elementName(element)).value_or(Kind::picture),
                        .isConnected = ::isConnected(element)};
     story.muted = sound == OwnSound::off || Xml::attribute(element, "srcEnable") == "video";
     if (!story.muted && Xml::isElement(element, "mc-clip"))

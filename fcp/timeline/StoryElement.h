@@ -24,12 +24,12 @@ struct StoryElement
 {
     enum class Kind
     {
-        Reference, ///< Sounds by the resource to which it refers: "asset-clip", "ref-clip", "audio".
-        Container, ///< Sounds by what it contains: "clip", "sync-clip".
-        Picture,   ///< Makes no sound: "video", "title", "gap" and the like, and a multicam clip of which only the
+        reference, ///< Sounds by the resource to which it refers: "asset-clip", "ref-clip", "audio".
+        container, ///< Sounds by what it contains: "clip", "sync-clip".
+        picture,   ///< Makes no sound: "video", "title", "gap" and the like, and a multicam clip of which only the
                    ///< picture is used.
-        Storyline, ///< A "spine".
-        Audition,  ///< A choice, of which the first child is the one in use.
+        storyline, ///< A "spine".
+        audition,  ///< A choice, of which the first child is the one in use.
     };
 
     enum class OwnSound
@@ -39,7 +39,7 @@ struct StoryElement
     };
 
     const xmlNode *element = nullptr;
-    Kind kind = Kind::Picture;
+    Kind kind = Kind::picture;
     bool enabled = true;         ///< Of a disabled element only the times below are read.
     bool isConnected = false;    ///< Stands on a lane of its own instead of being content of its parent.
     bool muted = false;          ///< Its own sound is switched off.

@@ -17,7 +17,7 @@ void write(const QString &path, const TitleDocument &document, const Proof &proo
     file.sync();
     proof(file.readBack());
     check();
-    file.commit(AtomicFile::Durability::PowerCut);
+    file.commit(AtomicFile::Durability::powerCut);
 }
 
 } // namespace TitleFile

@@ -19,7 +19,7 @@ QPen pen(const QPalette &palette, Edge edge, State state)
         return {palette.color(QPalette::Highlight), 2};
     const QColor quiet = blend(palette.color(QPalette::Base), palette.color(QPalette::Text), 0.45F);
     QPen pen(state.highlighted ? palette.color(QPalette::Highlight) : quiet, 1);
-    if (edge == Edge::Dashed && !state.highlighted)
+    if (edge == Edge::dashed && !state.highlighted)
         pen.setDashPattern({4, 3});
     return pen;
 }

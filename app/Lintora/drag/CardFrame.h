@@ -12,8 +12,8 @@ constexpr qreal radius = 10; ///< Of the corners, in points.
 
 enum class Edge
 {
-    Dashed, ///< Takes something in.
-    Solid   ///< Can be taken away.
+    dashed, ///< Takes something in.
+    solid   ///< Can be taken away.
 };
 
 struct State

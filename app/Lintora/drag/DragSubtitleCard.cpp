@@ -119,7 +119,7 @@ QSize DragSubtitleCard::minimumSizeHint() const
 void DragSubtitleCard::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    CardFrame::paint(painter, rect(), palette(), CardFrame::Edge::Solid,
+    CardFrame::paint(painter, rect(), palette(), CardFrame::Edge::solid,
                      {.highlighted = underMouse(), .focused = hasFocus()});
     const QRect room = rect().adjusted(padding, 0, -padding, 0);
     painter.setPen(palette().color(QPalette::Text));

@@ -15,12 +15,12 @@ FileDropArea::FileDropArea(LintoraModel &model, Form form, const QString &prompt
 {
     m_label->setForegroundRole(QPalette::Text);
     m_label->setAlignment(Qt::AlignCenter);
-    m_label->setWordWrap(form == Form::Large);
+    m_label->setWordWrap(form == Form::large);
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 4, 12, 4);
     layout->addWidget(m_label);
-    setSizePolicy(QSizePolicy::Expanding, form == Form::Large ? QSizePolicy::Expanding : QSizePolicy::Fixed);
-    setMinimumHeight(form == Form::Large ? 72 : 36);
+    setSizePolicy(QSizePolicy::Expanding, form == Form::large ? QSizePolicy::Expanding : QSizePolicy::Fixed);
+    setMinimumHeight(form == Form::large ? 72 : 36);
     setAccessibleName(m_prompt);
     connect(m_drop, &MaterialDrop::hoveringChanged, this, &FileDropArea::showText);
     showText();
@@ -35,11 +35,11 @@ void FileDropArea::showText()
 QSize FileDropArea::sizeHint() const
 {
     const QSize text = QWidget::sizeHint();
-    return m_form == Form::Large ? text.expandedTo({320, 120}) : text;
+    return m_form == Form::large ? text.expandedTo({320, 120}) : text;
 }
 
 void FileDropArea::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    CardFrame::paint(painter, rect(), palette(), CardFrame::Edge::Dashed, {.highlighted = m_drop->isHovering()});
+    CardFrame::paint(painter, rect(), palette(), CardFrame::Edge::dashed, {.highlighted = m_drop->isHovering()});
 }

@@ -13,8 +13,8 @@ class FileDropArea : public QWidget
 public:
     enum class Form
     {
-        Large,
-        Compact ///< One line.
+        large,
+        compact ///< One line.
     };
 
     /// An empty `prompt` gives the text for any material. `model` must live as long as the area.

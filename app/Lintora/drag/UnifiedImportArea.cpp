@@ -31,7 +31,7 @@ UnifiedImportArea::UnifiedImportArea(LintoraModel &model, QWidget *parent)
     connect(this, &QAbstractButton::clicked, &model, &LintoraModel::chooseImport);
     connect(m_drop, &MaterialDrop::hoveringChanged, this, &UnifiedImportArea::showTexts);
     m_detail->setProperty("secondary", true);
-    setForm(Form::Large);
+    setForm(Form::large);
     applyColours();
     showTexts();
 }
@@ -39,7 +39,7 @@ UnifiedImportArea::UnifiedImportArea(LintoraModel &model, QWidget *parent)
 void UnifiedImportArea::setForm(Form form)
 {
     m_form = form;
-    const bool isLarge = form == Form::Large;
+    const bool isLarge = form == Form::large;
     while (m_layout->count() > 0)
         delete m_layout->takeAt(0);
     m_layout->setDirection(isLarge ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
@@ -60,7 +60,7 @@ void UnifiedImportArea::setForm(Form form)
 
 void UnifiedImportArea::applyFonts()
 {
-    m_title->setFont(m_form == Form::Large ? VELTheme::headingFont() : VELTheme::textFont());
+    m_title->setFont(m_form == Form::large ? VELTheme::headingFont() : VELTheme::textFont());
     m_detail->setFont(VELTheme::smallFont());
 }
 
@@ -81,7 +81,7 @@ void UnifiedImportArea::applyColours()
 QSize UnifiedImportArea::sizeHint() const
 {
     const QSize texts = m_layout->sizeHint();
-    return m_form == Form::Large ? texts.expandedTo({320, 160})
+    return m_form == Form::large ? texts.expandedTo({320, 160})
                                  : QSize(texts.width(), std::max(texts.height(), lineHeight));
 }
 
@@ -94,7 +94,7 @@ QSize UnifiedImportArea::minimumSizeHint() const
 void UnifiedImportArea::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    CardFrame::paint(painter, rect(), palette(), CardFrame::Edge::Dashed,
+    CardFrame::paint(painter, rect(), palette(), CardFrame::Edge::dashed,
                      {.highlighted = m_drop->isHovering() || underMouse() || isDown(), .focused = hasFocus()});
 }
 

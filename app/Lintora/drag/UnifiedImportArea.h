@@ -14,8 +14,8 @@ class UnifiedImportArea : public QAbstractButton
 public:
     enum class Form
     {
-        Large,  ///< Fills an empty workspace.
-        OneLine ///< Above the cues.
+        large,  ///< Fills an empty workspace.
+        oneLine ///< Above the cues.
     };
 
     /// Large at first. `model` must live as long as the area.
@@ -38,7 +38,7 @@ private:
     void applyColours();
     void applyFonts();
 
-    Form m_form = Form::Large;
+    Form m_form = Form::large;
     MaterialDrop *const m_drop;
     QBoxLayout *const m_layout;
     QLabel *const m_title;

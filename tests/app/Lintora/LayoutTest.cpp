@@ -53,7 +53,7 @@ protected:
 
 TEST_F(Layout, An_empty_workspace_shows_where_material_goes)
 {
-    EXPECT_EQ(panel->findChild<UnifiedImportArea *>()->form(), UnifiedImportArea::Form::Large);
+    EXPECT_EQ(panel->findChild<UnifiedImportArea *>()->form(), UnifiedImportArea::Form::large);
     EXPECT_TRUE(visibleTexts().contains(u"导入素材后，在这里编辑字幕。"_s));
     EXPECT_TRUE(visibleTexts().contains(u"语音识别 · 中英互译 · FCP"_s));
     EXPECT_FALSE(table().isVisible());
@@ -63,7 +63,7 @@ TEST_F(Layout, An_empty_workspace_shows_where_material_goes)
 TEST_F(Layout, Cues_take_the_place_of_the_large_area)
 {
     load({u"一"_s});
-    EXPECT_EQ(panel->findChild<UnifiedImportArea *>()->form(), UnifiedImportArea::Form::OneLine);
+    EXPECT_EQ(panel->findChild<UnifiedImportArea *>()->form(), UnifiedImportArea::Form::oneLine);
     EXPECT_TRUE(table().isVisible());
     EXPECT_TRUE(table().hasFocus());
     EXPECT_TRUE(visibleTexts().contains(u"按住下方卡片，拖入 FCP 时间线"_s));

@@ -34,7 +34,7 @@ int main(int argc, char **argv)
     for (const QString &link : arguments.mid(1))
         urls += QUrl(link);
     try {
-        if (instance.launch(urls) == SingleInstance::Launch::HandedOver) {
+        if (instance.launch(urls) == SingleInstance::Launch::handedOver) {
             say(u"handed over"_s);
             return 0;
         }

@@ -82,8 +82,8 @@ TEST_F(DragAndDrop, The_import_area_tells_what_it_takes)
     for (const QLabel *const label : area.findChildren<QLabel *>())
         texts += label->text();
     EXPECT_EQ(texts, QStringList({u"＋  拖入素材，或点击导入"_s, u"SRT · FCP 项目"_s}));
-    EXPECT_EQ(FileDropArea(m_model, FileDropArea::Form::Compact).text(), u"拖入 FCP 项目或 SRT"_s);
-    EXPECT_EQ(FileDropArea(m_model, FileDropArea::Form::Large, u"拖到这里"_s).text(), u"拖到这里"_s);
+    EXPECT_EQ(FileDropArea(m_model, FileDropArea::Form::compact).text(), u"拖入 FCP 项目或 SRT"_s);
+    EXPECT_EQ(FileDropArea(m_model, FileDropArea::Form::large, u"拖到这里"_s).text(), u"拖到这里"_s);
 }
 
 TEST_F(DragAndDrop, Areas_take_files_and_documents_and_nothing_else)
@@ -107,7 +107,7 @@ TEST_F(DragAndDrop, A_dropped_file_is_loaded)
 {
     for (const bool unified : {true, false}) {
         UnifiedImportArea large(m_model);
-        FileDropArea small(m_model, FileDropArea::Form::Compact);
+        FileDropArea small(m_model, FileDropArea::Form::compact);
         QWidget &area = unified ? static_cast<QWidget &>(large) : small;
         const int cues = unified ? 3 : 4;
         EXPECT_TRUE(drops(area, *files({m_outside.srt(u"字 幕.srt"_s, cues)})));
@@ -129,7 +129,7 @@ TEST_F(DragAndDrop, What_the_model_does_not_take_is_refused_in_its_words)
 
 TEST_F(DragAndDrop, An_area_says_what_letting_go_would_do)
 {
-    FileDropArea area(m_model, FileDropArea::Form::Large);
+    FileDropArea area(m_model, FileDropArea::Form::large);
     const auto material = files({QUrl::fromLocalFile(u"/a.srt"_s)});
     hovers(area, *material);
     EXPECT_EQ(area.text(), u"松开以导入"_s);
@@ -178,9 +178,9 @@ TEST_F(DragAndDrop, The_import_area_shrinks_to_a_line)
 {
     UnifiedImportArea area(m_model);
     const int before = area.sizeHint().height();
-    area.setForm(UnifiedImportArea::Form::OneLine);
+    area.setForm(UnifiedImportArea::Form::oneLine);
     EXPECT_LT(area.sizeHint().height(), before / 3);
-    area.setForm(UnifiedImportArea::Form::Large);
+    area.setForm(UnifiedImportArea::Form::large);
     EXPECT_EQ(area.sizeHint().height(), before);
 }
 
