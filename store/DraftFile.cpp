@@ -27,6 +27,8 @@ bool isThere(const QFileInfo &file)
 DraftFile::DraftFile(QString path, QObject *parent)
     : QObject(parent)
     , m_path(std::move(path))
+    , m_outcome(
+          this, [this](const QString &description) { Q_EMIT failed(description); }, [this] { Q_EMIT recovered(); })
     , m_thread([this] { return round(); })
 {}
 
@@ -65,9 +67,7 @@ void DraftFile::save(const LintoraSession &state)
 void DraftFile::flush()
 {
     m_thread.finishRound();
-    const std::lock_guard lock(m_mutex);
-    if (m_failure)
-        std::rethrow_exception(m_failure);
+    m_outcome.throwFailure();
 }
 
 /// Saves the state that waits.
@@ -82,10 +82,10 @@ RoundThread::Pause DraftFile::round()
     try {
         if (state != saved || !QFileInfo::exists(m_path))
             replaceFile(*state);
-        note(nullptr, {});
+        m_outcome.noteSuccess();
         return std::nullopt;
-    } catch (const std::exception &error) {
-        note(std::current_exception(), QString::fromUtf8(error.what()));
+    } catch (const std::exception &) {
+        m_outcome.noteFailure();
     }
     lock.lock();
     if (!m_waiting)
@@ -130,22 +130,4 @@ void DraftFile::setAside() const
     QFile unreadable(m_path);
     if (!unreadable.rename(form.arg(number)))
         throw PlatformError::aboutFile(m_path, unreadable.errorString());
-}
-
-/// Keeps what became of a save, and reports a failure that is news.
-void DraftFile::note(std::exception_ptr failure, const QString &description)
-{
-    {
-        const std::lock_guard lock(m_mutex);
-        m_failure = std::move(failure);
-    }
-    if (std::exchange(m_reported, description) == description)
-        return;
-    const auto tell = [this, description] {
-        if (description.isEmpty())
-            Q_EMIT recovered();
-        else
-            Q_EMIT failed(description);
-    };
-    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }

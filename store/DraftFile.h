@@ -2,10 +2,10 @@
 
 #include "store/LintoraSession.h"
 #include "store/RoundThread.h"
+#include "store/SaveOutcome.h"
 
 #include <QObject>
 
-#include <exception>
 #include <mutex>
 
 /// The file that brings a session back after a crash, a power cut or a full disk.
@@ -50,16 +50,15 @@ private:
     RoundThread::Pause round();
     void replaceFile(const LintoraSession &state);
     void setAside() const;
-    void note(std::exception_ptr failure, const QString &description);
 
     const QString m_path;
-    QString m_reported; ///< Why saving fails, as last reported; empty while it does not. Used on the thread only.
 
     std::mutex m_mutex;                      ///< Guards what follows. Not held while files are touched.
     std::optional<LintoraSession> m_waiting; ///< The newest state that is not saved.
     std::optional<LintoraSession> m_saved;   ///< What the file holds, as far as we know.
     bool m_isOurs = false;                   ///< Whether the file was read or written here.
-    std::exception_ptr m_failure;            ///< Why the last save failed; null when it did not.
+
+    SaveOutcome m_outcome;
 
     RoundThread m_thread; ///< Last, so that it ends first.
 };

@@ -15,6 +15,8 @@ SessionFile::SessionFile(QString path, std::chrono::milliseconds interval, QObje
     : QObject(parent)
     , m_path(std::move(path))
     , m_interval(interval)
+    , m_outcome(
+          this, [this](const QString &description) { Q_EMIT failed(description); }, [this] { Q_EMIT recovered(); })
     , m_thread([this] { return round(); })
 {
     AtomicFile::removeLeftovers(m_path);
@@ -66,9 +68,7 @@ void SessionFile::refresh()
 void SessionFile::flush()
 {
     m_thread.finishRound();
-    const std::lock_guard lock(m_mutex);
-    if (m_failure)
-        std::rethrow_exception(m_failure);
+    m_outcome.throwFailure();
 }
 
 RoundThread::Pause SessionFile::round()
@@ -95,10 +95,10 @@ void SessionFile::write()
     try {
         if (state != agreed)
             replaceFile(*state);
-        note(nullptr, {});
-    } catch (const std::exception &error) {
+        m_outcome.noteSuccess();
+    } catch (const std::exception &) {
         isWritten = false;
-        note(std::current_exception(), QString::fromUtf8(error.what()));
+        m_outcome.noteFailure();
     }
     lock.lock();
     m_isWriting = false;
@@ -189,22 +189,4 @@ void SessionFile::deliver()
         m_agreed = session;
     }
     Q_EMIT arrived(session);
-}
-
-/// Keeps what became of a write, and reports a failure that is news.
-void SessionFile::note(std::exception_ptr failure, const QString &description)
-{
-    {
-        const std::lock_guard lock(m_mutex);
-        m_failure = std::move(failure);
-    }
-    if (std::exchange(m_reported, description) == description)
-        return;
-    const auto tell = [this, description] {
-        if (description.isEmpty())
-            Q_EMIT recovered();
-        else
-            Q_EMIT failed(description);
-    };
-    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }

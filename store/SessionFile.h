@@ -2,11 +2,11 @@
 
 #include "store/LintoraSession.h"
 #include "store/RoundThread.h"
+#include "store/SaveOutcome.h"
 
 #include <QObject>
 
 #include <chrono>
-#include <exception>
 #include <mutex>
 
 /// A session file that another program reads and writes too. Both replace whole versions.
@@ -86,13 +86,11 @@ private:
     void look();
     std::optional<Version> newVersion();
     void deliver();
-    void note(std::exception_ptr failure, const QString &description);
 
     const QString m_path;
     const std::chrono::milliseconds m_interval;
-    QByteArray m_lastBytes;    ///< Last valid bytes seen or written. Used on the thread only, like the next two.
+    QByteArray m_lastBytes;    ///< Last valid bytes seen or written. Used on the thread only, like the next one.
     QByteArray m_refusedBytes; ///< Last bytes seen that are no session, so that they are not decoded at every look.
-    QString m_reported;        ///< Why writing fails, as last reported; empty while it does not.
 
     std::mutex m_mutex;                      ///< Guards what follows. Not held while files are touched.
     std::optional<LintoraSession> m_waiting; ///< The newest local state; not yet known whether it is a change.
@@ -100,7 +98,8 @@ private:
     bool m_isChanging = false;               ///< Whether a change was announced whose state has not come.
     std::optional<LintoraSession> m_arrival; ///< The newest version of the other program, not yet delivered.
     std::optional<LintoraSession> m_agreed;  ///< What both programs have; absent until one has written.
-    std::exception_ptr m_failure;            ///< Why the last write failed; null when it did not.
+
+    SaveOutcome m_outcome;
 
     RoundThread m_thread; ///< Last, so that it ends first.
 };
