@@ -5,9 +5,9 @@
 #include "cli/StandardStreams.h"
 #include "core/Cancelled.h"
 #include "core/Failure.h"
+#include "core/Translations.h"
 
 #include <QCoreApplication>
-#include <QLibraryInfo>
 #include <QTranslator>
 
 #include <CLI/Config.hpp>
@@ -99,13 +99,6 @@ ExitStatus sayWrongUse(const QString &message)
     return wrongUse;
 }
 
-/// Descriptions of failed file operations are Chinese where Qt's translations are installed.
-void loadTranslations(QTranslator &translator)
-{
-    if (translator.load(u"qtbase_zh_CN"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QCoreApplication::installTranslator(&translator);
-}
-
 /// The arguments from the last to the first, as the library takes them. It does not know "--with=" for an empty value,
 /// which is what shells make of --with="".
 std::vector<std::string> words(int argc, char **argv)
@@ -185,7 +178,7 @@ int main(int argc, char **argv)
     // A library's warning must not stand beside the one sentence that the user is told.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     QTranslator translator;
-    loadTranslations(translator);
+    Translations::install(translator);
     const ExitStatus status = guarded(argc, argv);
     // A name that is being looked up cannot be given up, and an orderly end would wait for it.
     if (status == cancelled)

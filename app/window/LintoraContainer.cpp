@@ -2,12 +2,12 @@
 
 #include "app/window/SingleInstance.h"
 #include "core/ConversionError.h"
+#include "core/Translations.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QIcon>
-#include <QLibraryInfo>
 #include <QTextStream>
 #include <QTranslator>
 
@@ -47,13 +47,6 @@ QList<QUrl> requestedUrls(QStringList arguments)
     return urls(parser.positionalArguments(), QDir::currentPath());
 }
 
-/// The system's own dialogs and descriptions of errors are Chinese where Qt's translations are installed.
-void loadTranslations(QTranslator &translator)
-{
-    if (translator.load(u"qtbase_zh_CN"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QCoreApplication::installTranslator(&translator);
-}
-
 /// What can be answered without a window, and so without a display.
 bool isQuestion(int argc, char **argv)
 {
@@ -68,7 +61,7 @@ void answer(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     QTranslator translator;
-    loadTranslations(translator);
+    Translations::install(translator);
     requestedUrls(QCoreApplication::arguments());
 }
 
@@ -93,7 +86,7 @@ int main(int argc, char **argv, LintoraApplicationDelegate::PanelFactory panel)
     const QApplication application(argc, argv);
     describeApplication();
     QTranslator translator;
-    loadTranslations(translator);
+    Translations::install(translator);
     const QList<QUrl> requested = requestedUrls(QCoreApplication::arguments());
 
     SingleInstance instance; // outlives the delegate, so that the next launch finds the draft saved
