@@ -3,6 +3,7 @@
 #include "cli/Arguments.h"
 #include "core/Failure.h"
 #include "core/json/JsonReader.h"
+#include "fcp/ColorText.h"
 #include "store/StylePresetStore.h"
 
 #include <QRegularExpression>
@@ -46,12 +47,11 @@ bool isDecimal(QStringView text)
     return decimal.match(text).hasMatch();
 }
 
+/// A colour of the record, in plain notation.
 bool isRecordColor(const QString &text)
 {
-    const QStringList parts = text.split(u' ');
-    return parts.size() == 4 && std::all_of(parts.begin(), parts.end(), [](const QString &part) {
-               return isDecimal(part) && !part.startsWith(u'+') && part.toDouble() >= 0 && part.toDouble() <= 1;
-           });
+    const auto isPlain = [](QStringView part) { return isDecimal(part) && !part.startsWith(u'+'); };
+    return ColorText::read(text) && std::ranges::all_of(QStringView(text).split(u' '), isPlain);
 }
 
 QString readColor(const std::string &argument)

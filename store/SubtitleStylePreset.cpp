@@ -4,9 +4,8 @@
 #include "core/json/JsonReader.h"
 #include "core/json/JsonWriter.h"
 #include "core/text/Characters.h"
+#include "fcp/ColorText.h"
 #include "store/Uuid.h"
-
-#include <QStringList>
 
 #include <algorithm>
 #include <cmath>
@@ -27,21 +26,6 @@ bool isWithin(double value, double highest)
     return std::isfinite(value) && value >= 0 && value <= highest;
 }
 
-bool isChannel(const QString &text)
-{
-    // Reading a number passes over white space around it, which is no part of a colour.
-    const bool hasSpace = std::any_of(text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
-    bool isNumber = false;
-    const double value = text.toDouble(&isNumber);
-    return isNumber && !hasSpace && isWithin(value, 1);
-}
-
-bool isColor(const QString &text)
-{
-    const QStringList channels = text.split(u' ');
-    return channels.size() == 4 && std::all_of(channels.begin(), channels.end(), isChannel);
-}
-
 bool hasControlCharacter(const QString &name)
 {
     return std::any_of(name.begin(), name.end(), [](QChar c) { return c < u' '; });
@@ -58,7 +42,7 @@ void SubtitleStylePreset::validate() const
                          isWithin(style.bottomPercent, 40);
     if (!isSound)
         throw invalidContent();
-    if (!isColor(style.fontColor) || !isColor(style.strokeColor) || !isColor(style.shadowColor))
+    if (!ColorText::read(style.fontColor) || !ColorText::read(style.strokeColor) || !ColorText::read(style.shadowColor))
         throw ConversionError(u"样式预设的颜色无效。"_s);
 }
 

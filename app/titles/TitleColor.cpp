@@ -1,9 +1,10 @@
 #include "app/titles/TitleColor.h"
 
+#include "fcp/ColorText.h"
+
 #include <QLocale>
 #include <QStringList>
 
-#include <array>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -12,18 +13,11 @@ namespace TitleColor {
 
 std::optional<QColor> read(QStringView text)
 {
-    const QList<QStringView> parts = text.split(u' ');
-    if (parts.size() != 4)
+    const auto channels = ColorText::read(text);
+    if (!channels)
         return std::nullopt;
-    std::array<float, 4> channels{};
-    for (size_t i = 0; i < channels.size(); ++i) {
-        bool isNumber = false;
-        const double value = parts[static_cast<qsizetype>(i)].toDouble(&isNumber);
-        if (!isNumber || !std::isfinite(value) || value < 0 || value > 1)
-            return std::nullopt;
-        channels[i] = static_cast<float>(value);
-    }
-    return QColor::fromRgbF(channels[0], channels[1], channels[2], channels[3]);
+    const auto [red, green, blue, alpha] = *channels;
+    return QColor::fromRgbF(float(red), float(green), float(blue), float(alpha));
 }
 
 QString write(const QColor &color)

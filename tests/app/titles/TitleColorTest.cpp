@@ -10,8 +10,9 @@ TEST(TitleColor, Reads_four_parts_from_0_to_1)
 {
     EXPECT_EQ(TitleColor::read(u"1 1 1 1"), QColor(255, 255, 255));
     EXPECT_EQ(TitleColor::read(u"1 0.5 0 0.65")->alpha(), 166);
-    const QStringList refused{u""_s,           u"1 1 1"_s,     u"1 1 1 1 1"_s, u"1  1 1 1"_s, u"1 1 1 1.01"_s,
-                              u"1 1 -0.1 1"_s, u"1 1 1 nan"_s, u"1,1,1,1"_s,   u" 1 1 1 1"_s, u"#ffffff"_s};
+    const QStringList refused{u""_s,           u"1 1 1"_s,      u"1 1 1 1 1"_s, u"1  1 1 1"_s,
+                              u"1 1 1 1.01"_s, u"1 1 -0.1 1"_s, u"1 1 1 nan"_s, u"1,1,1,1"_s,
+                              u" 1 1 1 1"_s,   u"#ffffff"_s,    u"1 1 1\t 1"_s, u"1 1 1 1\n"_s};
     for (const QString &text : refused)
         EXPECT_FALSE(TitleColor::read(text)) << text.toStdString();
 }
