@@ -4,6 +4,7 @@
 #include "core/files/FileReader.h"
 #include "fcp/titles/NewDocument.h"
 #include "fcp/titles/TitleConnection.h"
+#include "fcp/xml/XmlGuard.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -16,6 +17,8 @@ using namespace Qt::StringLiterals;
 namespace FCPXML {
 
 namespace {
+
+constexpr QStringView draggedRefusal = u"FCP 数据过大或含不支持的 XML 实体。";
 
 [[noreturn]] void throwMissingStructure(const QString &detail = {})
 {
@@ -106,14 +109,6 @@ QByteArray addEffect(xmlNode *resources, const Identifiers &ids)
     return id;
 }
 
-/// The document's own file. Shells complete the name of a bundle, which is a folder, with a slash.
-QString fileOf(const QString &path)
-{
-    const QFileInfo given(QDir::cleanPath(path));
-    const bool isBundle = given.suffix().compare(u"fcpxmld", Qt::CaseInsensitive) == 0;
-    return isBundle ? given.filePath() + u"/Info.fcpxml"_s : path;
-}
-
 QString inSeconds(const Rational &time)
 {
     return QString::number(time.toDouble(), 'f', 3);
@@ -195,6 +190,14 @@ QString listed(const std::vector<xmlNode *> &projects)
 
 } // namespace
 
+// Shells complete the name of a bundle, which is a folder, with a slash.
+QString fileOf(const QString &path)
+{
+    const QFileInfo given(QDir::cleanPath(path));
+    const bool isBundle = given.suffix().compare(u"fcpxmld", Qt::CaseInsensitive) == 0;
+    return isBundle ? given.filePath() + u"/Info.fcpxml"_s : path;
+}
+
 QByteArray bytes(const QString &path)
 {
     const QString file = fileOf(path);
@@ -220,6 +223,19 @@ XmlDocument document(QByteArrayView bytes, const QString &folder, const Check &c
     XmlDocument result = XmlDocument::parse(bytes, u"不支持含外部实体的 XML。", check);
     resolveSources(result, folder, check);
     return result;
+}
+
+void checkDragged(QByteArrayView data)
+{
+    if (data.size() > largestFile || XmlGuard::mentionsEntity(data))
+        throw ConversionError(draggedRefusal.toString());
+}
+
+XmlDocument draggedDocument(QByteArrayView data, const Check &check)
+{
+    if (data.size() > largestFile)
+        throw ConversionError(draggedRefusal.toString());
+    return XmlDocument::parse(data, draggedRefusal, check);
 }
 
 std::vector<xmlNode *> projects(const XmlDocument &document)

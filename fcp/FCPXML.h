@@ -17,6 +17,9 @@ inline constexpr QByteArrayView uid = TitleDocument::basicTitle;
 /// Files up to this size are read, in bytes.
 inline constexpr qint64 largestFile = 16 * 1024 * 1024;
 
+/// The project file at `path`, or the "Info.fcpxml" of the bundle there.
+QString fileOf(const QString &path);
+
 /// The bytes of a project file, or of the "Info.fcpxml" of a bundle.
 /// @throws PlatformError when it cannot be read; ConversionError "FCPXML 文件过大，请分段导入。"
 QByteArray bytes(const QString &path);
@@ -29,6 +32,14 @@ XmlDocument document(const QString &path);
 
 /// The same for the bytes of a document that lies in `folder`.
 XmlDocument document(QByteArrayView bytes, const QString &folder, const Check &check = {});
+
+/// Refuses dragged data that is not to be parsed. @throws ConversionError "FCP 数据过大或含不支持的 XML 实体。"
+void checkDragged(QByteArrayView data);
+
+/// The document of data that was dragged, which lies in no folder.
+/// @throws ConversionError as checkDragged does
+/// @throws PlatformError when it is no XML
+XmlDocument draggedDocument(QByteArrayView data, const Check &check = {});
 
 /// The projects of a document: under its root, its events or the events of its library.
 std::vector<xmlNode *> projects(const XmlDocument &document);

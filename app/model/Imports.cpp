@@ -1,7 +1,6 @@
 #include "app/model/Imports.h"
 
 #include "core/SRT.h"
-#include "core/files/FileReader.h"
 #include "fcp/FCPXML.h"
 #include "fcp/titles/SubtitleTransfer.h"
 
@@ -89,27 +88,20 @@ ImportedCues readSubtitles(const QString &path, const Options &options, Job &job
 
 ImportedTimeline readTimeline(const QString &path, Job &job)
 {
-    const QFileInfo given(QDir::cleanPath(path));
-    const QString file =
-        given.suffix().toLower() == u"fcpxmld" ? given.filePath() + u"/Info.fcpxml"_s : given.filePath();
+    const QString file = FCPXML::fileOf(path);
     checkRegular(file);
-    const auto bytes = FileReader::readUpTo(file, FCPXML::largestFile);
+    const QByteArray bytes = FCPXML::bytes(path);
     job.check();
     const QString folder = QFileInfo(file).absolutePath();
     return Failure::naming(file, [&] {
-        if (!bytes)
-            throw ConversionError(u"FCPXML 文件过大，请分段导入。"_s);
-        const XmlDocument document = FCPXML::document(*bytes, folder, [&] { job.check(); });
-        return readTimeline(document, {.document = *bytes, .folder = folder, .name = {}, .rate = {}}, job);
+        const XmlDocument document = FCPXML::document(bytes, folder, [&] { job.check(); });
+        return readTimeline(document, {.document = bytes, .folder = folder, .name = {}, .rate = {}}, job);
     });
 }
 
 ImportedTimeline readTimeline(const QByteArray &dragged, Job &job)
 {
-    static constexpr QStringView refusal = u"FCP 数据过大或含不支持的 XML 实体。";
-    if (dragged.size() > FCPXML::largestFile)
-        throw ConversionError(refusal.toString());
-    const XmlDocument document = XmlDocument::parse(dragged, refusal, [&] { job.check(); });
+    const XmlDocument document = FCPXML::draggedDocument(dragged, [&] { job.check(); });
     return readTimeline(document, {.document = dragged, .folder = std::nullopt, .name = {}, .rate = {}}, job);
 }
 

@@ -4,7 +4,6 @@
 #include "app/model/LintoraModel.h"
 #include "app/model/SessionTracks.h"
 #include "fcp/FCPXML.h"
-#include "fcp/xml/XmlGuard.h"
 
 #include <utility>
 
@@ -83,8 +82,10 @@ bool LintoraModel::receive(const QMimeData &pasteboard)
         return false;
     if (const auto type = FCPPasteboard::offeredType(pasteboard)) {
         const QByteArray data = pasteboard.data(*type);
-        if (data.size() > FCPXML::largestFile || XmlGuard::mentionsEntity(data)) {
-            reportFailure(u"FCP 数据过大或含不支持的 XML 实体。"_s);
+        try {
+            FCPXML::checkDragged(data);
+        } catch (const ConversionError &error) {
+            reportFailure(Failure::of(error));
             return false;
         }
         importFrom(

@@ -147,10 +147,7 @@ void writeSegment(JsonWriter &json, const FCPAudioSegment &segment)
 
 FCPAudioPlan FCPAudioPlan::parse(QByteArrayView data, UnreadableClips unreadable)
 {
-    static constexpr QStringView refusal = u"FCP 数据过大或含不支持的 XML 实体。";
-    if (data.size() > FCPXML::largestFile)
-        throw ConversionError(refusal.toString());
-    return parse(XmlDocument::parse(data, refusal), unreadable);
+    return parse(FCPXML::draggedDocument(data), unreadable);
 }
 
 FCPAudioPlan FCPAudioPlan::parse(const XmlDocument &document, UnreadableClips unreadable, const Check &check)
