@@ -63,11 +63,11 @@ QByteArray LintoraSession::encoded() const
     return jsonBytes([&](JsonWriter &json) { writeLintoraSession(json, *this); });
 }
 
-LintoraSession LintoraSession::decode(QByteArrayView data)
+LintoraSession LintoraSession::decode(QByteArrayView data, const Check &check)
 {
     if (data.size() > sizeLimit)
         throwTooLarge();
-    JsonReader json(data);
+    JsonReader json(data, check);
     LintoraSession session;
     json.readObject({"schema", "items", "source", "options", "removeFillers", "removePunctuation", "cleaned"},
                     [&](QByteArrayView key) { readField(json, key, session); });
@@ -77,7 +77,7 @@ LintoraSession LintoraSession::decode(QByteArrayView data)
     return session;
 }
 
-LintoraSession LintoraSession::read(const QString &path)
+LintoraSession LintoraSession::read(const QString &path, const Check &check)
 {
     const QFileInfo file(path);
     // Opening a pipe might wait forever.
@@ -87,7 +87,7 @@ LintoraSession LintoraSession::read(const QString &path)
         const std::optional<QByteArray> bytes = FileReader::readUpTo(path, sizeLimit);
         if (!bytes)
             throwTooLarge();
-        return decode(*bytes);
+        return decode(*bytes, check);
     });
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "core/Check.h"
 #include "store/SubtitleTrack.h"
 
-/// A whole subtitle session: what the draft file keeps, and what we share with the workflow extension.
+/// A whole subtitle session: what the draft file keeps, and what we share with the workflow extension. What takes a
+/// `check` calls it every few milliseconds.
 struct LintoraSession
 {
     static constexpr qint64 currentSchema = 2;
@@ -30,11 +32,11 @@ struct LintoraSession
     /// Reads what encoded() writes, of schema 1 or 2. All fields but the optional ones are required.
     /// @throws ConversionError "字幕会话过大。", "字幕会话版本不支持。"
     /// @throws PlatformError naming the key path or the byte where the JSON is wrong.
-    static LintoraSession decode(QByteArrayView data);
+    static LintoraSession decode(QByteArrayView data, const Check &check = {});
 
     /// Reads the file at `path`, and no more of it than the limit.
     /// @throws ConversionError, PlatformError as decode does, and when the file cannot be read.
-    static LintoraSession read(const QString &path);
+    static LintoraSession read(const QString &path, const Check &check = {});
 
     friend bool operator==(const LintoraSession &, const LintoraSession &) = default;
 };

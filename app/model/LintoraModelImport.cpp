@@ -108,7 +108,9 @@ void LintoraModel::openRecent(const QString &file)
         return;
     m_import.run(
         u"正在打开字幕…"_s,
-        [file](Job & /*job*/, const ProgressReport & /*report*/) { return LintoraSession::read(file); },
+        [file](Job &job, const ProgressReport & /*report*/) {
+            return LintoraSession::read(file, [&] { job.check(); });
+        },
         [this](const LintoraSession &session) {
             apply(session);
             if (!aiBusy())

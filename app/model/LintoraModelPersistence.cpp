@@ -23,9 +23,10 @@ void LintoraModel::openSession(const QUrl &link)
 {
     m_import.run(
         u"正在打开字幕…"_s,
-        [link](Job & /*job*/, const ProgressReport & /*report*/) {
+        [link](Job &job, const ProgressReport & /*report*/) {
             QString file = LaunchLink::sessionFile(link);
-            LintoraSession::read(file); // What cannot be read is refused before anything is watched.
+            LintoraSession::read(file,
+                                 [&] { job.check(); }); // What cannot be read is refused before anything is watched.
             return file;
         },
         [this](const QString &found) {

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -43,27 +44,14 @@ const char *skipPlain(const char *at, const char *end)
     return std::find_if_not(at, end, isPlain);
 }
 
-/// A key that can be told from most others without looking at its bytes, which lie all over the document.
-struct HashedKey
-{
-    size_t hash;
-    QByteArrayView key;
-
-    /// Any order will do that brings equal keys together.
-    bool operator<(const HashedKey &other) const
-    {
-        if (hash != other.hash)
-            return hash < other.hash;
-        return key < other.key;
-    }
-
-    bool operator==(const HashedKey &other) const { return hash == other.hash && key == other.key; }
-};
+/// A key behind a number that tells it from most others without a look at its bytes, which lie all over the document.
+using HashedKey = std::pair<size_t, QByteArrayView>;
 
 } // namespace
 
-JsonReader::JsonReader(QByteArrayView document)
-    : m_begin(document.begin())
+JsonReader::JsonReader(QByteArrayView document, const Check &check)
+    : m_goOn(check)
+    , m_begin(document.begin())
     , m_at(document.begin())
     , m_end(document.end())
 {
@@ -194,8 +182,15 @@ bool JsonReader::atClose(char bracket, bool first)
     return false;
 }
 
+void JsonReader::nextElement()
+{
+    m_goOn();
+    ++m_levels.back().index;
+}
+
 bool JsonReader::nextKey(bool first)
 {
+    m_goOn();
     Level &level = m_levels.back();
     level.key = {};
     if (atClose('}', first))
@@ -245,11 +240,15 @@ void JsonReader::refuseRepeatedKey()
     std::vector<HashedKey> sorted;
     sorted.reserve(static_cast<size_t>(m_keys.end() - firstKey));
     std::transform(firstKey, m_keys.end(), std::back_inserter(sorted),
-                   [](QByteArrayView key) { return HashedKey{.hash = qHash(key, 0), .key = key}; });
-    std::sort(sorted.begin(), sorted.end());
+                   [](QByteArrayView key) { return HashedKey(qHash(key, 0), key); });
+    // Any order will do that brings equal keys together.
+    std::ranges::sort(sorted, [this](const HashedKey &a, const HashedKey &b) {
+        m_goOn();
+        return a < b;
+    });
     const auto repeated = std::adjacent_find(sorted.begin(), sorted.end());
     if (repeated != sorted.end())
-        refuse(repeated->key);
+        refuse(repeated->second);
 }
 
 void JsonReader::skipSpace()

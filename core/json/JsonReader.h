@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Check.h"
+
 #include <QByteArrayView>
 #include <QString>
 #include <QVarLengthArray>
@@ -15,13 +17,13 @@
 /// 1.5 is no integer, integers keep all 64 bits. Keys that nobody asks for are passed over, but must be well-formed.
 ///
 /// Every failure is a PlatformError that names the key path ("tracks[1].items[3].start") or the byte. The bytes must
-/// outlive the reader.
+/// outlive the reader. `check` is called every few milliseconds.
 class JsonReader
 {
 public:
     static constexpr int maxDepth = 64;
 
-    explicit JsonReader(QByteArrayView document);
+    explicit JsonReader(QByteArrayView document, const Check &check = {});
 
     qint64 readInteger(); ///< A number without a fractional part, within 64 bits.
     double readNumber();  ///< Any number that is finite as a double.
@@ -65,7 +67,7 @@ private:
     void open(char bracket, QStringView expectation);
     bool atClose(char bracket, bool first);
     bool nextKey(bool first);
-    void nextElement() { ++m_levels.back().index; }
+    void nextElement();
     void close();
     void require(std::initializer_list<QByteArrayView> keys);
     void refuseRepeatedKey();
@@ -82,6 +84,7 @@ private:
     QString path() const;
     [[noreturn]] void malformed() const;
 
+    SparseCheck m_goOn;
     const char *m_begin;
     const char *m_at;
     const char *m_end;

@@ -1,5 +1,6 @@
 #include "store/LintoraSession.h"
 
+#include "core/Cancelled.h"
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
 #include "tests/support/Generator.h"
@@ -181,6 +182,34 @@ TEST(LintoraSession, large_hostile_data_ends_in_an_error)
         keys += '"' + QByteArray::number(i) + "\":0,";
     EXPECT_EQ(outcome(keys + "\"0\":1}"), "platform: 数据无法读取：缺少“schema”。");
     EXPECT_EQ(outcome(withField("\"a\":" + QByteArray(limit / 2, '9'))), "accepted") << "a field that nobody reads";
+}
+
+TEST(LintoraSession, can_be_given_up_wherever_its_reading_is)
+{
+    QByteArray strange = "{";
+    for (int i = 0; i < 20'000; ++i)
+        strange += '"' + QByteArray::number(i) + "\":0,";
+    const std::tuple<const char *, QByteArray, int> rows[] = {
+        // At least an ask for a thousand keys and cues, or for a thousand comparisons of keys.
+        {"many cues", LintoraSession{.items = Generator(1).cues(5'000)}.encoded(), 24},
+        {"keys that nobody knows", strange + smallestJson.mid(1), 20 + 200},
+    };
+    for (const auto &[name, data, least] : rows) {
+        SCOPED_TRACE(name);
+        int asked = 0;
+        LintoraSession::decode(data, [&] { ++asked; });
+        EXPECT_GE(asked, least);
+        for (const int last : {1, asked / 2, asked}) {
+            int asks = 0;
+            EXPECT_THROW(LintoraSession::decode(data,
+                                                [&] {
+                                                    if (++asks == last)
+                                                        throw Cancelled();
+                                                }),
+                         Cancelled);
+            EXPECT_EQ(asks, last);
+        }
+    }
 }
 
 TEST(LintoraSession, what_JSON_cannot_hold_is_not_written)
