@@ -78,7 +78,7 @@ void addAlign(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("align", "按文稿校正文字，保留字幕时间");
     const auto arguments = std::make_shared<AlignArguments>();
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    Arguments::addCues(*command, arguments->input);
     command->add_option("script", arguments->script, "文稿（纯文本），- 表示标准输入")
         ->required()
         ->type_name("SCRIPT.txt");

@@ -109,6 +109,19 @@ QString readText(const std::string &argument)
     return text;
 }
 
+void addCues(CLI::App &command, std::string &input)
+{
+    command.add_option("input", input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt")->check(notEmpty);
+}
+
+void addProject(CLI::App &command, std::string &input, const char *what)
+{
+    command.add_option("project", input, std::string(what) + "（.fcpxml 或 .fcpxmld），- 表示标准输入")
+        ->required()
+        ->type_name("PROJECT")
+        ->check(notEmpty);
+}
+
 void Output::addPath(CLI::App &command)
 {
     command.add_option("-o,--output", path, "结果写入此文件（整体替换；缺省为标准输出）")

@@ -43,6 +43,11 @@ QByteArray readProjectBytes(const std::string &argument);
 
 /// Refuses an empty value, which comes from a variable that was never set, as a wrong use.
 extern const CLI::Validator notEmpty;
+
+/// The input of a command that reads cues, and that of one that reads a project, of which `what` says more.
+void addCues(CLI::App &command, std::string &input);
+void addProject(CLI::App &command, std::string &input, const char *what = "项目");
+
 /// The text of such an input: UTF-8, or what its byte order mark says. Line breaks become line feeds.
 /// @throws ConversionError when it is not text; PlatformError, Cancelled
 QString readText(const std::string &argument);

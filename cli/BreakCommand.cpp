@@ -59,7 +59,7 @@ void addBreak(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("break", "把长字幕断成几条（或几行），或合并短句");
     const auto arguments = std::make_shared<BreakArguments>();
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    Arguments::addCues(*command, arguments->input);
     arguments->output.addPath(*command);
     command->add_option("--width", arguments->columns, "每行宽度，以全角字计，半角算半个（缺省 16；竖屏宜用 10）")
         ->check(CLI::Range(1, 1'000))

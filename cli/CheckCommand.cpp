@@ -142,7 +142,7 @@ void addCheck(CLI::App &app, Work &run)
     auto *const command = app.add_subcommand("check", "检查字幕：时间、宽度、标点与用词；可修复其中稳妥的部分");
     const auto arguments = std::make_shared<CheckArguments>();
     arguments->limits = "chinese";
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    Arguments::addCues(*command, arguments->input);
     arguments->output.addPath(*command);
     command->add_option("--limits", arguments->limits, "限值：chinese（缺省）、english 或 JSON 文件")
         ->check(Arguments::notEmpty)

@@ -50,7 +50,7 @@ void addClean(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("clean", "去除语气词，去标点并分句");
     const auto arguments = std::make_shared<CleanArguments>();
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    Arguments::addCues(*command, arguments->input);
     arguments->output.addPath(*command);
     command->add_flag("--fillers", arguments->switches.removeFillers, "去除语气词");
     command->add_flag("--split", arguments->switches.removePunctuation, "去标点并分句");

@@ -54,7 +54,7 @@ void addConvertScript(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("convert-script", "繁简转换（按词组）");
     const auto arguments = std::make_shared<ConvertScriptArguments>();
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    Arguments::addCues(*command, arguments->input);
     command->add_option("--to", arguments->to, "simplified（转为简体）或 traditional（转为繁体）")->required();
     command->add_option("--keep", arguments->kept, "保持原样的专名：以换行、逗号、分号或顿号分隔")
         ->check(Arguments::notEmpty)

@@ -126,10 +126,7 @@ void addExtract(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("extract", "读取项目中已有的标题与说明字幕");
     const auto arguments = std::make_shared<ExtractArguments>();
-    command->add_option("project", arguments->input, "项目（.fcpxml 或 .fcpxmld），- 表示标准输入")
-        ->required()
-        ->type_name("PROJECT")
-        ->check(Arguments::notEmpty);
+    Arguments::addProject(*command, arguments->input);
     command->add_option("--project", arguments->project, "文件中有多个项目时，读取此名称的项目")
         ->type_name("名称")
         ->check(Arguments::notEmpty)

@@ -70,10 +70,7 @@ void addPlan(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("plan", "列出项目或片段的时间线音频：哪个文件的哪一段在何处发声");
     const auto arguments = std::make_shared<PlanArguments>();
-    command->add_option("project", arguments->input, "项目或片段（.fcpxml 或 .fcpxmld），- 表示标准输入")
-        ->required()
-        ->type_name("PROJECT")
-        ->check(Arguments::notEmpty);
+    Arguments::addProject(*command, arguments->input, "项目或片段");
     arguments->audio.addSwitches(*command);
     arguments->output.addPath(*command);
     arguments->output.addJson(*command);

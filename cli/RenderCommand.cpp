@@ -58,10 +58,7 @@ void addRender(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("render", "把项目的时间线音频合成为一个 16 kHz 单声道 WAV");
     const auto arguments = std::make_shared<RenderArguments>();
-    command->add_option("project", arguments->project, "项目或片段（.fcpxml 或 .fcpxmld），- 表示标准输入")
-        ->required()
-        ->type_name("PROJECT")
-        ->check(Arguments::notEmpty);
+    Arguments::addProject(*command, arguments->project, "项目或片段");
     arguments->output.addPath(*command);
     arguments->audio.addSwitches(*command);
     arguments->output.addProgress(*command);

@@ -72,7 +72,7 @@ void addReplace(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("replace", "批量查找并替换（精确匹配，区分英文大小写）");
     const auto arguments = std::make_shared<ReplaceArguments>();
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    Arguments::addCues(*command, arguments->input);
     command->add_option("--find", arguments->find, "要查找的关键词")->required();
     command->add_option("--with", arguments->with, "替换为（留空则删除关键词）")->required();
     arguments->output.addPath(*command);

@@ -123,14 +123,8 @@ void addRetext(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("retext", "把改好或译好的字幕写回项目中原来的标题");
     const auto arguments = std::make_shared<RetextArguments>();
-    command->add_option("project", arguments->input, "项目（.fcpxml 或 .fcpxmld），- 表示标准输入")
-        ->required()
-        ->type_name("PROJECT")
-        ->check(Arguments::notEmpty);
-    command->add_option("input", arguments->cues, "SRT 文件，- 表示标准输入")
-        ->required()
-        ->type_name("IN.srt")
-        ->check(Arguments::notEmpty);
+    Arguments::addProject(*command, arguments->input);
+    Arguments::addCues(*command, arguments->cues);
     arguments->output.addPath(*command);
     command->add_option("--project", arguments->project, "文件中有多个项目时，写入此名称的项目")
         ->type_name("名称")

@@ -87,7 +87,7 @@ void addSeparate(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("separate", "把双语字幕按语言分开，每种语言一个 SRT 文件");
     const auto arguments = std::make_shared<SeparateArguments>();
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    Arguments::addCues(*command, arguments->input);
     command
         ->add_option("--into", arguments->folder,
                      "在此文件夹写入 中文.srt、English.srt、待归类.srt（缺省为当前文件夹；只有 --json 时不写文件）")

@@ -41,10 +41,7 @@ void addSettings(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("settings", "显示与项目匹配的导出设置");
     const auto arguments = std::make_shared<SettingsArguments>();
-    command->add_option("project", arguments->input, "项目（.fcpxml 或 .fcpxmld），- 表示标准输入")
-        ->required()
-        ->type_name("PROJECT")
-        ->check(Arguments::notEmpty);
+    Arguments::addProject(*command, arguments->input);
     arguments->output.addPath(*command);
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);

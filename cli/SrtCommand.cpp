@@ -79,10 +79,7 @@ void addSrt(CLI::App &app, Work &run)
 {
     auto *const command = app.add_subcommand("srt", "读取、检查并写出 SRT 字幕");
     const auto arguments = std::make_shared<SrtArguments>();
-    command->add_option("input", arguments->input, "SRT 文件，- 表示标准输入")
-        ->required()
-        ->type_name("IN.srt")
-        ->check(Arguments::notEmpty);
+    Arguments::addCues(*command, arguments->input);
     arguments->output.addPath(*command);
     command->add_flag("--repair", arguments->repair,
                       "尽量读取有错误或其他编码的文件，也读取 WebVTT、ASS 和 "

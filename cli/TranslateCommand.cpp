@@ -76,7 +76,7 @@ void runText(const TextArguments &arguments)
 /// What both commands have in common.
 void addText(CLI::App &command, const std::shared_ptr<TextArguments> &arguments, Work &run)
 {
-    command.add_option("input", arguments->input, "SRT 文件，- 表示标准输入")->required()->type_name("IN.srt");
+    Arguments::addCues(command, arguments->input);
     arguments->output.addPath(command);
     arguments->service.add(command);
     command.add_option("--model-file", arguments->modelFile, "使用自己的语言模型文件（GGUF），不校验")

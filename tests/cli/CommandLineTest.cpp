@@ -165,6 +165,7 @@ TEST_F(CommandLineTest, wrong_use_is_status_2)
     for (const QStringList &arguments : {QStringList{},
                                          {u"subtitles"_s},
                                          {u"srt"_s},
+                                         {u"clean"_s, u""_s},
                                          {u"srt"_s, in, in},
                                          {u"srt"_s, in, u"--clip"_s},
                                          {u"srt"_s, in, u"-o"_s},
