@@ -1,6 +1,6 @@
 #include "app/Lintora/cues/CueWarnings.h"
 
-#include "core/text/Characters.h"
+#include "core/text/checks/ReadingSpeed.h"
 
 #include <QStringTokenizer>
 
@@ -12,22 +12,8 @@ namespace CueWarnings {
 
 namespace {
 
-/// Characters of one or more lines of the same writing, in which words of the other may stand.
-struct Reading
-{
-    qint64 chinese = 0;
-    qint64 latin = 0;
-
-    /// Time that it takes, in units of which a second has chinesePerSecond * latinPerSecond.
-    qint64 need() const { return chinese * latinPerSecond + latin * chinesePerSecond; }
-
-    Reading &operator+=(const Reading &other)
-    {
-        chinese += other.chinese;
-        latin += other.latin;
-        return *this;
-    }
-};
+/// Of one or more lines of the same writing, in which words of the other may stand.
+using Reading = ReadingSpeed::Characters;
 
 struct Readings
 {
@@ -35,41 +21,21 @@ struct Readings
     Reading latin;   ///< Of the others.
 };
 
-bool isWide(char32_t letter)
+/// Time that it takes, in units of which a second has chinesePerSecond * latinPerSecond.
+qint64 need(const Reading &reading)
 {
-    if (Characters::isCommonIdeograph(letter))
-        return true;
-    switch (Characters::script(letter)) {
-    case QChar::Script_Han:
-    case QChar::Script_Hiragana:
-    case QChar::Script_Katakana:
-    case QChar::Script_Bopomofo:
-    case QChar::Script_Hangul:
-        return true;
-    default:
-        return letter == U'ー' || letter == U'〇';
-    }
-}
-
-Reading readingOf(QStringView text)
-{
-    Reading reading;
-    for (const char32_t scalar : Characters::Scalars(text)) {
-        if (isWide(scalar))
-            ++reading.chinese;
-        else if (Characters::isLetterOrDigit(scalar) && QChar::category(scalar) != QChar::Mark_NonSpacing)
-            ++reading.latin;
-    }
-    return reading;
+    return reading.chinese * latinPerSecond + reading.latin * chinesePerSecond;
 }
 
 Readings readingsOf(const QString &text)
 {
     Readings readings;
     for (const QStringView line : QStringTokenizer(text, u'\n')) {
-        const Reading reading = readingOf(line);
+        const Reading reading = ReadingSpeed::of(line);
         const bool isChinese = reading.chinese * latinPerSecond > reading.latin * chinesePerSecond;
-        (isChinese ? readings.chinese : readings.latin) += reading;
+        Reading &lines = isChinese ? readings.chinese : readings.latin;
+        lines.chinese += reading.chinese;
+        lines.latin += reading.latin;
     }
     return readings;
 }
@@ -83,16 +49,16 @@ QString inSeconds(qint64 milliseconds)
 QString speed(const Reading &reading, qint64 limit, qint64 lengthMS)
 {
     const qint64 whole = chinesePerSecond * latinPerSecond * lengthMS;
-    const qint64 tenths = (reading.need() * limit * 10'000 + whole - 1) / whole;
+    const qint64 tenths = (need(reading) * limit * 10'000 + whole - 1) / whole;
     return u"%1.%2"_s.arg(tenths / 10).arg(tenths % 10);
 }
 
 std::optional<Warning> tooFast(const Readings &readings, qint64 lengthMS)
 {
-    const bool isChinese = readings.chinese.need() >= readings.latin.need();
+    const bool isChinese = need(readings.chinese) >= need(readings.latin);
     const Reading &reading = isChinese ? readings.chinese : readings.latin;
     // Compared in whole numbers, so that a cue exactly at the limit passes.
-    if (lengthMS <= 0 || reading.need() * 1000 <= lengthMS * chinesePerSecond * latinPerSecond)
+    if (lengthMS <= 0 || need(reading) * 1000 <= lengthMS * chinesePerSecond * latinPerSecond)
         return std::nullopt;
     const qint64 limit = isChinese ? chinesePerSecond : latinPerSecond;
     return Warning{
