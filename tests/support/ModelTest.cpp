@@ -71,6 +71,14 @@ void ModelTest::loadCues(const QList<Subtitle> &cues, const QString &name)
     load(write(name, SRT::serialize(cues).toUtf8()));
 }
 
+void ModelTest::loadTexts(const QStringList &texts)
+{
+    QList<Subtitle> cues;
+    for (const QString &text : texts)
+        cues += {.id = cues.size() + 1, .start = cues.size() * 1'000, .end = cues.size() * 1'000 + 900, .text = text};
+    loadCues(cues);
+}
+
 void ModelTest::settle()
 {
     EXPECT_TRUE(Events::waitFor([&] { return !model->activity() || model->aiBusy(); }));

@@ -26,6 +26,8 @@ protected:
     /// Imports a file and waits until it is there, or refused.
     void load(const QString &path);
     void loadCues(const QList<Subtitle> &cues, const QString &name = QStringLiteral("片段.srt"));
+    void loadTexts(const QStringList &texts); ///< A cue of 900 ms each, one a second.
+
     /// Waits until no long work is under way, but what owns the cues, and all that it leads to is done.
     void settle();
 

@@ -1,6 +1,5 @@
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
-#include "core/files/FileReader.h"
 #include "core/text/SubtitleCleanup.h"
 #include "tests/support/Events.h"
 #include "tests/support/Generator.h"
@@ -13,15 +12,6 @@ namespace {
 class ToolsTest : public ModelTest
 {
 protected:
-    void loadTexts(const QStringList &texts)
-    {
-        QList<Subtitle> cues;
-        for (const QString &text : texts)
-            cues +=
-                {.id = cues.size() + 1, .start = cues.size() * 1'000, .end = cues.size() * 1'000 + 900, .text = text};
-        loadCues(cues);
-    }
-
     QString label() const
     {
         for (const SubtitleTrack &track : model->tracks()) {
@@ -29,13 +19,6 @@ protected:
                 return track.label;
         }
         return {};
-    }
-
-    void match(const QString &script)
-    {
-        model->scriptMatching().setText(script);
-        model->scriptMatching().match();
-        settle();
     }
 };
 
@@ -249,68 +232,6 @@ TEST_F(ToolsTest, filler_words_are_kept_for_the_next_run_unless_they_are_too_man
     EXPECT_EQ(restart().fillerWords(), QStringList());
 }
 
-TEST_F(ToolsTest, a_transcript_is_matched_reviewed_applied_and_taken_back)
-{
-    loadTexts({u"今天我们辽聊调色"_s, u"先说白平衡"_s, u"谢谢大家"_s});
-    match({});
-    EXPECT_EQ(model->scriptMatching().status(), u"请先粘贴文稿正文"_s);
-    match(u"今天我们聊聊调色，先说白平衡。谢谢大家！"_s);
-    ASSERT_EQ(model->scriptMatching().rows().size(), 3);
-    EXPECT_EQ(model->scriptMatching().rows()[0].replacement, u"今天我们聊聊调色，"_s);
-    for (int row = 0; row < 3; ++row)
-        model->scriptMatching().setRowSelected(row, row == 0);
-    const LintoraSession before = model->snapshot();
-    model->scriptMatching().apply();
-    EXPECT_EQ(texts(), (QStringList{u"今天我们聊聊调色，"_s, u"先说白平衡"_s, u"谢谢大家"_s}));
-    EXPECT_EQ(model->scriptMatching().status(), u"已按文稿修改 1 条字幕，可撤销修改"_s);
-    EXPECT_TRUE(model->scriptMatching().canUndo());
-    ASSERT_TRUE(Events::waitFor([&] { return model->recentSessions().size() == 1; })) << "outlasts the program";
-    EXPECT_TRUE(model->recentSessions().first().title.startsWith(u"文稿匹配前_"));
-    EXPECT_EQ(LintoraSession::decode(FileReader::readAll(model->recentSessions().first().file)), before);
-    model->scriptMatching().undo();
-    EXPECT_EQ(model->snapshot(), before);
-    model->undo();
-    EXPECT_EQ(texts().first(), u"今天我们聊聊调色，"_s);
-    model->undo();
-    EXPECT_EQ(model->snapshot(), before);
-
-    match(u"今天我们辽聊调色 先说白平衡 谢谢大家"_s);
-    EXPECT_EQ(model->scriptMatching().status(), u"已匹配的文字与当前字幕一致，无需修改"_s);
-    match(u"completely unrelated words in another tongue"_s);
-    EXPECT_EQ(model->scriptMatching().status(),
-              u"文稿与字幕没有足够的对应内容，请确认语言和段落一致，或分段匹配。原字幕已保留。"_s);
-}
-
-TEST_F(ToolsTest, a_match_of_what_has_changed_meanwhile_is_dropped)
-{
-    loadTexts({u"今天我们聊聊调涩"_s, u"先说白平衡"_s});
-    const QString script = u"今天我们聊聊调色，先说白平衡。"_s;
-    const std::function<void()> changes[] = {[&] { model->setText(0, u"改了"_s); },
-                                             [&] { model->scriptMatching().setText(script + u'x'); },
-                                             [&] { model->undo(); }};
-    for (const auto &change : changes) {
-        model->scriptMatching().setText(script);
-        model->scriptMatching().match();
-        EXPECT_EQ(model->scriptMatching().status(), u"正在匹配文稿…"_s);
-        EXPECT_EQ(model->activity(), Progress{.what = u"正在匹配文稿…"_s});
-        change();
-        settle();
-        EXPECT_EQ(model->scriptMatching().status(), u"当前字幕或文稿已变化，请重新匹配"_s);
-        EXPECT_TRUE(model->scriptMatching().rows().isEmpty());
-    }
-    match(script);
-    model->setText(1, u"又改了"_s);
-    model->scriptMatching().apply();
-    EXPECT_EQ(model->scriptMatching().status(), u"当前字幕或文稿已变化，请重新匹配"_s);
-    EXPECT_EQ(texts().first(), u"今天我们聊聊调涩"_s);
-
-    model->scriptMatching().match();
-    model->cancelActivity();
-    settle();
-    EXPECT_EQ(model->scriptMatching().status(), QString());
-    EXPECT_TRUE(model->scriptMatching().rows().isEmpty());
-}
-
 TEST_F(ToolsTest, a_gesture_is_one_step_however_many_values_it_went_through)
 {
     const double size = model->options().fontSize;
@@ -353,64 +274,6 @@ TEST_F(ToolsTest, a_gesture_is_one_step_however_many_values_it_went_through)
     model->undo();
     EXPECT_EQ(texts().first(), u"一"_s);
     EXPECT_EQ(model->options().fontSize, 9);
-}
-
-TEST_F(ToolsTest, a_style_is_saved_under_a_name_and_replaces_its_namesake)
-{
-    model->saveStylePreset(u" 片头 "_s);
-    EXPECT_TRUE(Events::waitFor([&] { return model->stylePresets().all().size() == 1; }));
-    const QUuid id = model->stylePresets().all().first().id;
-    model->setCanvasHeight(1'080);
-    model->saveStylePreset(u"片头"_s);
-    EXPECT_TRUE(Events::waitFor([&] { return model->stylePresets().all().first().style.height == 1'080; }));
-    EXPECT_EQ(model->stylePresets().all().first().id, id);
-    EXPECT_EQ(restart().stylePresets().all().size(), 1);
-    model->saveStylePreset({});
-    EXPECT_TRUE(Events::waitFor([&] { return model->failure().has_value(); }));
-    EXPECT_EQ(failure(), u"样式预设内容无效，请检查字号与位置。"_s);
-}
-
-TEST_F(ToolsTest, presets_are_applied_in_proportion_renamed_removed_and_brought_back)
-{
-    const auto names = [&] {
-        QStringList list;
-        for (const SubtitleStylePreset &preset : model->stylePresets().all())
-            list += preset.name;
-        return list;
-    };
-    const auto becomes = [&](const QStringList &list) { return Events::waitFor([&] { return names() == list; }); };
-    // One right after the other: neither save may lose the other's.
-    model->saveStylePreset(u"甲"_s);
-    model->saveStylePreset(u"乙"_s);
-    ASSERT_TRUE(becomes({u"甲"_s, u"乙"_s}));
-    const QUuid first = model->stylePresets().all().first().id;
-
-    Options portrait = model->options();
-    portrait.height = portrait.height / 2;
-    portrait.fontSize = 5;
-    model->setOptions(portrait);
-    model->applyStylePreset(first);
-    EXPECT_EQ(model->options().fontSize, 24);
-    EXPECT_EQ(model->message(), u"已套用样式预设“甲”"_s);
-    model->undo();
-    EXPECT_EQ(model->options().fontSize, 5);
-
-    model->stylePresets().rename(first, u"乙"_s);
-    EXPECT_TRUE(Events::waitFor([&] { return failure() == u"已有同名的样式预设，请换一个名称。"_s; }));
-    model->stylePresets().rename(first, u"丙\u0001丁"_s);
-    EXPECT_TRUE(Events::waitFor([&] { return failure() == u"样式预设内容无效，请检查字号与位置。"_s; }));
-    model->stylePresets().rename(first, u" 丙 "_s);
-    EXPECT_TRUE(becomes({u"丙"_s, u"乙"_s}));
-    model->stylePresets().remove(first);
-    EXPECT_TRUE(becomes({u"乙"_s}));
-    model->stylePresets().restore();
-    EXPECT_TRUE(becomes({u"丙"_s, u"乙"_s}));
-    EXPECT_FALSE(model->stylePresets().canRestore());
-
-    write(u"Library/Application Support/Lintora/StylePresets.json"_s, "[");
-    model->stylePresets().remove(first);
-    EXPECT_TRUE(Events::waitFor([&] { return model->failure().has_value(); }));
-    EXPECT_EQ(names().size(), 2) << "an unreadable file leaves the list alone";
 }
 
 /// Every operation in any order, with all that a person can see put back by undoing to the beginning.
