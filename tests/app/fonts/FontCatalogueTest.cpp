@@ -65,14 +65,14 @@ private:
 
 } // namespace
 
-TEST_F(FontCatalogueTest, Finds_out_the_names_and_sounds_of_all_families)
+TEST_F(FontCatalogueTest, finds_out_the_names_and_sounds_of_all_families)
 {
     const QList<FontFamily> fonts = SyntheticFonts::families(2'000);
     EXPECT_EQ(loaded(fonts), fonts);
     EXPECT_EQ(opened(), 2'000);
 }
 
-TEST_F(FontCatalogueTest, Opens_no_font_twice)
+TEST_F(FontCatalogueTest, opens_no_font_twice)
 {
     QList<FontFamily> fonts = SyntheticFonts::families(20);
     loaded(fonts);
@@ -88,7 +88,7 @@ TEST_F(FontCatalogueTest, Opens_no_font_twice)
     EXPECT_EQ(FontIndexFile::load(indexFile()), fonts) << "what is gone is forgotten";
 }
 
-TEST_F(FontCatalogueTest, Finds_all_out_again_when_the_file_is_damaged)
+TEST_F(FontCatalogueTest, finds_all_out_again_when_the_file_is_damaged)
 {
     const QList<FontFamily> fonts = SyntheticFonts::families(20);
     loaded(fonts);
@@ -106,7 +106,7 @@ TEST_F(FontCatalogueTest, Finds_all_out_again_when_the_file_is_damaged)
     }
 }
 
-TEST_F(FontCatalogueTest, Offers_the_plain_names_while_fonts_are_being_opened)
+TEST_F(FontCatalogueTest, offers_the_plain_names_while_fonts_are_being_opened)
 {
     std::mutex gate;
     std::unique_lock closed(gate);
@@ -128,7 +128,7 @@ TEST_F(FontCatalogueTest, Offers_the_plain_names_while_fonts_are_being_opened)
     EXPECT_EQ(catalogue.search(fonts[1].chineseName).value(0), 1);
 }
 
-TEST_F(FontCatalogueTest, Can_go_away_while_it_works)
+TEST_F(FontCatalogueTest, can_go_away_while_it_works)
 {
     for (int round = 0; round < 20; ++round) {
         FontCatalogue catalogue(indexFile(), system(SyntheticFonts::families(50)));
@@ -138,7 +138,7 @@ TEST_F(FontCatalogueTest, Can_go_away_while_it_works)
     }
 }
 
-TEST_F(FontCatalogueTest, Says_when_it_cannot_keep_what_it_found)
+TEST_F(FontCatalogueTest, says_when_it_cannot_keep_what_it_found)
 {
     FontCatalogue catalogue(u"/dev/null/Fonts.json"_s, system(SyntheticFonts::families(2)));
     QString reason;
@@ -149,7 +149,7 @@ TEST_F(FontCatalogueTest, Says_when_it_cannot_keep_what_it_found)
     EXPECT_EQ(catalogue.families().size(), 2);
 }
 
-TEST_F(FontCatalogueTest, Reads_the_fonts_of_this_system)
+TEST_F(FontCatalogueTest, reads_the_fonts_of_this_system)
 {
     if (!QFontDatabase::hasFamily(u"Noto Sans CJK SC"_s))
         GTEST_SKIP() << "needs the font Noto Sans CJK SC (package fonts-noto-cjk)";
@@ -164,13 +164,13 @@ TEST_F(FontCatalogueTest, Reads_the_fonts_of_this_system)
     EXPECT_TRUE(family.faces.contains(u"Bold"_s));
 }
 
-TEST(FontCatalogue, Begins_with_a_free_Chinese_family_where_it_is_installed)
+TEST(FontCatalogue, begins_with_a_free_Chinese_family_where_it_is_installed)
 {
     EXPECT_EQ(FontCatalogue::defaultFamily({u"Arial"_s, u"Source Han Sans CN"_s}), u"Source Han Sans CN");
     EXPECT_EQ(FontCatalogue::defaultFamily({u"Arial"_s}), u"PingFang SC");
 }
 
-TEST(FontIndexFile, Refuses_what_it_did_not_write)
+TEST(FontIndexFile, refuses_what_it_did_not_write)
 {
     const QByteArray family = R"({"chinese":"","english":"","faces":[],"family":"A","pronunciation":""})";
     const QByteArray good = R"({"families":[)" + family + R"(],"version":1})";

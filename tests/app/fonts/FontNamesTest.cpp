@@ -62,7 +62,7 @@ Entry macintosh(const QByteArray &text)
 
 } // namespace
 
-TEST(FontNames, Reads_what_fonts_say_of_themselves)
+TEST(FontNames, reads_what_fonts_say_of_themselves)
 {
     struct Case
     {
@@ -105,7 +105,7 @@ TEST(FontNames, Reads_what_fonts_say_of_themselves)
               (QStringList{u"A"_s, u"甲"_s}));
 }
 
-TEST(FontNames, Gives_nothing_from_a_malformed_table)
+TEST(FontNames, gives_nothing_from_a_malformed_table)
 {
     const QByteArray good = table({english(u"Kai"), chinese(u"楷体")});
     ASSERT_FALSE(FontNames::read(good).english.isEmpty());

@@ -53,7 +53,7 @@ QString found(const QString &query, const QStringList &preferred = {})
 
 } // namespace
 
-TEST(FontSearch, Finds_a_family_by_any_of_its_names)
+TEST(FontSearch, finds_a_family_by_any_of_its_names)
 {
     struct Case
     {
@@ -87,13 +87,13 @@ TEST(FontSearch, Finds_a_family_by_any_of_its_names)
         EXPECT_EQ(found(row.query), row.names) << row.query.toStdString();
 }
 
-TEST(FontSearch, Puts_beginnings_before_words_before_the_rest)
+TEST(FontSearch, puts_beginnings_before_words_before_the_rest)
 {
     EXPECT_EQ(found(u"hei"_s), u"黑体-简|方正兰亭黑_GBK|思源黑体");
     EXPECT_EQ(found(u"黑"_s), u"黑体-简|思源黑体|方正兰亭黑_GBK");
 }
 
-TEST(FontSearch, Puts_favourites_first_in_their_order)
+TEST(FontSearch, puts_favourites_first_in_their_order)
 {
     EXPECT_EQ(found(u"hei"_s, {u"Source Han Sans CN"_s, u"FZLanTingHei-R-GBK"_s}), u"思源黑体|方正兰亭黑_GBK|黑体-简");
     EXPECT_TRUE(found({}, {u"Helvetica Neue"_s, u"not there"_s, u"STXingkai"_s})
@@ -101,7 +101,7 @@ TEST(FontSearch, Puts_favourites_first_in_their_order)
     EXPECT_EQ(found(u" "_s).count(u'|'), shelf().size() - 1) << "without a query all are found";
 }
 
-TEST(FontSearch, Finds_each_of_two_thousand_families)
+TEST(FontSearch, finds_each_of_two_thousand_families)
 {
     const QList<FontFamily> families = SyntheticFonts::families(2'000);
     const FontSearch search(families);
@@ -112,7 +112,7 @@ TEST(FontSearch, Finds_each_of_two_thousand_families)
     }
 }
 
-TEST(Pinyin, Knows_every_reading_of_a_character_in_names)
+TEST(Pinyin, knows_every_reading_of_a_character_in_names)
 {
     Pinyin::Reader reader;
     struct Case

@@ -33,7 +33,7 @@ std::vector<uchar> grownPoint(double radius)
 
 } // namespace
 
-TEST(Dilation, Moves_an_edge_by_the_radius)
+TEST(Dilation, moves_an_edge_by_the_radius)
 {
     for (const double edge : {20.0, 20.3, 20.9}) {
         for (const double radius : {0.0, 0.4, 1.0, 2.5, 7.0, 20.0}) {
@@ -45,7 +45,7 @@ TEST(Dilation, Moves_an_edge_by_the_radius)
     }
 }
 
-TEST(Dilation, Draws_a_disc_around_a_point)
+TEST(Dilation, draws_a_disc_around_a_point)
 {
     for (const double radius : {0.6, 3.0, 5.5, 20.0}) {
         const std::vector<uchar> pixels = grownPoint(radius);
@@ -64,7 +64,7 @@ TEST(Dilation, Draws_a_disc_around_a_point)
     }
 }
 
-TEST(Dilation, Cuts_off_what_grows_out_of_the_picture)
+TEST(Dilation, cuts_off_what_grows_out_of_the_picture)
 {
     const std::vector<uchar> corner{255, 0, 0, 0};
     EXPECT_EQ(Dilation::grown(corner, 2, 2, 9), std::vector<uchar>(4, 255));

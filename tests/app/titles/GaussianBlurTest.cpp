@@ -25,7 +25,7 @@ double at(const std::vector<float> &pixels, int x, int y)
 
 } // namespace
 
-TEST(GaussianBlur, Comes_near_the_curve_at_every_radius)
+TEST(GaussianBlur, comes_near_the_curve_at_every_radius)
 {
     for (const double sigma : {1.0, 1.5, 2.0, 3.7, 8.0, 15.0}) {
         const std::vector<float> pixels = point(sigma);
@@ -38,7 +38,7 @@ TEST(GaussianBlur, Comes_near_the_curve_at_every_radius)
     }
 }
 
-TEST(GaussianBlur, Loses_no_light_and_is_alike_on_all_sides)
+TEST(GaussianBlur, loses_no_light_and_is_alike_on_all_sides)
 {
     for (const double sigma : {0.1, 0.5, 2.0, 9.0}) {
         const std::vector<float> pixels = point(sigma);
@@ -50,7 +50,7 @@ TEST(GaussianBlur, Loses_no_light_and_is_alike_on_all_sides)
     }
 }
 
-TEST(GaussianBlur, Leaves_all_as_it_is_without_a_radius)
+TEST(GaussianBlur, leaves_all_as_it_is_without_a_radius)
 {
     EXPECT_EQ(at(point(0), middle, middle), 1);
 }

@@ -6,7 +6,7 @@
 
 using namespace Qt::StringLiterals;
 
-TEST(TitleColor, Reads_four_parts_from_0_to_1)
+TEST(TitleColor, reads_four_parts_from_0_to_1)
 {
     EXPECT_EQ(TitleColor::read(u"1 1 1 1"), QColor(255, 255, 255));
     EXPECT_EQ(TitleColor::read(u"1 0.5 0 0.65")->alpha(), 166);
@@ -17,7 +17,7 @@ TEST(TitleColor, Reads_four_parts_from_0_to_1)
         EXPECT_FALSE(TitleColor::read(text)) << text.toStdString();
 }
 
-TEST(TitleColor, Writes_what_reads_back_as_the_same_colour)
+TEST(TitleColor, writes_what_reads_back_as_the_same_colour)
 {
     EXPECT_EQ(TitleColor::write(Qt::white), u"1 1 1 1");
     EXPECT_EQ(TitleColor::write(QColor::fromRgbF(0, 0, 0, 0.65F)), u"0 0 0 0.65");

@@ -33,7 +33,7 @@ protected:
 
 } // namespace
 
-TEST_F(TitleMeasureTest, Gives_a_Han_character_the_width_of_the_font_size)
+TEST_F(TitleMeasureTest, gives_a_Han_character_the_width_of_the_font_size)
 {
     TitleMeasure measure(style());
     EXPECT_DOUBLE_EQ(measure.widthOf(u"大家好"), 3 * 48);
@@ -41,7 +41,7 @@ TEST_F(TitleMeasureTest, Gives_a_Han_character_the_width_of_the_font_size)
     EXPECT_DOUBLE_EQ(TitlePicture::widthOf(u"大家好"_s, style()), 3 * 48);
 }
 
-TEST_F(TitleMeasureTest, Agrees_with_shaping_the_whole_line)
+TEST_F(TitleMeasureTest, agrees_with_shaping_the_whole_line)
 {
     TitleMeasure measure(style());
     const QFontMetricsF whole(measure.font().font);
@@ -55,7 +55,7 @@ TEST_F(TitleMeasureTest, Agrees_with_shaping_the_whole_line)
     }
 }
 
-TEST_F(TitleMeasureTest, Warns_just_beyond_the_title_safe_width)
+TEST_F(TitleMeasureTest, warns_just_beyond_the_title_safe_width)
 {
     Options options = style();
     EXPECT_DOUBLE_EQ(TitleFrame::titleSafeWidth(options), 3456);
@@ -65,7 +65,7 @@ TEST_F(TitleMeasureTest, Warns_just_beyond_the_title_safe_width)
     EXPECT_FALSE(measure.isWiderThanSafe(QString(50, u'好') + u'\n' + QString(50, u'好')));
 }
 
-TEST_F(TitleMeasureTest, Says_when_another_font_stands_in)
+TEST_F(TitleMeasureTest, says_when_another_font_stands_in)
 {
     Options options = style();
     EXPECT_FALSE(TitleFont::choose(options).isSubstitute);

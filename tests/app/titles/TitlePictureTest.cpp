@@ -60,7 +60,7 @@ QRect paintedWith(const Options &options)
 
 } // namespace
 
-TEST_F(TitlePictureTest, Fits_every_frame_into_the_size_it_is_given)
+TEST_F(TitlePictureTest, fits_every_frame_into_the_size_it_is_given)
 {
     EXPECT_EQ(TitlePicture::fittedSize(style(3840, 2160), {560, 315}), QSize(560, 315));
     EXPECT_EQ(TitlePicture::fittedSize(style(1080, 1920), {560, 315}), QSize(177, 315));
@@ -70,7 +70,7 @@ TEST_F(TitlePictureTest, Fits_every_frame_into_the_size_it_is_given)
     EXPECT_TRUE(TitlePicture::draw(u"好"_s, style(), {}, {}).isNull());
 }
 
-TEST_F(TitlePictureTest, Puts_the_last_baseline_at_the_stated_percentage)
+TEST_F(TitlePictureTest, puts_the_last_baseline_at_the_stated_percentage)
 {
     for (const double percent : {0.0, 10.0, 12.5, 40.0}) {
         Options options = style();
@@ -83,7 +83,7 @@ TEST_F(TitlePictureTest, Puts_the_last_baseline_at_the_stated_percentage)
     }
 }
 
-TEST_F(TitlePictureTest, Centres_every_line)
+TEST_F(TitlePictureTest, centres_every_line)
 {
     const TitlePicture::Layout layout = TitlePicture::layout(u"大家好\n嗯"_s, style(), {1920, 1080});
     ASSERT_EQ(layout.lines.size(), 2);
@@ -93,7 +93,7 @@ TEST_F(TitlePictureTest, Centres_every_line)
     EXPECT_DOUBLE_EQ(layout.lines[1].width, 60);
 }
 
-TEST_F(TitlePictureTest, Scales_with_the_height_of_the_frame)
+TEST_F(TitlePictureTest, scales_with_the_height_of_the_frame)
 {
     const TitlePicture::Layout large = TitlePicture::layout(u"大家好"_s, style(3840, 2160, 48), {560, 315});
     const TitlePicture::Layout small = TitlePicture::layout(u"大家好"_s, style(1920, 1080, 24), {560, 315});
@@ -104,7 +104,7 @@ TEST_F(TitlePictureTest, Scales_with_the_height_of_the_frame)
     EXPECT_NEAR(full.ink.width() / large.ink.width(), 3840.0 / 560, 1e-6);
 }
 
-TEST_F(TitlePictureTest, Draws_the_ink_where_the_layout_says)
+TEST_F(TitlePictureTest, draws_the_ink_where_the_layout_says)
 {
     const TitlePicture::Layout layout = TitlePicture::layout(u"口"_s, style(), {1920, 1080});
     const QRect area = paintedWith(style());
@@ -114,7 +114,7 @@ TEST_F(TitlePictureTest, Draws_the_ink_where_the_layout_says)
     EXPECT_LE(std::abs(area.bottom() + 1 - layout.ink.bottom()), 1);
 }
 
-TEST_F(TitlePictureTest, Draws_the_stroke_outside_the_glyphs)
+TEST_F(TitlePictureTest, draws_the_stroke_outside_the_glyphs)
 {
     Options options = style();
     const QRect plain = paintedWith(options);
@@ -129,7 +129,7 @@ TEST_F(TitlePictureTest, Draws_the_stroke_outside_the_glyphs)
     EXPECT_NEAR(qAlpha(picture.pixel(onGlyph)), 128, 2) << "no stroke shows through the letter";
 }
 
-TEST_F(TitlePictureTest, Drops_the_shadow_to_the_lower_right)
+TEST_F(TitlePictureTest, drops_the_shadow_to_the_lower_right)
 {
     Options options = style();
     const QRect plain = paintedWith(options);
@@ -145,7 +145,7 @@ TEST_F(TitlePictureTest, Drops_the_shadow_to_the_lower_right)
     EXPECT_TRUE(bounds.toAlignedRect().contains(blurred));
 }
 
-TEST_F(TitlePictureTest, Shows_the_breaks_that_a_wide_text_would_need_and_says_so)
+TEST_F(TitlePictureTest, shows_the_breaks_that_a_wide_text_would_need_and_says_so)
 {
     const QString text(40, u'好');
     const TitlePicture::Layout layout = TitlePicture::layout(text, style(), {1920, 1080});
@@ -159,7 +159,7 @@ TEST_F(TitlePictureTest, Shows_the_breaks_that_a_wide_text_would_need_and_says_s
         << "17 × 60 is 1020, of 972 in portrait";
 }
 
-TEST_F(TitlePictureTest, Trims_the_text_as_a_title_document_does)
+TEST_F(TitlePictureTest, trims_the_text_as_a_title_document_does)
 {
     const TitlePicture::Layout layout = TitlePicture::layout(u"\n 大家好 \n"_s, style(), {1920, 1080});
     ASSERT_EQ(layout.lines.size(), 1);
@@ -167,7 +167,7 @@ TEST_F(TitlePictureTest, Trims_the_text_as_a_title_document_does)
     EXPECT_TRUE(TitlePicture::layout(u" \n "_s, style(), {1920, 1080}).lines.isEmpty());
 }
 
-TEST_F(TitlePictureTest, Draws_options_that_an_editor_holds_on_the_way)
+TEST_F(TitlePictureTest, draws_options_that_an_editor_holds_on_the_way)
 {
     const double nothing = std::numeric_limits<double>::quiet_NaN();
     Options options = style();
@@ -184,7 +184,7 @@ TEST_F(TitlePictureTest, Draws_options_that_an_editor_holds_on_the_way)
     EXPECT_FALSE(paintedWith(options).isEmpty());
 }
 
-TEST_F(TitlePictureTest, Keeps_a_canvas_of_the_right_size)
+TEST_F(TitlePictureTest, keeps_a_canvas_of_the_right_size)
 {
     TitleMeasure measure(style());
     QImage canvas;
@@ -197,7 +197,7 @@ TEST_F(TitlePictureTest, Keeps_a_canvas_of_the_right_size)
     EXPECT_EQ(canvas, TitlePicture::draw(u"二"_s, style(), {560, 315}, on(TitleBackdrop::Kind::white)));
 }
 
-TEST_F(TitlePictureTest, Fills_the_frame_with_the_middle_of_a_still)
+TEST_F(TitlePictureTest, fills_the_frame_with_the_middle_of_a_still)
 {
     QImage still(400, 100, QImage::Format_RGB32);
     still.fill(Qt::red);

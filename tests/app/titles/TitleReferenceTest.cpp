@@ -75,7 +75,7 @@ QList<Case> cases()
 
 } // namespace
 
-TEST(TitleReference, Looks_as_it_did_when_someone_looked_at_it)
+TEST(TitleReference, looks_as_it_did_when_someone_looked_at_it)
 {
     if (!QFontDatabase::hasFamily(family))
         GTEST_SKIP() << "needs the font " << family.toStdString() << " (package fonts-noto-cjk)";

@@ -97,7 +97,7 @@ struct Case
 
 } // namespace
 
-TEST(Wrapping, Breaks_where_a_Chinese_typesetter_would)
+TEST(Wrapping, breaks_where_a_Chinese_typesetter_would)
 {
     const QList<Case> cases{
         {u""_s, 4, u""_s},
@@ -125,7 +125,7 @@ TEST(Wrapping, Breaks_where_a_Chinese_typesetter_would)
         EXPECT_EQ(shown(row.text, row.width), row.lines) << row.text.toStdString() << " in " << row.width;
 }
 
-TEST(Wrapping, Breaks_what_is_too_wide_as_a_last_resort)
+TEST(Wrapping, breaks_what_is_too_wide_as_a_last_resort)
 {
     EXPECT_EQ(shown(u"Supercalifragilistic", 8), u"Supercal|ifragili|stic");
     EXPECT_EQ(shown(u"是Supercalifragilistic", 8), u"是|Supercal|ifragili|stic") << "the good place comes first";
@@ -134,7 +134,7 @@ TEST(Wrapping, Breaks_what_is_too_wide_as_a_last_resort)
     EXPECT_EQ(shown(u"今天", 0), u"今|天");
 }
 
-TEST(Wrapping, Hides_blanks_only_where_it_breaks_and_keeps_them)
+TEST(Wrapping, hides_blanks_only_where_it_breaks_and_keeps_them)
 {
     const QList<TitleWrapping::Line> lines = TitleWrapping::wrap(u"one  two \nthree", 4, columns);
     ASSERT_EQ(lines.size(), 4);
@@ -142,7 +142,7 @@ TEST(Wrapping, Hides_blanks_only_where_it_breaks_and_keeps_them)
     EXPECT_EQ(lines[1], (TitleWrapping::Line{u"two "_s, u"\n"_s}));
 }
 
-TEST(Wrapping, Balances_the_lines_without_adding_one)
+TEST(Wrapping, balances_the_lines_without_adding_one)
 {
     const QList<Case> cases{
         {u"一二三四五六七"_s, 12, u"一二三四|五六七"_s},
@@ -160,7 +160,7 @@ TEST(Wrapping, Balances_the_lines_without_adding_one)
     }
 }
 
-TEST(Wrapping, Loses_and_changes_no_character)
+TEST(Wrapping, loses_and_changes_no_character)
 {
     Generator generator(4711);
     for (int round = 0; round < 5'000; ++round) {
@@ -171,7 +171,7 @@ TEST(Wrapping, Loses_and_changes_no_character)
     }
 }
 
-TEST(Wrapping, Keeps_the_width_and_the_marks_in_every_text)
+TEST(Wrapping, keeps_the_width_and_the_marks_in_every_text)
 {
     Generator generator(815);
     for (int round = 0; round < 5'000; ++round) {

@@ -84,7 +84,7 @@ protected:
     EditMenu m_menu{m_model};
 };
 
-TEST_F(EditMenuTest, Acts_on_the_history_while_no_text_is_edited)
+TEST_F(EditMenuTest, acts_on_the_history_while_no_text_is_edited)
 {
     focus(m_window.findChild<QWidget *>());
     EXPECT_EQ(enabled(), QString());
@@ -97,7 +97,7 @@ TEST_F(EditMenuTest, Acts_on_the_history_while_no_text_is_edited)
     EXPECT_EQ(m_model.items().size(), 2);
 }
 
-TEST_F(EditMenuTest, Acts_on_the_text_of_a_line_that_is_edited)
+TEST_F(EditMenuTest, acts_on_the_text_of_a_line_that_is_edited)
 {
     load(1);
     auto *const line = add<QLineEdit>();
@@ -118,7 +118,7 @@ TEST_F(EditMenuTest, Acts_on_the_text_of_a_line_that_is_edited)
     EXPECT_EQ(m_model.items().size(), 1) << "the job is left alone";
 }
 
-TEST_F(EditMenuTest, Acts_on_the_text_of_many_lines)
+TEST_F(EditMenuTest, acts_on_the_text_of_many_lines)
 {
     auto *const text = add<QPlainTextEdit>();
     focus(text);
@@ -129,7 +129,7 @@ TEST_F(EditMenuTest, Acts_on_the_text_of_many_lines)
     EXPECT_EQ(text->toPlainText(), QString());
 }
 
-TEST_F(EditMenuTest, Finds_the_text_within_a_control)
+TEST_F(EditMenuTest, finds_the_text_within_a_control)
 {
     auto *const box = add<QComboBox>();
     box->setEditable(true);
@@ -140,7 +140,7 @@ TEST_F(EditMenuTest, Finds_the_text_within_a_control)
     EXPECT_EQ(box->currentText(), QString());
 }
 
-TEST_F(EditMenuTest, Takes_nothing_out_of_a_field_that_hides_its_text)
+TEST_F(EditMenuTest, takes_nothing_out_of_a_field_that_hides_its_text)
 {
     auto *const line = add<QLineEdit>();
     line->setEchoMode(QLineEdit::Password);
@@ -150,7 +150,7 @@ TEST_F(EditMenuTest, Takes_nothing_out_of_a_field_that_hides_its_text)
     EXPECT_EQ(enabled(), u"撤销键入 粘贴 全选"_s);
 }
 
-TEST_F(EditMenuTest, Leaves_the_history_within_reach_of_a_text_that_cannot_be_edited)
+TEST_F(EditMenuTest, leaves_the_history_within_reach_of_a_text_that_cannot_be_edited)
 {
     load(1);
     auto *const text = add<QPlainTextEdit>();
@@ -164,7 +164,7 @@ TEST_F(EditMenuTest, Leaves_the_history_within_reach_of_a_text_that_cannot_be_ed
     EXPECT_TRUE(m_model.items().isEmpty());
 }
 
-TEST_F(EditMenuTest, Pastes_text_and_nothing_else)
+TEST_F(EditMenuTest, pastes_text_and_nothing_else)
 {
     auto *const field = add<QLineEdit>();
     focus(field);
@@ -178,7 +178,7 @@ TEST_F(EditMenuTest, Pastes_text_and_nothing_else)
     EXPECT_EQ(field->text(), u"贴"_s);
 }
 
-TEST_F(EditMenuTest, Offers_what_the_focused_control_can_do)
+TEST_F(EditMenuTest, offers_what_the_focused_control_can_do)
 {
     auto *const table = add<QTableWidget>();
     table->setRowCount(3);
@@ -189,7 +189,7 @@ TEST_F(EditMenuTest, Offers_what_the_focused_control_can_do)
     EXPECT_EQ(table->selectionModel()->selectedIndexes().size(), 3);
 }
 
-TEST_F(EditMenuTest, Copies_a_card_that_has_the_focus)
+TEST_F(EditMenuTest, copies_a_card_that_has_the_focus)
 {
     load(1);
     auto *const card = new DragSubtitleCard(m_model, std::nullopt);
@@ -200,7 +200,7 @@ TEST_F(EditMenuTest, Copies_a_card_that_has_the_focus)
     EXPECT_TRUE(FCPPasteboard::offeredType(*QGuiApplication::clipboard()->mimeData()).has_value());
 }
 
-TEST_F(EditMenuTest, Forgets_a_field_that_is_gone)
+TEST_F(EditMenuTest, forgets_a_field_that_is_gone)
 {
     auto *const line = add<QLineEdit>();
     focus(line);
@@ -239,7 +239,7 @@ Q_SIGNALS:
 
 } // namespace
 
-TEST_F(EditMenuTest, What_is_the_sheets_own_comes_before_what_lies_behind_it)
+TEST_F(EditMenuTest, what_is_the_sheets_own_comes_before_what_lies_behind_it)
 {
     load(2);
     auto *const sheet = add<OwnHistory>();

@@ -52,7 +52,7 @@ protected:
     TemporaryModel m_outside;
 };
 
-TEST_F(Launch, Opens_the_file_of_its_command_line_and_later_those_of_others)
+TEST_F(Launch, opens_the_file_of_its_command_line_and_later_those_of_others)
 {
     m_outside.srt(u"一.srt"_s, 2);
     m_outside.srt(u"第 二.srt"_s, 3);
@@ -67,7 +67,7 @@ TEST_F(Launch, Opens_the_file_of_its_command_line_and_later_those_of_others)
     kill(first);
 }
 
-TEST_F(Launch, Takes_up_the_job_of_a_program_that_was_killed)
+TEST_F(Launch, takes_up_the_job_of_a_program_that_was_killed)
 {
     m_outside.srt(u"一.srt"_s, 2);
     m_outside.srt(u"二.srt"_s, 4);
@@ -82,7 +82,7 @@ TEST_F(Launch, Takes_up_the_job_of_a_program_that_was_killed)
     kill(next);
 }
 
-TEST_F(Launch, Tells_its_version_and_its_use_where_there_is_no_display)
+TEST_F(Launch, tells_its_version_and_its_use_where_there_is_no_display)
 {
     for (const auto &[argument, said] : {std::pair(u"--version"_s, LINTORA_VERSION), {u"--help"_s, "SRT、FCPXML"}}) {
         QProcess process;

@@ -71,7 +71,7 @@ private:
     std::unique_ptr<LintoraApplicationDelegate> m_delegate;
 };
 
-TEST_F(Application, Has_its_commands_in_two_menus)
+TEST_F(Application, has_its_commands_in_two_menus)
 {
     launch();
     EXPECT_EQ(lines(0),
@@ -82,12 +82,12 @@ TEST_F(Application, Has_its_commands_in_two_menus)
                                      u"粘贴 Ctrl+V"_s, u"全选 Ctrl+A"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
 }
 
-TEST_F(Application, Begins_with_the_default_font)
+TEST_F(Application, begins_with_the_default_font)
 {
     EXPECT_EQ(launch().model().options().font, FontCatalogue::defaultFamily());
 }
 
-TEST_F(Application, Commands_open_what_they_name)
+TEST_F(Application, commands_open_what_they_name)
 {
     LintoraModel &model = launch().model();
     QTest::keyClick(qApp->focusWindow(), Qt::Key_O, Qt::ControlModifier);
@@ -102,7 +102,7 @@ TEST_F(Application, Commands_open_what_they_name)
     EXPECT_TRUE(model.window().scriptMatchPresented());
 }
 
-TEST_F(Application, Finding_waits_for_the_end_of_a_job)
+TEST_F(Application, finding_waits_for_the_end_of_a_job)
 {
     LintoraApplicationDelegate &delegate = launch();
     LintoraModel &model = delegate.model();
@@ -123,7 +123,7 @@ QSize sizeOnScreen(const FloatingWindow &window)
     return {usual.width(), std::min(usual.height(), room)};
 }
 
-TEST_F(Application, The_window_opens_in_the_middle_and_later_where_it_was_left)
+TEST_F(Application, the_window_opens_in_the_middle_and_later_where_it_was_left)
 {
     const QPoint middle = launch().window()->screen()->availableGeometry().center();
     FloatingWindow *window = launch().window();
@@ -142,7 +142,7 @@ TEST_F(Application, The_window_opens_in_the_middle_and_later_where_it_was_left)
     EXPECT_EQ(launch().window()->geometry(), left);
 }
 
-TEST_F(Application, A_window_from_before_the_newer_layout_is_enlarged_once)
+TEST_F(Application, a_window_from_before_the_newer_layout_is_enlarged_once)
 {
     launch().window()->resize(600, 700);
     launch(); // which ends the one before
@@ -151,7 +151,7 @@ TEST_F(Application, A_window_from_before_the_newer_layout_is_enlarged_once)
     EXPECT_EQ(window->centralWidget()->size(), sizeOnScreen(*window));
 }
 
-TEST_F(Application, A_pinned_window_stands_above_others_and_an_unpinned_one_among_them)
+TEST_F(Application, a_pinned_window_stands_above_others_and_an_unpinned_one_among_them)
 {
     LintoraApplicationDelegate &delegate = launch();
     EXPECT_EQ(level(), 3);
@@ -164,7 +164,7 @@ TEST_F(Application, A_pinned_window_stands_above_others_and_an_unpinned_one_amon
     EXPECT_EQ(level(), 3);
 }
 
-TEST_F(Application, A_window_that_is_made_anew_is_still_pinned)
+TEST_F(Application, a_window_that_is_made_anew_is_still_pinned)
 {
     FloatingWindow *const window = launch().window();
     window->setWindowFlags(window->windowFlags() | Qt::WindowMaximizeButtonHint);
@@ -186,7 +186,7 @@ class Raising : public Application, public testing::WithParamInterface<RaiseCase
 {};
 
 // Whether the window was touched shows in its level, which is taken away before.
-TEST_P(Raising, Happens_only_while_the_pinned_window_can_be_seen_and_nothing_is_dragged)
+TEST_P(Raising, happens_only_while_the_pinned_window_can_be_seen_and_nothing_is_dragged)
 {
     LintoraApplicationDelegate &delegate = launch();
     GetParam().before(delegate);
@@ -211,7 +211,7 @@ INSTANTIATE_TEST_SUITE_P(
                   false}),
     [](const auto &row) { return std::string(row.param.name); });
 
-TEST_F(Application, Raising_after_the_delegate_is_gone_does_nothing)
+TEST_F(Application, raising_after_the_delegate_is_gone_does_nothing)
 {
     std::function<void()> raise;
     {
@@ -223,7 +223,7 @@ TEST_F(Application, Raising_after_the_delegate_is_gone_does_nothing)
     raise();
 }
 
-TEST_F(Application, An_opened_file_is_loaded_and_brings_the_window_back)
+TEST_F(Application, an_opened_file_is_loaded_and_brings_the_window_back)
 {
     LintoraApplicationDelegate &delegate = launch();
     delegate.window()->close();
@@ -234,7 +234,7 @@ TEST_F(Application, An_opened_file_is_loaded_and_brings_the_window_back)
     EXPECT_TRUE(Events::waitFor([&] { return delegate.window()->isVisible(); }));
 }
 
-TEST_F(Application, Opened_links_reach_the_model_one_by_one)
+TEST_F(Application, opened_links_reach_the_model_one_by_one)
 {
     LintoraApplicationDelegate &delegate = launch();
     const QSignalSpy failures(&delegate.model(), &LintoraModel::failureChanged);
@@ -246,7 +246,7 @@ TEST_F(Application, Opened_links_reach_the_model_one_by_one)
     EXPECT_EQ(delegate.model().failure(), std::nullopt);
 }
 
-TEST_F(Application, A_command_brings_a_closed_window_back)
+TEST_F(Application, a_command_brings_a_closed_window_back)
 {
     LintoraApplicationDelegate &delegate = launch();
     delegate.window()->close();
@@ -254,7 +254,7 @@ TEST_F(Application, A_command_brings_a_closed_window_back)
     EXPECT_TRUE(delegate.window()->isVisible());
 }
 
-TEST_F(Application, Closing_the_window_asks_before_unsaved_work_is_lost)
+TEST_F(Application, closing_the_window_asks_before_unsaved_work_is_lost)
 {
     LintoraApplicationDelegate &delegate = launch();
     delegate.model().load(outside.srt(u"a.srt"_s, 2));
@@ -272,7 +272,7 @@ TEST_F(Application, Closing_the_window_asks_before_unsaved_work_is_lost)
     EXPECT_TRUE(delegate.window()->close());
 }
 
-TEST_F(Application, Recent_subtitles_are_in_the_menu)
+TEST_F(Application, recent_subtitles_are_in_the_menu)
 {
     LintoraApplicationDelegate &delegate = launch();
     QMenu &recent = *entry(u"最近的字幕"_s)->menu();
@@ -287,7 +287,7 @@ TEST_F(Application, Recent_subtitles_are_in_the_menu)
     EXPECT_TRUE(Events::waitFor([&] { return delegate.model().items().value(0).text == u"改过"_s; }));
 }
 
-TEST_F(Application, The_last_change_is_saved_at_the_end)
+TEST_F(Application, the_last_change_is_saved_at_the_end)
 {
     LintoraApplicationDelegate &delegate = launch();
     delegate.model().load(outside.srt(u"a.srt"_s, 2));
@@ -299,7 +299,7 @@ TEST_F(Application, The_last_change_is_saved_at_the_end)
     EXPECT_TRUE(draft.readAll().contains("改过"));
 }
 
-TEST_F(Application, Notes_how_the_window_stands_when_another_program_becomes_active)
+TEST_F(Application, notes_how_the_window_stands_when_another_program_becomes_active)
 {
     LintoraApplicationDelegate &delegate = launch();
     const LoggedLines logged;
@@ -319,7 +319,7 @@ struct ArgumentCase
 class Argument : public testing::TestWithParam<ArgumentCase>
 {};
 
-TEST_P(Argument, Names_a_file_or_a_link)
+TEST_P(Argument, names_a_file_or_a_link)
 {
     EXPECT_EQ(LintoraContainer::urls({GetParam().argument}, u"/影片"_s),
               QList<QUrl>({QUrl(GetParam().url, QUrl::StrictMode)}));

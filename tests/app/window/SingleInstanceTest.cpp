@@ -96,7 +96,7 @@ protected:
     const QByteArray m_before = qgetenv("HOME");
 };
 
-TEST_F(RunningOnce, A_second_launch_hands_its_links_over_and_ends)
+TEST_F(RunningOnce, a_second_launch_hands_its_links_over_and_ends)
 {
     Peer first(home());
     ASSERT_TRUE(first.says(u"first"_s));
@@ -108,7 +108,7 @@ TEST_F(RunningOnce, A_second_launch_hands_its_links_over_and_ends)
     EXPECT_EQ(first.said(), QStringList({u"first"_s, links[0], links[1], u"received 2"_s}));
 }
 
-TEST_F(RunningOnce, A_second_launch_without_links_is_told_as_well)
+TEST_F(RunningOnce, a_second_launch_without_links_is_told_as_well)
 {
     Peer first(home());
     ASSERT_TRUE(first.says(u"first"_s));
@@ -116,7 +116,7 @@ TEST_F(RunningOnce, A_second_launch_without_links_is_told_as_well)
     EXPECT_TRUE(first.says(u"received 0"_s));
 }
 
-TEST_F(RunningOnce, Another_home_folder_is_another_program)
+TEST_F(RunningOnce, another_home_folder_is_another_program)
 {
     const QTemporaryDir elsewhere;
     Peer first(home());
@@ -125,7 +125,7 @@ TEST_F(RunningOnce, Another_home_folder_is_another_program)
     EXPECT_TRUE(second.says(u"first"_s));
 }
 
-TEST_F(RunningOnce, A_killed_program_leaves_its_place_free)
+TEST_F(RunningOnce, a_killed_program_leaves_its_place_free)
 {
     for (int round = 0; round < 3; ++round) {
         Peer first(home());
@@ -137,7 +137,7 @@ TEST_F(RunningOnce, A_killed_program_leaves_its_place_free)
     EXPECT_TRUE(next.says(u"first"_s));
 }
 
-TEST_F(RunningOnce, One_of_many_launches_at_once_becomes_the_first_and_gets_the_links_of_all_others)
+TEST_F(RunningOnce, one_of_many_launches_at_once_becomes_the_first_and_gets_the_links_of_all_others)
 {
     constexpr int launches = 12;
     std::deque<Peer> peers;
@@ -159,7 +159,7 @@ TEST_F(RunningOnce, One_of_many_launches_at_once_becomes_the_first_and_gets_the_
     EXPECT_EQ(first->said().filter(u"file:"_s).removeDuplicates(), 0);
 }
 
-TEST_F(RunningOnce, A_launch_gives_up_on_a_program_that_does_not_answer)
+TEST_F(RunningOnce, a_launch_gives_up_on_a_program_that_does_not_answer)
 {
     Peer first(home());
     ASSERT_TRUE(first.says(u"first"_s));
@@ -169,7 +169,7 @@ TEST_F(RunningOnce, A_launch_gives_up_on_a_program_that_does_not_answer)
     EXPECT_EQ(second.said(), QStringList(u"VELMORA 字幕助手已在运行，但没有回应。"_s));
 }
 
-TEST_F(RunningOnce, A_launch_takes_the_place_of_a_program_that_ends_while_it_waits)
+TEST_F(RunningOnce, a_launch_takes_the_place_of_a_program_that_ends_while_it_waits)
 {
     Peer first(home());
     ASSERT_TRUE(first.says(u"first"_s));
@@ -180,7 +180,7 @@ TEST_F(RunningOnce, A_launch_takes_the_place_of_a_program_that_ends_while_it_wai
     EXPECT_TRUE(second.says(u"first"_s));
 }
 
-TEST_F(RunningOnce, What_other_users_say_is_not_listened_to_and_they_are_told_nothing)
+TEST_F(RunningOnce, what_other_users_say_is_not_listened_to_and_they_are_told_nothing)
 {
     // The place of the running program, taken by somebody else.
     QLocalServer stranger;
@@ -223,7 +223,7 @@ struct Nonsense
 class NonsenseSaid : public RunningOnce, public testing::WithParamInterface<Nonsense>
 {};
 
-TEST_P(NonsenseSaid, Is_hung_up_on_and_disturbs_nobody)
+TEST_P(NonsenseSaid, is_hung_up_on_and_disturbs_nobody)
 {
     Peer first(home(), 500);
     ASSERT_TRUE(first.says(u"first"_s));
@@ -252,7 +252,7 @@ INSTANTIATE_TEST_SUITE_P(Saying, NonsenseSaid,
                                          Nonsense{"An_empty_link", QByteArray("\0\0\0\1\n", 5)}),
                          [](const auto &row) { return std::string(row.param.name); });
 
-TEST_F(RunningOnce, More_links_than_a_message_takes_are_refused_before_anything_is_said)
+TEST_F(RunningOnce, more_links_than_a_message_takes_are_refused_before_anything_is_said)
 {
     SingleInstance instance;
     EXPECT_THROW(instance.launch(QList<QUrl>(60'000, QUrl(u"file:///abcdefghijklmn.srt"_s))), ConversionError);

@@ -36,7 +36,7 @@ protected:
     QStringList m_chosen;
 };
 
-TEST_F(AskingForFiles, Answers_with_the_chosen_file_and_later_starts_in_its_folder)
+TEST_F(AskingForFiles, answers_with_the_chosen_file_and_later_starts_in_its_folder)
 {
     const QString path = m_outside.srt(u"访谈.SRT"_s, 1).toLocalFile();
     ask();
@@ -54,7 +54,7 @@ TEST_F(AskingForFiles, Answers_with_the_chosen_file_and_later_starts_in_its_fold
                 testing::StartsWith(QDir::tempPath().toStdString()));
 }
 
-TEST_F(AskingForFiles, Does_not_answer_when_the_person_gives_up)
+TEST_F(AskingForFiles, does_not_answer_when_the_person_gives_up)
 {
     ask();
     open().first()->reject();
@@ -62,7 +62,7 @@ TEST_F(AskingForFiles, Does_not_answer_when_the_person_gives_up)
     EXPECT_EQ(m_chosen, QStringList());
 }
 
-TEST_F(AskingForFiles, Asks_one_thing_at_a_time)
+TEST_F(AskingForFiles, asks_one_thing_at_a_time)
 {
     ask();
     ask();
@@ -70,7 +70,7 @@ TEST_F(AskingForFiles, Asks_one_thing_at_a_time)
     EXPECT_EQ(open().size(), 1);
 }
 
-TEST_F(AskingForFiles, What_was_chosen_may_lead_to_the_next_question)
+TEST_F(AskingForFiles, what_was_chosen_may_lead_to_the_next_question)
 {
     const QString path = m_outside.srt(u"a.srt"_s, 1).toLocalFile();
     m_dialogs.open({.title = u"导入"_s, .extensions = {u"srt"_s}}, [this](const QString &) {
@@ -84,7 +84,7 @@ TEST_F(AskingForFiles, What_was_chosen_may_lead_to_the_next_question)
     EXPECT_EQ(m_chosen.size(), 1);
 }
 
-TEST_F(AskingForFiles, Proposes_a_name_and_completes_the_one_that_is_given)
+TEST_F(AskingForFiles, proposes_a_name_and_completes_the_one_that_is_given)
 {
     m_dialogs.save({.title = u"导出 SRT"_s, .suggestion = u"访谈.srt"_s, .extension = u"srt"_s},
                    [this](const QString &path) { m_chosen += path; });

@@ -24,7 +24,7 @@ double contrast(const QColor &one, const QColor &other)
     return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
 }
 
-TEST(Theme, Text_can_be_read_on_every_ground)
+TEST(Theme, text_can_be_read_on_every_ground)
 {
     for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
         const Colors &colors = VELTheme::colors(appearance);

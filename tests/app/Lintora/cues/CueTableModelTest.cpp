@@ -42,7 +42,7 @@ protected:
     const QAbstractItemModelTester filterTester{&filter, QAbstractItemModelTester::FailureReportingMode::Fatal};
 };
 
-TEST_F(CueTableModelTest, Follows_every_edit_without_losing_its_place)
+TEST_F(CueTableModelTest, follows_every_edit_without_losing_its_place)
 {
     Generator generator(7);
     load(generator.cues(40));
@@ -89,7 +89,7 @@ TEST_F(CueTableModelTest, Follows_every_edit_without_losing_its_place)
     EXPECT_EQ(resets.size(), 0);
 }
 
-TEST_F(CueTableModelTest, An_edit_touches_only_the_rows_that_changed)
+TEST_F(CueTableModelTest, an_edit_touches_only_the_rows_that_changed)
 {
     load(Generator(1).cues(10));
     QSignalSpy changes(&rows, &QAbstractItemModel::dataChanged);
@@ -99,7 +99,7 @@ TEST_F(CueTableModelTest, An_edit_touches_only_the_rows_that_changed)
     EXPECT_EQ(changes.first().at(1).toModelIndex().row(), 5);
 }
 
-TEST_F(CueTableModelTest, The_filter_takes_capitals_and_small_letters_for_the_same)
+TEST_F(CueTableModelTest, the_filter_takes_capitals_and_small_letters_for_the_same)
 {
     load({{.id = 1, .start = 0, .end = 900, .text = u"Final Cut"_s},
           {.id = 2, .start = 900, .end = 1'800, .text = u"剪辑"_s}});
@@ -109,7 +109,7 @@ TEST_F(CueTableModelTest, The_filter_takes_capitals_and_small_letters_for_the_sa
     }
 }
 
-TEST_F(CueTableModelTest, Another_job_or_track_is_a_reset)
+TEST_F(CueTableModelTest, another_job_or_track_is_a_reset)
 {
     load(Generator(1).cues(10));
     QSignalSpy resets(&rows, &QAbstractItemModel::modelReset);
@@ -118,7 +118,7 @@ TEST_F(CueTableModelTest, Another_job_or_track_is_a_reset)
     expectRows();
 }
 
-TEST_F(CueTableModelTest, Says_in_words_what_to_look_at_again)
+TEST_F(CueTableModelTest, says_in_words_what_to_look_at_again)
 {
     load({Subtitle{.id = 1, .start = 0, .end = 2'000, .text = u"好"_s},
           Subtitle{.id = 2, .start = 1'900, .end = 3'000, .text = u"好"_s}});
@@ -130,7 +130,7 @@ TEST_F(CueTableModelTest, Says_in_words_what_to_look_at_again)
     EXPECT_TRUE(rows.index(0, 0).data(CueTableModel::warningsRole).toStringList().isEmpty());
 }
 
-TEST_F(CueTableModelTest, The_width_of_a_cue_is_judged_in_the_tracks_style)
+TEST_F(CueTableModelTest, the_width_of_a_cue_is_judged_in_the_tracks_style)
 {
     load({Subtitle{.id = 1, .start = 0, .end = 6'000, .text = QString(40, u'宽')}});
     EXPECT_TRUE(rows.index(0, 0).data(CueTableModel::warningsRole).toStringList().isEmpty());

@@ -24,7 +24,7 @@ QList<Kind> warningsOf(const Subtitle &cue, const Subtitle *next = nullptr, bool
     return kinds;
 }
 
-TEST(CueWarnings, Limits_are_not_yet_beyond)
+TEST(CueWarnings, limits_are_not_yet_beyond)
 {
     struct Row
     {
@@ -61,7 +61,7 @@ TEST(CueWarnings, Limits_are_not_yet_beyond)
         EXPECT_EQ(warningsOf(row.cue), row.expected) << row.name;
 }
 
-TEST(CueWarnings, Speeds_stand_beside_the_limit_that_they_are_over)
+TEST(CueWarnings, speeds_stand_beside_the_limit_that_they_are_over)
 {
     const std::pair<QString, QString> rows[] = {
         {u"一二三四五六七八九十一二三"_s, u"读不完：每秒 13.0 字，宜在 12 字以内"_s},
@@ -75,7 +75,7 @@ TEST(CueWarnings, Speeds_stand_beside_the_limit_that_they_are_over)
     EXPECT_EQ(CueWarnings::of(hardly, nullptr, {}).value(0).sentence, u"读不完：每秒 12.1 字，宜在 12 字以内"_s);
 }
 
-TEST(CueWarnings, Neighbours_may_touch_but_not_overlap)
+TEST(CueWarnings, neighbours_may_touch_but_not_overlap)
 {
     const Subtitle cue{.id = 1, .start = 0, .end = 1'000, .text = u"好"_s};
     const Subtitle touching{.id = 2, .start = 1'000, .end = 2'000, .text = u"好"_s};
@@ -84,13 +84,13 @@ TEST(CueWarnings, Neighbours_may_touch_but_not_overlap)
     EXPECT_EQ(warningsOf(cue, &overlapping), QList{Kind::overlapping});
 }
 
-TEST(CueWarnings, Several_are_said_in_a_fixed_order)
+TEST(CueWarnings, several_are_said_in_a_fixed_order)
 {
     const Subtitle cue{.id = 1, .start = 0, .end = 500, .text = QString(20, u'字')};
     EXPECT_EQ(warningsOf(cue, nullptr, true), (QList{Kind::tooFast, Kind::tooShort, Kind::tooWide}));
 }
 
-TEST(CueTime, Reads_times_as_they_are_typed)
+TEST(CueTime, reads_times_as_they_are_typed)
 {
     const FrameRate &rate25 = FrameRate::all()[2];
     const std::pair<QString, qint64> accepted[] = {
@@ -113,7 +113,7 @@ TEST(CueTime, Reads_times_as_they_are_typed)
         EXPECT_EQ(CueTime::parse(typed, rate25), expected) << qPrintable(typed);
 }
 
-TEST(CueTime, Counts_frames_of_broken_rates_by_their_timecode)
+TEST(CueTime, counts_frames_of_broken_rates_by_their_timecode)
 {
     const FrameRate &rate2997 = FrameRate::all()[3];
     EXPECT_EQ(CueTime::parse(u"00:00:10:00", rate2997), 10'010); // 300 frames
@@ -121,7 +121,7 @@ TEST(CueTime, Counts_frames_of_broken_rates_by_their_timecode)
     EXPECT_EQ(CueTime::parse(u"00:00:00:30", rate2997), std::nullopt);
 }
 
-TEST(CueTime, Refuses_what_is_no_time)
+TEST(CueTime, refuses_what_is_no_time)
 {
     const QString refused[] = {u""_s,          u"abc"_s,         u":"_s,           u"1:"_s, u"1:60"_s,
                                u"1:60:00"_s,   u"-1"_s,          u"1.2.3"_s,       u"."_s,  u"1."_s,
@@ -131,7 +131,7 @@ TEST(CueTime, Refuses_what_is_no_time)
         EXPECT_EQ(CueTime::parse(typed, FrameRate::all()[2]), std::nullopt) << qPrintable(typed);
 }
 
-TEST(TextDifference, Marks_what_goes_and_what_comes)
+TEST(TextDifference, marks_what_goes_and_what_comes)
 {
     using TextDifference::Difference;
     struct Row
@@ -154,7 +154,7 @@ TEST(TextDifference, Marks_what_goes_and_what_comes)
         EXPECT_EQ(TextDifference::between(row.before, row.after), row.expected) << qPrintable(row.before);
 }
 
-TEST(SplitPosition, Looks_for_the_best_break_near_the_middle)
+TEST(SplitPosition, looks_for_the_best_break_near_the_middle)
 {
     const std::pair<QString, qsizetype> rows[] = {
         {u"一二\n三四五六七八"_s, 3}, // a line's end
@@ -164,7 +164,7 @@ TEST(SplitPosition, Looks_for_the_best_break_near_the_middle)
         EXPECT_EQ(SplitPosition::nearMiddle(text), expected) << qPrintable(text);
 }
 
-TEST(CueNumbers, Read_as_an_editor_says_them)
+TEST(CueNumbers, read_as_an_editor_says_them)
 {
     const Subtitle cue{.id = 1, .start = 1'000, .end = 2'500, .text = u"今天我们聊聊\n调色，新的方法"_s};
     const FrameRate &rate25 = FrameRate::all()[2];

@@ -73,7 +73,7 @@ protected:
     LintoraModel m_model{m_outside.surroundings()};
 };
 
-TEST_F(DragAndDrop, The_import_area_tells_what_it_takes)
+TEST_F(DragAndDrop, the_import_area_tells_what_it_takes)
 {
     const UnifiedImportArea area(m_model);
     EXPECT_EQ(area.toolTip(), u"导入素材：拖入或点击选择 SRT 或 FCP 项目"_s);
@@ -86,7 +86,7 @@ TEST_F(DragAndDrop, The_import_area_tells_what_it_takes)
     EXPECT_EQ(FileDropArea(m_model, FileDropArea::Form::large, u"拖到这里"_s).text(), u"拖到这里"_s);
 }
 
-TEST_F(DragAndDrop, Areas_take_files_and_documents_and_nothing_else)
+TEST_F(DragAndDrop, areas_take_files_and_documents_and_nothing_else)
 {
     UnifiedImportArea area(m_model);
     EXPECT_TRUE(hovers(area, *files({QUrl::fromLocalFile(u"/a.srt"_s)})));
@@ -103,7 +103,7 @@ TEST_F(DragAndDrop, Areas_take_files_and_documents_and_nothing_else)
     EXPECT_FALSE(hovers(area, *FCPPasteboard::offering("<fcpxml/>"))) << "a card of our own";
 }
 
-TEST_F(DragAndDrop, A_dropped_file_is_loaded)
+TEST_F(DragAndDrop, a_dropped_file_is_loaded)
 {
     for (const bool unified : {true, false}) {
         UnifiedImportArea large(m_model);
@@ -115,7 +115,7 @@ TEST_F(DragAndDrop, A_dropped_file_is_loaded)
     }
 }
 
-TEST_F(DragAndDrop, What_the_model_does_not_take_is_refused_in_its_words)
+TEST_F(DragAndDrop, what_the_model_does_not_take_is_refused_in_its_words)
 {
     UnifiedImportArea area(m_model);
     EXPECT_FALSE(drops(area, *files({m_outside.srt(u"a.srt"_s, 1), m_outside.srt(u"b.srt"_s, 1)})));
@@ -127,7 +127,7 @@ TEST_F(DragAndDrop, What_the_model_does_not_take_is_refused_in_its_words)
     EXPECT_TRUE(m_model.items().isEmpty());
 }
 
-TEST_F(DragAndDrop, An_area_says_what_letting_go_would_do)
+TEST_F(DragAndDrop, an_area_says_what_letting_go_would_do)
 {
     FileDropArea area(m_model, FileDropArea::Form::large);
     const auto material = files({QUrl::fromLocalFile(u"/a.srt"_s)});
@@ -151,7 +151,7 @@ double contrast(const QColor &a, const QColor &b)
     return (lighter + 0.05) / (darker + 0.05);
 }
 
-TEST_F(DragAndDrop, Texts_are_easy_to_read_in_light_and_dark)
+TEST_F(DragAndDrop, texts_are_easy_to_read_in_light_and_dark)
 {
     UnifiedImportArea area(m_model);
     for (const auto &[ground, text] : {std::pair(0xffffff, 0x000000), std::pair(0x1e1e1e, 0xdddddd)}) {
@@ -164,7 +164,7 @@ TEST_F(DragAndDrop, Texts_are_easy_to_read_in_light_and_dark)
     }
 }
 
-TEST_F(DragAndDrop, A_click_and_the_keys_of_a_button_open_the_file_dialog)
+TEST_F(DragAndDrop, a_click_and_the_keys_of_a_button_open_the_file_dialog)
 {
     UnifiedImportArea area(m_model);
     area.show();
@@ -174,7 +174,7 @@ TEST_F(DragAndDrop, A_click_and_the_keys_of_a_button_open_the_file_dialog)
     EXPECT_EQ(m_outside.openings, QStringList(3, u"导入字幕或 FCP 项目"_s));
 }
 
-TEST_F(DragAndDrop, The_import_area_shrinks_to_a_line)
+TEST_F(DragAndDrop, the_import_area_shrinks_to_a_line)
 {
     UnifiedImportArea area(m_model);
     const int before = area.sizeHint().height();
@@ -184,7 +184,7 @@ TEST_F(DragAndDrop, The_import_area_shrinks_to_a_line)
     EXPECT_EQ(area.sizeHint().height(), before);
 }
 
-TEST_F(DragAndDrop, A_card_bears_the_label_of_its_track)
+TEST_F(DragAndDrop, a_card_bears_the_label_of_its_track)
 {
     DragSubtitleCard card(m_model, std::nullopt);
     load(2);
@@ -198,7 +198,7 @@ TEST_F(DragAndDrop, A_card_bears_the_label_of_its_track)
     EXPECT_THAT(card.accessibleName().toStdString(), testing::StartsWith("拖到 FCP 时间线"));
 }
 
-TEST_F(DragAndDrop, A_card_that_is_let_go_elsewhere_says_so_and_calls_the_window_back)
+TEST_F(DragAndDrop, a_card_that_is_let_go_elsewhere_says_so_and_calls_the_window_back)
 {
     load(2);
     int raised = 0;
@@ -218,7 +218,7 @@ TEST_F(DragAndDrop, A_card_that_is_let_go_elsewhere_says_so_and_calls_the_window
     EXPECT_EQ(raised, 1) << "one press is one drag";
 }
 
-TEST_F(DragAndDrop, A_call_for_the_window_is_dropped_with_the_model)
+TEST_F(DragAndDrop, a_call_for_the_window_is_dropped_with_the_model)
 {
     auto model = std::make_unique<LintoraModel>(m_outside.surroundings());
     model->load(m_outside.srt(u"a.srt"_s, 1));
@@ -233,7 +233,7 @@ TEST_F(DragAndDrop, A_call_for_the_window_is_dropped_with_the_model)
     Events::handle();
 }
 
-TEST_F(DragAndDrop, A_card_of_a_closed_track_starts_no_drag)
+TEST_F(DragAndDrop, a_card_of_a_closed_track_starts_no_drag)
 {
     load(2);
     DragSubtitleCard card(m_model, m_model.tracks().first().id);
@@ -247,7 +247,7 @@ TEST_F(DragAndDrop, A_card_of_a_closed_track_starts_no_drag)
     EXPECT_FALSE(m_model.window().subtitleDragInProgress);
 }
 
-TEST_F(DragAndDrop, A_small_movement_is_no_drag)
+TEST_F(DragAndDrop, a_small_movement_is_no_drag)
 {
     load(1);
     const QString message = m_model.message();
@@ -260,7 +260,7 @@ TEST_F(DragAndDrop, A_small_movement_is_no_drag)
     EXPECT_EQ(m_model.message(), message);
 }
 
-TEST_F(DragAndDrop, A_card_can_be_copied_by_the_keyboard_under_every_type)
+TEST_F(DragAndDrop, a_card_can_be_copied_by_the_keyboard_under_every_type)
 {
     load(2);
     DragSubtitleCard card(m_model, std::nullopt);
@@ -279,7 +279,7 @@ TEST_F(DragAndDrop, A_card_can_be_copied_by_the_keyboard_under_every_type)
         EXPECT_EQ(copied->data(type), *document);
 }
 
-TEST_F(DragAndDrop, What_follows_the_pointer_is_a_rounded_card)
+TEST_F(DragAndDrop, what_follows_the_pointer_is_a_rounded_card)
 {
     load(2);
     DragSubtitleCard card(m_model, std::nullopt);

@@ -41,7 +41,7 @@ protected:
     bool isOpen() const { return list() != nullptr; }
 };
 
-TEST_F(FontPickerTest, Is_searched_by_names_and_by_sound)
+TEST_F(FontPickerTest, is_searched_by_names_and_by_sound)
 {
     const QString ofTheChosen = find<StylePreview>(u"字幕样式预览"_s)->remark();
     openPicker();
@@ -65,7 +65,7 @@ TEST_F(FontPickerTest, Is_searched_by_names_and_by_sound)
     EXPECT_EQ(find<StylePreview>(u"字幕样式预览"_s)->remark(), ofTheChosen);
 }
 
-TEST_F(FontPickerTest, Arrows_look_at_fonts_and_Return_chooses_one_in_one_step)
+TEST_F(FontPickerTest, arrows_look_at_fonts_and_Return_chooses_one_in_one_step)
 {
     openPicker();
     const int before = steps();
@@ -82,7 +82,7 @@ TEST_F(FontPickerTest, Arrows_look_at_fonts_and_Return_chooses_one_in_one_step)
     EXPECT_EQ(QApplication::focusWidget(), choice(u"字体"_s));
 }
 
-TEST_F(FontPickerTest, Escape_leaves_everything_as_it_was)
+TEST_F(FontPickerTest, escape_leaves_everything_as_it_was)
 {
     const Options before = model.options();
     openPicker();
@@ -95,7 +95,7 @@ TEST_F(FontPickerTest, Escape_leaves_everything_as_it_was)
     EXPECT_FALSE(model.window().settingsVisible());
 }
 
-TEST_F(FontPickerTest, Typing_in_the_list_goes_on_searching)
+TEST_F(FontPickerTest, typing_in_the_list_goes_on_searching)
 {
     openPicker();
     list()->setFocus();
@@ -106,7 +106,7 @@ TEST_F(FontPickerTest, Typing_in_the_list_goes_on_searching)
     EXPECT_EQ(current(), u"Helvetica"_s);
 }
 
-TEST_F(FontPickerTest, Faces_of_the_family_can_be_chosen)
+TEST_F(FontPickerTest, faces_of_the_family_can_be_chosen)
 {
     openPicker();
     type(u"查找字体"_s, u"lanting"_s);
@@ -122,7 +122,7 @@ TEST_F(FontPickerTest, Faces_of_the_family_can_be_chosen)
     EXPECT_EQ(model.options().fontFace, std::nullopt) << "Regular is what an absent face means";
 }
 
-TEST_F(FontPickerTest, Favourites_and_fonts_of_late_come_first_and_are_kept)
+TEST_F(FontPickerTest, favourites_and_fonts_of_late_come_first_and_are_kept)
 {
     openPicker();
     EXPECT_EQ(listed().first(), u"FZLanTingHei"_s);
@@ -141,7 +141,7 @@ TEST_F(FontPickerTest, Favourites_and_fonts_of_late_come_first_and_are_kept)
     EXPECT_TRUE(model.preferences().favoriteFonts().isEmpty());
 }
 
-TEST(FontSamplesTest, Are_drawn_between_events_the_newest_first)
+TEST(FontSamplesTest, are_drawn_between_events_the_newest_first)
 {
     FontSamples samples;
     const FontSamples::Look look{.pixels = 18, .color = Qt::black};

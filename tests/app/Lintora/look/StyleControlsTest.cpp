@@ -24,7 +24,7 @@ namespace {
 
 using StyleControlsTest = StyleTest;
 
-TEST_F(StyleControlsTest, Each_field_changes_what_it_names_and_nothing_else_in_one_step)
+TEST_F(StyleControlsTest, each_field_changes_what_it_names_and_nothing_else_in_one_step)
 {
     click(u"给文字加描边"_s);
     click(u"给文字加阴影"_s);
@@ -67,7 +67,7 @@ TEST_F(StyleControlsTest, Each_field_changes_what_it_names_and_nothing_else_in_o
     }
 }
 
-TEST_F(StyleControlsTest, What_is_no_value_stays_in_its_field_with_a_sentence)
+TEST_F(StyleControlsTest, what_is_no_value_stays_in_its_field_with_a_sentence)
 {
     click(u"给文字加描边"_s);
     const Options before = model.options();
@@ -99,7 +99,7 @@ TEST_F(StyleControlsTest, What_is_no_value_stays_in_its_field_with_a_sentence)
     }
 }
 
-TEST_F(StyleControlsTest, Dragging_a_slider_is_one_step_and_the_title_follows)
+TEST_F(StyleControlsTest, dragging_a_slider_is_one_step_and_the_title_follows)
 {
     auto *const slider = find<Slider>(u"字号滑块"_s);
     ASSERT_NE(slider, nullptr);
@@ -121,7 +121,7 @@ TEST_F(StyleControlsTest, Dragging_a_slider_is_one_step_and_the_title_follows)
     EXPECT_EQ(steps(), before + 2) << "the next drag is the next step";
 }
 
-TEST_F(StyleControlsTest, A_step_taken_back_during_a_drag_stays_taken_back)
+TEST_F(StyleControlsTest, a_step_taken_back_during_a_drag_stays_taken_back)
 {
     enter(u"距底部"_s, u"20"_s);
     auto *const slider = find<Slider>(u"字号滑块"_s);
@@ -135,7 +135,7 @@ TEST_F(StyleControlsTest, A_step_taken_back_during_a_drag_stays_taken_back)
     EXPECT_EQ(model.options().bottomPercent, 20);
 }
 
-TEST_F(StyleControlsTest, Arrow_keys_step_and_the_wheel_scrolls_past)
+TEST_F(StyleControlsTest, arrow_keys_step_and_the_wheel_scrolls_past)
 {
     field(u"距底部"_s)->setFocus();
     press(Qt::Key_Up);
@@ -162,7 +162,7 @@ TEST_F(StyleControlsTest, Arrow_keys_step_and_the_wheel_scrolls_past)
     }
 }
 
-TEST_F(StyleControlsTest, Undo_takes_back_what_is_typed_and_then_what_was_changed)
+TEST_F(StyleControlsTest, undo_takes_back_what_is_typed_and_then_what_was_changed)
 {
     for (const auto &[name, typed] : {std::pair(u"字号"_s, u"60"_s), std::pair(u"项目名称"_s, u"Trailer"_s)}) {
         const Options before = model.options();
@@ -179,7 +179,7 @@ TEST_F(StyleControlsTest, Undo_takes_back_what_is_typed_and_then_what_was_change
     }
 }
 
-TEST_F(StyleControlsTest, Pickers_set_the_frame_and_its_rate)
+TEST_F(StyleControlsTest, pickers_set_the_frame_and_its_rate)
 {
     choose(u"帧率"_s, u"23.976 帧/秒"_s);
     EXPECT_EQ(model.options().rate, FrameRate::all()[0]);
@@ -208,7 +208,7 @@ TEST_F(StyleControlsTest, Pickers_set_the_frame_and_its_rate)
     EXPECT_TRUE(visibleTexts().contains(u"请输入 1 到 16384 之间的整数。"_s));
 }
 
-TEST_F(StyleControlsTest, Switches_enable_what_they_switch)
+TEST_F(StyleControlsTest, switches_enable_what_they_switch)
 {
     EXPECT_FALSE(field(u"描边宽度"_s)->isEnabled());
     click(u"给文字加描边"_s);
@@ -224,7 +224,7 @@ TEST_F(StyleControlsTest, Switches_enable_what_they_switch)
     EXPECT_TRUE(field(u"字号"_s)->isEnabled());
 }
 
-TEST_F(StyleControlsTest, A_color_is_seen_before_it_is_chosen)
+TEST_F(StyleControlsTest, a_color_is_seen_before_it_is_chosen)
 {
     const int before = steps();
     for (const bool isChosen : {false, true}) {
@@ -247,7 +247,7 @@ TEST_F(StyleControlsTest, A_color_is_seen_before_it_is_chosen)
     EXPECT_EQ(field(u"颜色色值"_s)->text(), u"#FF0000"_s);
 }
 
-TEST_F(StyleControlsTest, Controls_follow_the_model_without_an_echo)
+TEST_F(StyleControlsTest, controls_follow_the_model_without_an_echo)
 {
     int changes = 0;
     QObject::connect(&model, &LintoraModel::optionsChanged, &model, [&] { ++changes; });
@@ -272,7 +272,7 @@ TEST_F(StyleControlsTest, Controls_follow_the_model_without_an_echo)
     EXPECT_EQ(model.options(), options);
 }
 
-TEST_F(StyleControlsTest, A_dropped_project_is_offered_to_be_matched)
+TEST_F(StyleControlsTest, a_dropped_project_is_offered_to_be_matched)
 {
     EXPECT_EQ(find<QAbstractButton>(u"匹配项目"_s), nullptr);
     const QByteArray project = R"(<fcpxml version="1.10"><resources>
@@ -296,7 +296,7 @@ TEST_F(StyleControlsTest, A_dropped_project_is_offered_to_be_matched)
     EXPECT_EQ(model.options(), matched);
 }
 
-TEST_F(StyleControlsTest, The_preview_tells_what_is_to_be_known)
+TEST_F(StyleControlsTest, the_preview_tells_what_is_to_be_known)
 {
     auto *const preview = find<StylePreview>(u"字幕样式预览"_s);
     ASSERT_NE(preview, nullptr);
@@ -318,7 +318,7 @@ TEST_F(StyleControlsTest, The_preview_tells_what_is_to_be_known)
     EXPECT_TRUE(remark().contains(u"未安装“No Such Font”，预览以“"_s));
 }
 
-TEST_F(StyleControlsTest, A_still_stands_behind_the_title_unless_it_is_no_picture)
+TEST_F(StyleControlsTest, a_still_stands_behind_the_title_unless_it_is_no_picture)
 {
     auto *const preview = find<StylePreview>(u"字幕样式预览"_s);
     QImage picture(64, 36, QImage::Format_RGB32);
@@ -340,7 +340,7 @@ TEST_F(StyleControlsTest, A_still_stands_behind_the_title_unless_it_is_no_pictur
     EXPECT_FALSE(visibleTexts().contains(refusal));
 }
 
-TEST_F(StyleControlsTest, Everything_is_named_and_reached_by_tab_from_top_to_bottom)
+TEST_F(StyleControlsTest, everything_is_named_and_reached_by_tab_from_top_to_bottom)
 {
     for (const QSize size : {QSize(560, 650), QSize(640, 790), QSize(1200, 900)}) {
         window.resize(size);
@@ -364,7 +364,7 @@ TEST_F(StyleControlsTest, Everything_is_named_and_reached_by_tab_from_top_to_bot
     }
 }
 
-TEST(TimeShiftText, Is_read_as_people_type_it)
+TEST(TimeShiftText, is_read_as_people_type_it)
 {
     const std::pair<QString, std::optional<qint64>> rows[] = {
         {u"0"_s, 0},

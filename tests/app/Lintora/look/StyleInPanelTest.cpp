@@ -51,7 +51,7 @@ private:
     QByteArray m_home = qgetenv("HOME");
 };
 
-TEST_F(StyleInPanel, Opens_by_its_button_and_closes_by_Escape)
+TEST_F(StyleInPanel, opens_by_its_button_and_closes_by_Escape)
 {
     EXPECT_EQ(panel.findChild<StyleWorkspace *>(), nullptr) << "nothing is made before it is needed";
     ASSERT_NE(button(u"样式"_s), nullptr);
@@ -65,7 +65,7 @@ TEST_F(StyleInPanel, Opens_by_its_button_and_closes_by_Escape)
     EXPECT_FALSE(workspace->isVisible());
 }
 
-TEST_F(StyleInPanel, Shows_the_cue_that_is_looked_at)
+TEST_F(StyleInPanel, shows_the_cue_that_is_looked_at)
 {
     Options options = model.options();
     options.fontSize = 400;
