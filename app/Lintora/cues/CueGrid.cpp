@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-CueGrid::CueTable(LintoraModel &model, QWidget *parent)
+CueGrid::CueGrid(LintoraModel &model, QWidget *parent)
     : QTableView(parent)
     , m_model(model)
     , m_cues(model)
@@ -63,7 +63,7 @@ CueGrid::CueTable(LintoraModel &model, QWidget *parent)
     connect(m_textDelegate, &CueTextDelegate::abandoned, this, [this](CueTextEditor *editor) { abandon(*editor); });
 }
 
-CueGrid::~CueTable()
+CueGrid::~CueGrid()
 {
     if (m_editor)
         m_editor->stop();
