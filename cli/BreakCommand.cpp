@@ -6,6 +6,7 @@
 #include "core/text/breaking/CueJoining.h"
 #include "fcp/Options.h"
 
+#include <algorithm>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -20,7 +21,7 @@ struct BreakArguments
 {
     std::string input;
     int columns = Limits::landscapeColumns;
-    int lines = 1;
+    std::optional<int> lines;
     std::optional<std::string> rate;
     bool inside = false;
     bool join = false;
@@ -31,13 +32,28 @@ QList<Subtitle> broken(const BreakArguments &arguments, QList<Subtitle> cues)
 {
     const FrameRate rate = arguments.rate ? Arguments::toRate(*arguments.rate) : Options().rate;
     const Limits limits{.columns = arguments.columns,
-                        .lines = arguments.lines,
+                        .lines = arguments.lines.value_or(1),
                         .grid = {.numerator = rate.numerator, .denominator = rate.denominator}};
     if (arguments.join)
         return CueJoining::joined(cues, {.columns = arguments.columns}, Interrupt::check);
     const BreakableCues breakable(std::move(cues), Interrupt::check);
     return arguments.inside ? breakable.inLines(limits, Interrupt::check)
                             : breakable.inCues(limits, {}, Interrupt::check);
+}
+
+/// Width comes first: what needs more lines than were asked for gets them, and is told of.
+void reportTall(const QList<Subtitle> &cues, int lines, const Arguments::Output &output)
+{
+    constexpr qsizetype most = 10;
+    QStringList tall;
+    for (const Subtitle &cue : cues) {
+        if (cue.text.count(u'\n') >= lines)
+            tall.append(QString::number(cue.id));
+    }
+    if (!tall.isEmpty())
+        output.report(u"第 %1 %2条字幕放不进 %3 行，已按宽度换行"_s.arg(
+            tall.first(std::min(most, tall.size())).join(u'、'),
+            tall.size() > most ? u"… 共 %1 "_s.arg(tall.size()) : QString(), QString::number(lines)));
 }
 
 void runBreak(const BreakArguments &arguments)
@@ -50,6 +66,8 @@ void runBreak(const BreakArguments &arguments)
         arguments.output, [&](Utf8Writer &out) { SRT::serialize(result, out); },
         [&](JsonWriter &json) { writeSubtitles(json, result); });
     const QString done = arguments.join ? u"已合并：%1 条字幕变为 %2 条"_s : u"已断句：%1 条字幕变为 %2 条"_s;
+    if (arguments.inside && arguments.lines)
+        reportTall(result, *arguments.lines, arguments.output);
     arguments.output.report(result == cues ? u"没有需要调整的字幕"_s : done.arg(cues.size()).arg(result.size()));
 }
 
@@ -64,7 +82,7 @@ void addBreak(CLI::App &app, Work &run)
     command->add_option("--width", arguments->columns, "每行宽度，以全角字计，半角算半个（缺省 16；竖屏宜用 10）")
         ->check(CLI::Range(1, 1'000))
         ->type_name("列");
-    command->add_option("--lines", arguments->lines, "每条字幕的行数（缺省 1）")
+    command->add_option("--lines", arguments->lines, "每条字幕的行数（缺省 1）；与 --inside 一起时指出放不下的字幕")
         ->check(CLI::Range(1, 100))
         ->type_name("行");
     command->add_option("--rate", arguments->rate, "帧率：新的时间落在整帧上（缺省 30）")->type_name("帧率");

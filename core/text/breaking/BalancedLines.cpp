@@ -30,10 +30,15 @@ public:
     {
         m_places.clear();
         for (size_t i = 0; i < points.size(); ++i) {
-            if (insideToo || costOf(points[i]) < BreakPoints::together)
-                m_places.push_back(i);
+            if (!insideToo && costOf(points[i]) >= BreakPoints::together)
+                continue;
+            m_places.push_back(i);
+            m_cheapest = std::min(m_cheapest, double(costOf(points[i])));
         }
     }
+
+    /// Less than this no choice of so many lines costs.
+    double least(int lines) const { return lines * anotherLine + (lines > 1 ? (lines - 1) * m_cheapest : 0); }
 
     /// The least cost of a choice whose lines are near `target` wide, unreachable when no choice fits.
     double run(double target)
@@ -81,6 +86,7 @@ private:
     int m_end;
     int m_limit;
     bool m_insideToo;
+    double m_cheapest = unreachable; ///< Of the places.
     std::vector<Scratch::Node> &m_nodes;
     std::vector<size_t> &m_places;
 };
@@ -99,7 +105,7 @@ void choose(std::span<const BreakPoint> points, int begin, int end, int limit, S
         double best = unreachable;
         const int fewest = (width + limit - 1) / limit;
         // A line more is worth its price where it spares a bad break; two more hardly ever are.
-        for (int lines = fewest; lines <= fewest + 2 && lines * anotherLine < best; ++lines) {
+        for (int lines = fewest; lines <= fewest + 2 && search.least(lines) < best; ++lines) {
             const double cost = search.run(double(width) / lines);
             if (cost < best) {
                 best = cost;
