@@ -141,9 +141,14 @@ void Output::addProgress(CLI::App &command)
     command.add_flag("-q,--quiet", quiet, "不显示进度");
 }
 
+bool Output::isHeard() const
+{
+    return !quiet && (progress || StandardStreams::errorIsTerminal());
+}
+
 void Output::report(const QString &line) const
 {
-    if (!quiet && (progress || StandardStreams::errorIsTerminal()))
+    if (isHeard())
         StandardStreams::writeError(line.toUtf8());
 }
 

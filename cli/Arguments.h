@@ -64,6 +64,8 @@ struct Output
     void addJson(CLI::App &command);     ///< --json
     void addProgress(CLI::App &command); ///< --progress, -q, --quiet
 
+    bool isHeard() const; ///< Whether report() says anything.
+
     /// Says one line on standard error, if it is a terminal or progress was asked for.
     void report(const QString &line) const;
 };

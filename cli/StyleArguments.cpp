@@ -97,12 +97,6 @@ void replace(double &field, const std::optional<std::string> &given)
         field = readNumber(*given);
 }
 
-Options applyPreset(const std::string &argument, const Options &options)
-{
-    const QList<SubtitleStylePreset> presets = StylePresetStore().load();
-    return SubtitleStylePresets::named(presets, Arguments::toText(argument)).applying(options);
-}
-
 Options readRecord(const std::string &argument)
 {
     const QByteArray bytes = Arguments::readInput(argument, largestRecord);
@@ -160,7 +154,7 @@ Options StyleArguments::applied(Options base) const
     if (m_optionsFile)
         options = Failure::naming(Arguments::toPath(*m_optionsFile), [&] { return readRecord(*m_optionsFile); });
     if (m_preset)
-        options = applyPreset(*m_preset, options);
+        options = withPreset(options, *m_preset);
     if (m_rate)
         options.rate = Arguments::toRate(*m_rate);
     if (m_size)
@@ -188,4 +182,10 @@ Options StyleArguments::applied(Options base) const
     if (m_role)
         options.titleRole = Arguments::toText(*m_role);
     return options;
+}
+
+Options StyleArguments::withPreset(const Options &options, const std::string &preset)
+{
+    const QList<SubtitleStylePreset> presets = StylePresetStore().load();
+    return SubtitleStylePresets::named(presets, Arguments::toText(preset)).applying(options);
 }

@@ -18,6 +18,9 @@ public:
     /// ConversionError or PlatformError when there is no such preset or the presets cannot be read.
     Options applied(Options base) const;
 
+    /// `options` with the preset of that name put in. @throws ConversionError or PlatformError as above
+    static Options withPreset(const Options &options, const std::string &preset);
+
 private:
     std::optional<std::string> m_optionsFile;
     std::optional<std::string> m_preset;

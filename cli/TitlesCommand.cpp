@@ -10,7 +10,9 @@
 #include "fcp/titles/TitleFile.h"
 #include "fcp/titles/TitleFitting.h"
 #include "fcp/titles/WrittenTitles.h"
+#include "fcp/validation/DocumentCheck.h"
 
+#include <algorithm>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -25,6 +27,10 @@ struct TitlesArguments
     std::string base;
     bool clip = false;
     std::string project;
+    std::vector<std::string> tracks;
+    std::vector<std::string> trackPresets;
+    std::optional<std::string> captions;
+    std::vector<std::string> languages;
     bool skipRetimed = false;
     std::optional<std::string> pastEnd;
     StyleArguments style;
@@ -57,58 +63,126 @@ QList<Subtitle> fitted(const TitlesArguments &arguments, const QList<Subtitle> &
     return result.cues;
 }
 
+/// The native captions that a track is to become, absent where titles were asked for.
+std::optional<CaptionRole> captionRole(const TitlesArguments &arguments, size_t track)
+{
+    if (!arguments.captions)
+        return std::nullopt;
+    const QString tag = Arguments::toText(arguments.languages[track]);
+    const auto language = CaptionRole::knownLanguage(tag);
+    if (!language)
+        throw Arguments::WrongUse(u"语言标签无效：%1"_s.arg(tag));
+    return CaptionRole{.format = *arguments.captions == "srt" ? CaptionRole::Format::srt : CaptionRole::Format::itt,
+                       .language = *language};
+}
+
+/// The tracks in the order of the command line, the input first; their looks are settled for `base`, which may be none.
+std::vector<TitleTrack> readTracks(const TitlesArguments &arguments, const XmlDocument *base)
+{
+    const QString project = Arguments::toText(arguments.project);
+    const Options options = arguments.style.applied(base ? FCPXML::settings(Options(), *base, project) : Options());
+    std::vector<std::string> inputs{arguments.input};
+    inputs.insert(inputs.end(), arguments.tracks.begin(), arguments.tracks.end());
+    std::vector<TitleTrack> tracks;
+    for (size_t i = 0; i < inputs.size(); ++i) {
+        TitleTrack track{.cues = SRT::decode(Arguments::readInput(inputs[i])),
+                         .options = options,
+                         .captions = captionRole(arguments, i)};
+        Interrupt::check();
+        if (i > 0 && i <= arguments.trackPresets.size())
+            track.options = StyleArguments::withPreset(options, arguments.trackPresets[i - 1]);
+        if (base)
+            track.cues = fitted(arguments, track.cues, *base, track.options);
+        tracks.push_back(std::move(track));
+    }
+    return tracks;
+}
+
 struct Titles
 {
     TitleDocument document;
-    qsizetype count;
+    std::vector<TitleTrack> tracks;
     TitleFile::Proof proof;
 };
 
-Titles makeTitles(const TitlesArguments &arguments, const QList<Subtitle> &cues)
+Titles makeTitles(const TitlesArguments &arguments)
 {
     auto base = arguments.base.empty() ? std::nullopt : std::optional(Arguments::readProject(arguments.base));
     const QString project = Arguments::toText(arguments.project);
-    const Options options = arguments.style.applied(base ? FCPXML::settings(Options(), *base, project) : Options());
-    const QList<Subtitle> carried = base ? fitted(arguments, cues, *base, options) : cues;
-    TitleDocument document = arguments.clip ? NewDocument::clip(carried, options)
-                                            : FCPXML::convert(carried, std::move(base), options, project);
+    const std::vector<TitleTrack> tracks = readTracks(arguments, base ? &*base : nullptr);
+    TitleDocument document =
+        arguments.clip ? NewDocument::clip(tracks) : FCPXML::convert(tracks, std::move(base), project);
     // The project that was chosen bears the options' name by now.
-    const QString written = project.isEmpty() ? QString() : options.name;
-    const auto proof = [=, clip = arguments.clip, effectID = document.effectID()](QByteArrayView bytes) {
+    const QString written = project.isEmpty() ? QString() : tracks.front().options.name;
+    const auto proof = [=, clip = arguments.clip, marks = document.marks()](QByteArrayView bytes) {
         if (clip)
-            WrittenTitles::verifyClip(bytes, effectID, carried, options, Interrupt::check);
+            WrittenTitles::verifyClip(bytes, marks, tracks, Interrupt::check);
         else
-            WrittenTitles::verify(bytes, effectID, carried, options, written, Interrupt::check);
+            WrittenTitles::verify(bytes, marks, tracks, written, Interrupt::check);
     };
-    return {.document = std::move(document), .count = carried.size(), .proof = proof};
+    return {.document = std::move(document), .tracks = tracks, .proof = proof};
 }
 
-void deliver(const Titles &titles, const Arguments::Output &output)
+/// Writes the document. What is wrong with it is told where somebody listens: it may have been so in the base.
+QList<Problem> deliver(const Titles &titles, const Arguments::Output &output)
 {
+    QList<Problem> problems;
+    const auto proof = [&](QByteArrayView bytes) {
+        titles.proof(bytes);
+        if (output.isHeard())
+            problems = DocumentCheck::problems(bytes);
+    };
     const QString path = Arguments::toPath(output.path);
     if (!path.isEmpty() && !StandardStreams::isPipe(path)) {
-        TitleFile::write(path, titles.document, titles.proof, Interrupt::check);
-        return;
+        TitleFile::write(path, titles.document, proof, Interrupt::check);
+        return problems;
     }
     // What has left cannot be read back.
     const QByteArray bytes = titles.document.toUtf8();
-    titles.proof(bytes);
+    proof(bytes);
     Result::write(output, [&](Utf8Writer &out) { out.bytes(bytes); });
+    return problems;
 }
 
-void runTitles(const TitlesArguments &arguments)
+void reportProblems(const QList<Problem> &problems, const Arguments::Output &output)
+{
+    constexpr qsizetype most = 5;
+    if (problems.isEmpty())
+        return output.report(u"文档检查：没有发现问题"_s);
+    output.report(u"文档检查：%1 处，全部见 validate"_s.arg(problems.size()));
+    for (const Problem &problem : problems.first(std::min(most, problems.size())))
+        output.report(u"  "_s + problem.toText());
+}
+
+void checkUse(const TitlesArguments &arguments)
 {
     if (arguments.clip && !arguments.base.empty())
         throw Arguments::WrongUse(u"--base 与 --clip 不能同时使用"_s);
     if (arguments.base.empty() && (!arguments.project.empty() || arguments.skipRetimed || arguments.pastEnd))
         throw Arguments::WrongUse(u"--project、--skip-retimed 与 --past-end 须与 --base 一起使用"_s);
-    if (arguments.input == "-" && arguments.base == "-")
+    if (arguments.trackPresets.size() > arguments.tracks.size())
+        throw Arguments::WrongUse(u"--track-preset 多于 --track"_s);
+    if (arguments.captions && arguments.languages.size() != arguments.tracks.size() + 1)
+        throw Arguments::WrongUse(u"--captions 须给每条字幕轨一个 --language"_s);
+    if (!arguments.captions && !arguments.languages.empty())
+        throw Arguments::WrongUse(u"--language 须与 --captions 一起使用"_s);
+    const auto fromStandardInput =
+        std::ranges::count(arguments.tracks, "-") + (arguments.input == "-" ? 1 : 0) + (arguments.base == "-" ? 1 : 0);
+    if (fromStandardInput > 1)
         throw Arguments::WrongUse(u"字幕与项目不能同时来自标准输入"_s);
-    const QList<Subtitle> cues = SRT::decode(Arguments::readInput(arguments.input));
-    Interrupt::check();
-    const Titles titles = makeTitles(arguments, cues);
-    deliver(titles, arguments.output);
-    arguments.output.report(u"已写入 %1 条字幕标题"_s.arg(titles.count));
+}
+
+void runTitles(const TitlesArguments &arguments)
+{
+    checkUse(arguments);
+    const Titles titles = makeTitles(arguments);
+    const QList<Problem> problems = deliver(titles, arguments.output);
+    qsizetype count = 0;
+    for (const TitleTrack &track : titles.tracks)
+        count += track.cues.size();
+    arguments.output.report(arguments.captions ? u"已写入 %1 条说明字幕"_s.arg(count)
+                                               : u"已写入 %1 条字幕标题"_s.arg(count));
+    reportProblems(problems, arguments.output);
 }
 
 } // namespace
@@ -131,6 +205,20 @@ void addTitles(CLI::App &app, Work &run)
         ->type_name("名称")
         ->check(Arguments::notEmpty)
         ->take_last();
+    const auto addMany = [&](const char *name, std::vector<std::string> &values, const char *type, const char *text) {
+        command->add_option(name, values, text)
+            ->type_name(type)
+            ->check(Arguments::notEmpty)
+            ->expected(1)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    };
+    addMany("--track", arguments->tracks, "IN.srt", "再加一条字幕轨，占一条层；可多次使用");
+    addMany("--track-preset", arguments->trackPresets, "名称", "依次为各条 --track 的样式预设；缺省与第一条相同");
+    command->add_option("--captions", arguments->captions, "生成 Final Cut Pro 的说明字幕而不是标题：itt 或 srt")
+        ->type_name("itt|srt")
+        ->check(CLI::IsMember({"itt", "srt"}))
+        ->take_last();
+    addMany("--language", arguments->languages, "标签", "说明字幕的语言，例如 zh-Hans、en；每条字幕轨一个");
     command->add_flag("--skip-retimed", arguments->skipRetimed, "跳过位于变速片段上的字幕");
     command->add_option("--past-end", arguments->pastEnd, "超出项目时长的字幕：cut 截短，drop 跳过")
         ->type_name("cut|drop")

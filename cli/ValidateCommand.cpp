@@ -38,12 +38,6 @@ void writeProblem(JsonWriter &json, const Problem &problem)
     json.endObject();
 }
 
-QString readable(const Problem &problem)
-{
-    return u"第 %1 行 %2：%3%4%5\n"_s.arg(QString::number(problem.line), problem.element,
-                                          isError(problem) ? u"错误，"_s : u"警告，"_s, problem.message, problem.fix);
-}
-
 void runValidate(const ValidateArguments &arguments)
 {
     const QByteArray bytes = Arguments::readProjectBytes(arguments.input);
@@ -53,7 +47,7 @@ void runValidate(const ValidateArguments &arguments)
         arguments.output,
         [&](Utf8Writer &out) {
             for (const Problem &problem : problems)
-                out.text(readable(problem));
+                out.text(problem.toText() + u'\n');
         },
         [&](JsonWriter &json) {
             json.beginArray();

@@ -124,22 +124,21 @@ QString frameDurationDetail(const xmlNode *format)
                   : u"%1 没有 frameDuration。"_s.arg(Xml::place(format));
 }
 
-void checkLength(const std::vector<TitleGrid::Title> &titles, const Rational &duration, const FrameRate &rate)
+void checkLength(const std::vector<PlacedTrack> &tracks, const Rational &duration, const FrameRate &rate)
 {
     static const Rational tolerance(1, 1'000); // seconds
-    const auto last = std::max_element(titles.begin(), titles.end(),
-                                       [](const auto &a, const auto &b) { return a.endFrame < b.endFrame; });
-    if (Rational(last->endFrame) * rate.frameDuration() > duration + tolerance)
+    const TitleGrid::Title &last = PlacedTracks::last(tracks);
+    if (Rational(last.endFrame) * rate.frameDuration() > duration + tolerance)
         throw ConversionError(u"字幕超出项目时长，请检查音频版本或时间偏移。"_s,
                               u"第 %1 条字幕结束于 %2 秒，项目长 %3 秒。"_s.arg(
-                                  QString::number(last->cueID),
-                                  inSeconds(Rational(last->endFrame) * rate.frameDuration()), inSeconds(duration)));
+                                  QString::number(last.cueID),
+                                  inSeconds(Rational(last.endFrame) * rate.frameDuration()), inSeconds(duration)));
 }
 
 /// A base document that passed its checks, with the effect in place.
-TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titles, const QList<Subtitle> &cues,
-                     const Options &options, const QString &projectName, const Check &check)
+TitleDocument extend(XmlDocument base, std::vector<PlacedTrack> tracks, const QString &projectName, const Check &check)
 {
+    const Options &options = tracks.front().track.options;
     xmlNode *const project = FCPXML::project(base, projectName);
     // Final Cut Pro takes a project without these for a new one and leaves the old one alone.
     Xml::removeAttribute(project, "uid");
@@ -163,16 +162,16 @@ TitleDocument extend(XmlDocument base, const std::vector<TitleGrid::Title> &titl
     const auto start = Rational::parseTime(Xml::attribute(sequence, "tcStart").value_or("0s"));
     if (!start)
         throwMissingStructure(u"%1 的 tcStart 无法读取。"_s.arg(Xml::place(sequence)));
-    checkLength(titles, *duration, options.rate);
+    checkLength(tracks, *duration, options.rate);
     Xml::setAttribute(project, "name", options.name.toUtf8());
-    const QByteArray effectID = addEffect(resources, ids);
+    const QByteArray effectID = PlacedTracks::needEffect(tracks) ? addEffect(resources, ids) : QByteArray();
     return TitleConnection::connect({.tree = std::move(base),
                                      .spine = spine,
                                      .projectStart = *start,
                                      .styles = ids.counter("substyle"),
                                      .effectID = effectID,
                                      .indentation = std::nullopt},
-                                    titles, cues, options, check);
+                                    std::move(tracks), check);
 }
 
 /// How many projects there are, and what the first of them are called.
@@ -314,11 +313,17 @@ Options settings(Options options, const xmlNode *format, const QString &name)
 TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options,
                       const QString &projectName, const Check &check)
 {
+    return convert({{.cues = cues, .options = options}}, std::move(base), projectName, check);
+}
+
+TitleDocument convert(const std::vector<TitleTrack> &tracks, std::optional<XmlDocument> base,
+                      const QString &projectName, const Check &check)
+{
     if (!base)
-        return NewDocument::project(cues, options, check);
-    const auto titles = TitleGrid::place(cues, options, check);
+        return NewDocument::project(tracks, check);
+    auto placed = PlacedTracks::place(tracks, check);
     try {
-        return extend(*std::move(base), titles, cues, options, projectName, check);
+        return extend(*std::move(base), std::move(placed), projectName, check);
     } catch (const RationalOverflow &) {
         throwMissingStructure();
     }

@@ -68,4 +68,9 @@ Options settings(Options options, const xmlNode *format, const QString &name);
 TitleDocument convert(const QList<Subtitle> &cues, std::optional<XmlDocument> base, const Options &options,
                       const QString &projectName = {}, const Check &check = {});
 
+/// The same for several tracks, each on its lane and in its style, and for native captions.
+/// @throws ConversionError also when the tracks do not go together
+TitleDocument convert(const std::vector<TitleTrack> &tracks, std::optional<XmlDocument> base,
+                      const QString &projectName = {}, const Check &check = {});
+
 } // namespace FCPXML

@@ -65,11 +65,11 @@ void writeTitles(const QString &path, const QList<Subtitle> &cues, const Options
     const Check check = [&] { job.check(); };
     auto base = project ? std::optional(parse(*project, check)) : std::nullopt;
     job.check();
-    const TitleDocument document = FCPXML::convert(cues, std::move(base), options, {}, check);
+    const std::vector<TitleTrack> tracks{{.cues = cues, .options = options}};
+    const TitleDocument document = FCPXML::convert(tracks, std::move(base), {}, check);
     TitleFile::write(
         path, document,
-        [&](QByteArrayView written) { WrittenTitles::verify(written, document.effectID(), cues, options, {}, check); },
-        check);
+        [&](QByteArrayView written) { WrittenTitles::verify(written, document.marks(), tracks, {}, check); }, check);
 }
 
 QString fileName(const QString &name)

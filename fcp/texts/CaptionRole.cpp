@@ -1,5 +1,7 @@
 #include "fcp/texts/CaptionRole.h"
 
+#include <QRegularExpression>
+
 using namespace Qt::StringLiterals;
 
 std::optional<CaptionRole> CaptionRole::parse(const QString &role)
@@ -17,6 +19,17 @@ std::optional<CaptionRole> CaptionRole::parse(const QString &role)
             return CaptionRole{.format = format, .language = value.sliced(dot + 1)};
     }
     return std::nullopt;
+}
+
+std::optional<QString> CaptionRole::knownLanguage(const QString &tag)
+{
+    static const QRegularExpression form(u"\\A[a-z]{2,3}(-[A-Z][a-z]{3})?(-([A-Z]{2}|[0-9]{3}))?\\z"_s);
+    static const QRegularExpression traditional(u"\\Azh-(Hant|TW|HK|MO)"_s);
+    if (!form.match(tag).hasMatch())
+        return std::nullopt;
+    if (tag != u"zh"_s && !tag.startsWith(u"zh-"_s))
+        return tag;
+    return traditional.match(tag).hasMatch() ? u"cmn-Hant"_s : u"cmn-Hans"_s;
 }
 
 QString CaptionRole::formatName(Format format)

@@ -1,9 +1,6 @@
 #include "fcp/titles/NewDocument.h"
 
-#include "core/ConversionError.h"
 #include "fcp/titles/TitleConnection.h"
-
-#include <algorithm>
 
 namespace NewDocument {
 
@@ -17,7 +14,9 @@ constexpr QByteArrayView head = R"xml(<?xml version="1.0" encoding="UTF-8"?>
 <fcpxml version="1.10">
     <resources>
         <format id="r1" frameDuration="" width="" height="" colorSpace="1-1-1 (Rec. 709)"/>
-        <effect id="subeffect1" name="基本字幕" uid=""/>
+)xml";
+
+constexpr QByteArrayView effect = R"xml(        <effect id="subeffect1" name="基本字幕" uid=""/>
 )xml";
 
 constexpr QByteArrayView sequence =
@@ -31,9 +30,14 @@ constexpr QByteArrayView sequence =
 /// Blanks before a title, which stands inside the gap.
 constexpr int titleIndentation = 24;
 
-QByteArray projectFrame()
+QByteArray headOf(const std::vector<PlacedTrack> &tracks)
 {
-    return head.toByteArray() + R"xml(    </resources>
+    return PlacedTracks::needEffect(tracks) ? head.toByteArray() + effect.toByteArray() : head.toByteArray();
+}
+
+QByteArray projectFrame(const std::vector<PlacedTrack> &tracks)
+{
+    return headOf(tracks) + R"xml(    </resources>
     <event name="Lintora">
         <project name="">
 )xml" + sequence.toByteArray() +
@@ -42,9 +46,9 @@ QByteArray projectFrame()
 </fcpxml>)xml";
 }
 
-QByteArray clipFrame()
+QByteArray clipFrame(const std::vector<PlacedTrack> &tracks)
 {
-    return head.toByteArray() + R"xml(        <media id="lintoraMedia" name="">
+    return headOf(tracks) + R"xml(        <media id="lintoraMedia" name="">
 )xml" + sequence.toByteArray() +
            R"xml(        </media>
     </resources>
@@ -76,13 +80,10 @@ const xmlNode *complete(const XmlDocument &tree, const Options &options, qint64 
     return spine;
 }
 
-TitleDocument build(const QByteArray &frame, const QList<Subtitle> &cues, const Options &options, const Check &check)
+TitleDocument build(const QByteArray &frame, std::vector<PlacedTrack> tracks, const Check &check)
 {
-    const auto titles = TitleGrid::place(cues, options, check);
-    const auto longest = std::max_element(titles.begin(), titles.end(),
-                                          [](const auto &a, const auto &b) { return a.endFrame < b.endFrame; });
     XmlDocument tree = XmlDocument::parse(frame, {});
-    const xmlNode *const spine = complete(tree, options, longest->endFrame);
+    const xmlNode *const spine = complete(tree, tracks.front().track.options, PlacedTracks::last(tracks).endFrame);
     const Identifiers ids(tree);
     return TitleConnection::connect({.tree = std::move(tree),
                                      .spine = spine,
@@ -90,19 +91,23 @@ TitleDocument build(const QByteArray &frame, const QList<Subtitle> &cues, const 
                                      .styles = ids.counter("substyle"),
                                      .effectID = "subeffect1",
                                      .indentation = titleIndentation},
-                                    titles, cues, options, check);
+                                    std::move(tracks), check);
 }
 
 } // namespace
 
-TitleDocument project(const QList<Subtitle> &cues, const Options &options, const Check &check)
+TitleDocument project(const std::vector<TitleTrack> &tracks, const Check &check)
 {
-    return build(projectFrame(), cues, options, check);
+    auto placed = PlacedTracks::place(tracks, check);
+    const QByteArray frame = projectFrame(placed);
+    return build(frame, std::move(placed), check);
 }
 
-TitleDocument clip(const QList<Subtitle> &cues, const Options &options, const Check &check)
+TitleDocument clip(const std::vector<TitleTrack> &tracks, const Check &check)
 {
-    return build(clipFrame(), cues, options, check);
+    auto placed = PlacedTracks::place(tracks, check);
+    const QByteArray frame = clipFrame(placed);
+    return build(frame, std::move(placed), check);
 }
 
 } // namespace NewDocument

@@ -7,9 +7,9 @@
 namespace NewDocument {
 
 /// One event with one project, whose storyline is a gap that carries the titles. @throws ConversionError
-TitleDocument project(const QList<Subtitle> &cues, const Options &options, const Check &check = {});
+TitleDocument project(const std::vector<TitleTrack> &tracks, const Check &check = {});
 
 /// The same sequence as a media resource "lintoraMedia" with a clip that refers to it. @throws ConversionError
-TitleDocument clip(const QList<Subtitle> &cues, const Options &options, const Check &check = {});
+TitleDocument clip(const std::vector<TitleTrack> &tracks, const Check &check = {});
 
 } // namespace NewDocument

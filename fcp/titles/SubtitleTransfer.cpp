@@ -7,13 +7,18 @@ namespace SubtitleTransfer {
 
 QByteArray clip(const QList<Subtitle> &cues, const Options &options, const Check &check)
 {
+    return clip({{.cues = cues, .options = options}}, check);
+}
+
+QByteArray clip(const std::vector<TitleTrack> &tracks, const Check &check)
+{
     QByteArray bytes;
     Utf8Writer out([&](QByteArrayView block) {
         if (check)
             check();
         bytes.append(block);
     });
-    NewDocument::clip(cues, options, check).write(out);
+    NewDocument::clip(tracks, check).write(out);
     return bytes;
 }
 

@@ -52,6 +52,33 @@ quint64 freeLane(const XmlDocument &document, SparseCheck &goOn)
     return static_cast<quint64>(highest) + 1;
 }
 
+bool holdsCaptions(const XmlDocument &document, const CaptionRole &role, SparseCheck &goOn)
+{
+    const QByteArray text = role.toText().toUtf8();
+    for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
+        goOn();
+        if (Xml::isElement(element, "caption") && Xml::attribute(element, "role") == text)
+            return true;
+    }
+    return false;
+}
+
+/// The layers of the tracks, each on its lane.
+std::vector<TitleDocument::Layer> layers(const std::vector<PlacedTrack> &tracks, const Target &target,
+                                         SparseCheck &goOn)
+{
+    std::vector<TitleDocument::Layer> layers;
+    quint64 free = freeLane(target.tree, goOn);
+    for (const PlacedTrack &each : tracks) {
+        const auto &captions = each.track.captions;
+        const bool takesFirst = captions && !holdsCaptions(target.tree, *captions, goOn);
+        layers.push_back({.track = each.track,
+                          .effectID = captions ? QByteArray() : target.effectID,
+                          .lane = takesFirst ? 1 : free++});
+    }
+    return layers;
+}
+
 qint64 connectionFrame(const TitleGrid::Title &title, const Storyline::Clip &clip, const FrameRate &rate)
 {
     try {
@@ -63,48 +90,58 @@ qint64 connectionFrame(const TitleGrid::Title &title, const Storyline::Clip &cli
     throw ConversionError::aboutCue(title.cueID, u" 条字幕内容或时间无效。");
 }
 
+/// A title and where it hangs.
+struct Hung
+{
+    const Storyline::Clip *clip;
+    ConnectedTitle title;
+};
+
+Hung hang(const TitleGrid::Title &title, const Storyline &storyline, const FrameRate &rate)
+{
+    const Storyline::Clip *const clip = storyline.clipAt(title.startFrame);
+    if (!clip)
+        throw ConversionError::aboutCue(title.cueID, u" 条字幕起点不在主时间线片段内。",
+                                        u"它从时间线第 %1 帧开始。"_s.arg(title.startFrame));
+    if (clip->retimed)
+        throw ConversionError(
+            u"字幕连接位置位于变速主片段。请先将项目制作为复合片段，再导出 XML。"_s,
+            u"第 %1 条字幕，连接到%2。"_s.arg(QString::number(title.cueID), Xml::place(clip->element)));
+    return {.clip = clip,
+            .title = {.text = title.text,
+                      .layer = 0,
+                      .offsetFrame = connectionFrame(title, *clip, rate),
+                      .frames = title.endFrame - title.startFrame,
+                      .styleNumber = 0}};
+}
+
 } // namespace
 
-TitleDocument connect(Target target, const std::vector<TitleGrid::Title> &titles, const QList<Subtitle> &cues,
-                      const Options &options, const Check &check)
+TitleDocument connect(Target target, std::vector<PlacedTrack> tracks, const Check &check)
 {
     SparseCheck goOn(check);
-    const Storyline storyline(target.spine, target.projectStart, options.rate);
-    struct Hung
-    {
-        const Storyline::Clip *clip;
-        ConnectedTitle title;
-    };
+    const FrameRate rate = tracks.front().track.options.rate;
+    const Storyline storyline(target.spine, target.projectStart, rate);
     std::vector<Hung> hung;
-    hung.reserve(titles.size());
-    for (const TitleGrid::Title &title : titles) {
-        goOn();
-        const Storyline::Clip *const clip = storyline.clipAt(title.startFrame);
-        if (!clip)
-            throw ConversionError::aboutCue(title.cueID, u" 条字幕起点不在主时间线片段内。",
-                                            u"它从时间线第 %1 帧开始。"_s.arg(title.startFrame));
-        if (clip->retimed)
-            throw ConversionError(
-                u"字幕连接位置位于变速主片段。请先将项目制作为复合片段，再导出 XML。"_s,
-                u"第 %1 条字幕，连接到%2。"_s.arg(QString::number(title.cueID), Xml::place(clip->element)));
-        hung.push_back({.clip = clip,
-                        .title = {.text = title.text,
-                                  .offsetFrame = connectionFrame(title, *clip, options.rate),
-                                  .frames = title.endFrame - title.startFrame,
-                                  .styleNumber = target.styles.next()}});
+    for (size_t layer = 0; layer < tracks.size(); ++layer) {
+        hung.reserve(hung.size() + tracks[layer].titles.size());
+        for (const TitleGrid::Title &title : tracks[layer].titles) {
+            goOn();
+            hung.push_back(hang(title, storyline, rate));
+            hung.back().title.layer = layer;
+            hung.back().title.styleNumber = target.styles.next();
+        }
     }
-    // Titles come by time, clips nearly always too; where clips overlap, those of one clip are brought together here.
+    // Titles come by time, clips nearly always too; where clips overlap, and for further tracks, those of one clip are
+    // brought together here.
     std::stable_sort(hung.begin(), hung.end(), [](const Hung &a, const Hung &b) { return a.clip < b.clip; });
 
+    auto layers = TitleConnection::layers(tracks, target, goOn);
     TitleDocument::Content content{.tree = std::move(target.tree),
-                                   .cues = cues,
-                                   .options = options,
-                                   .effectID = target.effectID,
-                                   .lane = 0,
+                                   .layers = std::move(layers),
                                    .indentation = target.indentation,
                                    .titles = {},
                                    .runs = {}};
-    content.lane = freeLane(content.tree, goOn);
     content.titles.reserve(hung.size());
     const Storyline::Clip *last = nullptr;
     for (const Hung &each : hung) {

@@ -4,81 +4,14 @@
 #include "fcp/xml/XmlText.h"
 #include "fcp/xml/XmlWriter.h"
 
-#include <QLocale>
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
-/// Shortest decimal that reads back to the same double, never with an exponent, whole numbers with ".0".
-QByteArray decimal(double value)
+TitlePattern makePattern(const TitleDocument::Layer &layer, std::optional<int> indentation)
 {
-    QByteArray text = QByteArray::number(value, 'f', QLocale::FloatingPointShortest);
-    if (!text.contains('.'))
-        text += ".0";
-    return text;
-}
-
-QByteArray attributeText(QStringView text)
-{
-    QByteArray bytes;
-    Utf8Writer out([&](QByteArrayView block) { bytes.append(block); });
-    XmlText::writeAttribute(text, out);
-    out.finish();
-    return bytes;
-}
-
-/// The parts of a title that are the same in every title of a document, ready to be copied.
-struct TitlePattern
-{
-    QByteArray indent;     ///< Before the title.
-    QByteArray lastIndent; ///< After the last title of a clip.
-    QByteArray toOffset;
-    QByteArray endOfTime;
-    QByteArray toStyleReference;
-    QByteArray toStyleDefinition;
-    QByteArray toEnd;
-};
-
-QByteArray textStyle(const Options &options)
-{
-    QByteArray style = "<text-style font=\"" + attributeText(options.font) + "\" fontFace=\"" +
-                       attributeText(options.fontFace.value_or(u"Regular"_s)) + "\" fontSize=\"" +
-                       decimal(options.fontSize) + "\" fontColor=\"" + attributeText(options.fontColor) +
-                       "\" alignment=\"center\"";
-    if (options.strokeEnabled)
-        style += " strokeColor=\"" + attributeText(options.strokeColor) + "\" strokeWidth=\"" +
-                 decimal(options.strokeWidth) + '"';
-    if (options.shadowEnabled)
-        style += " shadowColor=\"" + attributeText(options.shadowColor) +
-                 "\" shadowOffset=\"2 -2\" shadowBlurRadius=\"" + decimal(options.shadowBlur) + '"';
-    return style + "/>";
-}
-
-TitlePattern makePattern(const TitleDocument::Content &content)
-{
-    const Options &options = content.options;
-    const std::optional<int> indentation = content.indentation;
-    const auto lineBreak = [&](int depth) {
-        return indentation ? '\n' + QByteArray(*indentation + 4 * depth, ' ') : QByteArray();
-    };
-    const QByteArray inner = lineBreak(1);
-    return {
-        .indent = lineBreak(0),
-        .lastIndent = lineBreak(-1),
-        .toOffset = "\" ref=\"" + content.effectID + "\" lane=\"" + QByteArray::number(content.lane) + "\" offset=\"",
-        .endOfTime = '/' + QByteArray::number(options.rate.numerator) + 's',
-        .toStyleReference =
-            "\" role=\"" + attributeText(options.titleRole.value_or(u"titles.字幕"_s)) + "\">" + inner +
-            "<param name=\"Position\" key=\"9999/999166631/999166633/1/100/101\" value=\"0 0\"/>" + inner +
-            "<param name=\"Alignment\" key=\"9999/999166631/999166633/2/354/999169573/401\" value=\"1 (Center)\"/>" +
-            inner + "<text><text-style ref=\"substyle",
-        // Nothing may be added inside the text-style of a text: every byte of it is shown.
-        .toStyleDefinition = "</text-style></text>" + inner + "<text-style-def id=\"substyle",
-        .toEnd = "\">" + lineBreak(2) + textStyle(options) + inner + "</text-style-def>" + inner +
-                 "<adjust-transform position=\"0 " + decimal(options.bottomPercent - 50) + "\"/>" + lineBreak(0) +
-                 "</title>",
-    };
+    const TitlePattern::Place place{.lane = QByteArray::number(layer.lane), .indentation = indentation};
+    const TitleTrack &track = layer.track;
+    return track.captions ? TitlePattern::caption(*track.captions, track.options, place)
+                          : TitlePattern::basicTitle(track.options, layer.effectID, place);
 }
 
 class Writer : public XmlWriter
@@ -87,8 +20,10 @@ public:
     Writer(const TitleDocument::Content &content, Utf8Writer &out)
         : XmlWriter(out)
         , m_content(content)
-        , m_pattern(makePattern(content))
-    {}
+    {
+        for (const TitleDocument::Layer &layer : content.layers)
+            m_patterns.push_back(makePattern(layer, content.indentation));
+    }
 
 protected:
     bool hasInsertion(const xmlNode *element) const override { return element->_private != nullptr; }
@@ -100,41 +35,60 @@ protected:
             return;
         for (size_t i = run.first; i != run.end; ++i)
             writeTitle(m_content.titles[i]);
-        out().bytes(m_pattern.lastIndent);
+        out().bytes(m_patterns.front().lastIndent);
     }
 
 private:
     void writeTitle(const ConnectedTitle &title)
     {
-        Utf8Writer &to = out();
-        to.bytes(m_pattern.indent);
-        to.bytes("<title name=\"");
-        if (title.text.contains(u'\n'))
-            XmlText::writeAttribute(title.text.toString().replace(u'\n', u' '), to);
+        const TitlePattern &pattern = m_patterns[title.layer];
+        out().bytes(pattern.indent);
+        for (const TitlePattern::Piece &piece : pattern.pieces) {
+            out().bytes(piece.bytes);
+            fill(piece.slot, title);
+        }
+    }
+
+    void fill(TitlePattern::Slot slot, const ConnectedTitle &title)
+    {
+        using enum TitlePattern::Slot;
+        switch (slot) {
+        case name:
+            writeName(title.text);
+            break;
+        case offset:
+            writeTime(title.offsetFrame, title);
+            break;
+        case duration:
+            writeTime(title.frames, title);
+            break;
+        case style:
+            out().number(title.styleNumber);
+            break;
+        case text:
+            XmlText::writeContent(title.text, out());
+            break;
+        case end:
+            break;
+        }
+    }
+
+    void writeName(QStringView text)
+    {
+        if (text.contains(u'\n'))
+            XmlText::writeAttribute(text.toString().replace(u'\n', u' '), out());
         else
-            XmlText::writeAttribute(title.text, to);
-        to.bytes(m_pattern.toOffset);
-        writeTime(title.offsetFrame);
-        to.bytes("\" start=\"3600s\" duration=\"");
-        writeTime(title.frames);
-        to.bytes(m_pattern.toStyleReference);
-        to.number(title.styleNumber);
-        to.bytes("\">");
-        XmlText::writeContent(title.text, to);
-        to.bytes(m_pattern.toStyleDefinition);
-        to.number(title.styleNumber);
-        to.bytes(m_pattern.toEnd);
+            XmlText::writeAttribute(text, out());
     }
 
     /// As FrameRate::time, whose product was checked when the title was connected.
-    void writeTime(qint64 frames)
+    void writeTime(qint64 frames, const ConnectedTitle &title)
     {
-        out().number(frames * m_content.options.rate.denominator);
-        out().bytes(m_pattern.endOfTime);
+        out().number(frames * m_content.layers[title.layer].track.options.rate.denominator);
     }
 
     const TitleDocument::Content &m_content;
-    TitlePattern m_pattern;
+    std::vector<TitlePattern> m_patterns; ///< A layer each.
 };
 
 } // namespace
@@ -145,6 +99,20 @@ TitleDocument::TitleDocument(Content content)
     // libxml2 keeps one pointer in every node for the application: a clip knows its titles without a search.
     for (TitleRun &run : m_content.runs)
         run.clip->_private = &run;
+}
+
+std::vector<XmlDocument::Wanted> TitleDocument::marks() const
+{
+    std::vector<XmlDocument::Wanted> marks;
+    for (const Layer &layer : m_content.layers) {
+        const QByteArray lane = QByteArray::number(layer.lane);
+        if (const auto &captions = layer.track.captions)
+            marks.push_back(
+                {.element = "caption", .attributes = {{"lane", lane}, {"role", captions->toText().toUtf8()}}});
+        else
+            marks.push_back({.element = "title", .attributes = {{"lane", lane}, {"ref", layer.effectID}}});
+    }
+    return marks;
 }
 
 void TitleDocument::write(Utf8Writer &out) const

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/Subtitle.h"
-#include "fcp/Options.h"
+#include "fcp/titles/TitlePattern.h"
+#include "fcp/titles/TitleTrack.h"
 #include "fcp/xml/XmlDocument.h"
 
 #include <optional>
@@ -13,6 +13,7 @@ class Utf8Writer;
 struct ConnectedTitle
 {
     QStringView text;   ///< Trimmed; a view into the document's cues.
+    size_t layer;       ///< Which of the document's layers it belongs to.
     qint64 offsetFrame; ///< In the clip's own time.
     qint64 frames;      ///< Length.
     qint64 styleNumber; ///< The text style's id is "substyle" and this.
@@ -38,13 +39,18 @@ public:
     static constexpr QByteArrayView basicTitle =
         ".../Titles.localized/Bumper:Opener.localized/Basic Title.localized/Basic Title.moti";
 
+    /// One track of titles.
+    struct Layer
+    {
+        TitleTrack track;    ///< Its cues keep alive what the titles' texts look into. Checked.
+        QByteArray effectID; ///< Of the title effect in the tree's resources; empty for captions.
+        quint64 lane;        ///< Of all its titles.
+    };
+
     struct Content
     {
-        XmlDocument tree;               ///< All but the titles.
-        QList<Subtitle> cues;           ///< Keeps alive what the titles' texts look into.
-        Options options;                ///< What the titles look like. Checked.
-        QByteArray effectID;            ///< Of the title effect in the tree's resources.
-        quint64 lane;                   ///< Of all titles.
+        XmlDocument tree; ///< All but the titles.
+        std::vector<Layer> layers;
         std::optional<int> indentation; ///< Blanks before a title; absent when nothing may stand between titles.
         std::vector<ConnectedTitle> titles;
         std::vector<TitleRun> runs; ///< In any order, a clip once.
@@ -52,7 +58,8 @@ public:
 
     explicit TitleDocument(Content content);
 
-    const QByteArray &effectID() const { return m_content.effectID; } ///< What all its titles refer to.
+    /// How the titles of each track are found in the document, in the order of the tracks.
+    std::vector<XmlDocument::Wanted> marks() const;
 
     /// Writes the document as UTF-8, the same bytes every time, and calls out.finish().
     void write(Utf8Writer &out) const;

@@ -80,34 +80,19 @@ const xmlNode *media(const XmlDocument &document)
     return resources ? Xml::child(resources, "media") : nullptr;
 }
 
-/// `owner` finds the element in the document whose sequence carries the titles.
-void compare(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options,
-             const std::function<const xmlNode *(const XmlDocument &)> &owner, const Check &check)
+/// Holds the titles of one track against its cues.
+void compareTrack(std::vector<Found> titles, const TitleTrack &track, const xmlNode *spine, const Rational &start,
+                  const Check &check)
 {
     SparseCheck goOn(check);
-    std::vector<Found> titles;
-    const XmlDocument::Extraction extraction{
-        .element = "title", .attribute = "ref", .value = effectID, .take = [&](const XmlDocument::Extract &title) {
-            titles.push_back({.parent = title.parent,
-                              .text = QString::fromUtf8(title.text),
-                              .offset = Rational::parseTime(title.attribute("offset")),
-                              .duration = Rational::parseTime(title.attribute("duration"))});
-        }};
-    const XmlDocument rest = XmlDocument::parse(document, u"不支持含外部实体的 XML。", extraction, check);
-    const std::vector<TitleGrid::Title> expected = TitleGrid::place(cues, options, check);
-    const xmlNode *const found = owner(rest);
-    const xmlNode *const sequence = found ? Xml::child(found, "sequence") : nullptr;
-    const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
-    const auto start =
-        sequence ? Rational::parseTime(Xml::attribute(sequence, "tcStart").value_or("0s")) : std::nullopt;
-    if (!spine || !start)
-        throw difference(expected.front().cueID);
+    const FrameRate &rate = track.options.rate;
+    const std::vector<TitleGrid::Title> expected = TitleGrid::place(track.cues, track.options, check);
     try {
-        const Storyline storyline(spine, *start, options.rate);
-        titles = inOrder(std::move(titles), storyline, expected, options.rate, goOn);
+        const Storyline storyline(spine, start, rate);
+        titles = inOrder(std::move(titles), storyline, expected, rate, goOn);
         for (size_t i = 0; i < expected.size(); ++i) {
             goOn();
-            if (i >= titles.size() || !stands(titles[i], expected[i], storyline, options.rate))
+            if (i >= titles.size() || !stands(titles[i], expected[i], storyline, rate))
                 throw difference(expected[i].cueID);
         }
     } catch (const RationalOverflow &) {
@@ -117,20 +102,45 @@ void compare(QByteArrayView document, const QByteArray &effectID, const QList<Su
         throw difference(expected.back().cueID);
 }
 
-} // namespace
-
-void verify(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues, const Options &options,
-            const QString &projectName, const Check &check)
+/// `owner` finds the element in the document whose sequence carries the titles.
+void compare(QByteArrayView document, const std::vector<XmlDocument::Wanted> &marks,
+             const std::vector<TitleTrack> &tracks, const std::function<const xmlNode *(const XmlDocument &)> &owner,
+             const Check &check)
 {
-    compare(
-        document, effectID, cues, options, [&](const XmlDocument &rest) { return FCPXML::project(rest, projectName); },
-        check);
+    std::vector<std::vector<Found>> titles(marks.size());
+    const XmlDocument::Extraction extraction{.wanted = marks, .take = [&](const XmlDocument::Extract &title) {
+                                                 titles[title.wanted].push_back(
+                                                     {.parent = title.parent,
+                                                      .text = QString::fromUtf8(title.text),
+                                                      .offset = Rational::parseTime(title.attribute("offset")),
+                                                      .duration = Rational::parseTime(title.attribute("duration"))});
+                                             }};
+    const XmlDocument rest = XmlDocument::parse(document, u"不支持含外部实体的 XML。", extraction, check);
+    const xmlNode *const found = owner(rest);
+    const xmlNode *const sequence = found ? Xml::child(found, "sequence") : nullptr;
+    const xmlNode *const spine = sequence ? Xml::child(sequence, "spine") : nullptr;
+    const auto start =
+        sequence ? Rational::parseTime(Xml::attribute(sequence, "tcStart").value_or("0s")) : std::nullopt;
+    for (size_t i = 0; i < tracks.size(); ++i) {
+        if (!spine || !start || i >= titles.size())
+            throw difference(tracks[i].cues.front().id);
+        compareTrack(std::move(titles[i]), tracks[i], spine, *start, check);
+    }
 }
 
-void verifyClip(QByteArrayView document, const QByteArray &effectID, const QList<Subtitle> &cues,
-                const Options &options, const Check &check)
+} // namespace
+
+void verify(QByteArrayView document, const std::vector<XmlDocument::Wanted> &marks,
+            const std::vector<TitleTrack> &tracks, const QString &projectName, const Check &check)
 {
-    compare(document, effectID, cues, options, media, check);
+    compare(
+        document, marks, tracks, [&](const XmlDocument &rest) { return FCPXML::project(rest, projectName); }, check);
+}
+
+void verifyClip(QByteArrayView document, const std::vector<XmlDocument::Wanted> &marks,
+                const std::vector<TitleTrack> &tracks, const Check &check)
+{
+    compare(document, marks, tracks, media, check);
 }
 
 } // namespace WrittenTitles

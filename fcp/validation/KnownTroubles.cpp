@@ -43,13 +43,6 @@ QString timeText(const Rational &seconds)
                                       : numerator + u'/' + QString::number(seconds.denominator()) + u's';
 }
 
-/// Languages as Final Cut Pro names them. It takes those that it does not know for English.
-bool isKnownLanguage(const QString &tag)
-{
-    static const QRegularExpression form(u"^[a-z]{2,3}(-[A-Z][a-z]{3})?(-([A-Z]{2}|[0-9]{3}))?$"_s);
-    return form.match(tag).hasMatch() && tag != u"zh"_s && !tag.startsWith(u"zh-"_s);
-}
-
 } // namespace
 
 KnownTroubles::KnownTroubles(const XmlDocument &document, Findings &findings)
@@ -255,7 +248,7 @@ void KnownTroubles::checkCaption(const xmlNode *caption)
     const auto role = CaptionRole::parse(QString::fromUtf8(Xml::attribute(caption, "role").value_or(QByteArray())));
     if (!role)
         warning(caption, u"caption.role"_s, u"字幕角色写法不对。"_s, u"例如 iTT?captionFormat=ITT.en。"_s);
-    else if (!isKnownLanguage(role->language))
+    else if (CaptionRole::knownLanguage(role->language) != role->language)
         warning(caption, u"caption.language"_s, u"语言会变成英语：%1。"_s.arg(role->language),
                 u"简体中文写作 cmn-Hans。"_s);
     const bool isJapanese = role && role->language.startsWith(u"ja"_s);

@@ -18,5 +18,8 @@ struct Problem
     QString message = {}; ///< A sentence.
     QString fix = {};     ///< What to do, a sentence; empty where that is not known.
 
+    /// One line for a person: where it is, how bad, what, and the way out.
+    QString toText() const;
+
     friend bool operator==(const Problem &, const Problem &) = default;
 };

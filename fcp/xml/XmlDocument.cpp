@@ -83,12 +83,23 @@ Attributes readAttributes(const xmlChar **attributes, int count)
     return result;
 }
 
-bool isWanted(const XmlDocument::Extraction &extraction, const xmlChar *name, const Attributes &attributes)
+/// Which of the wanted elements one is; their number when it is none of them.
+size_t wantedIndex(const XmlDocument::Extraction &extraction, const xmlChar *name, const Attributes &attributes)
 {
-    return QByteArrayView(plainChars(name)) == extraction.element &&
-           std::ranges::any_of(attributes, [&](const auto &each) {
-               return each.first == extraction.attribute && each.second == extraction.value;
-           });
+    const auto found = std::ranges::find_if(extraction.wanted, [&](const XmlDocument::Wanted &wanted) {
+        return QByteArrayView(plainChars(name)) == wanted.element &&
+               std::ranges::all_of(wanted.attributes, [&](const auto &each) {
+                   return std::ranges::find(attributes, each) != attributes.end();
+               });
+    });
+    return size_t(found - extraction.wanted.begin());
+}
+
+bool hasWantedName(const XmlDocument::Extraction &extraction, const xmlChar *name)
+{
+    return std::ranges::any_of(extraction.wanted, [&](const XmlDocument::Wanted &wanted) {
+        return QByteArrayView(plainChars(name)) == wanted.element;
+    });
 }
 
 void startElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *uri, int namespaceCount,
@@ -102,11 +113,14 @@ void startElement(void *context, const xmlChar *name, const xmlChar *prefix, con
         parsing.textDepth += QByteArrayView(plainChars(name)) == "text" ? 1 : 0;
         return;
     }
-    if (parsing.extraction && QByteArrayView(plainChars(name)) == parsing.extraction->element) {
+    if (parsing.extraction && hasWantedName(*parsing.extraction, name)) {
         Attributes found = readAttributes(attributes, attributeCount);
-        if (isWanted(*parsing.extraction, name, found)) {
-            parsing.extract = {
-                .parent = static_cast<xmlParserCtxt *>(context)->node, .attributes = std::move(found), .text = {}};
+        const size_t wanted = wantedIndex(*parsing.extraction, name, found);
+        if (wanted < parsing.extraction->wanted.size()) {
+            parsing.extract = {.wanted = wanted,
+                               .parent = static_cast<xmlParserCtxt *>(context)->node,
+                               .attributes = std::move(found),
+                               .text = {}};
             return;
         }
     }

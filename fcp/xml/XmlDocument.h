@@ -29,6 +29,7 @@ public:
     /// An element that was taken out of a document, with nothing inside but what is said here.
     struct Extract
     {
+        size_t wanted = 0;                                         ///< Which of the wanted it is.
         xmlNode *parent;                                           ///< In the rest of the document.
         std::vector<std::pair<QByteArray, QByteArray>> attributes; ///< Names and values, in document order.
         QByteArray text;                                           ///< All character data inside its "text" elements.
@@ -36,12 +37,17 @@ public:
         QByteArray attribute(QByteArrayView name) const; ///< Empty when absent.
     };
 
+    /// By what an element that is to be taken out is known.
+    struct Wanted
+    {
+        QByteArray element = {};                                        ///< Its name.
+        std::vector<std::pair<QByteArray, QByteArray>> attributes = {}; ///< Names and values that it must have.
+    };
+
     /// Which elements are to be taken out, and who takes them, in document order.
     struct Extraction
     {
-        QByteArray element;                     ///< Its name.
-        QByteArray attribute;                   ///< One that it must have …
-        QByteArray value;                       ///< … with this value.
+        std::vector<Wanted> wanted;
         std::function<void(Extract)> take = {}; ///< Must not throw.
     };
 

@@ -141,4 +141,46 @@ TEST_F(ProjectTextsTest, titles_offer_a_way_on_where_a_project_refuses)
     EXPECT_EQ(run(u"titles"_s, u"long.srt"_s, {u"--skip-retimed"_s}).status, 2);
 }
 
+TEST_F(ProjectTextCommands, titles_can_be_captions)
+{
+    file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n");
+    const auto made = [&](const QStringList &arguments) { return run(u"titles"_s, u"in.srt"_s, arguments); };
+    EXPECT_TRUE(made({u"--captions"_s, u"itt"_s, u"--language"_s, u"zh-Hans"_s})
+                    .output.contains("role=\"iTT?captionFormat=ITT.cmn-Hans\""));
+    EXPECT_TRUE(
+        made({u"--captions"_s, u"srt"_s, u"--language"_s, u"en"_s}).output.contains("\"SRT?captionFormat=SRT.en\""));
+    EXPECT_EQ(made({u"--captions"_s, u"itt"_s}).status, 2);
+    EXPECT_EQ(made({u"--language"_s, u"en"_s}).status, 2);
+    EXPECT_EQ(made({u"--captions"_s, u"itt"_s, u"--language"_s, u"中文"_s}).status, 2);
+}
+
+TEST_F(ProjectTextCommands, titles_take_several_tracks)
+{
+    file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n");
+    file(u"en.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\none\n");
+    const QStringList tracks{u"--track"_s, path(u"en.srt"_s), u"--track"_s, path(u"en.srt"_s)};
+    for (const QStringList &into : {QStringList(), QStringList{u"--clip"_s}}) {
+        const QByteArray written = run(u"titles"_s, u"in.srt"_s, tracks + into).output;
+        for (const char *const lane : {"lane=\"1\"", "lane=\"2\"", "lane=\"3\""})
+            EXPECT_EQ(written.count(lane), 1) << lane;
+    }
+    EXPECT_EQ(run(u"titles"_s, u"in.srt"_s, {u"--track-preset"_s, u"x"_s}).status, 2);
+    EXPECT_EQ(
+        run(u"titles"_s, u"in.srt"_s, tracks + QStringList{u"--captions"_s, u"itt"_s, u"--language"_s, u"en"_s}).status,
+        2);
+    expect(run(u"titles"_s, u"in.srt"_s, tracks + QStringList{u"--track-preset"_s, u"没有"_s}), 1, "",
+           "没有名为“没有”的样式预设。\n");
+}
+
+TEST_F(ProjectTextCommands, titles_say_what_their_document_is_held_against)
+{
+    file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n");
+    const auto clean = run(u"titles"_s, u"in.srt"_s, {u"--progress"_s, u"-o"_s, path(u"out.fcpxml"_s)});
+    EXPECT_EQ(clean.error.toStdString(), "已写入 1 条字幕标题\n文档检查：没有发现问题\n");
+    file(u"odd.fcpxml"_s, content(u"bare.fcpxml"_s).replace("<gap ", "<gap lane='1' "));
+    const auto odd = run(u"titles"_s, u"in.srt"_s, {u"--progress"_s, u"--base"_s, path(u"odd.fcpxml"_s)});
+    EXPECT_TRUE(odd.error.contains("文档检查：")) << odd.error.toStdString();
+    EXPECT_FALSE(odd.error.contains("没有发现问题"));
+}
+
 } // namespace

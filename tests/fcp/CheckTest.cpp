@@ -50,7 +50,9 @@ TEST(Check, is_asked_all_the_way_through_and_ends_what_asks)
         {"making titles", 12, [&](const Check &check) { FCPXML::convert(cues, std::nullopt, options, {}, check); }},
         {"making a clip", 14, [&](const Check &check) { SubtitleTransfer::clip(cues, options, check); }},
         {"holding titles against cues", 30,
-         [&](const Check &check) { WrittenTitles::verify(written, titles.effectID(), cues, options, {}, check); }},
+         [&](const Check &check) {
+             WrittenTitles::verify(written, titles.marks(), {{.cues = cues, .options = options}}, {}, check);
+         }},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.name);

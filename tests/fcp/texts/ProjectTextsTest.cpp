@@ -6,6 +6,7 @@
 #include "fcp/texts/TextFields.h"
 #include "fcp/timeline/ConformRate.h"
 #include "fcp/titles/NewDocument.h"
+#include "fcp/validation/DocumentCheck.h"
 #include "tests/support/Generator.h"
 #include "tests/support/StoryDocument.h"
 
@@ -62,7 +63,8 @@ TEST_P(EveryRate, titles_that_we_wrote_come_back_to_the_frame)
 TEST_P(EveryRate, titles_of_a_dragged_clip_come_back_to_the_frame)
 {
     const QList<Subtitle> cues = this->cues();
-    const XmlDocument document = XmlDocument::parse(NewDocument::clip(cues, m_options).toUtf8(), {});
+    const XmlDocument document =
+        XmlDocument::parse(NewDocument::clip({{.cues = cues, .options = m_options}}).toUtf8(), {});
     const auto tracks = ProjectTexts::read(document, nullptr);
     ASSERT_EQ(tracks.size(), 1U);
     EXPECT_EQ(frames(tracks[0].items, GetParam()), frames(cues, GetParam()));
@@ -100,6 +102,41 @@ TEST_P(EveryRate, titles_in_a_project_come_back_to_the_frame)
 INSTANTIATE_TEST_SUITE_P(ProjectTexts, EveryRate, ::testing::ValuesIn(FrameRate::all()), [](const auto &row) {
     return "rate_" + QString(row.param.label).replace(u'.', u'_').toStdString();
 });
+
+/// Cues of which none begins before the last has ended, as captions of a language must not.
+QList<Subtitle> oneByOne(QList<Subtitle> cues, const FrameRate &rate)
+{
+    qint64 end = 0;
+    cues.removeIf([&](const Subtitle &cue) {
+        const bool overlaps = *rate.frame(cue.start) < end;
+        end = overlaps ? end : *rate.frame(cue.end);
+        return overlaps;
+    });
+    qint64 number = 0;
+    for (Subtitle &cue : cues)
+        cue.id = ++number;
+    return cues;
+}
+
+TEST_P(EveryRate, titles_to_captions_and_back_keep_text_and_times)
+{
+    const QList<Subtitle> cues = oneByOne(this->cues(), GetParam());
+    ASSERT_GT(cues.size(), 100);
+    const TitleTrack captions{.cues = readProject(FCPXML::convert(cues, std::nullopt, m_options).toUtf8())[0].items,
+                              .options = m_options,
+                              .captions = CaptionRole{.format = CaptionRole::Format::srt, .language = u"cmn-Hans"_s}};
+    const QByteArray written = FCPXML::convert({captions}, std::nullopt).toUtf8();
+    const auto tracks = readProject(written);
+    ASSERT_EQ(tracks.size(), 1U);
+    EXPECT_TRUE(tracks[0].captions);
+    EXPECT_EQ(tracks[0].role, captions.captions->toText());
+    EXPECT_EQ(frames(tracks[0].items, GetParam()), frames(cues, GetParam()));
+    EXPECT_EQ(FCPXML::convert(tracks[0].items, std::nullopt, m_options).toUtf8(),
+              FCPXML::convert(cues, std::nullopt, m_options).toUtf8());
+    EXPECT_FALSE(written.contains("<effect"));
+    EXPECT_EQ(DocumentCheck::problems(written), QList<Problem>());
+    EXPECT_EQ(DocumentCheck::problems(NewDocument::clip({captions}).toUtf8()), QList<Problem>());
+}
 
 struct Content
 {
@@ -173,6 +210,27 @@ TEST(ProjectTexts, a_hundred_thousand_titles_are_read)
     ASSERT_EQ(tracks.size(), 1U);
     ASSERT_EQ(tracks[0].items.size(), count);
     EXPECT_EQ(tracks[0].items.last(), (Subtitle{.id = count, .start = 3'999'960, .end = 4'000'000, .text = u"字"_s}));
+}
+
+TEST(CaptionRole, names_languages_as_final_cut_pro_does)
+{
+    const QList<std::pair<const char *, const char *>> names{{"en", "en"},
+                                                             {"ja-JP", "ja-JP"},
+                                                             {"cmn-Hans", "cmn-Hans"},
+                                                             {"zh", "cmn-Hans"},
+                                                             {"zh-CN", "cmn-Hans"},
+                                                             {"zh-Hans", "cmn-Hans"},
+                                                             {"zh-TW", "cmn-Hant"},
+                                                             {"zh-Hant-HK", "cmn-Hant"},
+                                                             {"", ""},
+                                                             {"Chinese", ""},
+                                                             {"EN", ""},
+                                                             {"en_US", ""},
+                                                             {"en\n", ""}};
+    for (const auto &[tag, expected] : names)
+        EXPECT_EQ(CaptionRole::knownLanguage(QString::fromLatin1(tag)).value_or(QString()),
+                  QString::fromLatin1(expected))
+            << tag;
 }
 
 TEST(CaptionRole, is_read_behind_the_name_that_the_user_gave)

@@ -28,20 +28,20 @@ QByteArray roughCut(const char *rate)
 struct Written
 {
     QByteArray document;
-    QByteArray effectID;
+    std::vector<XmlDocument::Wanted> marks;
 };
 
 Written write(const QList<Subtitle> &cues, const Options &options, const QByteArray &base = {})
 {
     const TitleDocument document =
         FCPXML::convert(cues, base.isEmpty() ? std::nullopt : std::optional(XmlDocument::parse(base, {})), options);
-    return {.document = document.toUtf8(), .effectID = document.effectID()};
+    return {.document = document.toUtf8(), .marks = document.marks()};
 }
 
 QString difference(const Written &written, const QList<Subtitle> &cues, const Options &options)
 {
     try {
-        WrittenTitles::verify(written.document, written.effectID, cues, options);
+        WrittenTitles::verify(written.document, written.marks, {{.cues = cues, .options = options}});
     } catch (const ConversionError &error) {
         return error.message();
     }
@@ -61,10 +61,12 @@ TEST(WrittenTitles, find_every_written_document_as_it_should_be)
         cues.removeIf([](const Subtitle &cue) { return cue.end > 99'000; });
         EXPECT_EQ(difference(write(cues, options), cues, options), QString()) << format;
         EXPECT_EQ(difference(write(cues, options, roughCut(format)), cues, options), QString()) << format;
-        const TitleDocument clip = NewDocument::clip(cues, options);
-        EXPECT_NO_THROW(WrittenTitles::verifyClip(clip.toUtf8(), clip.effectID(), cues, options)) << format;
+        const TitleDocument clip = NewDocument::clip({{.cues = cues, .options = options}});
+        EXPECT_NO_THROW(WrittenTitles::verifyClip(clip.toUtf8(), clip.marks(), {{.cues = cues, .options = options}}))
+            << format;
         cues.last().text += u'!';
-        EXPECT_THROW(WrittenTitles::verifyClip(clip.toUtf8(), clip.effectID(), cues, options), ConversionError);
+        EXPECT_THROW(WrittenTitles::verifyClip(clip.toUtf8(), clip.marks(), {{.cues = cues, .options = options}}),
+                     ConversionError);
     }
 }
 
@@ -91,6 +93,6 @@ TEST(WrittenTitles, name_the_first_cue_that_stands_otherwise)
     more += {.id = 4, .start = 70'000, .end = 71'000, .text = u"四"_s};
     EXPECT_EQ(difference(write(more, options), cues, options), u"第 3 条字幕写入后核对不一致，原文件没有改动。"_s);
     Written empty = write(cues, options);
-    empty.effectID = "nothing";
+    empty.marks[0].attributes = {{"ref", "nothing"}};
     EXPECT_EQ(difference(empty, cues, options), u"第 1 条字幕写入后核对不一致，原文件没有改动。"_s);
 }

@@ -146,7 +146,7 @@ TEST(DocumentCheck, our_own_documents_have_no_fault)
     Generator generator(5);
     const QList<Subtitle> cues = generator.cues(50);
     EXPECT_EQ(findings(FCPXML::convert(cues, std::nullopt, {}).toUtf8()), "");
-    EXPECT_EQ(findings(NewDocument::clip(cues, {}).toUtf8()), "");
+    EXPECT_EQ(findings(NewDocument::clip({{.cues = cues}}).toUtf8()), "");
 }
 
 TEST(DocumentCheck, a_problem_tells_the_reason_and_the_fix)
