@@ -4,6 +4,7 @@
 #include "core/files/FileReader.h"
 #include "fcp/titles/NewDocument.h"
 #include "fcp/titles/TitleConnection.h"
+#include "fcp/titles/TitleEffects.h"
 #include "fcp/xml/XmlGuard.h"
 
 #include <QDir>
@@ -96,19 +97,6 @@ bool hasFrameDuration(const FrameRate &rate, const xmlNode *format)
     }
 }
 
-/// Appends the title effect to the resources and returns its id.
-QByteArray addEffect(xmlNode *resources, const Identifiers &ids)
-{
-    QByteArray id = "subeffect" + QByteArray::number(ids.counter("subeffect").next());
-    xmlNode *const effect = xmlNewChild(resources, nullptr, reinterpret_cast<const xmlChar *>("effect"), nullptr);
-    if (!effect)
-        throw std::bad_alloc();
-    Xml::setAttribute(effect, "id", id);
-    Xml::setAttribute(effect, "name", "基本字幕");
-    Xml::setAttribute(effect, "uid", uid.toByteArray());
-    return id;
-}
-
 QString inSeconds(const Rational &time)
 {
     return QString::number(time.toDouble(), 'f', 3);
@@ -164,12 +152,12 @@ TitleDocument extend(XmlDocument base, std::vector<PlacedTrack> tracks, const QS
         throwMissingStructure(u"%1 的 tcStart 无法读取。"_s.arg(Xml::place(sequence)));
     checkLength(tracks, *duration, options.rate);
     Xml::setAttribute(project, "name", options.name.toUtf8());
-    const QByteArray effectID = PlacedTracks::needEffect(tracks) ? addEffect(resources, ids) : QByteArray();
+    auto effectIDs = TitleEffects::add(resources, nullptr, tracks, ids);
     return TitleConnection::connect({.tree = std::move(base),
                                      .spine = spine,
                                      .projectStart = *start,
                                      .styles = ids.counter("substyle"),
-                                     .effectID = effectID,
+                                     .effectIDs = std::move(effectIDs),
                                      .indentation = std::nullopt},
                                     std::move(tracks), check);
 }

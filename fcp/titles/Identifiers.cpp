@@ -1,11 +1,14 @@
 #include "fcp/titles/Identifiers.h"
 
-qint64 Identifiers::Counter::next()
+qint64 Identifiers::Counter::next(qint64 count)
 {
-    do
-        ++m_last;
-    while (m_taken.contains(m_last));
-    return m_last;
+    qint64 first = m_last + 1;
+    for (qint64 number = first; number < first + count; ++number) {
+        if (m_taken.contains(number))
+            first = number + 1;
+    }
+    m_last = first + count - 1;
+    return first;
 }
 
 Identifiers::Identifiers(const XmlDocument &document)

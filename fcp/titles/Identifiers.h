@@ -16,7 +16,8 @@ public:
             : m_taken(std::move(taken))
         {}
 
-        qint64 next();
+        /// The first of `count` numbers in a row.
+        qint64 next(qint64 count = 1);
 
     private:
         QSet<qint64> m_taken;

@@ -1,6 +1,7 @@
 #include "fcp/titles/NewDocument.h"
 
 #include "fcp/titles/TitleConnection.h"
+#include "fcp/titles/TitleEffects.h"
 
 namespace NewDocument {
 
@@ -16,9 +17,6 @@ constexpr QByteArrayView head = R"xml(<?xml version="1.0" encoding="UTF-8"?>
         <format id="r1" frameDuration="" width="" height="" colorSpace="1-1-1 (Rec. 709)"/>
 )xml";
 
-constexpr QByteArrayView effect = R"xml(        <effect id="subeffect1" name="基本字幕" uid=""/>
-)xml";
-
 constexpr QByteArrayView sequence =
     R"xml(            <sequence format="r1" duration="" tcStart="0s" tcFormat="NDF" audioLayout="stereo" audioRate="48k">
                 <spine>
@@ -30,14 +28,9 @@ constexpr QByteArrayView sequence =
 /// Blanks before a title, which stands inside the gap.
 constexpr int titleIndentation = 24;
 
-QByteArray headOf(const std::vector<PlacedTrack> &tracks)
+QByteArray projectFrame()
 {
-    return PlacedTracks::needEffect(tracks) ? head.toByteArray() + effect.toByteArray() : head.toByteArray();
-}
-
-QByteArray projectFrame(const std::vector<PlacedTrack> &tracks)
-{
-    return headOf(tracks) + R"xml(    </resources>
+    return head.toByteArray() + R"xml(    </resources>
     <event name="Lintora">
         <project name="">
 )xml" + sequence.toByteArray() +
@@ -46,9 +39,9 @@ QByteArray projectFrame(const std::vector<PlacedTrack> &tracks)
 </fcpxml>)xml";
 }
 
-QByteArray clipFrame(const std::vector<PlacedTrack> &tracks)
+QByteArray clipFrame()
 {
-    return headOf(tracks) + R"xml(        <media id="lintoraMedia" name="">
+    return head.toByteArray() + R"xml(        <media id="lintoraMedia" name="">
 )xml" + sequence.toByteArray() +
            R"xml(        </media>
     </resources>
@@ -67,8 +60,6 @@ const xmlNode *complete(const XmlDocument &tree, const Options &options, qint64 
             Xml::setAttribute(element, "frameDuration", options.rate.time(1));
             Xml::setAttribute(element, "width", QByteArray::number(options.width));
             Xml::setAttribute(element, "height", QByteArray::number(options.height));
-        } else if (name == "effect") {
-            Xml::setAttribute(element, "uid", TitleDocument::basicTitle.toByteArray());
         } else if (name == "project" || name == "media" || name == "ref-clip") {
             Xml::setAttribute(element, "name", options.name.toUtf8());
         } else if (name == "spine") {
@@ -85,11 +76,13 @@ TitleDocument build(const QByteArray &frame, std::vector<PlacedTrack> tracks, co
     XmlDocument tree = XmlDocument::parse(frame, {});
     const xmlNode *const spine = complete(tree, tracks.front().track.options, PlacedTracks::last(tracks).endFrame);
     const Identifiers ids(tree);
+    xmlNode *const resources = Xml::child(tree.root(), "resources");
+    auto effectIDs = TitleEffects::add(resources, Xml::child(resources, "format"), tracks, ids);
     return TitleConnection::connect({.tree = std::move(tree),
                                      .spine = spine,
                                      .projectStart = 0,
                                      .styles = ids.counter("substyle"),
-                                     .effectID = "subeffect1",
+                                     .effectIDs = std::move(effectIDs),
                                      .indentation = titleIndentation},
                                     std::move(tracks), check);
 }
@@ -98,16 +91,12 @@ TitleDocument build(const QByteArray &frame, std::vector<PlacedTrack> tracks, co
 
 TitleDocument project(const std::vector<TitleTrack> &tracks, const Check &check)
 {
-    auto placed = PlacedTracks::place(tracks, check);
-    const QByteArray frame = projectFrame(placed);
-    return build(frame, std::move(placed), check);
+    return build(projectFrame(), PlacedTracks::place(tracks, check), check);
 }
 
 TitleDocument clip(const std::vector<TitleTrack> &tracks, const Check &check)
 {
-    auto placed = PlacedTracks::place(tracks, check);
-    const QByteArray frame = clipFrame(placed);
-    return build(frame, std::move(placed), check);
+    return build(clipFrame(), PlacedTracks::place(tracks, check), check);
 }
 
 } // namespace NewDocument

@@ -6,6 +6,8 @@
 /// Title documents that stand on no project of the user's.
 namespace NewDocument {
 
+inline constexpr int minorVersion = 10; ///< Of its documents, 1.10.
+
 /// One event with one project, whose storyline is a gap that carries the titles. @throws ConversionError
 TitleDocument project(const std::vector<TitleTrack> &tracks, const Check &check = {});
 

@@ -57,9 +57,4 @@ const TitleGrid::Title &last(const std::vector<PlacedTrack> &tracks)
     return *last;
 }
 
-bool needEffect(const std::vector<PlacedTrack> &tracks)
-{
-    return std::ranges::any_of(tracks, [](const PlacedTrack &each) { return !each.track.captions; });
-}
-
 } // namespace PlacedTracks

@@ -20,7 +20,4 @@ std::vector<PlacedTrack> place(const std::vector<TitleTrack> &tracks, const Chec
 /// The title that ends last. There is one at least.
 const TitleGrid::Title &last(const std::vector<PlacedTrack> &tracks);
 
-/// Whether any of them is to become titles, which need an effect.
-bool needEffect(const std::vector<PlacedTrack> &tracks);
-
 } // namespace PlacedTracks

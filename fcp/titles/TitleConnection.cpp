@@ -69,12 +69,10 @@ std::vector<TitleDocument::Layer> layers(const std::vector<PlacedTrack> &tracks,
 {
     std::vector<TitleDocument::Layer> layers;
     quint64 free = freeLane(target.tree, goOn);
-    for (const PlacedTrack &each : tracks) {
-        const auto &captions = each.track.captions;
+    for (size_t i = 0; i < tracks.size(); ++i) {
+        const auto &captions = tracks[i].track.captions;
         const bool takesFirst = captions && !holdsCaptions(target.tree, *captions, goOn);
-        layers.push_back({.track = each.track,
-                          .effectID = captions ? QByteArray() : target.effectID,
-                          .lane = takesFirst ? 1 : free++});
+        layers.push_back({.track = tracks[i].track, .effectIDs = target.effectIDs[i], .lane = takesFirst ? 1 : free++});
     }
     return layers;
 }
@@ -125,11 +123,13 @@ TitleDocument connect(Target target, std::vector<PlacedTrack> tracks, const Chec
     std::vector<Hung> hung;
     for (size_t layer = 0; layer < tracks.size(); ++layer) {
         hung.reserve(hung.size() + tracks[layer].titles.size());
+        const auto &look = tracks[layer].track.look;
+        const qint64 styles = look ? look->styleCount() : 1;
         for (const TitleGrid::Title &title : tracks[layer].titles) {
             goOn();
             hung.push_back(hang(title, storyline, rate));
             hung.back().title.layer = layer;
-            hung.back().title.styleNumber = target.styles.next();
+            hung.back().title.styleNumber = target.styles.next(styles);
         }
     }
     // Titles come by time, clips nearly always too; where clips overlap, and for further tracks, those of one clip are

@@ -12,11 +12,11 @@ namespace TitleConnection {
 struct Target
 {
     XmlDocument tree;
-    const xmlNode *spine;           ///< The primary storyline, inside `tree`.
-    Rational projectStart;          ///< Seconds; the timeline time of frame 0.
-    Identifiers::Counter styles;    ///< Numbers of the titles' text styles.
-    QByteArray effectID;            ///< Of Basic Title; empty where all tracks are captions.
-    std::optional<int> indentation; ///< As in TitleDocument.
+    const xmlNode *spine;                     ///< The primary storyline, inside `tree`.
+    Rational projectStart;                    ///< Seconds; the timeline time of frame 0.
+    Identifiers::Counter styles;              ///< Numbers of the titles' text styles.
+    std::vector<QList<QByteArray>> effectIDs; ///< Of each track, as in TitleDocument.
+    std::optional<int> indentation;           ///< As in TitleDocument.
 };
 
 /// Every title goes to the clip in which it starts. The titles of each track are on a lane of their own, above all

@@ -10,8 +10,10 @@ TitlePattern makePattern(const TitleDocument::Layer &layer, std::optional<int> i
 {
     const TitlePattern::Place place{.lane = QByteArray::number(layer.lane), .indentation = indentation};
     const TitleTrack &track = layer.track;
-    return track.captions ? TitlePattern::caption(*track.captions, track.options, place)
-                          : TitlePattern::basicTitle(track.options, layer.effectID, place);
+    if (track.captions)
+        return TitlePattern::caption(*track.captions, track.options, place);
+    return track.look ? TitlePattern::copied(*track.look, layer.effectIDs, track.options, place)
+                      : TitlePattern::basicTitle(track.options, layer.effectIDs.first(), place);
 }
 
 class Writer : public XmlWriter
@@ -45,14 +47,14 @@ private:
         out().bytes(pattern.indent);
         for (const TitlePattern::Piece &piece : pattern.pieces) {
             out().bytes(piece.bytes);
-            fill(piece.slot, title);
+            fill(piece, title);
         }
     }
 
-    void fill(TitlePattern::Slot slot, const ConnectedTitle &title)
+    void fill(const TitlePattern::Piece &piece, const ConnectedTitle &title)
     {
         using enum TitlePattern::Slot;
-        switch (slot) {
+        switch (piece.slot) {
         case name:
             writeName(title.text);
             break;
@@ -63,7 +65,7 @@ private:
             writeTime(title.frames, title);
             break;
         case style:
-            out().number(title.styleNumber);
+            out().number(title.styleNumber + piece.style);
             break;
         case text:
             XmlText::writeContent(title.text, out());
@@ -110,7 +112,7 @@ std::vector<XmlDocument::Wanted> TitleDocument::marks() const
             marks.push_back(
                 {.element = "caption", .attributes = {{"lane", lane}, {"role", captions->toText().toUtf8()}}});
         else
-            marks.push_back({.element = "title", .attributes = {{"lane", lane}, {"ref", layer.effectID}}});
+            marks.push_back({.element = "title", .attributes = {{"lane", lane}, {"ref", layer.effectIDs.first()}}});
     }
     return marks;
 }

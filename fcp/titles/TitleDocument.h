@@ -16,7 +16,7 @@ struct ConnectedTitle
     size_t layer;       ///< Which of the document's layers it belongs to.
     qint64 offsetFrame; ///< In the clip's own time.
     qint64 frames;      ///< Length.
-    qint64 styleNumber; ///< The text style's id is "substyle" and this.
+    qint64 styleNumber; ///< The first text style's id is "substyle" and this; those of further ones count on.
 };
 
 /// The titles that one clip carries: the run [first, end) of the document's titles.
@@ -42,9 +42,10 @@ public:
     /// One track of titles.
     struct Layer
     {
-        TitleTrack track;    ///< Its cues keep alive what the titles' texts look into. Checked.
-        QByteArray effectID; ///< Of the title effect in the tree's resources; empty for captions.
-        quint64 lane;        ///< Of all its titles.
+        TitleTrack track; ///< Its cues keep alive what the titles' texts look into. Checked.
+        QList<QByteArray>
+            effectIDs; ///< Of its effects in the tree's resources, the titles' own first; none for captions.
+        quint64 lane;  ///< Of all its titles.
     };
 
     struct Content

@@ -60,12 +60,14 @@ std::vector<Found> inOrder(std::vector<Found> titles, const Storyline &storyline
     return result;
 }
 
-bool stands(const Found &title, const TitleGrid::Title &expected, const Storyline &storyline, const FrameRate &rate)
+bool stands(const Found &title, const TitleGrid::Title &expected, const Storyline &storyline, const FrameRate &rate,
+            const TitleTemplate::Surroundings &around)
 {
     const Storyline::Clip *const clip = storyline.clipAt(expected.startFrame);
     return clip && clip->element == title.parent &&
            wholeFrames(title.offset, rate) == clip->localFrame(expected.startFrame) &&
-           wholeFrames(title.duration, rate) == expected.endFrame - expected.startFrame && title.text == expected.text;
+           wholeFrames(title.duration, rate) == expected.endFrame - expected.startFrame &&
+           title.text == around.before + expected.text + around.after;
 }
 
 ConversionError difference(qint64 cueID)
@@ -90,9 +92,10 @@ void compareTrack(std::vector<Found> titles, const TitleTrack &track, const xmlN
     try {
         const Storyline storyline(spine, start, rate);
         titles = inOrder(std::move(titles), storyline, expected, rate, goOn);
+        const auto around = track.look ? track.look->surroundings() : TitleTemplate::Surroundings();
         for (size_t i = 0; i < expected.size(); ++i) {
             goOn();
-            if (i >= titles.size() || !stands(titles[i], expected[i], storyline, rate))
+            if (i >= titles.size() || !stands(titles[i], expected[i], storyline, rate, around))
                 throw difference(expected[i].cueID);
         }
     } catch (const RationalOverflow &) {

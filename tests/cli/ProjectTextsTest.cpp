@@ -172,6 +172,26 @@ TEST_F(ProjectTextCommands, titles_take_several_tracks)
            "没有名为“没有”的样式预设。\n");
 }
 
+TEST_F(ProjectTextCommands, titles_look_like_one_of_the_users_own)
+{
+    file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n新字\n");
+    file(u"own.fcpxml"_s,
+         StoryDocument::project(
+             "20s", {tag("gap offset=0s duration=20s",
+                         {tag("title ref=title lane=1 offset=1s duration=2s",
+                              {text("你好"), tag("text-style-def id=ts1", {tag("text-style font=Kaiti")})})})}));
+    const QString own = path(u"own.fcpxml"_s);
+    const auto made = run(u"titles"_s, u"in.srt"_s, {u"--template"_s, own});
+    EXPECT_TRUE(made.output.contains("font=\"Kaiti\"")) << made.error.toStdString();
+    EXPECT_TRUE(made.output.contains("新字"));
+    expect(run(u"titles"_s, u"in.srt"_s, {u"--template"_s, own, u"--template-title"_s, u"没有"_s}), 1, "",
+           "项目中没有文字或名称为“没有”的标题。\n");
+    EXPECT_EQ(run(u"titles"_s, u"in.srt"_s, {u"--template-title"_s, u"你好"_s}).status, 2);
+    EXPECT_EQ(run(u"titles"_s, u"in.srt"_s, {u"--template"_s, own, u"--captions"_s, u"itt"_s, u"--language"_s, u"en"_s})
+                  .status,
+              2);
+}
+
 TEST_F(ProjectTextCommands, titles_say_what_their_document_is_held_against)
 {
     file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n");

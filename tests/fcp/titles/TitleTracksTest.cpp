@@ -47,6 +47,32 @@ std::vector<ProjectTexts::Track> read(const QByteArray &bytes)
     return tracks;
 }
 
+/// A title of the user's own template, of two fields, with a filter, animation, and things that are no look.
+QByteArray designed()
+{
+    return StoryDocument::project(
+        "40s",
+        {tag("gap offset=0s duration=20s",
+             {tag("title ref=own lane=1 offset=1s start=87453366/24000s duration=1s name=片头 role=names.names-1",
+                  {tag("param name=Build key=9999/1 value=1",
+                       {tag("keyframeAnimation", {tag("keyframe time=3/2s value=1")})}),
+                   tag("text", {textTag("text-style ref=ts1", "Ann"), textTag("text-style ref=ts2", "e")}),
+                   tag("text", {textTag("text-style ref=ts3", "导演 & 剪辑")}),
+                   tag("text-style-def id=ts1", {tag("text-style font=Songti fontSize=70")}),
+                   tag("text-style-def id=ts2", {tag("text-style font=Songti fontSize=70")}),
+                   tag("text-style-def id=ts3", {tag("text-style font=Kaiti fontSize=30")}),
+                   Tag{.name = "adjust-transform", .attributes = " position=\"0 12\""}, tag("adjust-colorConform"),
+                   tag("marker start=1s duration=1s"), tag("filter-video ref=glow name=Glow")})})},
+        {tag("effect id=own name=人名条 uid=~/Titles.localized/a.moti src=file:///a.moti"),
+         tag("effect id=glow name=Glow uid=FxGlow")});
+}
+
+TitleTemplate look(const QString &text = {}, int minorVersion = 10)
+{
+    const XmlDocument document = XmlDocument::parse(designed(), {});
+    return TitleTemplates::read(document, FCPXML::project(document), text, minorVersion);
+}
+
 /// "lane role: texts" of every track.
 QString summary(const QByteArray &bytes)
 {
@@ -137,4 +163,44 @@ TEST(TitleTracks, that_do_not_go_together_are_refused)
     EXPECT_EQ(refusal({captions(one, u"en"_s), captions(one, u"en"_s)}), u"有两条说明字幕轨的语言相同：en。"_s);
     EXPECT_EQ(refusal({{.cues = one, .options = at25}, {.cues = one}}), u"各条字幕轨的帧率不一致。"_s);
     EXPECT_EQ(refusal({{.cues = one, .options = at25}, {.cues = {}, .options = at25}}), u"请先打开 SRT。"_s);
+}
+
+TEST(TitleTemplates, take_the_look_of_a_title_and_nothing_else)
+{
+    const TitleTemplate taken = look();
+    EXPECT_EQ(taken.name(), u"人名条"_s);
+    EXPECT_EQ(taken.effects.size(), 2);
+    EXPECT_EQ(taken.styleCount(), 2) << "the style of the second run goes with it";
+    EXPECT_EQ(taken.lastKeyframe(), 1.5);
+    EXPECT_EQ(taken.surroundings().after, u"导演 & 剪辑"_s);
+    for (const char *const gone : {"marker", "adjust-colorConform", "offset", "Ann", "片头", "ts1"})
+        EXPECT_FALSE(taken.xml.contains(gone)) << gone;
+    for (const char *const kept : {"keyframe time", "position=\"0 12\"", "filter-video", "Songti", "Kaiti"})
+        EXPECT_TRUE(taken.xml.contains(kept)) << kept;
+    EXPECT_TRUE(look({}, 11).xml.contains("adjust-colorConform"));
+    EXPECT_EQ(look(u"片头"_s), taken) << "by its name";
+    EXPECT_THROW(look(u"没有"_s), ConversionError);
+}
+
+TEST(TitleTemplates, are_written_for_every_cue_with_their_effects)
+{
+    const std::vector<TitleTrack> tracks{
+        {.cues = {cue(1, 0, 1'000, u"张三 <1>"_s), cue(2, 2'000, 3'000, u"李四"_s)}, .options = at25, .look = look()},
+        {.cues = {cue(1, 0, 1'000, u"普通"_s)}, .options = at25}};
+    const TitleDocument alone = FCPXML::convert(tracks, std::nullopt);
+    const QByteArray bytes = alone.toUtf8();
+    EXPECT_NO_THROW(WrittenTitles::verify(bytes, alone.marks(), tracks));
+    EXPECT_EQ(PublishedDtd::problems(bytes, u"1.10"_s).value_or(QString()), QString());
+    EXPECT_EQ(summary(bytes),
+              u"1 names.names-1: 0 张三 <1>\n导演 & 剪辑, 2000 李四\n导演 & 剪辑; 2 titles.字幕: 0 普通"_s);
+    EXPECT_TRUE(bytes.contains("<effect id=\"subeffect1\" name=\"人名条\" uid=\"~/Titles.localized/a.moti\" "
+                               "src=\"file:///a.moti\"/>\n        <effect id=\"subeffect2\" name=\"Glow\""));
+    EXPECT_EQ(bytes.count("start=\"3600s\""), 3) << "none begins in mid-animation";
+    EXPECT_EQ(bytes.count("position=\"0 12\""), 2);
+    // In the document that it comes from, the effects that are there are referred to.
+    const std::vector<TitleTrack> same{tracks[0]};
+    const TitleDocument into = FCPXML::convert(same, XmlDocument::parse(designed(), {}));
+    EXPECT_EQ(into.toUtf8().count("<effect "), 4) << "with the two that every such document has";
+    EXPECT_EQ(into.toUtf8().count("<title ref=\"own\"") + into.toUtf8().count("ref=\"own\" lane=\"2\""), 3);
+    EXPECT_NO_THROW(WrittenTitles::verify(into.toUtf8(), into.marks(), same));
 }
