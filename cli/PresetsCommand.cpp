@@ -1,6 +1,7 @@
 #include "cli/Commands.h"
 #include "cli/Result.h"
 #include "cli/StyleArguments.h"
+#include "fcp/titles/NewDocument.h"
 #include "store/StylePresetStore.h"
 
 #include <functional>
@@ -24,6 +25,10 @@ QString summary(const QList<SubtitleStylePreset> &presets)
     QString text;
     for (const SubtitleStylePreset &preset : presets) {
         const Options &style = preset.style;
+        if (preset.look) {
+            text += u"%1：标题“%2”\n"_s.arg(preset.name, preset.look->name());
+            continue;
+        }
         text += u"%1：%2，%3 磅（%4 × %5）\n"_s.arg(preset.name, style.font, QString::number(style.fontSize),
                                                     QString::number(style.width), QString::number(style.height));
     }
@@ -46,8 +51,10 @@ void add(const PresetsArguments &arguments)
 {
     const StylePresetStore store;
     const Options style = arguments.style.applied(Options());
+    // Kept so that every document can take it.
+    const std::optional<TitleTemplate> look = arguments.style.look(NewDocument::minorVersion);
     const QList<SubtitleStylePreset> presets = store.update([&](const QList<SubtitleStylePreset> &before) {
-        return SubtitleStylePresets::saving(before, Arguments::toText(arguments.name), style);
+        return SubtitleStylePresets::saving(before, Arguments::toText(arguments.name), style, look);
     });
     show(presets, arguments.output);
 }

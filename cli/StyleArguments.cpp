@@ -1,9 +1,11 @@
 #include "cli/StyleArguments.h"
 
 #include "cli/Arguments.h"
+#include "core/ConversionError.h"
 #include "core/Failure.h"
 #include "core/json/JsonReader.h"
 #include "fcp/ColorText.h"
+#include "fcp/FCPXML.h"
 #include "store/StylePresetStore.h"
 
 #include <QRegularExpression>
@@ -130,6 +132,8 @@ void StyleArguments::add(CLI::App &command)
     };
     add("--options", m_optionsFile, "文件", "样式记录（settings --json 的输出）");
     add("--preset", m_preset, "名称", "已保存的样式预设；字号按画面高度换算");
+    add("--template", m_template, "项目", "样式取自此项目中的一个标题：效果、参数、文字样式与位置");
+    add("--template-title", m_templateTitle, "文字", "该标题的文字或名称（缺省为第一个有文字的标题）");
     add("--rate", m_rate, "帧率", "23.976、24、25、29.97、30、50、59.94 或 60");
     add("--size", m_size, "宽x高", "画面尺寸，例如 1920x1080");
     add("--font", m_font, "名称", "字体");
@@ -188,4 +192,31 @@ Options StyleArguments::withPreset(const Options &options, const std::string &pr
 {
     const QList<SubtitleStylePreset> presets = StylePresetStore().load();
     return SubtitleStylePresets::named(presets, Arguments::toText(preset)).applying(options);
+}
+
+std::optional<TitleTemplate> StyleArguments::lookOfPreset(const std::string &preset)
+{
+    const QList<SubtitleStylePreset> presets = StylePresetStore().load();
+    return SubtitleStylePresets::named(presets, Arguments::toText(preset)).look;
+}
+
+std::optional<TitleTemplate> StyleArguments::look(int minorVersion) const
+{
+    if (m_templateTitle && !m_template)
+        throw Arguments::WrongUse(u"--template-title 须与 --template 一起使用"_s);
+    if (!m_template)
+        return m_preset ? lookOfPreset(*m_preset) : std::nullopt;
+    const XmlDocument document = Arguments::readProject(*m_template);
+    const auto projects = FCPXML::projects(document);
+    const QString text = m_templateTitle ? Arguments::toText(*m_templateTitle) : QString();
+    if (projects.empty())
+        return TitleTemplates::read(document, nullptr, text, minorVersion);
+    // Where there are several, the first that has such a title will do: what is looked for is a look.
+    for (size_t i = 0; i + 1 < projects.size(); ++i) {
+        try {
+            return TitleTemplates::read(document, projects[i], text, minorVersion);
+        } catch (const ConversionError &) { // NOLINT(bugprone-empty-catch): the next one may have it
+        }
+    }
+    return TitleTemplates::read(document, projects.back(), text, minorVersion);
 }

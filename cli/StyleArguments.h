@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fcp/Options.h"
+#include "fcp/titles/TitleTemplate.h"
 
 #include <CLI/App.hpp>
 
@@ -21,9 +22,21 @@ public:
     /// `options` with the preset of that name put in. @throws ConversionError or PlatformError as above
     static Options withPreset(const Options &options, const std::string &preset);
 
+    bool hasTemplate() const { return m_template.has_value(); }
+
+    /// The title of the user's own that the titles are to look like: of --template, else of the preset; absent where
+    /// there is neither. What later versions than `minorVersion` brought is left out.
+    /// @throws Arguments::WrongUse; ConversionError or PlatformError when there is no such title or preset
+    std::optional<TitleTemplate> look(int minorVersion) const;
+
+    /// The look that is kept with the preset of that name, if one is.
+    static std::optional<TitleTemplate> lookOfPreset(const std::string &preset);
+
 private:
     std::optional<std::string> m_optionsFile;
     std::optional<std::string> m_preset;
+    std::optional<std::string> m_template;
+    std::optional<std::string> m_templateTitle;
     std::optional<std::string> m_rate;
     std::optional<std::string> m_size;
     std::optional<std::string> m_font;

@@ -29,8 +29,6 @@ struct TitlesArguments
     std::string project;
     std::vector<std::string> tracks;
     std::vector<std::string> trackPresets;
-    std::optional<std::string> lookFrom;
-    std::optional<std::string> lookOf;
     std::optional<std::string> captions;
     std::vector<std::string> languages;
     bool skipRetimed = false;
@@ -87,27 +85,6 @@ std::optional<CaptionRole> captionRole(const TitlesArguments &arguments, size_t 
                        .language = *language};
 }
 
-/// The look of a title of the user's own, absent where Basic Title is meant.
-std::optional<TitleTemplate> readLook(const TitlesArguments &arguments, const XmlDocument *base)
-{
-    if (!arguments.lookFrom)
-        return std::nullopt;
-    const XmlDocument document = Arguments::readProject(*arguments.lookFrom);
-    const auto projects = FCPXML::projects(document);
-    // Where a document holds several, the first that has titles will do: what is looked for is a look.
-    const int minorVersion = base ? minorVersionOf(*base) : NewDocument::minorVersion;
-    const QString text = arguments.lookOf ? Arguments::toText(*arguments.lookOf) : QString();
-    if (projects.empty())
-        return TitleTemplates::read(document, nullptr, text, minorVersion);
-    for (size_t i = 0; i + 1 < projects.size(); ++i) {
-        try {
-            return TitleTemplates::read(document, projects[i], text, minorVersion);
-        } catch (const ConversionError &) { // NOLINT(bugprone-empty-catch): the next one may have it
-        }
-    }
-    return TitleTemplates::read(document, projects.back(), text, minorVersion);
-}
-
 /// Cues that end before the template's last movement, which is then not seen.
 void reportShort(const TitleTrack &track, const Arguments::Output &output)
 {
@@ -119,6 +96,14 @@ void reportShort(const TitleTrack &track, const Arguments::Output &output)
             u"模板的动画长 %1 秒，有 %2 条字幕更短，看不到结尾"_s.arg(QString::number(last, 'f', 1)).arg(count));
 }
 
+/// Gives a further track a style of its own.
+void usePreset(const std::string &preset, TitleTrack &track)
+{
+    track.options = StyleArguments::withPreset(track.options, preset);
+    if (!track.captions)
+        track.look = StyleArguments::lookOfPreset(preset);
+}
+
 /// The tracks in the order of the command line, the input first; their looks are settled for `base`, which may be none.
 std::vector<TitleTrack> readTracks(const TitlesArguments &arguments, const XmlDocument *base)
 {
@@ -126,7 +111,9 @@ std::vector<TitleTrack> readTracks(const TitlesArguments &arguments, const XmlDo
     const Options options = arguments.style.applied(base ? FCPXML::settings(Options(), *base, project) : Options());
     std::vector<std::string> inputs{arguments.input};
     inputs.insert(inputs.end(), arguments.tracks.begin(), arguments.tracks.end());
-    const std::optional<TitleTemplate> look = readLook(arguments, base);
+    const std::optional<TitleTemplate> look =
+        arguments.captions ? std::nullopt
+                           : arguments.style.look(base ? minorVersionOf(*base) : NewDocument::minorVersion);
     std::vector<TitleTrack> tracks;
     for (size_t i = 0; i < inputs.size(); ++i) {
         TitleTrack track{.cues = SRT::decode(Arguments::readInput(inputs[i])),
@@ -135,7 +122,7 @@ std::vector<TitleTrack> readTracks(const TitlesArguments &arguments, const XmlDo
                          .look = look};
         Interrupt::check();
         if (i > 0 && i <= arguments.trackPresets.size())
-            track.options = StyleArguments::withPreset(options, arguments.trackPresets[i - 1]);
+            usePreset(arguments.trackPresets[i - 1], track);
         if (base)
             track.cues = fitted(arguments, track.cues, *base, track.options);
         reportShort(track, arguments.output);
@@ -208,9 +195,7 @@ void checkUse(const TitlesArguments &arguments)
         throw Arguments::WrongUse(u"--project、--skip-retimed 与 --past-end 须与 --base 一起使用"_s);
     if (arguments.trackPresets.size() > arguments.tracks.size())
         throw Arguments::WrongUse(u"--track-preset 多于 --track"_s);
-    if (arguments.lookOf && !arguments.lookFrom)
-        throw Arguments::WrongUse(u"--template-title 须与 --template 一起使用"_s);
-    if (arguments.lookFrom && arguments.captions)
+    if (arguments.style.hasTemplate() && arguments.captions)
         throw Arguments::WrongUse(u"--template 与 --captions 不能同时使用"_s);
     if (arguments.captions && arguments.languages.size() != arguments.tracks.size() + 1)
         throw Arguments::WrongUse(u"--captions 须给每条字幕轨一个 --language"_s);
@@ -253,14 +238,6 @@ void addTitles(CLI::App &app, Work &run)
     command->add_flag("--clip", arguments->clip, "生成拖放用的片段文档");
     command->add_option("--project", arguments->project, "--base 中有多个项目时，写入此名称的项目")
         ->type_name("名称")
-        ->check(Arguments::notEmpty)
-        ->take_last();
-    command->add_option("--template", arguments->lookFrom, "样式取自此项目中的一个标题（效果、参数、文字样式与位置）")
-        ->type_name("项目")
-        ->check(Arguments::notEmpty)
-        ->take_last();
-    command->add_option("--template-title", arguments->lookOf, "该标题的文字或名称（缺省为第一个有文字的标题）")
-        ->type_name("文字")
         ->check(Arguments::notEmpty)
         ->take_last();
     const auto addMany = [&](const char *name, std::vector<std::string> &values, const char *type, const char *text) {

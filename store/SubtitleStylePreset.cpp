@@ -69,6 +69,8 @@ SubtitleStylePreset readSubtitleStylePreset(JsonReader &json)
             preset.name = json.readText();
         else if (key == "style")
             preset.style = readOptions(json);
+        else if (key == "look" && !json.readNull())
+            preset.look = readTitleTemplate(json);
     });
     return preset;
 }
@@ -78,6 +80,10 @@ void writeSubtitleStylePreset(JsonWriter &json, const SubtitleStylePreset &prese
     json.beginObject();
     json.key("id");
     Uuid::write(json, preset.id);
+    if (preset.look) {
+        json.key("look");
+        writeTitleTemplate(json, *preset.look);
+    }
     json.key("name").text(preset.name);
     json.key("style");
     writeOptions(json, preset.style);
@@ -128,9 +134,10 @@ qsizetype requireIndex(const QList<SubtitleStylePreset> &presets, const QUuid &i
 }
 
 /// A preset that may be kept under that name.
-SubtitleStylePreset checked(const QUuid &id, const QString &name, const Options &style)
+SubtitleStylePreset checked(const QUuid &id, const QString &name, const Options &style,
+                            const std::optional<TitleTemplate> &look)
 {
-    const SubtitleStylePreset preset{.id = id, .name = name.trimmed(), .style = style};
+    const SubtitleStylePreset preset{.id = id, .name = name.trimmed(), .style = style, .look = look};
     if (hasControlCharacter(preset.name))
         throw invalidContent();
     preset.validate();
@@ -144,10 +151,12 @@ const SubtitleStylePreset &named(const QList<SubtitleStylePreset> &presets, cons
     return presets[requireIndex(presets, name)];
 }
 
-QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QString &name, const Options &style)
+QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QString &name, const Options &style,
+                                  const std::optional<TitleTemplate> &look)
 {
     const qsizetype former = indexOf(presets, name);
-    const SubtitleStylePreset preset = checked(former < 0 ? QUuid::createUuid() : presets[former].id, name, style);
+    const SubtitleStylePreset preset =
+        checked(former < 0 ? QUuid::createUuid() : presets[former].id, name, style, look);
     if (former < 0)
         presets.append(preset);
     else
@@ -161,7 +170,7 @@ QList<SubtitleStylePreset> renaming(QList<SubtitleStylePreset> presets, const QU
     const qsizetype same = indexOf(presets, name);
     if (same >= 0 && same != index)
         throw ConversionError(u"已有同名的样式预设，请换一个名称。"_s);
-    presets[index] = checked(id, name, presets[index].style);
+    presets[index] = checked(id, name, presets[index].style, presets[index].look);
     return presets;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fcp/Options.h"
+#include "fcp/titles/TitleTemplate.h"
 
 #include <QList>
 #include <QUuid>
@@ -11,6 +12,8 @@ struct SubtitleStylePreset
     QUuid id;
     QString name;  ///< 1 to 60 characters as the user perceives them, white space at both ends left out of account.
     Options style; ///< All options at the time of saving. The font size is meant for its height.
+    std::optional<TitleTemplate> look =
+        {}; ///< A title of the user's own in the style's place. Other readers pass it over.
 
     /// Checks name, numbers and colours.
     /// @throws ConversionError "样式预设内容无效，请检查字号与位置。", "样式预设的颜色无效。"
@@ -24,7 +27,7 @@ struct SubtitleStylePreset
     friend bool operator==(const SubtitleStylePreset &, const SubtitleStylePreset &) = default;
 };
 
-/// Reads the object {"id", "name", "style"}, all required. @throws PlatformError naming the key path.
+/// Reads the object {"id", "name", "style"}, all required, and "look". @throws PlatformError naming the key path.
 SubtitleStylePreset readSubtitleStylePreset(JsonReader &json);
 void writeSubtitleStylePreset(JsonWriter &json, const SubtitleStylePreset &preset);
 
@@ -41,7 +44,8 @@ const SubtitleStylePreset &named(const QList<SubtitleStylePreset> &presets, cons
 /// `presets` with `style` saved under `name`: in the place of the preset of that name, whose id it keeps, or at the end
 /// under a fresh id.
 /// @throws ConversionError as validate does, and for a name with control characters.
-QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QString &name, const Options &style);
+QList<SubtitleStylePreset> saving(QList<SubtitleStylePreset> presets, const QString &name, const Options &style,
+                                  const std::optional<TitleTemplate> &look = std::nullopt);
 
 /// `presets` with the preset of that id called `name`. @throws ConversionError as saving does,
 /// "该样式预设已不存在。", or "已有同名的样式预设，请换一个名称。"

@@ -1,6 +1,9 @@
 #include "fcp/titles/TitleTemplate.h"
 
 #include "core/ConversionError.h"
+#include "core/PlatformError.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
 #include "fcp/Rational.h"
 #include "fcp/texts/ProjectTexts.h"
 #include "fcp/texts/TextFields.h"
@@ -82,6 +85,81 @@ double TitleTemplate::lastKeyframe() const
             last = std::max(last, time->toDouble());
     }
     return last;
+}
+
+namespace {
+
+TitleTemplate::Effect readEffect(JsonReader &json)
+{
+    TitleTemplate::Effect effect;
+    json.readObject({"name", "uid"}, [&](QByteArrayView key) {
+        if (key == "name")
+            effect.name = json.readText().toUtf8();
+        else if (key == "uid")
+            effect.uid = json.readText().toUtf8();
+        else if (key == "src" && !json.readNull())
+            effect.src = json.readText().toUtf8();
+    });
+    return effect;
+}
+
+/// Whether the XML is a title with one place for its text, whose references all lead somewhere.
+bool isWhole(const TitleTemplate &look)
+{
+    try {
+        const XmlDocument tree = parsed(look.xml);
+        if (!Xml::isElement(tree.root(), "title") || !Xml::attribute(tree.root(), "ref"))
+            return false;
+        const qint64 styles = look.styleCount();
+        qsizetype places = 0;
+        for (const xmlNode *element = tree.root(); element; element = Xml::nextElement(element, tree.root())) {
+            places += takesText(element) ? 1 : 0;
+            if (!Xml::attribute(element, "ref"))
+                continue;
+            const qint64 reference = Xml::integerAttribute(element, "ref").value_or(-1);
+            const qint64 count = Xml::isElement(element, "text-style") ? styles : look.effects.size();
+            if (reference < 0 || reference >= count)
+                return false;
+        }
+        return places == 1;
+    } catch (const PlatformError &) {
+        return false;
+    } catch (const ConversionError &) {
+        return false;
+    }
+}
+
+} // namespace
+
+TitleTemplate readTitleTemplate(JsonReader &json)
+{
+    TitleTemplate look;
+    json.readObject({"effects", "xml"}, [&](QByteArrayView key) {
+        if (key == "effects")
+            json.readArray([&] { look.effects.append(readEffect(json)); });
+        else if (key == "xml")
+            look.xml = json.readText().toUtf8();
+    });
+    if (!isWhole(look))
+        json.refuse(u"标题样式"_s);
+    return look;
+}
+
+void writeTitleTemplate(JsonWriter &json, const TitleTemplate &look)
+{
+    json.beginObject();
+    json.key("effects").beginArray();
+    for (const TitleTemplate::Effect &effect : look.effects) {
+        json.beginObject();
+        json.key("name").text(QString::fromUtf8(effect.name));
+        if (!effect.src.isEmpty())
+            json.key("src").text(QString::fromUtf8(effect.src));
+        json.key("uid").text(QString::fromUtf8(effect.uid));
+        json.endObject();
+    }
+    json.endArray();
+    json.key("xml").text(QString::fromUtf8(look.xml));
+    json.endObject();
 }
 
 namespace TitleTemplates {

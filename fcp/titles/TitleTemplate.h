@@ -44,6 +44,16 @@ struct TitleTemplate
     friend bool operator==(const TitleTemplate &, const TitleTemplate &) = default;
 };
 
+class JsonReader;
+class JsonWriter;
+
+/// Reads the object {"effects":[{"name","src"?,"uid"}…],"xml"}.
+/// @throws PlatformError naming the key path, also for what makes no title
+TitleTemplate readTitleTemplate(JsonReader &json);
+
+/// Writes what readTitleTemplate reads.
+void writeTitleTemplate(JsonWriter &json, const TitleTemplate &look);
+
 namespace TitleTemplates {
 
 /// The look of the first title of `project` that has text; with a `text`, of the first one that shows it or bears it

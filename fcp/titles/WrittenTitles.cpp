@@ -60,6 +60,13 @@ std::vector<Found> inOrder(std::vector<Found> titles, const Storyline &storyline
     return result;
 }
 
+/// Whether `text` is `own` with what stands around it.
+bool says(QStringView text, const TitleTemplate::Surroundings &around, QStringView own)
+{
+    return text.size() == around.before.size() + own.size() + around.after.size() && text.startsWith(around.before) &&
+           text.endsWith(around.after) && text.sliced(around.before.size(), own.size()) == own;
+}
+
 bool stands(const Found &title, const TitleGrid::Title &expected, const Storyline &storyline, const FrameRate &rate,
             const TitleTemplate::Surroundings &around)
 {
@@ -67,7 +74,7 @@ bool stands(const Found &title, const TitleGrid::Title &expected, const Storylin
     return clip && clip->element == title.parent &&
            wholeFrames(title.offset, rate) == clip->localFrame(expected.startFrame) &&
            wholeFrames(title.duration, rate) == expected.endFrame - expected.startFrame &&
-           title.text == around.before + expected.text + around.after;
+           says(title.text, around, expected.text);
 }
 
 ConversionError difference(qint64 cueID)

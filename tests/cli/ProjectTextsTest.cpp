@@ -141,7 +141,7 @@ TEST_F(ProjectTextsTest, titles_offer_a_way_on_where_a_project_refuses)
     EXPECT_EQ(run(u"titles"_s, u"long.srt"_s, {u"--skip-retimed"_s}).status, 2);
 }
 
-TEST_F(ProjectTextCommands, titles_can_be_captions)
+TEST_F(ProjectTextsTest, titles_can_be_captions)
 {
     file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n");
     const auto made = [&](const QStringList &arguments) { return run(u"titles"_s, u"in.srt"_s, arguments); };
@@ -154,7 +154,7 @@ TEST_F(ProjectTextCommands, titles_can_be_captions)
     EXPECT_EQ(made({u"--captions"_s, u"itt"_s, u"--language"_s, u"中文"_s}).status, 2);
 }
 
-TEST_F(ProjectTextCommands, titles_take_several_tracks)
+TEST_F(ProjectTextsTest, titles_take_several_tracks)
 {
     file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n");
     file(u"en.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\none\n");
@@ -168,11 +168,11 @@ TEST_F(ProjectTextCommands, titles_take_several_tracks)
     EXPECT_EQ(
         run(u"titles"_s, u"in.srt"_s, tracks + QStringList{u"--captions"_s, u"itt"_s, u"--language"_s, u"en"_s}).status,
         2);
-    expect(run(u"titles"_s, u"in.srt"_s, tracks + QStringList{u"--track-preset"_s, u"没有"_s}), 1, "",
-           "没有名为“没有”的样式预设。\n");
+    expectOutcome(run(u"titles"_s, u"in.srt"_s, tracks + QStringList{u"--track-preset"_s, u"没有"_s}), 1, "",
+                  "没有名为“没有”的样式预设。\n");
 }
 
-TEST_F(ProjectTextCommands, titles_look_like_one_of_the_users_own)
+TEST_F(ProjectTextsTest, titles_look_like_one_of_the_users_own)
 {
     file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n新字\n");
     file(u"own.fcpxml"_s,
@@ -184,15 +184,34 @@ TEST_F(ProjectTextCommands, titles_look_like_one_of_the_users_own)
     const auto made = run(u"titles"_s, u"in.srt"_s, {u"--template"_s, own});
     EXPECT_TRUE(made.output.contains("font=\"Kaiti\"")) << made.error.toStdString();
     EXPECT_TRUE(made.output.contains("新字"));
-    expect(run(u"titles"_s, u"in.srt"_s, {u"--template"_s, own, u"--template-title"_s, u"没有"_s}), 1, "",
-           "项目中没有文字或名称为“没有”的标题。\n");
+    expectOutcome(run(u"titles"_s, u"in.srt"_s, {u"--template"_s, own, u"--template-title"_s, u"没有"_s}), 1, "",
+                  "项目中没有文字或名称为“没有”的标题。\n");
     EXPECT_EQ(run(u"titles"_s, u"in.srt"_s, {u"--template-title"_s, u"你好"_s}).status, 2);
     EXPECT_EQ(run(u"titles"_s, u"in.srt"_s, {u"--template"_s, own, u"--captions"_s, u"itt"_s, u"--language"_s, u"en"_s})
                   .status,
               2);
 }
 
-TEST_F(ProjectTextCommands, titles_say_what_their_document_is_held_against)
+TEST_F(ProjectTextsTest, a_preset_keeps_the_look_of_a_title)
+{
+    file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n新字\n");
+    file(u"own.fcpxml"_s,
+         StoryDocument::project(
+             "20s", {tag("gap offset=0s duration=20s",
+                         {tag("title ref=title lane=1 offset=1s duration=2s",
+                              {text("你好"), tag("text-style-def id=ts1", {tag("text-style font=Kaiti")})})})}));
+    const auto added =
+        CommandLine::run({u"presets"_s, u"add"_s, u"自己的标题"_s, u"--template"_s, path(u"own.fcpxml"_s)});
+    EXPECT_EQ(added.status, 0) << added.error.toStdString();
+    const QByteArray direct = run(u"titles"_s, u"in.srt"_s, {u"--template"_s, path(u"own.fcpxml"_s)}).output;
+    EXPECT_EQ(run(u"titles"_s, u"in.srt"_s, {u"--preset"_s, u"自己的标题"_s}).output, direct);
+    const QByteArray second =
+        run(u"titles"_s, u"in.srt"_s, {u"--track"_s, path(u"in.srt"_s), u"--track-preset"_s, u"自己的标题"_s}).output;
+    EXPECT_EQ(second.count("font=\"Kaiti\""), 1);
+    EXPECT_EQ(CommandLine::run({u"presets"_s, u"remove"_s, u"自己的标题"_s}).status, 0);
+}
+
+TEST_F(ProjectTextsTest, titles_say_what_their_document_is_held_against)
 {
     file(u"in.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\n一\n");
     const auto clean = run(u"titles"_s, u"in.srt"_s, {u"--progress"_s, u"-o"_s, path(u"out.fcpxml"_s)});

@@ -79,6 +79,27 @@ TEST(LintoraSession, every_field_survives)
     EXPECT_EQ(session.encoded(), LintoraSession::decode(session.encoded()).encoded());
 }
 
+TEST(LintoraSession, remembers_where_cues_came_from_in_a_field_that_others_pass_over)
+{
+    const TextOrigin origin{.cue = 3, .number = 17, .text = u"原话\n二"_s};
+    LintoraSession session;
+    session.tracks = {{.id = QUuid(u"0f1e2d3c-4b5a-6978-8796-a5b4c3d2e1f0"_s),
+                       .label = u"中文"_s,
+                       .removeFillers = true,
+                       .cleaned = true,
+                       .origins = {origin}}};
+    session.selectedTrackID = session.tracks->first().id;
+    const QByteArray written = session.encoded();
+    EXPECT_EQ(LintoraSession::decode(written), session);
+    // A reader that knows nothing of the field finds all the rest as it was.
+    const QByteArray field = R"("origins":[{"cue":3,"number":17,"text":"原话\n二"}],)";
+    const QByteArray without = replaced(written, field, "");
+    EXPECT_TRUE(without.contains(trackJson));
+    EXPECT_EQ(LintoraSession::decode(without).tracks->first().origins, QList<TextOrigin>());
+    EXPECT_EQ(outcome(replaced(written, field, R"("origins":null,)")), "accepted");
+    EXPECT_NE(outcome(replaced(written, R"("number":17)", R"("number":"17")")), "accepted");
+}
+
 TEST(LintoraSession, any_job_survives)
 {
     Generator generator(3);

@@ -3,6 +3,7 @@
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
 #include "core/files/FileReader.h"
+#include "core/json/JsonReader.h"
 #include "core/json/JsonWriter.h"
 #include "tests/support/Unprivileged.h"
 
@@ -222,6 +223,29 @@ TEST_F(StylePresetStoreTest, keeps_presets_in_order)
     EXPECT_EQ(FileReader::readAll(store().file()), encoded(presets));
     store().save({});
     EXPECT_EQ(FileReader::readAll(store().file()), "[]");
+}
+
+TEST(SubtitleStylePreset, keeps_a_look_in_a_field_that_others_pass_over)
+{
+    const TitleTemplate look{
+        .effects = {{.name = "人名条", .uid = "~/a.moti", .src = "file:///a"}},
+        .xml = "<title ref=\"0\"><text><text-style ref=\"0\"/></text><text-style-def id=\"0\"/></title>"};
+    const auto saved = SubtitleStylePresets::saving({}, u"甲"_s, {}, look);
+    const auto bytes = jsonBytes([&](JsonWriter &json) { writeSubtitleStylePresets(json, saved); });
+    const auto read = [](const QByteArray &data) {
+        JsonReader json(data);
+        return readSubtitleStylePresets(json);
+    };
+    EXPECT_EQ(read(bytes), saved);
+    EXPECT_EQ(SubtitleStylePresets::renaming(saved, saved[0].id, u"乙"_s)[0].look, look);
+    EXPECT_FALSE(SubtitleStylePresets::saving(saved, u"甲"_s, {})[0].look) << "another style takes its place";
+    for (const auto &[from, to] :
+         {std::pair("<title ref", "<clip ref"), std::pair("</title>", ""),
+          std::pair("style ref=\\\"0", "style ref=\\\"1"), std::pair("<text-style ref=\\\"0\\\"/>", "")}) {
+        QByteArray wrong = bytes;
+        ASSERT_TRUE(wrong.contains(from)) << from;
+        EXPECT_THROW(read(wrong.replace(from, to)), PlatformError) << from;
+    }
 }
 
 TEST_F(StylePresetStoreTest, refuses_files)
