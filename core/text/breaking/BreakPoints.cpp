@@ -124,7 +124,7 @@ private:
         }
     }
 
-    int costBetween(size_t token) const
+    int costBetween(size_t token)
     {
         const LineToken &previous = m_tokens[token];
         const LineToken &next = m_tokens[token + 1];
@@ -141,15 +141,18 @@ private:
         const bool bothChinese = isChinese(m_line[previous.end - 1]) && isChinese(m_line[next.begin]);
         if (previous.isSpaced() && bothChinese)
             return blank;
-        return costBetweenWords(previous, next);
+        return costBetweenWords(token);
     }
 
-    int costBetweenWords(const LineToken &previous, const LineToken &next) const
+    int costBetweenWords(size_t token)
     {
+        const LineToken &previous = m_tokens[token];
+        const LineToken &next = m_tokens[token + 1];
         const QStringView before = text(previous);
         const QStringView after = text(next);
-        const quint8 ending = BreakWords::traits(before);
+        const quint8 ending = m_known.token == token ? m_known.traits : BreakWords::traits(before);
         const quint8 beginning = BreakWords::traits(after);
+        m_known = {.token = token + 1, .traits = beginning};
         if (next.kind == Kind::opening)
             return (ending & BreakWords::clingsToNext) != 0 ? clingNext : pair;
         if ((beginning & BreakWords::clingsToPrevious) != 0)
@@ -169,9 +172,17 @@ private:
         return isName ? name : word;
     }
 
+    /// The traits of the word that was looked up last: mostly it is the next to be asked for.
+    struct Known
+    {
+        size_t token = 0;
+        quint8 traits = 0;
+    };
+
     QStringView m_line;
     std::vector<LineToken> m_tokens;
     std::vector<BreakPoint> &m_points;
+    Known m_known{.token = m_tokens.size(), .traits = 0};
     std::vector<int> m_open; ///< Widths of the pairs around the place, the innermost last.
     int m_endWidth = 0;      ///< Width up to the end of the token passed last.
 };

@@ -29,7 +29,9 @@ public:
     explicit Collector(QStringView line)
         : m_line(line)
         , m_pairsQuotes(line.count(u'"') % 2 == 0)
-    {}
+    {
+        m_tokens.reserve(static_cast<size_t>(line.size()) / 2 + 1);
+    }
 
     void add(qsizetype begin, qsizetype end)
     {

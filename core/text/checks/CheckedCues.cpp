@@ -106,9 +106,8 @@ private:
         const ReadingSpeed::Need need = m_cues.need(m_cue, m_limits.speed);
         if (length > 0 && need.ms > length) {
             const auto limit = double(need.isChinese ? m_limits.speed.chinese : m_limits.speed.latin);
-            // Rounded up, so that what is beyond the limit looks so too.
-            const double speed = std::ceil(double(need.ms) * limit * 10 / double(length)) / 10;
-            add(CheckRule::readingSpeed, speed, limit, need.isChinese ? QString() : u"latin"_s);
+            add(CheckRule::readingSpeed, ReadingSpeed::demanded(need, length, m_limits.speed), limit,
+                need.isChinese ? QString() : u"latin"_s);
         }
         if (length < m_limits.shortestMS)
             add(CheckRule::tooShort, double(length), double(m_limits.shortestMS));

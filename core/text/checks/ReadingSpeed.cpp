@@ -36,6 +36,11 @@ Characters of(QStringView line)
     return characters;
 }
 
+bool isChinese(const Characters &line, const Speed &speed)
+{
+    return line.chinese * speed.latin > line.latin * speed.chinese;
+}
+
 Need needed(std::span<const Characters> lines, const Speed &speed)
 {
     // In units of which a second has speed.chinese * speed.latin.
@@ -44,11 +49,18 @@ Need needed(std::span<const Characters> lines, const Speed &speed)
     for (const Characters &line : lines) {
         const qint64 chinese = line.chinese * speed.latin;
         const qint64 latin = line.latin * speed.chinese;
-        (chinese > latin ? chineseLines : latinLines) += chinese + latin;
+        (isChinese(line, speed) ? chineseLines : latinLines) += chinese + latin;
     }
     const qint64 second = speed.chinese * speed.latin;
     const qint64 longest = std::max(chineseLines, latinLines);
-    return {.ms = (1'000 * longest + second - 1) / second, .isChinese = chineseLines >= latinLines};
+    return {.ms = (1'000 * longest + second - 1) / second, .weight = longest, .isChinese = chineseLines >= latinLines};
+}
+
+double demanded(const Need &need, qint64 lengthMS, const Speed &speed)
+{
+    const qint64 limit = need.isChinese ? speed.chinese : speed.latin;
+    const qint64 whole = speed.chinese * speed.latin * lengthMS;
+    return double((need.weight * limit * 10'000 + whole - 1) / whole) / 10;
 }
 
 } // namespace ReadingSpeed

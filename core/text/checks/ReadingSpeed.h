@@ -27,11 +27,19 @@ struct Speed
 struct Need
 {
     qint64 ms = 0;         ///< Rounded up.
+    qint64 weight = 0;     ///< The same exactly; a second has the product of both speeds.
     bool isChinese = true; ///< Whether it is the Chinese lines; a line is Chinese when its Chinese takes longer.
 };
 
 Characters of(QStringView line);
 
+/// Whether a line is Chinese: whether its Chinese characters take longer to be read than its others.
+bool isChinese(const Characters &line, const Speed &speed);
+
 Need needed(std::span<const Characters> lines, const Speed &speed);
+
+/// Characters a second that are to be read in `lengthMS`, above 0, of which `speed` allows the limit for their writing.
+/// In tenths, rounded up, so that what is beyond the limit looks so too.
+double demanded(const Need &need, qint64 lengthMS, const Speed &speed);
 
 } // namespace ReadingSpeed
