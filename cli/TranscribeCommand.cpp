@@ -1,12 +1,8 @@
-#include "ai/AnswerLedger.h"
 #include "ai/LocalAIJob.h"
-#include "ai/SubtitleGeneration.h"
 #include "ai/Workspace.h"
 #include "ai/models/LocalModels.h"
-#include "ai/speech/KeptAnswers.h"
+#include "ai/speech/MediaFiles.h"
 #include "ai/speech/Recognition.h"
-#include "ai/speech/SpeechTranscription.h"
-#include "ai/text/OnlineSubtitleAI.h"
 #include "ai/text/Translation.h"
 #include "cli/CancelOnInterrupt.h"
 #include "cli/Commands.h"
@@ -16,7 +12,7 @@
 #include "cli/ServiceArguments.h"
 #include "cli/StandardStreams.h"
 #include "core/SRT.h"
-#include "fcp/render/FCPAudioRenderer.h"
+#include "fcp/render/SpokenCues.h"
 
 #include <memory>
 
@@ -42,147 +38,50 @@ struct TranscribeArguments
     Arguments::Output output;
 };
 
-/// Who listens and who reviews, made before anything is done: what is wrong with them is told at once.
-struct Workers
+SpokenCues::Task taskFor(const TranscribeArguments &arguments)
 {
-    using Recognize = std::function<AnsweredCues(LocalAIJob &job, const ProgressReport &progress)>;
-    using Review =
-        std::function<AnsweredCues(const QList<Subtitle> &cues, LocalAIJob &job, const ProgressReport &progress)>;
-
-    Recognize recognize;
-    Review review; ///< Empty when nobody shall.
-};
-
-EngineModel modelOf(const TranscribeArguments &arguments)
-{
-    if (!arguments.modelFile.empty())
-        return EngineModel::own(Arguments::toPath(arguments.modelFile));
-    return SubtitleAI::speechEngine(LocalModels::speechModel(Arguments::toText(arguments.model)));
-}
-
-/// Listens to a range of a timeline, where nobody may be speaking.
-using Listen = std::function<AnsweredCues(const QString &wav, qint64 durationMS, const Workspace &workspace,
-                                          LocalAIJob &job, const ProgressReport &progress)>;
-
-Listen listening(const TranscribeArguments &arguments)
-{
-    const auto language = arguments.language;
-    constexpr auto noSpeech = SubtitleAI::NoSpeech::isAllowed;
-    if (arguments.service.isGiven()) {
-        const SpeechAPIConfiguration service = arguments.service.forSpeech(arguments.wantsWords);
-        return [=](const QString &wav, qint64, const Workspace &, LocalAIJob &job, const ProgressReport &progress) {
-            return SpeechSubtitleAPI::transcribe(wav, language, service, KeptAnswers::defaultFolder(), job, noSpeech,
-                                                 progress);
-        };
-    }
-    return [=, model = modelOf(arguments).file](const QString &wav, qint64 durationMS, const Workspace &workspace,
-                                                LocalAIJob &job, const ProgressReport &progress) {
-        return AnsweredCues{
-            .cues = SubtitleAI::recognize(wav, durationMS, language, model, job, noSpeech, workspace, progress),
-            .forget = [] {}};
-    };
-}
-
-/// What is said on a project's timeline, at its times.
-Workers::Recognize recognizingTimeline(const TranscribeArguments &arguments)
-{
-    std::function<void(LocalAIJob &, const ProgressReport &)> prepare = [](LocalAIJob &, const ProgressReport &) {};
-    if (!arguments.service.isGiven())
-        prepare = modelOf(arguments).prepare;
-    return [=, listen = listening(arguments)](LocalAIJob &job, const ProgressReport &progress) {
-        const FCPAudioPlan plan = arguments.audio.plan(arguments.input);
-        ProjectAudio::tellNotices(plan, arguments.output);
-        prepare(job, progress);
-        std::vector<std::function<void()>> kept;
-        const auto recognize = [&](const QString &wav, qint64 durationMS, const Workspace &workspace,
-                                   const ProgressReport &report) {
-            const AnsweredCues answered = listen(wav, durationMS, workspace, job, report);
-            kept.push_back(answered.forget);
-            return answered.cues;
-        };
-        const QList<Subtitle> cues = FCPAudioRenderer::transcribe(plan, job, recognize, progress);
-        return AnsweredCues{.cues = cues, .forget = [kept] {
-                                for (const auto &forget : kept)
-                                    forget();
-                            }};
-    };
-}
-
-Workers::Recognize recognizing(const TranscribeArguments &arguments)
-{
-    if (ProjectAudio::isProject(arguments.input))
-        return recognizingTimeline(arguments);
-    const QString input = Arguments::toPath(arguments.input);
-    const auto language = arguments.language;
-    constexpr auto noSpeech = SubtitleAI::NoSpeech::isRefused;
-    if (arguments.service.isGiven()) {
-        const SpeechAPIConfiguration service = arguments.service.forSpeech(arguments.wantsWords);
-        return [=](LocalAIJob &job, const ProgressReport &progress) {
-            return SpeechSubtitleAPI::transcribe(input, language, service, KeptAnswers::defaultFolder(), job, noSpeech,
-                                                 progress);
-        };
-    }
-    return [=, model = modelOf(arguments)](LocalAIJob &job, const ProgressReport &progress) {
-        return AnsweredCues{.cues = SubtitleAI::transcribe(input, language, model, job, noSpeech, progress),
-                            .forget = [] {}};
-    };
-}
-
-Workers::Review reviewing(const TranscribeArguments &arguments)
-{
-    const SubtitleAI::TextTask task{.work = SubtitleAI::TextWork::proofreading};
-    const QString ledger = AnswerLedger::defaultFolder();
-    if (!arguments.wantsReview)
-        return {};
-    if (arguments.reviewService.isGiven()) {
-        const OnlineAIConfiguration service = arguments.reviewService.forTexts(false);
-        return [=](const QList<Subtitle> &cues, LocalAIJob &job, const ProgressReport &progress) {
-            return OnlineSubtitleAI::answer(cues, task, service, ledger, job, progress);
-        };
-    }
-    const EngineModel model = arguments.reviewModelFile.empty()
-                                  ? SubtitleAI::textEngine()
-                                  : EngineModel::own(Arguments::toPath(arguments.reviewModelFile));
-    return [=](const QList<Subtitle> &cues, LocalAIJob &job, const ProgressReport &progress) {
-        return SubtitleAI::translate(cues, task, model, ledger, job, progress);
-    };
-}
-
-Workers workersFor(const TranscribeArguments &arguments)
-{
-    Workers workers{.recognize = recognizing(arguments), .review = reviewing(arguments)};
+    SpokenCues::Task task{.language = arguments.language};
+    if (arguments.service.isGiven())
+        task.listener = arguments.service.forSpeech(arguments.wantsWords);
+    else if (!arguments.modelFile.empty())
+        task.listener = EngineModel::own(Arguments::toPath(arguments.modelFile));
+    else
+        task.listener = SubtitleAI::speechEngine(LocalModels::speechModel(Arguments::toText(arguments.model)));
+    if (arguments.wantsReview && arguments.reviewService.isGiven())
+        task.reviewer = arguments.reviewService.forTexts(false);
+    else if (arguments.wantsReview && !arguments.reviewModelFile.empty())
+        task.reviewer = EngineModel::own(Arguments::toPath(arguments.reviewModelFile));
+    else if (arguments.wantsReview)
+        task.reviewer = SubtitleAI::textEngine();
     arguments.service.hideKey();
     arguments.reviewService.hideKey();
-    return workers;
+    return task;
 }
 
 void runTranscribe(const TranscribeArguments &arguments)
 {
-    const Workers workers = workersFor(arguments);
+    // What is wrong with who listens and who reviews is told before anything is done.
+    SpokenCues::Task task = taskFor(arguments);
     Workspace::removeLeftovers();
     LocalAIJob job;
     const CancelOnInterrupt cancelling(job);
     ProgressLines lines(arguments.output);
-    const ProgressReport progress = [&](const Progress &now) { lines.show(now); };
-    const AnsweredCues recognized = workers.recognize(job, progress);
-    std::function<void()> forgetReview = [] {};
-    std::function<QList<Subtitle>(const QList<Subtitle> &)> review;
-    if (workers.review) {
-        review = [&](const QList<Subtitle> &cues) {
-            const AnsweredCues reviewed = workers.review(cues, job, progress);
-            forgetReview = reviewed.forget;
-            return reviewed.cues;
-        };
+    if (ProjectAudio::isProject(arguments.input)) {
+        const FCPAudioPlan plan = arguments.audio.plan(arguments.input);
+        ProjectAudio::tellNotices(plan, arguments.output);
+        task.source = plan;
+    } else {
+        task.source = Arguments::toPath(arguments.input);
     }
-    const GeneratedSubtitles made = SubtitleGeneration::finish(recognized.cues, review);
+    const auto [made, levels, forget] = SpokenCues::make(task, job, [&](const Progress &now) { lines.show(now); });
+    const QList<Subtitle> &cues = made.cues;
     Result::deliver(
-        arguments.output, [&](Utf8Writer &out) { SRT::serialize(made.cues, out); },
-        [&](JsonWriter &json) { writeSubtitles(json, made.cues); });
-    recognized.forget();
-    forgetReview();
+        arguments.output, [&](Utf8Writer &out) { SRT::serialize(cues, out); },
+        [&](JsonWriter &json) { writeSubtitles(json, cues); });
+    forget();
     if (made.notice)
         StandardStreams::writeError((arguments.wantsDetails ? made.notice->text() : made.notice->sentence).toUtf8());
-    arguments.output.report(u"已识别 %1 条字幕"_s.arg(made.cues.size()));
+    arguments.output.report(u"已识别 %1 条字幕"_s.arg(cues.size()));
 }
 
 /// The ids of the catalog, for the command line to know.
@@ -234,7 +133,9 @@ void addTranscribe(CLI::App &app, Work &run)
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);
     command->footer("示例：\n  lintora-cli transcribe 访谈.mov -o 访谈.srt --language zh\n"
-                    "  lintora-cli transcribe 粗剪.fcpxmld -o 粗剪.srt");
+                    "  lintora-cli transcribe 粗剪.fcpxmld -o 粗剪.srt\n"
+                    "读取音频和视频：" +
+                    MediaFiles::extensions().join(u' ').toStdString());
     command->callback([&run, arguments, command] {
         arguments->wantsDetails = command->count("--details") > 0; // every command has it
         run = [arguments] { runTranscribe(*arguments); };

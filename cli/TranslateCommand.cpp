@@ -1,7 +1,7 @@
 #include "ai/AnswerLedger.h"
 #include "ai/LocalAIJob.h"
 #include "ai/Workspace.h"
-#include "ai/text/OnlineSubtitleAI.h"
+#include "ai/text/Answerer.h"
 #include "ai/text/Translation.h"
 #include "cli/CancelOnInterrupt.h"
 #include "cli/Commands.h"
@@ -32,25 +32,15 @@ struct TextArguments
     Arguments::Output output;
 };
 
-/// A task of texts, given to the service that is named, or to the local model.
-using Answering = std::function<AnsweredCues(const QList<Subtitle> &cues, const SubtitleAI::TextTask &task,
-                                             LocalAIJob &job, const ProgressReport &progress)>;
-
-Answering answering(const TextArguments &arguments)
+SubtitleAI::Answerer answererFor(const TextArguments &arguments)
 {
-    const QString ledger = AnswerLedger::defaultFolder();
     if (arguments.service.isGiven()) {
         const OnlineAIConfiguration service = arguments.service.forTexts(arguments.isQuick);
         arguments.service.hideKey();
-        return [=](const auto &cues, const auto &task, LocalAIJob &job, const ProgressReport &progress) {
-            return OnlineSubtitleAI::answer(cues, task, service, ledger, job, progress);
-        };
+        return service;
     }
-    const EngineModel model = arguments.modelFile.empty() ? SubtitleAI::textEngine()
-                                                          : EngineModel::own(Arguments::toPath(arguments.modelFile));
-    return [=](const auto &cues, const auto &task, LocalAIJob &job, const ProgressReport &progress) {
-        return SubtitleAI::translate(cues, task, model, ledger, job, progress);
-    };
+    return arguments.modelFile.empty() ? SubtitleAI::textEngine()
+                                       : EngineModel::own(Arguments::toPath(arguments.modelFile));
 }
 
 void runText(const TextArguments &arguments)
@@ -61,12 +51,13 @@ void runText(const TextArguments &arguments)
     SubtitleAI::TextTask task{.work = arguments.work, .direction = arguments.direction};
     if (!arguments.reference.empty())
         task.references = SRT::decode(Arguments::readInput(arguments.reference));
-    const Answering answer = answering(arguments);
+    const SubtitleAI::Answerer answerer = answererFor(arguments);
     Workspace::removeLeftovers();
     LocalAIJob job;
     const CancelOnInterrupt cancelling(job);
     ProgressLines lines(arguments.output);
-    const AnsweredCues result = answer(cues, task, job, [&](const Progress &progress) { lines.show(progress); });
+    const AnsweredCues result = SubtitleAI::answer(cues, task, answerer, AnswerLedger::defaultFolder(), job,
+                                                   [&](const Progress &progress) { lines.show(progress); });
     Result::deliver(
         arguments.output, [&](Utf8Writer &out) { SRT::serialize(result.cues, out); },
         [&](JsonWriter &json) { writeSubtitles(json, result.cues); });

@@ -87,7 +87,7 @@ QList<HeardWord> recognizeWords(const QString &wav, qint64 durationMS, SpeechLan
 }
 
 QList<Subtitle> transcribe(const QString &media, SpeechLanguage language, const EngineModel &model, LocalAIJob &job,
-                           NoSpeech noSpeech, const ProgressReport &progress)
+                           NoSpeech noSpeech, const ProgressReport &progress, const TrackReady &trackReady)
 {
     model.prepare(job, progress);
     const Workspace workspace;
@@ -97,6 +97,8 @@ QList<Subtitle> transcribe(const QString &media, SpeechLanguage language, const 
     const qint64 durationMS = WavFile::durationMS(wav).value_or(0);
     if (durationMS <= 0)
         throw ConversionError(u"音轨没有可识别的采样，请确认文件可正常播放。"_s);
+    if (trackReady)
+        trackReady(wav);
     return recognize(wav, durationMS, language, model.file, job, noSpeech, workspace, progress);
 }
 

@@ -36,6 +36,6 @@ QList<HeardWord> recognizeWords(const QString &wav, qint64 durationMS, SpeechLan
 /// Blocks as long as the engines take. Nothing is left of their processes and files, however it ends.
 /// @throws ConversionError; PlatformError, Cancelled
 QList<Subtitle> transcribe(const QString &media, SpeechLanguage language, const EngineModel &model, LocalAIJob &job,
-                           NoSpeech noSpeech, const ProgressReport &progress);
+                           NoSpeech noSpeech, const ProgressReport &progress, const TrackReady &trackReady = {});
 
 } // namespace SubtitleAI

@@ -155,7 +155,8 @@ private:
 template <class Parse>
 AnsweredCues transcribePieces(const QString &media, SubtitleAI::SpeechLanguage language,
                               const SpeechAPIConfiguration &configuration, const QString &keptFolder, LocalAIJob &job,
-                              SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress, const Parse &parse)
+                              SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress,
+                              const SubtitleAI::TrackReady &trackReady, const Parse &parse)
 {
     // What is wrong with the settings is told before anything is done.
     configuration.endpoint();
@@ -168,6 +169,8 @@ AnsweredCues transcribePieces(const QString &media, SubtitleAI::SpeechLanguage l
     const qint64 durationMS = WavFile::durationMS(wav).value_or(0);
     if (durationMS <= 0)
         throw ConversionError(u"音轨没有可转写的采样。"_s);
+    if (trackReady)
+        trackReady(wav);
     QList<Subtitle> cues;
     const QList<SpeechChunk> pieces = chunks(durationMS);
     for (qsizetype i = 0; i < pieces.size(); ++i) {
@@ -192,10 +195,11 @@ AnsweredCues transcribePieces(const QString &media, SubtitleAI::SpeechLanguage l
 
 AnsweredCues transcribe(const QString &media, SubtitleAI::SpeechLanguage language,
                         const SpeechAPIConfiguration &configuration, const QString &keptFolder, LocalAIJob &job,
-                        SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress)
+                        SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress,
+                        const SubtitleAI::TrackReady &trackReady)
 {
     return transcribePieces(
-        media, language, configuration, keptFolder, job, noSpeech, progress, [&](const QByteArray &answer) {
+        media, language, configuration, keptFolder, job, noSpeech, progress, trackReady, [&](const QByteArray &answer) {
             return parseResponse(answer, configuration.wordTimestamps, SubtitleAI::NoSpeech::isAllowed);
         });
 }
@@ -206,7 +210,7 @@ AnsweredCues transcribeWords(const QString &media, SubtitleAI::SpeechLanguage la
 {
     configuration.wordTimestamps = true;
     return transcribePieces(media, language, configuration, keptFolder, job, SubtitleAI::NoSpeech::isAllowed, progress,
-                            parseWords);
+                            {}, parseWords);
 }
 
 } // namespace SpeechSubtitleAPI

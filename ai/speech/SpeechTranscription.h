@@ -16,7 +16,8 @@ namespace SpeechSubtitleAPI {
 /// @throws ConversionError; PlatformError in the network's own words, Cancelled
 AnsweredCues transcribe(const QString &media, SubtitleAI::SpeechLanguage language,
                         const SpeechAPIConfiguration &configuration, const QString &keptFolder, LocalAIJob &job,
-                        SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress);
+                        SubtitleAI::NoSpeech noSpeech, const ProgressReport &progress,
+                        const SubtitleAI::TrackReady &trackReady = {});
 
 /// The same for single words, each a cue of its own with the blanks that the service gave it; none where nobody speaks.
 /// @throws ConversionError also when the service tells no times of words

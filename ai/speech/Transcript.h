@@ -5,6 +5,7 @@
 #include <QByteArrayView>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 /// What the local recogniser is asked and what it answers, without running it.
@@ -25,6 +26,10 @@ QStringList extractionArguments(const QString &media, const QString &wav);
 
 /// The recogniser's arguments: `model` and `pcm` are paths, `result` is one without the ".json" that it appends.
 QStringList speechArguments(const QString &model, const QString &pcm, const QString &result, SpeechLanguage language);
+
+/// Is handed the whole recording as a WAV file of 16 kHz, mono, 16 bits, before it is recognised. The file goes when
+/// the recognition ends. What it throws ends the recognition. May be empty.
+using TrackReady = std::function<void(const QString &wav)>;
 
 /// Whether a recording without speech is an answer or a refusal.
 enum class NoSpeech

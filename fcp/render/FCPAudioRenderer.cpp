@@ -110,10 +110,13 @@ QString render(const FCPAudioPlan &plan, LocalAIJob &job, const QString &directo
 }
 
 QList<Subtitle> transcribe(const FCPAudioPlan &plan, LocalAIJob &job, const Recognizer &recognize,
-                           const ProgressReport &progress)
+                           const ProgressReport &progress, const SubtitleAI::TrackReady &trackReady)
 {
     const Workspace workspace;
-    RenderedSound sound(render(plan, job, workspace.path(), progress));
+    const QString track = render(plan, job, workspace.path(), progress);
+    if (trackReady)
+        trackReady(track);
+    RenderedSound sound(track);
     QList<Subtitle> cues = recognizeRanges(sound, job, workspace, recognize, progress);
     if (cues.isEmpty())
         throw ConversionError(u"未识别到有效语音，请检查时间线人声。"_s);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ai/speech/Transcript.h"
 #include "core/Progress.h"
 #include "core/Subtitle.h"
 #include "fcp/audio/FCPAudioPlan.h"
@@ -27,8 +28,9 @@ using Recognizer = std::function<QList<Subtitle>(const QString &wav, qint64 dura
 ///
 /// Renders the sound and has it recognised range by range (SpeechRanges). The share that is told is that of the
 /// recognition, which takes the time. Nothing is left of its files, however it ends.
+/// `trackReady` is handed what was rendered.
 /// @throws ConversionError as render and `recognize` do, and when nothing is said; PlatformError, Cancelled
 QList<Subtitle> transcribe(const FCPAudioPlan &plan, LocalAIJob &job, const Recognizer &recognize,
-                           const ProgressReport &progress);
+                           const ProgressReport &progress, const SubtitleAI::TrackReady &trackReady = {});
 
 } // namespace FCPAudioRenderer
