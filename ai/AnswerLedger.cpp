@@ -139,6 +139,8 @@ QByteArray AnswerLedger::digest(const Line &line) const
     QList<QByteArray> values = {m_work, line.text.toUtf8()};
     if (line.reference)
         values.append(line.reference->toUtf8());
+    if (!line.terms.isEmpty())
+        values.append("terms " + line.terms);
     return digestOf(values);
 }
 

@@ -32,6 +32,7 @@ public:
     {
         QString text;
         std::optional<QString> reference = {};
+        QByteArray terms = {}; ///< What is said of terms in it; mostly empty.
     };
 
     static constexpr qint64 largest = 8 * 1024 * 1024; ///< Bytes of all files together.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Subtitle.h"
+#include "core/review/Glossary.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -25,8 +26,15 @@ enum class TextWork
     proofreading, ///< In the language that the text has: the direction means nothing.
 };
 
-/// What the model is told to do. `hasReference`: each row goes with the original that it translates (proofreading).
-QString instruction(Direction direction, TextWork work, bool hasReference);
+/// What goes with the rows beside their texts.
+struct RowFields
+{
+    bool reference = false; ///< The original that the row translates (proofreading).
+    bool terms = false;     ///< How terms of the row are to be rendered (translation).
+};
+
+/// What the model is told to do.
+QString instruction(Direction direction, TextWork work, RowFields fields);
 
 /// One cue as the model sees it.
 struct RequestRow
@@ -34,12 +42,16 @@ struct RequestRow
     qint64 id = 0; ///< Its place in the batch, from 0.
     QString text;
     std::optional<QString> reference = {};
+    QList<GlossaryTerm> terms = {}; ///< Those that stand in the text, and how they are to be rendered.
 
     friend bool operator==(const RequestRow &, const RequestRow &) = default;
 };
 
-/// The rows of a batch. `references` is empty, or as long as `rows` and in its order.
+/// The rows of a batch, without terms. `references` is empty, or as long as `rows` and in its order.
 QList<RequestRow> requestRows(const QList<Subtitle> &rows, const QList<Subtitle> &references);
+
+/// The terms of a row as they are sent: a JSON array.
+QByteArray termsText(const QList<GlossaryTerm> &terms);
 
 /// The rows as JSON text. "<|" does not occur in it: no cue can end its part of the prompt.
 QByteArray rowsText(const QList<RequestRow> &rows);

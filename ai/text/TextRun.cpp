@@ -7,6 +7,8 @@
 #include <QElapsedTimer>
 #include <QLoggingCategory>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace SubtitleAI {
@@ -26,13 +28,27 @@ AnswerLedger::Work ledgerWork(const TextTask &task, const QString &instruction, 
             .isQuick = service.isQuick};
 }
 
+/// Empty when no row holds any: then nobody need be told of terms.
+QList<QList<GlossaryTerm>> termsOf(const QList<Subtitle> &rows, const QList<GlossaryTerm> &glossary)
+{
+    QList<QList<GlossaryTerm>> terms;
+    if (!glossary.isEmpty()) {
+        for (const Subtitle &row : rows)
+            terms.append(Glossary::applying(glossary, row.text));
+    }
+    const bool isEmpty = std::ranges::all_of(terms, [](const auto &each) { return each.isEmpty(); });
+    return isEmpty ? QList<QList<GlossaryTerm>>() : terms;
+}
+
 } // namespace
 
 TextRun::TextRun(const QList<Subtitle> &rows, TextTask task, const Service &service, const QString &ledgerFolder)
     : m_source(rows)
     , m_rows(rows)
     , m_task(std::move(task))
-    , m_instruction(instruction(m_task.direction, m_task.work, !m_task.references.isEmpty()))
+    , m_terms(termsOf(rows, m_task.glossary))
+    , m_instruction(instruction(m_task.direction, m_task.work,
+                                {.reference = !m_task.references.isEmpty(), .terms = !m_terms.isEmpty()}))
     , m_ledger(ledgerFolder, ledgerWork(m_task, m_instruction, service))
     , m_batch(service.batch)
 {
@@ -85,6 +101,8 @@ AnswerLedger::Line TextRun::line(qsizetype place) const
     AnswerLedger::Line line{.text = m_source[place].text};
     if (!m_task.references.isEmpty())
         line.reference = m_task.references[place].text;
+    if (!m_terms.isEmpty() && !m_terms[place].isEmpty())
+        line.terms = termsText(m_terms[place]);
     return line;
 }
 
@@ -99,7 +117,10 @@ void TextRun::askBatch(const Ask &ask, const QList<qsizetype> &places)
         if (!m_task.references.isEmpty())
             references.append(m_task.references[place]);
     }
-    const QString answer = ask(m_instruction, requestRows(batch, references));
+    QList<RequestRow> rows = requestRows(batch, references);
+    for (qsizetype i = 0; i < rows.size() && !m_terms.isEmpty(); ++i)
+        rows[i].terms = m_terms[places[i]];
+    const QString answer = ask(m_instruction, rows);
     const QList<Subtitle> answered = parseTranslations(answer.toUtf8(), batch);
     QStringList texts;
     for (qsizetype i = 0; i < places.size(); ++i) {

@@ -14,7 +14,8 @@ struct TextTask
 {
     TextWork work = TextWork::translation;
     Direction direction = Direction::chineseToEnglish;
-    QList<Subtitle> references = {}; ///< The originals of translated cues that are proofread; else empty.
+    QList<Subtitle> references = {};   ///< The originals of translated cues that are proofread; else empty.
+    QList<GlossaryTerm> glossary = {}; ///< A person's own terms, for a translation. What applies is sent along.
 };
 
 /// One run of a task over cues, whoever answers: batches, the checks of each answer, and the ledger, which may know
@@ -54,6 +55,7 @@ private:
     QList<Subtitle> m_source; ///< The cues as they came.
     QList<Subtitle> m_rows;   ///< With the answers that are there.
     TextTask m_task;
+    QList<QList<GlossaryTerm>> m_terms; ///< Of each cue, those of the glossary that it holds; empty without any.
     QString m_instruction;
     AnswerLedger m_ledger;
     qsizetype m_batch;          ///< Characters of the largest batch.

@@ -44,6 +44,7 @@ TEST_F(Ledger, a_later_run_of_the_same_work_finds_what_was_kept)
     EXPECT_EQ(later.answer({u"二"_s, u"ref"_s}), u"two"_s);
     EXPECT_EQ(later.answer({u"二"_s}), std::nullopt);
     EXPECT_EQ(later.answer({u"二"_s, u"other"_s}), std::nullopt);
+    EXPECT_EQ(later.answer({u"一"_s, std::nullopt, "[]"}), std::nullopt);
 }
 
 TEST_F(Ledger, whatever_decides_an_answer_tells_it_from_others)
