@@ -25,6 +25,11 @@ QString stylePresets()
     return belowHome(u"Library/Application Support/Lintora/StylePresets.json"_s);
 }
 
+QString glossary()
+{
+    return belowHome(u"Library/Application Support/Lintora/Glossary.csv"_s);
+}
+
 QString fontIndex()
 {
     return belowHome(u"Library/Application Support/Lintora/FontIndex.json"_s);

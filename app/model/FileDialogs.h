@@ -16,6 +16,7 @@ struct FileDialogs
     {
         QString title;
         QStringList extensions; ///< What may be chosen, lower case, without the dot.
+        QString kinds = {};     ///< What such files are called; empty: by their extensions.
     };
 
     struct Saving

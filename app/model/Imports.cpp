@@ -1,5 +1,6 @@
 #include "app/model/Imports.h"
 
+#include "ai/speech/MediaFiles.h"
 #include "core/SRT.h"
 #include "fcp/FCPXML.h"
 #include "fcp/titles/SubtitleTransfer.h"
@@ -73,6 +74,8 @@ std::optional<Kind> kindOf(const QString &path)
         return Kind::subtitles;
     if (suffix == u"fcpxml" || suffix == u"fcpxmld")
         return Kind::project;
+    if (MediaFiles::isMedia(path))
+        return Kind::media;
     return std::nullopt;
 }
 

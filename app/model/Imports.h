@@ -36,7 +36,8 @@ using Imported = std::variant<ImportedCues, ImportedTimeline>;
 enum class Kind
 {
     subtitles,
-    project
+    project,
+    media ///< Audio or video, whose speech is to be recognised.
 };
 
 /// By the file name's extension, in any case; absent for what is not taken.

@@ -56,6 +56,13 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_scriptMatching, &ScriptMatching::done, this, &LintoraModel::report);
     connect(&m_link, &SessionLink::opened, this, [this] { report(source().isEmpty() ? QString() : u"已载入"_s); });
     connect(&m_link, &SessionLink::freed, this, &LintoraModel::schedulePersist);
+    connect(&m_recognition, &Recognition::timelineChanged, this, &LintoraModel::aiTimelinePlanChanged);
+    connect(&m_recognition, &Recognition::done, this, &LintoraModel::report);
+    connect(&m_recognition, &Recognition::refused, this, refuse);
+    connect(&m_translation, &Translation::done, this, &LintoraModel::report);
+    connect(&m_glossary, &GlossaryTerms::done, this, &LintoraModel::report);
+    connect(&m_glossary, &GlossaryTerms::refused, this, refuse);
+    connect(&m_suspects, &SuspectMarks::done, this, &LintoraModel::report);
     connect(&m_keeper, &SessionKeeper::failureChanged, this, &LintoraModel::reportUnsaved);
 }
 
@@ -330,6 +337,14 @@ BackgroundTask *LintoraModel::shownTask() const
 {
     const auto shown = std::ranges::find_if(m_tasks, &BackgroundTask::isRunning);
     return shown == m_tasks.end() ? nullptr : *shown;
+}
+
+void LintoraModel::showAI(WindowState::AIMode mode)
+{
+    m_aiSettings.loadKeys();
+    m_recognition.findMissing();
+    m_glossary.load();
+    m_window.showAI(mode);
 }
 
 void LintoraModel::cancelAI()

@@ -8,7 +8,10 @@
 #include "app/model/StylePresets.h"
 #include "app/model/WindowState.h"
 #include "app/model/ai/AISettings.h"
-#include "app/model/ai/CueOwnership.h"
+#include "app/model/ai/AIWork.h"
+#include "app/model/ai/Recognition.h"
+#include "app/model/ai/Translation.h"
+#include "store/Locations.h"
 #include "store/RecentSessions.h"
 
 #include <QMimeData>
@@ -169,6 +172,7 @@ public:
 
     void choose();
     void chooseImport();
+    void chooseMedia(); ///< What speech is to be recognised in.
     void showFCPImport();
 
     /// The sessions that were edited when another took their place, newest first.
@@ -181,7 +185,7 @@ public:
     const std::optional<Options> &projectSettings() const { return m_projectSettings; }
     void matchProject(); ///< Gives the selected track these settings again.
     /// What of the timeline can be heard; absent until one is imported.
-    const std::optional<FCPAudioPlan> &aiTimelinePlan() const { return m_timelinePlan; }
+    const std::optional<FCPAudioPlan> &aiTimelinePlan() const { return m_recognition.aiTimelinePlan(); }
 
     // Export of the selected track
 
@@ -204,6 +208,8 @@ public:
     {
         return m_owner.run<JobType>(first, std::move(operation), std::move(take));
     }
+
+    void showAI(WindowState::AIMode mode);
     void cancelAI(); ///< Ends the work that owns the cues, and leaves them as they are.
 
     // Its parts
@@ -212,6 +218,15 @@ public:
     const AISettings &aiSettings() const { return m_aiSettings; }
     ScriptMatching &scriptMatching() { return m_scriptMatching; }
     const ScriptMatching &scriptMatching() const { return m_scriptMatching; }
+    Recognition &recognition() { return m_recognition; }
+    const Recognition &recognition() const { return m_recognition; }
+    Translation &translation() { return m_translation; }
+    const Translation &translation() const { return m_translation; }
+    GlossaryTerms &glossary() { return m_glossary; }
+    const GlossaryTerms &glossary() const { return m_glossary; }
+    SuspectMarks &suspects() { return m_suspects; }
+    const SuspectMarks &suspects() const { return m_suspects; }
+    const AIWork &aiWork() const { return m_aiWork; }
     WindowState &window() { return m_window; }
     const WindowState &window() const { return m_window; }
     void showScriptMatch();
@@ -230,8 +245,9 @@ public:
 
     /// Saves what still waits, draft and session, before it returns. Failures are said in `message`.
     void saveDraft();
-    void shutdownAI(); ///< Cancels every long operation, and waits for its end, for reads no longer than
-                       ///< BackgroundTask::patience.
+    void removeLeftovers(); ///< Removes, on a worker, what runs of engines have left that were killed. For the start.
+    void shutdownAI();      ///< Cancels every long operation, and waits for its end, for reads no longer than
+                            ///< BackgroundTask::patience.
 
     // End of the program
 
@@ -328,18 +344,23 @@ private:
     QStringList m_fillerWords;
     std::optional<FCPProject> m_project;
     std::optional<Options> m_projectSettings;
-    std::optional<FCPAudioPlan> m_timelinePlan;
     std::optional<CueRestore> m_replacement; ///< Of the last replacement.
 
     CueOwnership m_owner{m_session};
     WindowState m_window{m_preferences, m_owner};
     SessionLink m_link{m_keeper, m_session, m_owner};
     ScriptMatching m_scriptMatching{m_session, m_owner};
+    AIWork m_aiWork{m_owner};
+    SuspectMarks m_suspects{m_session, m_owner};
+    Recognition m_recognition{m_session, m_owner, m_suspects, m_aiSettings};
+    GlossaryTerms m_glossary{Locations::glossary()};
+    Translation m_translation{m_session, m_owner, m_aiSettings, m_glossary};
 
     // The tasks come last, so that they end first.
     BackgroundTask m_import{BackgroundTask::Order::oneAfterAnother};
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
+    BackgroundTask m_tidying{BackgroundTask::Order::oneAfterAnother};
     const std::array<BackgroundTask *, 4> m_tasks = {&m_import, &m_export, &m_scriptMatching.task(),
                                                      &m_owner.task()}; ///< Those that are shown.
 };

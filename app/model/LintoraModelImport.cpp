@@ -1,5 +1,6 @@
 // What comes in.
 
+#include "ai/speech/MediaFiles.h"
 #include "app/model/FCPPasteboard.h"
 #include "app/model/LintoraModel.h"
 #include "app/model/SessionTracks.h"
@@ -60,6 +61,9 @@ void LintoraModel::load(const QUrl &file)
         reportFailure(unknownFile());
     } else if (*kind == Imports::Kind::project) {
         loadProject(path, [] {});
+    } else if (*kind == Imports::Kind::media) {
+        m_recognition.setMedia(file);
+        showAI(WindowState::AIMode::speech);
     } else {
         importFrom(
             u"正在读取字幕…"_s,
@@ -95,7 +99,7 @@ bool LintoraModel::receive(const QMimeData &pasteboard)
     QList<QUrl> files = pasteboard.urls();
     files.removeIf([](const QUrl &url) { return !url.isLocalFile(); });
     if (files.size() != 1) {
-        reportFailure(u"请一次拖入一个字幕或 FCP 项目。"_s);
+        reportFailure(u"请一次拖入一个字幕、音视频或 FCP 项目。"_s);
         return false;
     }
     load(files.first());
@@ -127,8 +131,16 @@ void LintoraModel::choose()
 
 void LintoraModel::chooseImport()
 {
-    m_dialogs.open({.title = u"导入字幕或 FCP 项目"_s, .extensions = {u"srt"_s, u"fcpxml"_s, u"fcpxmld"_s}},
+    m_dialogs.open({.title = u"导入字幕、音视频或 FCP 项目"_s,
+                    .extensions = QStringList{u"srt"_s, u"fcpxml"_s, u"fcpxmld"_s} + MediaFiles::extensions(),
+                    .kinds = u"SRT、音视频、FCP 项目"_s},
                    [this](const QString &path) { load(QUrl::fromLocalFile(path)); });
+}
+
+void LintoraModel::chooseMedia()
+{
+    m_dialogs.open({.title = u"选择音视频"_s, .extensions = MediaFiles::extensions(), .kinds = u"音视频"_s},
+                   [this](const QString &path) { m_recognition.setMedia(QUrl::fromLocalFile(path)); });
 }
 
 void LintoraModel::showFCPImport()
@@ -183,7 +195,7 @@ void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
             track.options = Imports::matching(track.options, *timeline.settings);
         m_session.replace(std::move(next), u"匹配项目"_s);
     }
-    publish(m_timelinePlan, timeline.plan, &LintoraModel::aiTimelinePlanChanged);
+    m_recognition.setTimeline(timeline.plan);
     if (timeline.plan)
         report(planMessage(*timeline.plan, !timeline.project && !timeline.failure));
     else if (timeline.isSilent)

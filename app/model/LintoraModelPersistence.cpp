@@ -1,5 +1,6 @@
 // Draft and session.
 
+#include "ai/Workspace.h"
 #include "app/model/Exports.h"
 #include "app/model/LintoraModel.h"
 #include "app/model/SessionTracks.h"
@@ -81,6 +82,17 @@ std::optional<QString> LintoraModel::save()
     return why;
 }
 
+void LintoraModel::removeLeftovers()
+{
+    m_tidying.run(
+        u"正在清理…"_s,
+        [](Job & /*job*/, const ProgressReport & /*report*/) {
+            Workspace::removeLeftovers();
+            return true;
+        },
+        [](bool /*done*/) {}, [](const Failure & /*failure*/) {}); // the next start tries again
+}
+
 void LintoraModel::shutdownAI()
 {
     const QDeadlineTimer deadline(BackgroundTask::patience); // for all of them together
@@ -88,6 +100,7 @@ void LintoraModel::shutdownAI()
     m_import.finish(deadline);
     m_scriptMatching.task().finish(deadline);
     m_stylePresets.wait();
+    m_glossary.wait();
     m_export.wait();
     m_keeping.wait();
 }

@@ -171,6 +171,22 @@ LintoraSession importing(LintoraSession session, const QList<Subtitle> &cues, co
     return session;
 }
 
+LintoraSession adding(LintoraSession session, const QList<Subtitle> &cues, const QString &source, const QString &label)
+{
+    if (!session.tracks || session.tracks->isEmpty())
+        return importing(std::move(session), cues, source);
+    SubtitleTrack track = newTrack(session, cues);
+    if (!label.isEmpty())
+        track.label = label;
+    const QString name = track.label;
+    const auto isTaken = [&](const SubtitleTrack &each) { return each.label == track.label; };
+    for (int number = 2; std::ranges::any_of(*session.tracks, isTaken); ++number)
+        track.label = u"%1 %2"_s.arg(name).arg(number);
+    session.tracks->append(track);
+    select(session, track.id);
+    return session;
+}
+
 LintoraSession separated(LintoraSession session, const QList<LanguageSeparation::GroupedCues> &groups)
 {
     const qsizetype index = *selectedIndex(session);

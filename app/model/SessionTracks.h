@@ -45,6 +45,11 @@ QString label(const QList<Subtitle> &cues);
 /// The session with `cues` as its only track, from `source`.
 LintoraSession importing(LintoraSession session, const QList<Subtitle> &cues, const QString &source);
 
+/// The session with a track of `cues` behind the others, selected. It is called `label`, or by its language where that
+/// is empty, with a number where another is called so. Where it is the first one, `source` is the session's.
+LintoraSession adding(LintoraSession session, const QList<Subtitle> &cues, const QString &source,
+                      const QString &label = {});
+
 /// The session with the selected track kept as the original, and a track for each group in its place.
 LintoraSession separated(LintoraSession session, const QList<LanguageSeparation::GroupedCues> &groups);
 

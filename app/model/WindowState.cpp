@@ -49,3 +49,15 @@ void WindowState::setScriptMatchPresented(bool presented)
 {
     set(m_scriptMatchPresented, presented, &WindowState::scriptMatchPresentedChanged);
 }
+
+void WindowState::showAI(AIMode mode)
+{
+    const bool isOther = std::exchange(m_aiMode, mode) != mode;
+    if (!std::exchange(m_aiPresented, true) || isOther)
+        Q_EMIT aiPresentedChanged();
+}
+
+void WindowState::setAIPresented(bool presented)
+{
+    set(m_aiPresented, presented, &WindowState::aiPresentedChanged);
+}

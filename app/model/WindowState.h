@@ -9,6 +9,14 @@ class WindowState : public QObject
     Q_OBJECT
 
 public:
+    /// What the AI sheet is about.
+    enum class AIMode
+    {
+        speech,
+        translation,
+        review
+    };
+
     WindowState(Preferences &preferences, const CueOwnership &owner);
 
     bool pinned() const { return m_pinned; } ///< Whether it stays in front. Kept between runs.
@@ -20,11 +28,15 @@ public:
     bool cleanupSettingsVisible() const { return m_cleanupSettingsVisible; }
     bool findReplaceVisible() const { return m_findReplaceVisible; }
     bool scriptMatchPresented() const { return m_scriptMatchPresented; }
+    bool aiPresented() const { return m_aiPresented; }
+    AIMode aiMode() const { return m_aiMode; } ///< The last one, while it is not presented.
     void setFCPImportVisible(bool visible);
     void setSettingsVisible(bool visible);
     void setCleanupSettingsVisible(bool visible);
     void setFindReplaceVisible(bool visible); ///< Not opened while long work owns the cues, which closes it.
     void setScriptMatchPresented(bool presented);
+    void showAI(AIMode mode);
+    void setAIPresented(bool presented);
 
     bool subtitleDragInProgress = false;               ///< Set by the card that is dragged.
     std::function<void()> raisePinnedWindow = nullptr; ///< Set by the owner of the window.
@@ -36,6 +48,7 @@ Q_SIGNALS:
     void cleanupSettingsVisibleChanged();
     void findReplaceVisibleChanged();
     void scriptMatchPresentedChanged();
+    void aiPresentedChanged(); ///< Or the mode.
 
 private:
     void set(bool &field, bool value, void (WindowState::*changed)());
@@ -48,4 +61,6 @@ private:
     bool m_cleanupSettingsVisible = false;
     bool m_findReplaceVisible = false;
     bool m_scriptMatchPresented = false;
+    bool m_aiPresented = false;
+    AIMode m_aiMode = AIMode::speech;
 };

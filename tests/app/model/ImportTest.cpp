@@ -76,7 +76,7 @@ TEST_F(ImportTest, refuses_with_the_reason_and_leaves_the_job_alone)
         QString sentence;
     };
     const Row rows[] = {
-        {write(u"a.mov"_s, "x"), QString::fromUtf8(unknown)},
+        {write(u"a.txt"_s, "x"), QString::fromUtf8(unknown)},
         {write(u"srt"_s, oneCue), QString::fromUtf8(unknown)},
         {write(u"bad.srt"_s, oneCue + "\n2\n00:00:03,000 --> 00:00:02,000\n晚\n"),
          u"第 2 条字幕为空，或结束时间早于开始时间。"_s},
@@ -130,7 +130,7 @@ TEST_F(ImportTest, takes_one_file_or_a_document_in_a_drop)
     for (const QStringList &files : {QStringList{}, QStringList{file, file}}) {
         model->report({});
         EXPECT_FALSE(dropFiles(files));
-        EXPECT_EQ(failure(), u"请一次拖入一个字幕或 FCP 项目。"_s);
+        EXPECT_EQ(failure(), u"请一次拖入一个字幕、音视频或 FCP 项目。"_s);
     }
     // A drag out of the browser may offer its files too: the document tells more.
     const auto both = FCPPasteboard::offering(talk());
@@ -313,7 +313,7 @@ TEST_F(ImportTest, asks_for_files_by_dialog_and_takes_no_answer_for_none)
     EXPECT_TRUE(model->items().isEmpty());
     answer = write(u"a.srt"_s, oneCue);
     model->chooseImport();
-    EXPECT_EQ(asked, u"导入字幕或 FCP 项目"_s);
+    EXPECT_EQ(asked, u"导入字幕、音视频或 FCP 项目"_s);
     settle();
     EXPECT_EQ(model->items().size(), 1);
     model->showFCPImport();
