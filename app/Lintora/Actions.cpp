@@ -36,6 +36,10 @@ MainActions::MainActions(LintoraModel &model, QWidget *parent)
     , m_model(model)
     , m_source(new ElidedLabel(this))
 {
+    auto *const speech = Controls::button(u"语音识别"_s, this, u"从音视频或 FCP 时间线生成字幕（⌘⇧O）"_s);
+    connect(speech, &QPushButton::clicked, &model, [&model] { model.showAI(WindowState::AIMode::speech); });
+    auto *const translate = Controls::button(u"翻译"_s, this, u"把当前字幕译成另一种语言"_s);
+    connect(translate, &QPushButton::clicked, &model, [&model] { model.showAI(WindowState::AIMode::translation); });
     auto *const match = Controls::button(u"文稿匹配"_s, this, u"按文稿校正文字，保留字幕时间"_s);
     connect(match, &QPushButton::clicked, &model, &LintoraModel::showScriptMatch);
     m_source->setProperty("secondary", true);
@@ -46,7 +50,16 @@ MainActions::MainActions(LintoraModel &model, QWidget *parent)
     m_source->setText(model.source());
     connect(&model, &LintoraModel::sourceChanged, this, [this] { m_source->setText(m_model.source()); });
 
+    const auto enable = [&model, match, translate] {
+        match->setEnabled(!model.items().isEmpty());
+        translate->setEnabled(!model.items().isEmpty());
+    };
+    connect(&model, &LintoraModel::itemsChanged, this, enable);
+    enable();
+
     QHBoxLayout *const row = rowIn(this);
+    row->addWidget(speech);
+    row->addWidget(translate);
     row->addWidget(match);
     row->addWidget(m_source, 1);
 }

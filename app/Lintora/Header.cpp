@@ -1,5 +1,6 @@
 #include "app/Lintora/Header.h"
 
+#include "app/Lintora/EngineState.h"
 #include "app/Lintora/controls/Controls.h"
 
 #include <QHBoxLayout>
@@ -7,7 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-Header::Header(WindowState &window, QWidget *parent)
+Header::Header(WindowState &window, const AISettings &settings, QWidget *parent)
     : QWidget(parent)
 {
     auto *const tagline = Controls::note(u"语音识别 · 中英互译 · FCP"_s, this);
@@ -30,5 +31,7 @@ Header::Header(WindowState &window, QWidget *parent)
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(VELTheme::margin, VELTheme::step * 2, VELTheme::margin, VELTheme::step * 2);
     layout->addLayout(titles, 1);
+    layout->addWidget(new EngineState(settings, this));
+    layout->addSpacing(VELTheme::gap);
     layout->addWidget(pin);
 }

@@ -5,11 +5,14 @@
 #include "app/Lintora/QuitQuestion.h"
 #include "app/Lintora/RecentList.h"
 #include "app/Lintora/StatusLine.h"
+#include "app/Lintora/ai/SpeechSheet.h"
+#include "app/Lintora/ai/TranslateSheet.h"
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/QuestionSheet.h"
 #include "app/Lintora/cues/CueTable.h"
 #include "app/Lintora/cues/FilterField.h"
 #include "app/Lintora/cues/Inspector.h"
+#include "app/Lintora/cues/SuspectBar.h"
 #include "app/Lintora/cues/TrackTabs.h"
 #include "app/Lintora/drag/CardRow.h"
 #include "app/Lintora/drag/FileDropArea.h"
@@ -43,8 +46,9 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
 
     // In the order of the eye, which the Tab key follows.
     m_stage = new QWidget(this);
-    auto *const header = new Header(model.window(), m_stage);
+    auto *const header = new Header(model.window(), model.aiSettings(), m_stage);
     m_import = new UnifiedImportArea(model, m_stage);
+    auto *const actions = new MainActions(model, m_stage);
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
     note->setAlignment(Qt::AlignCenter);
     m_emptyNote = new QWidget(this);
@@ -58,6 +62,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     content->setContentsMargins(VELTheme::margin, 3 * VELTheme::step, VELTheme::margin, 3 * VELTheme::step);
     content->setSpacing(VELTheme::gap);
     content->addWidget(m_import);
+    content->addWidget(actions);
     content->addWidget(m_emptyNote);
     content->addWidget(m_workspace, 1);
 
@@ -82,7 +87,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     connect(&model, &LintoraModel::tracksChanged, this, &LintoraPanel::followCues);
     for (const auto signal : {&WindowState::cleanupSettingsVisibleChanged, &WindowState::findReplaceVisibleChanged,
                               &WindowState::scriptMatchPresentedChanged, &WindowState::settingsVisibleChanged,
-                              &WindowState::fcpImportVisibleChanged})
+                              &WindowState::fcpImportVisibleChanged, &WindowState::aiPresentedChanged})
         connect(&model.window(), signal, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::splitOriginalChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::previousItemsChanged, this, &LintoraPanel::followCues);
@@ -97,7 +102,6 @@ QWidget *LintoraPanel::makeWorkspace()
 {
     const auto mayAct = [this] { return m_table->commitEdit(); };
     auto *const workspace = new QWidget(this);
-    auto *const actions = new MainActions(m_model, workspace);
     auto *const editing = new EditingActions(m_model, mayAct, workspace);
     connect(editing, &EditingActions::restoreRequested, this, &LintoraPanel::confirmRestore);
     QWidget *const heading = makeTableHeading();
@@ -112,9 +116,11 @@ QWidget *LintoraPanel::makeWorkspace()
     auto *const layout = new QVBoxLayout(workspace);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(VELTheme::gap);
-    layout->addWidget(actions);
+    auto *const suspects = new SuspectBar(m_model, *m_table, workspace);
+    connect(suspects, &SuspectBar::cueRequested, this, &LintoraPanel::bringCue);
     layout->addWidget(editing);
     layout->addWidget(heading);
+    layout->addWidget(suspects);
     layout->addWidget(m_table, 3);
     layout->addWidget(inspector, 1);
     layout->addWidget(new CardRow(m_model, mayAct, workspace));
@@ -200,6 +206,8 @@ void LintoraPanel::followSheets()
         connect(m_findReplace, &FindReplaceWorkspace::cueRequested, this, &LintoraPanel::showCue);
     showSheet(m_scriptMatch, window.scriptMatchPresented());
     showSheet(m_style, window.settingsVisible());
+    showSheet(m_speech, window.aiPresented() && window.aiMode() == WindowState::AIMode::speech);
+    showSheet(m_translate, window.aiPresented() && window.aiMode() == WindowState::AIMode::translation);
     showStyle();
 }
 

@@ -12,7 +12,9 @@ class QuestionSheet;
 class QVBoxLayout;
 class ScriptMatchWorkspace;
 class Sheet;
+class SpeechSheet;
 class StyleWorkspace;
+class TranslateSheet;
 class UnifiedImportArea;
 
 /// The content of the window: everything a person sees of the model, and does to it. It connects; what the parts do is
@@ -61,4 +63,6 @@ private:
     FindReplaceWorkspace *m_findReplace = nullptr;
     ScriptMatchWorkspace *m_scriptMatch = nullptr;
     StyleWorkspace *m_style = nullptr;
+    SpeechSheet *m_speech = nullptr;
+    TranslateSheet *m_translate = nullptr;
 };

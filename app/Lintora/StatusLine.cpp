@@ -2,6 +2,7 @@
 
 #include "app/Lintora/controls/BusyBar.h"
 #include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/DurationText.h"
 #include "app/Lintora/controls/ElidedLabel.h"
 
 #include <QClipboard>
@@ -9,30 +10,13 @@
 #include <QHBoxLayout>
 #include <QStyle>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// No more exact than anybody can know it: seconds in tens, then whole minutes.
-QString timeLeft(qint64 ms)
-{
-    constexpr qint64 tenSeconds = 10'000;
-    constexpr qint64 minute = 60'000;
-    constexpr qint64 hour = 60 * minute;
-    const auto roundedUp = [ms](qint64 unit) { return (ms + unit - 1) / unit; };
-    if (ms <= minute - tenSeconds)
-        return u"约剩 %1 秒"_s.arg(std::max<qint64>(1, roundedUp(tenSeconds)) * 10);
-    if (ms <= hour - minute)
-        return u"约剩 %1 分钟"_s.arg(roundedUp(minute));
-    const qint64 minutes = roundedUp(minute);
-    return u"约剩 %1 小时 %2 分钟"_s.arg(minutes / 60).arg(minutes % 60);
-}
-
 QString sentence(const Progress &progress)
 {
-    return progress.leftMS ? progress.what + u" · "_s + timeLeft(*progress.leftMS) : progress.what;
+    return progress.leftMS ? progress.what + u" · "_s + DurationText::left(*progress.leftMS) : progress.what;
 }
 
 } // namespace

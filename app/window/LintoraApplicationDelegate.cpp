@@ -65,6 +65,7 @@ void LintoraApplicationDelegate::applicationDidFinishLaunching()
     });
     connect(&m_model->window(), &WindowState::pinnedChanged, this, &LintoraApplicationDelegate::applyPinned);
     showWindow();
+    m_model->removeLeftovers();
 }
 
 void LintoraApplicationDelegate::open(const QList<QUrl> &urls)
@@ -156,6 +157,8 @@ void LintoraApplicationDelegate::buildMenus()
     QMenu *const application = m_menuBar->addMenu(u"VELMORA 字幕助手"_s);
     addCommand(*application, u"打开 SRT…"_s, &LintoraApplicationDelegate::openSRT, Qt::CTRL | Qt::Key_O);
     addCommand(*application, u"从 FCP 导入…"_s, &LintoraApplicationDelegate::openFCP);
+    addCommand(*application, u"从音视频生成字幕…"_s, &LintoraApplicationDelegate::openSpeech,
+               Qt::CTRL | Qt::SHIFT | Qt::Key_O);
     QMenu *const recent = application->addMenu(u"最近的字幕"_s);
     recent->menuAction()->setMenuRole(QAction::ApplicationSpecificRole);
     connect(m_model.get(), &LintoraModel::recentSessionsChanged, recent, [this, recent] { followRecent(*recent); });
@@ -216,6 +219,11 @@ void LintoraApplicationDelegate::openSRT()
 void LintoraApplicationDelegate::openFCP()
 {
     m_model->showFCPImport();
+}
+
+void LintoraApplicationDelegate::openSpeech()
+{
+    m_model->showAI(WindowState::AIMode::speech);
 }
 
 void LintoraApplicationDelegate::openScriptMatch()

@@ -47,6 +47,7 @@ public:
     // Menu commands
     void openSRT();
     void openFCP();
+    void openSpeech();
     void openScriptMatch();
     void openStyle();
     void openCleanup();

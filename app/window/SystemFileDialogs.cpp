@@ -20,7 +20,7 @@ struct Shared
 };
 
 /// "SRT、FCPXML (*.srt *.SRT …)". Extensions are taken in either case, but some systems' dialogs go by the letter.
-QString nameFilter(const QStringList &extensions)
+QString nameFilter(const QStringList &extensions, const QString &kinds = {})
 {
     QStringList names;
     QStringList patterns;
@@ -29,7 +29,7 @@ QString nameFilter(const QStringList &extensions)
         patterns += u"*."_s + extension;
         patterns += u"*."_s + extension.toUpper();
     }
-    return u"%1 (%2)"_s.arg(names.join(u"、"), patterns.join(u' '));
+    return u"%1 (%2)"_s.arg(kinds.isEmpty() ? names.join(u"、") : kinds, patterns.join(u' '));
 }
 
 void present(const std::shared_ptr<Shared> &shared, QFileDialog &dialog, const FileDialogs::Chosen &chosen)
@@ -68,7 +68,7 @@ FileDialogs systemFileDialogs(std::function<QWidget *()> window)
             return;
         auto *const dialog = new QFileDialog(shared->window(), request.title);
         dialog->setFileMode(QFileDialog::ExistingFile);
-        dialog->setNameFilter(nameFilter(request.extensions));
+        dialog->setNameFilter(nameFilter(request.extensions, request.kinds));
         present(shared, *dialog, chosen);
     };
     dialogs.save = [shared](const FileDialogs::Saving &request, const FileDialogs::Chosen &chosen) {

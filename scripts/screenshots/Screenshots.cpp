@@ -9,11 +9,14 @@
 #include "app/Lintora/look/FontPicker.h"
 #include "app/model/LintoraModel.h"
 #include "tests/support/Events.h"
+#include "tests/support/HelperFolder.h"
+#include "tests/support/MemoryKeys.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
@@ -86,6 +89,34 @@ LintoraSession loadedJob(int rounds = 18)
         {.id = QUuid::createUuid(), .label = u"English"_s, .items = translated(cues), .options = job.options}};
     job.selectedTrackID = job.tracks->first().id;
     return job;
+}
+
+/// What recognition is played by: seven seconds of silence, then sound under the rest of the interview's first cues.
+void playEngines(HelperFolder &helpers, const QStringList &recogniser)
+{
+    helpers.script(u"ffmpeg-audio"_s, {u"wav 7 30"_s});
+    helpers.script(u"whisper-cli"_s, recogniser);
+}
+
+QString heard(const QList<Subtitle> &cues)
+{
+    QStringList segments;
+    for (const Subtitle &cue : cues)
+        segments += uR"({"offsets":{"from":%1,"to":%2},"text":"%3"})"_s.arg(cue.start).arg(cue.end).arg(
+            QString(cue.text).replace(u'\n', u' '));
+    return u"result {\"transcription\":["_s + segments.join(u',') + u"]}"_s;
+}
+
+/// Chooses models of the person's own, so that the engines have something to work with.
+void chooseModels(LintoraModel &model, const HelperFolder &helpers)
+{
+    QFile file(helpers.file(u"ggml-访谈.bin"_s));
+    if (file.open(QIODevice::WriteOnly))
+        file.write("model");
+    AIChoices choices = model.aiSettings().choices();
+    choices.aiSpeechModelFile = file.fileName();
+    choices.aiTextModelFile = file.fileName();
+    model.aiSettings().choose(choices);
 }
 
 struct State
@@ -244,6 +275,66 @@ QList<State> states()
              for (int i = 0; i < 60; ++i)
                  Events::handle();
          }},
+        {u"speech"_s,
+         [](LintoraModel &model, LintoraPanel &) { model.load(QUrl::fromLocalFile(u"/media/访谈_A机位_0417.mov"_s)); }},
+        {u"speech-online"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             AIChoices choices = model.aiSettings().choices();
+             choices.aiUseCloudSpeech = true;
+             choices.aiSpeechBaseURL = u"https://speech.example.com/v1"_s;
+             choices.aiAutomaticReview = true;
+             model.aiSettings().choose(choices);
+             FCPAudioPlan plan{.name = u"访谈_粗剪_v3"_s, .duration = 600, .hasAudioEffects = true};
+             plan.segments += {.url = QUrl::fromLocalFile(u"/media/访谈_A机位.mov"_s), .duration = 600};
+             plan.skippedRetimedAudio = {u"空镜"_s, u"延时"_s};
+             model.recognition().setTimeline(plan);
+             Events::waitFor([&] { return !model.recognition().missingMedia().isEmpty(); });
+             model.showAI(WindowState::AIMode::speech);
+         }},
+        {u"speech-running"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             static HelperFolder helpers;
+             chooseModels(model, helpers);
+             playEngines(helpers, {u"print [00:00:00.000 --> 00:00:14.500]  大家好"_s, u"wait"_s});
+             model.load(QUrl::fromLocalFile(u"/media/访谈_A机位_0417.mov"_s));
+             model.recognition().start();
+             Events::waitFor([&] { return model.aiWork().stages().progress().share.has_value(); });
+         }},
+        {u"suspects"_s,
+         [](LintoraModel &model, LintoraPanel &panel) {
+             static HelperFolder helpers;
+             chooseModels(model, helpers);
+             QList<Subtitle> cues = interview(1);
+             cues[3].text = u"请不吝点赞 订阅 转发"_s;
+             playEngines(helpers, {heard(cues)});
+             model.load(QUrl::fromLocalFile(u"/media/访谈_A机位_0417.mov"_s));
+             model.recognition().start();
+             Events::waitFor([&] { return !model.aiBusy(); });
+             panel.table().goTo(3);
+         }},
+        {u"translate"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.glossary().load();
+             Events::waitFor([&] { return model.glossary().isLoaded(); });
+             model.showAI(WindowState::AIMode::translation);
+         }},
+        {u"glossary"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.showAI(WindowState::AIMode::translation);
+             Events::waitFor([&] { return model.glossary().isLoaded(); });
+             for (QPushButton *const button : panel.findChildren<QPushButton *>()) {
+                 if (button->text() == u"术语表…"_s)
+                     button->click();
+             }
+             for (QPlainTextEdit *const text : panel.findChildren<QPlainTextEdit *>()) {
+                 if (text->accessibleName() == u"术语"_s)
+                     text->setPlainText(u"调色,color grading,后期\n示波器,scopes\n罗老师,Mr. Luo,受访人"_s);
+             }
+         }},
         {u"fcp-import"_s, [](LintoraModel &model, LintoraPanel &) { model.showFCPImport(); }},
     };
 }
@@ -251,8 +342,10 @@ QList<State> states()
 bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance appearance)
 {
     if (size == QSize(640, 790))
-        return !QStringList{u"fcp-import"_s, u"time"_s, u"confirm"_s, u"style-name"_s, u"style-portrait"_s}.contains(
-                   state) &&
+        return !QStringList{u"fcp-import"_s,    u"time"_s,           u"confirm"_s,
+                            u"style-name"_s,    u"style-portrait"_s, u"speech"_s,
+                            u"speech-online"_s, u"speech-running"_s, u"glossary"_s}
+                    .contains(state) &&
                (appearance == VELTheme::Appearance::light || state == u"loaded"_s);
     return state == u"loaded"_s && size.width() == 560 && appearance == VELTheme::Appearance::dark;
 }
@@ -264,7 +357,8 @@ bool draw(const State &state, QSize size, VELTheme::Appearance appearance, const
         {.draftURL = folder.filePath(u"Draft.json"_s),
          .stylePresetsURL = folder.filePath(u"Presets.json"_s),
          .settings = std::make_shared<QSettings>(folder.filePath(u"settings.ini"_s), QSettings::IniFormat),
-         .dialogs = {}});
+         .dialogs = {},
+         .keys = MemoryKeys().store()});
     LintoraPanel panel(model);
     VELTheme::setAppearance(panel, appearance);
     panel.resize(size);

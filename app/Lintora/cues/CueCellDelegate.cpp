@@ -40,6 +40,19 @@ void paintWarning(QPainter &painter, const QRect &cell, const QColor &colour)
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
+/// A ring in the same place; full when the cue is ticked.
+void paintSuspect(QPainter &painter, const QRect &cell, const QColor &colour, bool isTicked)
+{
+    constexpr double radius = 3.5;
+    const QPointF centre(cell.left() + VELTheme::step + 6, cell.center().y() + 0.5);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(colour, 1.5));
+    painter.setBrush(isTicked ? QBrush(colour) : QBrush(Qt::NoBrush));
+    painter.drawEllipse(centre, radius, radius);
+    painter.setBrush(Qt::NoBrush);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+}
+
 } // namespace
 
 void CueCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
@@ -55,7 +68,9 @@ void CueCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->setFont(option.font);
     switch (index.column()) {
     case CueTableModel::numberColumn:
-        if (!index.data(CueTableModel::warningsRole).toStringList().isEmpty())
+        if (index.data(CueTableModel::suspectRole).toBool())
+            paintSuspect(*painter, cell, colors.failure, index.data(CueTableModel::tickedRole).toBool());
+        else if (!index.data(CueTableModel::warningsRole).toStringList().isEmpty())
             paintWarning(*painter, cell, colors.warning);
         painter->setPen(colors.secondary);
         paintText(*painter, option, room, index.data(Qt::AccessibleTextRole).toString(), Qt::AlignRight);

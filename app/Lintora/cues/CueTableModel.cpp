@@ -24,6 +24,8 @@ CueTableModel::CueTableModel(LintoraModel &model, QObject *parent)
     connect(&model, &LintoraModel::itemsChanged, this, &CueTableModel::follow);
     connect(&model, &LintoraModel::selectedTrackIDChanged, this, &CueTableModel::follow);
     connect(&model, &LintoraModel::optionsChanged, this, &CueTableModel::forgetStyle);
+    connect(&model.translation(), &Translation::termsChanged, this, &CueTableModel::forgetWarnings);
+    connect(&model.suspects(), &SuspectMarks::changed, this, &CueTableModel::forgetWarnings);
 }
 
 CueTableModel::~CueTableModel() = default;
@@ -105,10 +107,16 @@ void CueTableModel::takeDifference(const QList<Subtitle> &items)
 
 void CueTableModel::forgetStyle()
 {
-    m_warnings.clear();
     m_measure.reset();
+    forgetWarnings();
+}
+
+void CueTableModel::forgetWarnings()
+{
+    m_warnings.clear();
     if (!m_items.isEmpty())
-        Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columns - 1), {warningsRole, Qt::ToolTipRole});
+        Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columns - 1),
+                           {warningsRole, suspectRole, tickedRole, Qt::ToolTipRole});
 }
 
 QList<CueWarnings::Warning> CueTableModel::warnings(int row) const
@@ -125,6 +133,11 @@ QStringList CueTableModel::warningSentences(int row) const
     if (const auto known = m_warnings.constFind(row); known != m_warnings.cend())
         return *known;
     QStringList sentences;
+    if (const auto reasons = m_model.suspects().reasons(m_items.at(row)))
+        sentences += u"可能是识别臆造："_s + SuspectCues::reason(*reasons);
+    const QList<GlossaryTerm> missing = m_model.translation().terms(m_items.at(row)).missing;
+    for (const GlossaryTerm &term : missing)
+        sentences += u"术语未按译法：%1 → %2"_s.arg(term.term, term.rendering);
     for (const CueWarnings::Warning &warning : warnings(row))
         sentences += warning.sentence;
     if (m_warnings.size() >= rememberedRows)
@@ -149,11 +162,18 @@ QVariant CueTableModel::data(const QModelIndex &index, int role) const
         return {};
     const Subtitle &cue = m_items.at(index.row());
     if (role == warningsRole || role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole) {
-        const QStringList sentences = warningSentences(index.row());
-        return role == warningsRole  ? QVariant(sentences)
-               : sentences.isEmpty() ? QVariant()
-                                     : QVariant(sentences.join(u'\n'));
+        QStringList sentences = warningSentences(index.row());
+        if (role == warningsRole)
+            return sentences;
+        const QList<GlossaryTerm> kept = m_model.translation().terms(cue).kept;
+        for (const GlossaryTerm &term : kept)
+            sentences += u"术语已保留：%1 → %2"_s.arg(term.term, term.rendering);
+        return sentences.isEmpty() ? QVariant() : QVariant(sentences.join(u'\n'));
     }
+    if (role == suspectRole)
+        return m_model.suspects().reasons(cue).has_value();
+    if (role == tickedRole)
+        return m_model.suspects().isTicked(cue);
     switch (index.column()) {
     case numberColumn:
         // No data of the cue's own: it changes with every row that comes or goes before.

@@ -30,6 +30,8 @@ public:
     enum Role
     {
         warningsRole = Qt::UserRole, ///< QStringList of sentences; the same in each column.
+        suspectRole,                 ///< Whether the cue is one that was likely invented.
+        tickedRole                   ///< Whether it is ticked to be taken away.
     };
 
     /// `model` must live as long as this.
@@ -75,6 +77,7 @@ private:
     Difference difference(const QList<Subtitle> &items) const;
     void takeDifference(const QList<Subtitle> &items);
     void forgetStyle();
+    void forgetWarnings();
     QStringList warningSentences(int row) const;
 
     LintoraModel &m_model;

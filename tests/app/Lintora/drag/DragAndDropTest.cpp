@@ -76,13 +76,13 @@ protected:
 TEST_F(DragAndDrop, the_import_area_tells_what_it_takes)
 {
     const UnifiedImportArea area(m_model);
-    EXPECT_EQ(area.toolTip(), u"导入素材：拖入或点击选择 SRT 或 FCP 项目"_s);
-    EXPECT_EQ(area.accessibleName(), u"拖入 SRT 或 FCP 浏览器中的项目；点击此框也可选择文件。"_s);
+    EXPECT_EQ(area.toolTip(), u"导入素材：拖入或点击选择 SRT、音视频或 FCP 项目"_s);
+    EXPECT_EQ(area.accessibleName(), u"拖入 SRT、音视频或 FCP 浏览器中的项目；点击此框也可选择文件。"_s);
     QStringList texts;
     for (const QLabel *const label : area.findChildren<QLabel *>())
         texts += label->text();
-    EXPECT_EQ(texts, QStringList({u"＋  拖入素材，或点击导入"_s, u"SRT · FCP 项目"_s}));
-    EXPECT_EQ(FileDropArea(m_model, FileDropArea::Form::compact).text(), u"拖入 FCP 项目或 SRT"_s);
+    EXPECT_EQ(texts, QStringList({u"＋  拖入素材，或点击导入"_s, u"SRT · 音视频 · FCP 项目"_s}));
+    EXPECT_EQ(FileDropArea(m_model, FileDropArea::Form::compact).text(), u"拖入 FCP 项目、SRT 或音视频"_s);
     EXPECT_EQ(FileDropArea(m_model, FileDropArea::Form::large, u"拖到这里"_s).text(), u"拖到这里"_s);
 }
 
@@ -135,7 +135,7 @@ TEST_F(DragAndDrop, an_area_says_what_letting_go_would_do)
     EXPECT_EQ(area.text(), u"松开以导入"_s);
     QDragLeaveEvent leave;
     QCoreApplication::sendEvent(&area, &leave);
-    EXPECT_EQ(area.text(), u"拖入 FCP 项目或 SRT"_s);
+    EXPECT_EQ(area.text(), u"拖入 FCP 项目、SRT 或音视频"_s);
 }
 
 /// Contrast of two colours as accessibility guidelines define it, from 1 to 21.
@@ -171,7 +171,7 @@ TEST_F(DragAndDrop, a_click_and_the_keys_of_a_button_open_the_file_dialog)
     QTest::mouseClick(&area, Qt::LeftButton);
     QTest::keyClick(&area, Qt::Key_Space);
     QTest::keyClick(&area, Qt::Key_Return);
-    EXPECT_EQ(m_outside.openings, QStringList(3, u"导入字幕或 FCP 项目"_s));
+    EXPECT_EQ(m_outside.openings, QStringList(3, u"导入字幕、音视频或 FCP 项目"_s));
 }
 
 TEST_F(DragAndDrop, the_import_area_shrinks_to_a_line)
