@@ -180,7 +180,7 @@ TEST_F(SpeechInPanel, shows_how_far_it_is_and_ends_at_a_click)
     startEndless();
     ASSERT_TRUE(Events::waitFor([&] { return model.aiWork().stages().progress().share == 0.5; }));
     EXPECT_EQ(label(u"正在进行"_s), u"正在识别语音，较长素材需要一些时间…"_s);
-    EXPECT_TRUE(label(u"已完成的步骤"_s).contains(u"正在读取音轨…   0:0"_s));
+    EXPECT_TRUE(label(u"已完成的步骤"_s).contains(u"正在准备…   0:0"_s));
     EXPECT_TRUE(label(u"用时"_s).startsWith(u"已用 0:0"_s));
     EXPECT_EQ(button(u"开始识别"_s), nullptr);
     EXPECT_EQ(QApplication::focusWidget(), find<WorkView>({})->focusProxy()) << "the keyboard is on what ends it";
