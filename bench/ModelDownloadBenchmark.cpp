@@ -21,8 +21,8 @@ using namespace Qt::StringLiterals;
 /// from the same server.
 ///
 /// On two cores that others loaded too: the digest ran at 1.04 of the library's throughput by processor time (313 ms to
-/// 325 ms). The download took 733 ms to curl's 871 ms, the best of four runs each in turn (1.19 of its throughput; 1.01
-/// at worst of one pair). Three threads share the work, so that a machine with fewer free cores than that shows less:
+/// 325 ms). The download took 733 ms to curl's 871 ms, the best of four runs each in turn (1.19 of its throughput; 0.92
+/// in the worst pair). Three threads share the work, so that a machine with fewer free cores than that shows less:
 /// 0.77 to 0.9 where five other builds ran at a higher priority.
 namespace {
 
