@@ -14,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 using namespace Qt::StringLiterals;
@@ -81,7 +82,7 @@ void AtomicFile::sync()
         syncDescriptor(m_file->handle(), m_file->fileName());
 }
 
-QByteArray AtomicFile::readBack() const
+QByteArray AtomicFile::readBack(const Check &check) const
 {
     // The name of the file beside the target is not told, but it is open for reading too.
     const int descriptor = m_file->handle();
@@ -90,8 +91,12 @@ QByteArray AtomicFile::readBack() const
     if (fstat(descriptor, &status) != 0)
         throw PlatformError::aboutFile(m_file->fileName(), qt_error_string(errno));
     QByteArray bytes(status.st_size, Qt::Uninitialized);
+    constexpr qsizetype largestPiece = 1024 * 1024;
     for (qsizetype done = 0; done < bytes.size();) {
-        const ssize_t read = pread(descriptor, bytes.data() + done, size_t(bytes.size() - done), off_t(done));
+        if (check)
+            check();
+        const qsizetype piece = std::min(largestPiece, bytes.size() - done);
+        const ssize_t read = pread(descriptor, bytes.data() + done, size_t(piece), off_t(done));
         if (read < 0 && errno == EINTR)
             continue;
         if (read < 0)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Check.h"
+
 #include <QByteArrayView>
 #include <QString>
 
@@ -27,8 +29,9 @@ public:
     /// Brings what was written to the disk, so that nothing but the renaming is left to do. @throws PlatformError
     void sync();
 
-    /// What has been written, read back from the file system. @throws PlatformError
-    QByteArray readBack() const;
+    /// What has been written, read back from the file system. `check` is called every few milliseconds.
+    /// @throws PlatformError
+    QByteArray readBack(const Check &check = {}) const;
 
     /// What the replacement outlives once commit() has returned.
     enum class Durability

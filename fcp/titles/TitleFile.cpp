@@ -15,7 +15,7 @@ void write(const QString &path, const TitleDocument &document, const Proof &proo
     });
     document.write(out);
     file.sync();
-    proof(file.readBack());
+    proof(file.readBack(check));
     check();
     file.commit(AtomicFile::Durability::powerCut);
 }

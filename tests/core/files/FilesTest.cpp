@@ -1,3 +1,4 @@
+#include "core/Cancelled.h"
 #include "core/PlatformError.h"
 #include "core/files/AtomicFile.h"
 #include "core/files/FileReader.h"
@@ -67,6 +68,24 @@ TEST_F(Files, without_commit_nothing_changes_and_nothing_stays)
     }
     EXPECT_EQ(FileReader::readAll(target), "old");
     EXPECT_EQ(names(), QStringList{u"a"_s});
+}
+
+TEST_F(Files, what_was_written_is_read_back_in_pieces_and_can_be_given_up_at_each)
+{
+    QByteArray content(3 * 1024 * 1024 + 1, 'a');
+    content[1024 * 1024] = 'b';
+    content.back() = 'c';
+    AtomicFile file(path(u"a"_s));
+    file.write(content);
+    int asked = 0;
+    EXPECT_EQ(file.readBack([&] { ++asked; }), content);
+    EXPECT_EQ(asked, 4);
+    EXPECT_THROW(file.readBack([&] {
+        if (--asked == 0)
+            throw Cancelled();
+    }),
+                 Cancelled);
+    EXPECT_EQ(file.readBack(), content);
 }
 
 TEST_F(Files, a_disk_that_is_full_in_the_middle_says_so)
