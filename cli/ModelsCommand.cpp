@@ -25,14 +25,9 @@ struct ModelsArguments
     Arguments::Output output;
 };
 
-QList<LocalModel> catalog()
-{
-    return LocalModels::speechModels() + QList{LocalModels::translation()};
-}
-
 const CLI::Validator knownModel(
     [](const std::string &id) {
-        const QList<LocalModel> models = catalog();
+        const QList<LocalModel> models = LocalModels::catalog();
         const bool known =
             std::ranges::any_of(models, [&](const LocalModel &model) { return model.id == Arguments::toText(id); });
         return known ? std::string() : "没有这个模型：" + id;
@@ -41,17 +36,13 @@ const CLI::Validator knownModel(
 
 const CLI::Validator modelHost(
     [](const std::string &address) {
-        const QUrl url(Arguments::toText(address));
-        const bool isUsable = url.isValid() && (url.scheme() == u"https" || url.scheme() == u"http") &&
-                              !url.host().isEmpty() && url.userInfo().isEmpty() && !url.hasQuery() &&
-                              !url.hasFragment();
-        return isUsable ? std::string() : "需要 https 或 http 地址：" + address;
+        return LocalModels::host(Arguments::toText(address)) ? std::string() : "需要 https 或 http 地址：" + address;
     },
     "");
 
 LocalModel chosen(const ModelsArguments &arguments)
 {
-    const QList<LocalModel> models = catalog();
+    const QList<LocalModel> models = LocalModels::catalog();
     return *std::ranges::find_if(models,
                                  [&](const LocalModel &model) { return model.id == Arguments::toText(arguments.id); });
 }
@@ -82,14 +73,14 @@ void show(const QList<LocalModel> &models, const Arguments::Output &output)
 
 void list(const ModelsArguments &arguments)
 {
-    show(catalog(), arguments.output);
+    show(LocalModels::catalog(), arguments.output);
 }
 
 void download(const ModelsArguments &arguments)
 {
     QList<QUrl> hosts;
     for (const std::string &host : arguments.hosts)
-        hosts.append(QUrl(Arguments::toText(host)));
+        hosts.append(*LocalModels::host(Arguments::toText(host)));
     const LocalModel model = chosen(arguments);
     LocalAIJob job;
     {
@@ -116,7 +107,7 @@ void verify(const ModelsArguments &arguments)
 /// What the partial file belongs to; a model that the catalog no longer knows has no title.
 LocalModel whole(const PartialDownload::Kept &kept)
 {
-    const QList<LocalModel> models = catalog();
+    const QList<LocalModel> models = LocalModels::catalog();
     const auto found =
         std::ranges::find_if(models, [&](const LocalModel &model) { return model.sha256 == kept.sha256; });
     return found != models.end() ? *found : LocalModel();

@@ -100,6 +100,11 @@ const QList<LocalModel> &speechModels()
     return models;
 }
 
+QList<LocalModel> catalog()
+{
+    return speechModels() + QList{translation()};
+}
+
 const LocalModel &speech()
 {
     return speechModel(u"speech"_s);
@@ -133,6 +138,14 @@ const LocalModel &translation()
 QList<QUrl> defaultHosts()
 {
     return {QUrl(u"https://huggingface.co/"_s)};
+}
+
+std::optional<QUrl> host(const QString &typed)
+{
+    const QUrl url(typed.trimmed(), QUrl::StrictMode);
+    const bool isWeb = url.scheme() == u"https" || url.scheme() == u"http";
+    const bool isPlain = url.userInfo().isEmpty() && !url.hasQuery() && !url.hasFragment();
+    return url.isValid() && isWeb && isPlain && !url.host().isEmpty() ? std::optional(url) : std::nullopt;
 }
 
 QString directory()

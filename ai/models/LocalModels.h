@@ -14,6 +14,7 @@ class Job;
 namespace LocalModels {
 
 const QList<LocalModel> &speechModels(); ///< In the order in which they are shown.
+QList<LocalModel> catalog();             ///< All of them, those for speech first.
 const LocalModel &speech();              ///< The recommended one.
 const LocalModel &translation();         ///< For translation and proofreading.
 
@@ -22,6 +23,10 @@ const LocalModel &speechModel(const QString &id);
 
 /// Where models come from unless the person names other hosts, in the order in which they are asked.
 QList<QUrl> defaultHosts();
+
+/// The address of a host as a person types it: https or http, without user, password, query and fragment. Absent when
+/// it cannot be one.
+std::optional<QUrl> host(const QString &typed);
 
 /// The folder named by VELMORA_SUBTITLE_MODELS, or the user's own. It need not exist.
 QString directory();

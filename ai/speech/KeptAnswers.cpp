@@ -30,6 +30,13 @@ QString KeptAnswers::defaultFolder()
     return QDir(AnswerLedger::defaultFolder()).filePath(u"Speech"_s);
 }
 
+void KeptAnswers::clear(const QString &folder)
+{
+    const QFileInfoList files = QDir(folder).entryInfoList({u"*.json"_s}, QDir::Files);
+    for (const QFileInfo &file : files)
+        QFile::remove(file.filePath());
+}
+
 std::optional<QByteArray> KeptAnswers::answer(const QByteArray &key) const
 {
     if (!QFileInfo::exists(path(key)))

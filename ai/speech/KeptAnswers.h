@@ -12,6 +12,9 @@ class KeptAnswers
 public:
     explicit KeptAnswers(QString folder);
 
+    /// Removes every answer in `folder`.
+    static void clear(const QString &folder);
+
     /// Beside the other things that the program keeps for itself.
     static QString defaultFolder();
 

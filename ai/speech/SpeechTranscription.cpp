@@ -107,38 +107,14 @@ private:
 
     QByteArray upload(qsizetype before, qsizetype count)
     {
-        const QByteArray boundary = writeMultipart(part(), body(), m_configuration, m_language);
-        const HTTP::Request request{.url = m_configuration.endpoint(),
-                                    .headers = {{"Content-Type", "multipart/form-data; boundary=" + boundary},
-                                                {"Authorization", "Bearer " + m_configuration.apiKey.toUtf8()}},
-                                    // The service says nothing while it listens to eight minutes.
-                                    .silence = 600s};
-        double sent = 0;
-        std::chrono::milliseconds elapsed{};
-        const auto tell = [&] {
-            // Sending is one half of a piece, the answer the other.
-            m_progress({.what = u"音频转写中 · 已用时 "_s + Patience::elapsedText(elapsed),
-                        .share = (double(before) + sent / 2) / double(count)});
+        const auto report = [&](Progress progress) {
+            if (progress.share)
+                progress.share = (double(before) + *progress.share) / double(count);
+            m_progress(progress);
         };
-        const HTTP::Watch watch{.sent =
-                                    [&](double share) {
-                                        sent = share;
-                                        tell();
-                                    },
-                                .waiting =
-                                    [&](std::chrono::milliseconds now) {
-                                        elapsed = now;
-                                        tell();
-                                    }};
-        const HTTP::Answer answer =
-            Patience::send([&] { return HTTP::postFile(request, body(), m_job, watch); }, m_job, m_progress);
+        QByteArray received = ask(part(), body(), m_language, m_configuration, m_job, report);
         QFile::remove(body());
-        if (answer.head.status != success)
-            throw requestError(answer.head.status,
-                               ServiceMessage::ofAnyText(answer.body.value_or(QByteArray()), m_configuration.apiKey));
-        if (!answer.body || answer.body->isEmpty())
-            throw ConversionError(u"音频接口返回为空，原字幕已保留。"_s);
-        return *answer.body;
+        return received;
     }
 
     const SpeechAPIConfiguration &m_configuration;
@@ -192,6 +168,41 @@ AnsweredCues transcribePieces(const QString &media, SubtitleAI::SpeechLanguage l
 }
 
 } // namespace
+
+QByteArray ask(const QString &audio, const QString &body, SubtitleAI::SpeechLanguage language,
+               const SpeechAPIConfiguration &configuration, LocalAIJob &job, const ProgressReport &progress)
+{
+    const HTTP::Request request{.url = configuration.endpoint(),
+                                .headers = {{"Content-Type", "multipart/form-data; boundary=" +
+                                                                 writeMultipart(audio, body, configuration, language)},
+                                            {"Authorization", "Bearer " + configuration.apiKey.toUtf8()}},
+                                // The service says nothing while it listens to eight minutes.
+                                .silence = 600s};
+    double sent = 0;
+    std::chrono::milliseconds elapsed{};
+    const auto tell = [&] {
+        // Sending is one half, the answer the other.
+        progress({.what = u"音频转写中 · 已用时 "_s + Patience::elapsedText(elapsed), .share = sent / 2});
+    };
+    const HTTP::Watch watch{.sent =
+                                [&](double share) {
+                                    sent = share;
+                                    tell();
+                                },
+                            .waiting =
+                                [&](std::chrono::milliseconds now) {
+                                    elapsed = now;
+                                    tell();
+                                }};
+    const HTTP::Answer answer =
+        Patience::send([&] { return HTTP::postFile(request, body, job, watch); }, job, progress);
+    if (answer.head.status != success)
+        throw requestError(answer.head.status,
+                           ServiceMessage::ofAnyText(answer.body.value_or(QByteArray()), configuration.apiKey));
+    if (!answer.body || answer.body->isEmpty())
+        throw ConversionError(u"音频接口返回为空，原字幕已保留。"_s);
+    return *answer.body;
+}
 
 AnsweredCues transcribe(const QString &media, SubtitleAI::SpeechLanguage language,
                         const SpeechAPIConfiguration &configuration, const QString &keptFolder, LocalAIJob &job,

@@ -8,6 +8,11 @@ class LocalAIJob;
 
 namespace SpeechSubtitleAPI {
 
+/// The service's answer to the WAV file `audio`, which is sent by way of the file `body`. Its progress is that of this
+/// one request. @throws as transcribe does
+QByteArray ask(const QString &audio, const QString &body, SubtitleAI::SpeechLanguage language,
+               const SpeechAPIConfiguration &configuration, LocalAIJob &job, const ProgressReport &progress);
+
 /// The cues of what is said in the first audio stream of `media`, by a transcription service.
 ///
 /// The recording goes there in pieces, one after another; no more than one piece and its upload lie on the disk at a

@@ -18,7 +18,35 @@ quint32 number(const QByteArray &bytes, qsizetype at)
     return qFromLittleEndian<quint32>(bytes.constData() + at);
 }
 
+void append(QByteArray &bytes, auto number)
+{
+    const auto little = qToLittleEndian(number);
+    bytes.append(reinterpret_cast<const char *>(&little), sizeof little);
+}
+
 } // namespace
+
+QByteArray silence(qint64 ms)
+{
+    constexpr quint32 rate = 16'000;
+    constexpr quint16 sampleSize = 2; // bytes
+    constexpr quint32 formatSize = 16;
+    constexpr quint32 restOfHeader = 36; // bytes between the size that the file tells and its samples
+    const auto size = quint32(ms * rate / 1'000 * sampleSize);
+    QByteArray bytes = "RIFF";
+    append(bytes, restOfHeader + size);
+    bytes += "WAVEfmt ";
+    append(bytes, formatSize);
+    append(bytes, quint16(1)); // plain samples
+    append(bytes, quint16(1)); // one channel
+    append(bytes, rate);
+    append(bytes, rate * sampleSize);
+    append(bytes, sampleSize);
+    append(bytes, quint16(8 * sampleSize));
+    bytes += "data";
+    append(bytes, size);
+    return bytes + QByteArray(qsizetype(size), '\0');
+}
 
 std::optional<Sound> sound(const QString &path)
 {

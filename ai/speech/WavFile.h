@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <optional>
@@ -18,6 +19,9 @@ struct Sound
 
 /// Reads the chunks' headers alone. Absent when it is no WAV file or cannot be read.
 std::optional<Sound> sound(const QString &path);
+
+/// A whole file of silence, as long as that: one channel, 16 bits, 16,000 samples a second.
+QByteArray silence(qint64 ms);
 
 /// How long it sounds in milliseconds, rounded; 0 when it holds no sample. Absent as above.
 std::optional<qint64> durationMS(const QString &path);
