@@ -71,8 +71,8 @@ void EditedSession::insertBefore(const LintoraSession &state, const QString &tit
 
 bool EditedSession::isRestorable(const CueRestore &restore) const
 {
-    const auto index = SessionTracks::indexOf(m_state, restore.track);
-    return index && m_state.tracks->at(*index).items == restore.after;
+    return SessionTracks::isSelectable(m_state, restore.track) &&
+           m_state.tracks->at(*SessionTracks::indexOf(m_state, restore.track)).items == restore.after;
 }
 
 void EditedSession::restore(const CueRestore &restore)

@@ -89,9 +89,14 @@ LintoraSession committed(LintoraSession session)
 
 LintoraSession selecting(LintoraSession session, const QUuid &id)
 {
-    if (indexOf(session, id) && session.splitOriginal != id)
+    if (isSelectable(session, id))
         select(session, id);
     return session;
+}
+
+bool isSelectable(const LintoraSession &session, const QUuid &id)
+{
+    return indexOf(session, id) && session.splitOriginal != id;
 }
 
 std::optional<qsizetype> selectedIndex(const LintoraSession &session)

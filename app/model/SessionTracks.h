@@ -23,6 +23,9 @@ LintoraSession committed(LintoraSession session);
 /// The same session with another track selected; unchanged when there is none of that id, or it is the kept original.
 LintoraSession selecting(LintoraSession session, const QUuid &id);
 
+/// Whether that track is there, and is not the kept original, which nothing changes.
+bool isSelectable(const LintoraSession &session, const QUuid &id);
+
 /// Where the selected track stands; absent when there is none.
 std::optional<qsizetype> selectedIndex(const LintoraSession &session);
 

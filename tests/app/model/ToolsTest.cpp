@@ -79,6 +79,15 @@ TEST_F(ToolsTest, replacing_counts_and_is_restored_only_while_nothing_else_was_d
     model->undo();
     EXPECT_EQ(texts().first(), u"色彩 色彩"_s);
 
+    // The kept original is changed by nothing, and the tracks made of it are others.
+    loadTexts({u"调色\ncolor"_s});
+    EXPECT_EQ(model->replaceKeywords(u"color"_s, u"colour"_s), 1);
+    model->separateLanguages();
+    EXPECT_FALSE(model->canUndoReplacement());
+    model->undoReplacement();
+    EXPECT_EQ(texts(), QStringList{u"调色"_s});
+    model->restoreOriginal();
+
     EXPECT_EQ(model->replaceKeywords(u"没有"_s, {}), 0);
     EXPECT_EQ(model->message(), u"没有需要替换的内容"_s);
     EXPECT_EQ(model->replaceKeywords({}, {}), std::nullopt);
