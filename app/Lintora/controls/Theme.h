@@ -34,6 +34,7 @@ struct Colors
     QColor selection; ///< Behind selected rows.
     QColor failure;
     QColor warning;
+    QColor ready;   ///< What can be worked with.
     QColor removed; ///< Behind characters that go.
     QColor added;   ///< Behind characters that come.
     QColor scrim;   ///< Over what lies behind a sheet.

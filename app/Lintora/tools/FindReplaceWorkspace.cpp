@@ -1,7 +1,7 @@
 #include "app/Lintora/tools/FindReplaceWorkspace.h"
 
 #include "app/Lintora/controls/Controls.h"
-#include "app/Lintora/tools/MarkedTextDelegate.h"
+#include "app/Lintora/controls/MarkedTextDelegate.h"
 
 #include <QGridLayout>
 #include <QLineEdit>

@@ -1,6 +1,6 @@
 #include "app/Lintora/tools/KeywordMatchModel.h"
 
-#include "app/Lintora/tools/MarkedTextDelegate.h"
+#include "app/Lintora/controls/MarkedTextDelegate.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,7 +2,7 @@
 
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/ElidedLabel.h"
-#include "app/Lintora/tools/MarkedTextDelegate.h"
+#include "app/Lintora/controls/MarkedTextDelegate.h"
 
 #include <QHBoxLayout>
 #include <QListView>

@@ -1,6 +1,6 @@
 #include "app/Lintora/tools/ScriptRowsModel.h"
 
-#include "app/Lintora/tools/MarkedTextDelegate.h"
+#include "app/Lintora/controls/MarkedTextDelegate.h"
 
 #include <algorithm>
 
@@ -106,7 +106,8 @@ QVariant ScriptRowsModel::data(const QModelIndex &index, int role) const
         row.number = QString::number(match.id + 1);
         row.before = match.original.text;
         row.after = match.replacement.value_or(QString());
-        row.needsReview = match.replacement && match.needsReview();
+        if (match.replacement && match.needsReview())
+            row.warning = u"差异较大"_s;
         break;
     }
     }

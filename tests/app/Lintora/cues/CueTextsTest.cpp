@@ -4,7 +4,7 @@
 #include "app/Lintora/cues/CueWarnings.h"
 #include "app/Lintora/cues/Inspector.h"
 #include "app/Lintora/cues/SplitPosition.h"
-#include "app/Lintora/tools/TextDifference.h"
+#include "app/Lintora/controls/TextDifference.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "app/Lintora/tools/MarkedTextDelegate.h"
+#include "app/Lintora/controls/MarkedTextDelegate.h"
 
 #include "app/Lintora/controls/CheckBox.h"
 #include "app/Lintora/controls/Theme.h"
@@ -137,12 +137,11 @@ void MarkedTextDelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
     if (row.kind == ComparedRow::Kind::heading) {
         paintHeading(*painter, room, row, option.font, colors);
     } else {
-        if (row.needsReview) {
-            const QString tag = u"差异较大"_s;
+        if (!row.warning.isEmpty()) {
             painter->setFont(VELTheme::smallFont());
-            const int width = painter->fontMetrics().horizontalAdvance(tag);
+            const int width = painter->fontMetrics().horizontalAdvance(row.warning);
             painter->setPen(colors.warning);
-            painter->drawText(room.adjusted(room.width() - width, 0, 0, 0), Qt::AlignVCenter, tag);
+            painter->drawText(room.adjusted(room.width() - width, 0, 0, 0), Qt::AlignVCenter, row.warning);
             room.setRight(room.right() - width - padding);
         }
         paintComparison(*painter, room, row, option.font, colors);

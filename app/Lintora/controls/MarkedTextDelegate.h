@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Lintora/tools/TextDifference.h"
+#include "app/Lintora/controls/TextDifference.h"
 
 #include <QStyledItemDelegate>
 
@@ -20,7 +20,7 @@ struct ComparedRow
     QList<TextDifference::Stretch> beforeMarks; ///< What goes.
     QList<TextDifference::Stretch> afterMarks;  ///< What comes.
     bool isRemark = false;                      ///< Whether `after` is said about the cue instead of shown by it.
-    bool needsReview = false;
+    QString warning = {};                       ///< A word of what to look at first; mostly empty.
 };
 
 Q_DECLARE_METATYPE(ComparedRow)

@@ -1,4 +1,4 @@
-#include "app/Lintora/tools/TextDifference.h"
+#include "app/Lintora/controls/TextDifference.h"
 
 #include "core/text/Characters.h"
 #include "core/text/CommonSubsequence.h"
