@@ -27,6 +27,7 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     : QObject(parent)
     , m_dialogs(std::move(surroundings.dialogs))
     , m_aiSettings(surroundings.settings, std::move(surroundings.keys))
+    , m_modelDownloads(m_aiSettings, std::move(surroundings.models))
     , m_preferences(std::move(surroundings.settings))
     , m_stylePresets(surroundings.stylePresetsURL ? StylePresetStore(*surroundings.stylePresetsURL)
                                                   : StylePresetStore())
@@ -54,6 +55,15 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_owner, &CueOwnership::busyChanged, this, &LintoraModel::historyChanged);
     connect(&m_scriptMatching, &ScriptMatching::aboutToApply, this, [this] { keepSession(u"文稿匹配前_"_s); });
     connect(&m_scriptMatching, &ScriptMatching::done, this, &LintoraModel::report);
+    connect(&m_review, &Review::aboutToApply, this, [this] { keepSession(u"AI 校对前_"_s); });
+    connect(&m_review, &Review::done, this, &LintoraModel::report);
+    connect(&m_recognition, &Recognition::proofreadChanged, &m_review, [this] {
+        if (const auto &proofread = m_recognition.proofread())
+            m_review.show(proofread->trackID, proofread->recognised, proofread->reviewed);
+    });
+    connect(&m_aiServices, &AIServices::done, this, &LintoraModel::report);
+    connect(&m_modelDownloads, &ModelDownloads::done, this, &LintoraModel::report);
+    connect(&m_modelDownloads, &ModelDownloads::refused, this, refuse);
     connect(&m_link, &SessionLink::opened, this, [this] { report(source().isEmpty() ? QString() : u"已载入"_s); });
     connect(&m_link, &SessionLink::freed, this, &LintoraModel::schedulePersist);
     connect(&m_recognition, &Recognition::timelineChanged, this, &LintoraModel::aiTimelinePlanChanged);
@@ -345,6 +355,19 @@ void LintoraModel::showAI(WindowState::AIMode mode)
     m_recognition.findMissing();
     m_glossary.load();
     m_window.showAI(mode);
+}
+
+void LintoraModel::showAISettings()
+{
+    m_aiSettings.loadKeys();
+    m_modelDownloads.refresh();
+    m_window.setAISettingsPresented(true);
+}
+
+void LintoraModel::showAISettings(WindowState::AISettingsTab tab)
+{
+    m_window.setAISettingsTab(tab);
+    showAISettings();
 }
 
 void LintoraModel::cancelAI()

@@ -7,9 +7,12 @@
 #include "app/model/SessionLink.h"
 #include "app/model/StylePresets.h"
 #include "app/model/WindowState.h"
+#include "app/model/ai/AIServices.h"
 #include "app/model/ai/AISettings.h"
 #include "app/model/ai/AIWork.h"
+#include "app/model/ai/ModelDownloads.h"
 #include "app/model/ai/Recognition.h"
+#include "app/model/ai/Review.h"
 #include "app/model/ai/Translation.h"
 #include "store/Locations.h"
 #include "store/RecentSessions.h"
@@ -45,8 +48,9 @@ public:
         std::optional<QString> stylePresetsURL = {}; ///< Path of the presets; absent: the user's own.
         std::shared_ptr<QSettings> settings = {};    ///< Where preferences are kept. Never null.
         FileDialogs dialogs = {};
-        AIKeyStore keys = {};          ///< Where keys of services are kept; unless named: the user's own keychain.
-        QString font = Options().font; ///< The family that a first session begins with.
+        AIKeyStore keys = {}; ///< Where keys of services are kept; unless named: the user's own keychain.
+        QList<LocalModel> models = LocalModels::catalog(); ///< Those that local engines can work with.
+        QString font = Options().font;                     ///< The family that a first session begins with.
     };
 
     /// Takes up the session that the draft holds; an unreadable draft is as none.
@@ -210,18 +214,26 @@ public:
     }
 
     void showAI(WindowState::AIMode mode);
+    void showAISettings(); ///< As they were left.
+    void showAISettings(WindowState::AISettingsTab tab);
     void cancelAI(); ///< Ends the work that owns the cues, and leaves them as they are.
 
     // Its parts
 
     AISettings &aiSettings() { return m_aiSettings; }
     const AISettings &aiSettings() const { return m_aiSettings; }
+    AIServices &aiServices() { return m_aiServices; }
+    const AIServices &aiServices() const { return m_aiServices; }
+    ModelDownloads &modelDownloads() { return m_modelDownloads; }
+    const ModelDownloads &modelDownloads() const { return m_modelDownloads; }
     ScriptMatching &scriptMatching() { return m_scriptMatching; }
     const ScriptMatching &scriptMatching() const { return m_scriptMatching; }
     Recognition &recognition() { return m_recognition; }
     const Recognition &recognition() const { return m_recognition; }
     Translation &translation() { return m_translation; }
     const Translation &translation() const { return m_translation; }
+    Review &review() { return m_review; }
+    const Review &review() const { return m_review; }
     GlossaryTerms &glossary() { return m_glossary; }
     const GlossaryTerms &glossary() const { return m_glossary; }
     SuspectMarks &suspects() { return m_suspects; }
@@ -326,6 +338,8 @@ private:
 
     FileDialogs m_dialogs;
     AISettings m_aiSettings;
+    AIServices m_aiServices{m_aiSettings};
+    ModelDownloads m_modelDownloads;
     Preferences m_preferences;
     StylePresets m_stylePresets;
     SessionKeeper m_keeper;
@@ -355,12 +369,13 @@ private:
     Recognition m_recognition{m_session, m_owner, m_suspects, m_aiSettings};
     GlossaryTerms m_glossary{Locations::glossary()};
     Translation m_translation{m_session, m_owner, m_aiSettings, m_glossary};
+    Review m_review{m_session, m_owner, m_aiSettings};
 
     // The tasks come last, so that they end first.
     BackgroundTask m_import{BackgroundTask::Order::oneAfterAnother};
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_tidying{BackgroundTask::Order::oneAfterAnother};
-    const std::array<BackgroundTask *, 4> m_tasks = {&m_import, &m_export, &m_scriptMatching.task(),
-                                                     &m_owner.task()}; ///< Those that are shown.
+    const std::array<BackgroundTask *, 5> m_tasks = {&m_import, &m_export, &m_scriptMatching.task(), &m_owner.task(),
+                                                     &m_modelDownloads.task()}; ///< Those that are shown.
 };

@@ -97,6 +97,8 @@ void LintoraModel::shutdownAI()
 {
     const QDeadlineTimer deadline(BackgroundTask::patience); // for all of them together
     m_owner.task().finish(deadline);                         // first, so that what is being typed can still be kept
+    m_modelDownloads.task().finish(deadline);
+    m_aiServices.task().finish(deadline);
     m_import.finish(deadline);
     m_scriptMatching.task().finish(deadline);
     m_stylePresets.wait();

@@ -61,3 +61,14 @@ void WindowState::setAIPresented(bool presented)
 {
     set(m_aiPresented, presented, &WindowState::aiPresentedChanged);
 }
+
+void WindowState::setAISettingsPresented(bool presented)
+{
+    set(m_aiSettingsPresented, presented, &WindowState::aiSettingsPresentedChanged);
+}
+
+void WindowState::setAISettingsTab(AISettingsTab tab)
+{
+    if (std::exchange(m_aiSettingsTab, tab) != tab)
+        Q_EMIT aiSettingsTabChanged();
+}

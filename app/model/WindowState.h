@@ -17,6 +17,14 @@ public:
         review
     };
 
+    /// The pages of the settings of engines and services.
+    enum class AISettingsTab
+    {
+        models,
+        text,
+        speech
+    };
+
     WindowState(Preferences &preferences, const CueOwnership &owner);
 
     bool pinned() const { return m_pinned; } ///< Whether it stays in front. Kept between runs.
@@ -30,6 +38,8 @@ public:
     bool scriptMatchPresented() const { return m_scriptMatchPresented; }
     bool aiPresented() const { return m_aiPresented; }
     AIMode aiMode() const { return m_aiMode; } ///< The last one, while it is not presented.
+    bool aiSettingsPresented() const { return m_aiSettingsPresented; }
+    AISettingsTab aiSettingsTab() const { return m_aiSettingsTab; } ///< The last one, while they are not presented.
     void setFCPImportVisible(bool visible);
     void setSettingsVisible(bool visible);
     void setCleanupSettingsVisible(bool visible);
@@ -37,6 +47,8 @@ public:
     void setScriptMatchPresented(bool presented);
     void showAI(AIMode mode);
     void setAIPresented(bool presented);
+    void setAISettingsPresented(bool presented);
+    void setAISettingsTab(AISettingsTab tab);
 
     bool subtitleDragInProgress = false;               ///< Set by the card that is dragged.
     std::function<void()> raisePinnedWindow = nullptr; ///< Set by the owner of the window.
@@ -49,6 +61,8 @@ Q_SIGNALS:
     void findReplaceVisibleChanged();
     void scriptMatchPresentedChanged();
     void aiPresentedChanged(); ///< Or the mode.
+    void aiSettingsPresentedChanged();
+    void aiSettingsTabChanged();
 
 private:
     void set(bool &field, bool value, void (WindowState::*changed)());
@@ -63,4 +77,6 @@ private:
     bool m_scriptMatchPresented = false;
     bool m_aiPresented = false;
     AIMode m_aiMode = AIMode::speech;
+    bool m_aiSettingsPresented = false;
+    AISettingsTab m_aiSettingsTab = AISettingsTab::models;
 };

@@ -29,7 +29,8 @@ public:
                 .stylePresetsURL = path(QStringLiteral("StylePresets.json")),
                 .settings = std::make_shared<QSettings>(path(QStringLiteral("settings.ini")), QSettings::IniFormat),
                 .dialogs = dialogs,
-                .keys = keys.store()};
+                .keys = keys.store(),
+                .models = models};
     }
 
     QString path(const QString &name) const { return m_folder.filePath(name); }
@@ -55,6 +56,7 @@ public:
     QString answer;       ///< What dialogs for opening are answered with; empty: given up.
     QStringList openings; ///< Titles of the dialogs for opening, in order.
     MemoryKeys keys;      ///< The keychain.
+    QList<LocalModel> models = LocalModels::catalog();
 
 private:
     const QTemporaryDir m_folder;

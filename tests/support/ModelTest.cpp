@@ -34,7 +34,8 @@ std::unique_ptr<LintoraModel> ModelTest::start()
         .dialogs = {.open = [reply](const auto &request, const auto &chosen) { reply(request.title, chosen); },
                     .save = [reply](const auto &request, const auto &chosen) { reply(request.suggestion, chosen); },
                     .folder = reply},
-        .keys = keys.store()});
+        .keys = keys.store(),
+        .models = models});
 }
 
 LintoraModel &ModelTest::restart()

@@ -34,9 +34,10 @@ protected:
     QString failure() const { return model->failure().value_or(QString()); }
     QStringList texts() const; ///< Of the selected track's cues.
 
-    QString answer;  ///< What the next dialog is answered with; empty: given up.
-    QString asked;   ///< What the last dialog suggested, or its title.
-    MemoryKeys keys; ///< The keychain, which stays from model to model.
+    QString answer;                                    ///< What the next dialog is answered with; empty: given up.
+    QString asked;                                     ///< What the last dialog suggested, or its title.
+    QList<LocalModel> models = LocalModels::catalog(); ///< What the next start knows of models.
+    MemoryKeys keys;                                   ///< The keychain, which stays from model to model.
 
 private:
     QTemporaryDir m_home;
