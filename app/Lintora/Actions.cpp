@@ -40,6 +40,8 @@ MainActions::MainActions(LintoraModel &model, QWidget *parent)
     connect(speech, &QPushButton::clicked, &model, [&model] { model.showAI(WindowState::AIMode::speech); });
     auto *const translate = Controls::button(u"翻译"_s, this, u"把当前字幕译成另一种语言"_s);
     connect(translate, &QPushButton::clicked, &model, [&model] { model.showAI(WindowState::AIMode::translation); });
+    auto *const review = Controls::button(u"AI 校对"_s, this, u"校对错别字、识别错误和标点，勾选后才写入"_s);
+    connect(review, &QPushButton::clicked, &model, [&model] { model.showAI(WindowState::AIMode::review); });
     auto *const match = Controls::button(u"文稿匹配"_s, this, u"按文稿校正文字，保留字幕时间"_s);
     connect(match, &QPushButton::clicked, &model, &LintoraModel::showScriptMatch);
     m_source->setProperty("secondary", true);
@@ -50,9 +52,10 @@ MainActions::MainActions(LintoraModel &model, QWidget *parent)
     m_source->setText(model.source());
     connect(&model, &LintoraModel::sourceChanged, this, [this] { m_source->setText(m_model.source()); });
 
-    const auto enable = [&model, match, translate] {
+    const auto enable = [&model, match, translate, review] {
         match->setEnabled(!model.items().isEmpty());
         translate->setEnabled(!model.items().isEmpty());
+        review->setEnabled(!model.items().isEmpty());
     };
     connect(&model, &LintoraModel::itemsChanged, this, enable);
     enable();
@@ -60,6 +63,7 @@ MainActions::MainActions(LintoraModel &model, QWidget *parent)
     QHBoxLayout *const row = rowIn(this);
     row->addWidget(speech);
     row->addWidget(translate);
+    row->addWidget(review);
     row->addWidget(match);
     row->addWidget(m_source, 1);
 }

@@ -1,6 +1,6 @@
 #include "app/Lintora/Header.h"
 
-#include "app/Lintora/EngineState.h"
+#include "app/Lintora/ai/EngineState.h"
 #include "app/Lintora/controls/Controls.h"
 
 #include <QHBoxLayout>
@@ -8,9 +8,10 @@
 
 using namespace Qt::StringLiterals;
 
-Header::Header(WindowState &window, const AISettings &settings, QWidget *parent)
+Header::Header(LintoraModel &model, QWidget *parent)
     : QWidget(parent)
 {
+    WindowState &window = model.window();
     auto *const tagline = Controls::note(u"语音识别 · 中英互译 · FCP"_s, this);
     tagline->setWordWrap(false);
     auto *const titles = new QVBoxLayout;
@@ -31,7 +32,6 @@ Header::Header(WindowState &window, const AISettings &settings, QWidget *parent)
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(VELTheme::margin, VELTheme::step * 2, VELTheme::margin, VELTheme::step * 2);
     layout->addLayout(titles, 1);
-    layout->addWidget(new EngineState(settings, this));
-    layout->addSpacing(VELTheme::gap);
+    layout->addWidget(new EngineState(model, this));
     layout->addWidget(pin);
 }

@@ -1,16 +1,15 @@
 #pragma once
 
-#include "app/model/WindowState.h"
-#include "app/model/ai/AISettings.h"
+#include "app/model/LintoraModel.h"
 
 #include <QWidget>
 
-/// The program's name, where the engines are, and the button that keeps the window in front.
+/// The program's name, where its engines work, and the button that keeps the window in front.
 class Header : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Both must live as long as this.
-    Header(WindowState &window, const AISettings &settings, QWidget *parent = nullptr);
+    /// `model` must live as long as this.
+    explicit Header(LintoraModel &model, QWidget *parent = nullptr);
 };

@@ -5,6 +5,8 @@
 #include "app/Lintora/QuitQuestion.h"
 #include "app/Lintora/RecentList.h"
 #include "app/Lintora/StatusLine.h"
+#include "app/Lintora/ai/AISettingsSheet.h"
+#include "app/Lintora/ai/ReviewSheet.h"
 #include "app/Lintora/ai/SpeechSheet.h"
 #include "app/Lintora/ai/TranslateSheet.h"
 #include "app/Lintora/controls/Controls.h"
@@ -46,7 +48,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
 
     // In the order of the eye, which the Tab key follows.
     m_stage = new QWidget(this);
-    auto *const header = new Header(model.window(), model.aiSettings(), m_stage);
+    auto *const header = new Header(model, m_stage);
     m_import = new UnifiedImportArea(model, m_stage);
     auto *const actions = new MainActions(model, m_stage);
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
@@ -87,7 +89,8 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     connect(&model, &LintoraModel::tracksChanged, this, &LintoraPanel::followCues);
     for (const auto signal : {&WindowState::cleanupSettingsVisibleChanged, &WindowState::findReplaceVisibleChanged,
                               &WindowState::scriptMatchPresentedChanged, &WindowState::settingsVisibleChanged,
-                              &WindowState::fcpImportVisibleChanged, &WindowState::aiPresentedChanged})
+                              &WindowState::fcpImportVisibleChanged, &WindowState::aiPresentedChanged,
+                              &WindowState::aiSettingsPresentedChanged})
         connect(&model.window(), signal, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::splitOriginalChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::previousItemsChanged, this, &LintoraPanel::followCues);
@@ -208,6 +211,8 @@ void LintoraPanel::followSheets()
     showSheet(m_style, window.settingsVisible());
     showSheet(m_speech, window.aiPresented() && window.aiMode() == WindowState::AIMode::speech);
     showSheet(m_translate, window.aiPresented() && window.aiMode() == WindowState::AIMode::translation);
+    showSheet(m_review, window.aiPresented() && window.aiMode() == WindowState::AIMode::review);
+    showSheet(m_aiSettings, window.aiSettingsPresented());
     showStyle();
 }
 

@@ -4,12 +4,14 @@
 
 #include <QWidget>
 
+class AISettingsSheet;
 class CleanupWorkspace;
 class CueTable;
 class FilterField;
 class FindReplaceWorkspace;
 class QuestionSheet;
 class QVBoxLayout;
+class ReviewSheet;
 class ScriptMatchWorkspace;
 class Sheet;
 class SpeechSheet;
@@ -65,4 +67,6 @@ private:
     StyleWorkspace *m_style = nullptr;
     SpeechSheet *m_speech = nullptr;
     TranslateSheet *m_translate = nullptr;
+    ReviewSheet *m_review = nullptr;
+    AISettingsSheet *m_aiSettings = nullptr;
 };

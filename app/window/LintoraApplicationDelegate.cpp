@@ -164,8 +164,10 @@ void LintoraApplicationDelegate::buildMenus()
     connect(m_model.get(), &LintoraModel::recentSessionsChanged, recent, [this, recent] { followRecent(*recent); });
     followRecent(*recent);
     addCommand(*application, u"文稿匹配…"_s, &LintoraApplicationDelegate::openScriptMatch);
+    addCommand(*application, u"AI 校对…"_s, &LintoraApplicationDelegate::openReview);
     addCommand(*application, u"字幕样式…"_s, &LintoraApplicationDelegate::openStyle, Qt::CTRL | Qt::Key_Comma);
     addCommand(*application, u"清理设置…"_s, &LintoraApplicationDelegate::openCleanup);
+    addCommand(*application, u"AI 设置…"_s, &LintoraApplicationDelegate::openAISettings);
     application->addSeparator();
     QAction *const quit = application->addAction(u"退出 VELMORA 字幕助手"_s);
     quit->setShortcut(Qt::CTRL | Qt::Key_Q);
@@ -231,9 +233,19 @@ void LintoraApplicationDelegate::openScriptMatch()
     m_model->showScriptMatch();
 }
 
+void LintoraApplicationDelegate::openReview()
+{
+    m_model->showAI(WindowState::AIMode::review);
+}
+
 void LintoraApplicationDelegate::openStyle()
 {
     m_model->window().setSettingsVisible(true);
+}
+
+void LintoraApplicationDelegate::openAISettings()
+{
+    m_model->showAISettings();
 }
 
 void LintoraApplicationDelegate::openCleanup()

@@ -49,8 +49,10 @@ public:
     void openFCP();
     void openSpeech();
     void openScriptMatch();
+    void openReview();
     void openStyle();
     void openCleanup();
+    void openAISettings();
     void openFindReplace(); ///< Does nothing while a job owns the cues.
 
     /// Holds back the end of the program while it would lose work, and asks.

@@ -2,6 +2,7 @@
 //
 //   lintora_screenshots          the selection that the documentation shows, into docs/images/
 //   lintora_screenshots FOLDER   all of them
+//   lintora_screenshots FOLDER STATE…   those of these states
 
 #include "app/Lintora/Panel.h"
 #include "app/Lintora/controls/Theme.h"
@@ -117,6 +118,31 @@ void chooseModels(LintoraModel &model, const HelperFolder &helpers)
     choices.aiSpeechModelFile = file.fileName();
     choices.aiTextModelFile = file.fileName();
     model.aiSettings().choose(choices);
+}
+
+/// A models folder with a model, a broken one and a part of one. Their files are holes.
+void layOutModels()
+{
+    const QDir folder(LocalModels::directory());
+    folder.mkpath(u"."_s);
+    const auto lay = [&](const QString &name, qint64 bytes) {
+        QFile file(folder.filePath(name));
+        if (file.open(QIODevice::WriteOnly))
+            file.resize(bytes);
+    };
+    const QList<LocalModel> models = LocalModels::catalog();
+    lay(models[0].filename, models[0].bytes);
+    lay(models[1].filename, models[1].bytes / 2);
+    lay(u".partial-"_s + models[3].sha256, models[3].bytes / 3);
+}
+
+void setUpServices(LintoraModel &model)
+{
+    model.aiSettings().choose({.aiUseCloudSpeech = true,
+                               .aiUseOnline = true,
+                               .aiAPIBaseURL = u"https://api.example.com/v1"_s,
+                               .aiAPIModel = u"chat-large"_s});
+    model.aiSettings().setKey(AISettings::Service::text, u"sk-0123456789abcdef"_s);
 }
 
 struct State
@@ -335,6 +361,42 @@ QList<State> states()
                      text->setPlainText(u"调色,color grading,后期\n示波器,scopes\n罗老师,Mr. Luo,受访人"_s);
              }
          }},
+        {u"review"_s,
+         [](LintoraModel &model, LintoraPanel &) {
+             model.apply(loadedJob(1));
+             const QList<Subtitle> cues = model.items();
+             QList<Subtitle> heard = cues;
+             heard[1].text = u"今天我们聊聊条色"_s;
+             heard[5].text = u"第一步，把它转换到 Rec. 706"_s;
+             heard[9].text = u"高光压到十九左右，阴影不留一点余量"_s;
+             heard[11].text = u"接下来处理添空"_s;
+             model.review().show(*model.selectedTrackID(), heard, cues);
+             model.showAI(WindowState::AIMode::review);
+         }},
+        {u"models"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             layOutModels();
+             model.aiSettings().choose(
+                 {.aiSpeechModelID = u"base"_s, .aiTextModelFile = u"/Users/剪辑/模型/校对-8b.gguf"_s});
+             model.showAISettings(WindowState::AISettingsTab::models);
+         }},
+        {u"text-service"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             setUpServices(model);
+             model.showAISettings(WindowState::AISettingsTab::text);
+             Events::waitFor([&] { return model.aiSettings().areKeysLoaded(); });
+         }},
+        {u"speech-service"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             setUpServices(model);
+             model.showAISettings(WindowState::AISettingsTab::speech);
+             Events::waitFor([&] { return model.aiSettings().areKeysLoaded(); });
+             model.aiServices().tryOut(AISettings::Service::speech);
+             Events::waitFor([&] { return !model.aiServices().onTrial(); });
+         }},
         {u"fcp-import"_s, [](LintoraModel &model, LintoraPanel &) { model.showFCPImport(); }},
     };
 }
@@ -342,9 +404,9 @@ QList<State> states()
 bool isForDocumentation(const QString &state, QSize size, VELTheme::Appearance appearance)
 {
     if (size == QSize(640, 790))
-        return !QStringList{u"fcp-import"_s,    u"time"_s,           u"confirm"_s,
-                            u"style-name"_s,    u"style-portrait"_s, u"speech"_s,
-                            u"speech-online"_s, u"speech-running"_s, u"glossary"_s}
+        return !QStringList{u"fcp-import"_s,     u"time"_s,         u"confirm"_s,       u"style-name"_s,
+                            u"style-portrait"_s, u"speech"_s,       u"speech-online"_s, u"speech-running"_s,
+                            u"glossary"_s,       u"text-service"_s, u"speech-service"_s}
                     .contains(state) &&
                (appearance == VELTheme::Appearance::light || state == u"loaded"_s);
     return state == u"loaded"_s && size.width() == 560 && appearance == VELTheme::Appearance::dark;
@@ -386,7 +448,12 @@ int main(int argc, char **argv)
     const QDir folder(wantsAll ? QString::fromLocal8Bit(argv[1]) : u"docs/images"_s);
     if (!folder.mkpath(u"."_s))
         return 1;
+    QStringList wanted;
+    for (int i = 2; i < argc; ++i)
+        wanted += QString::fromLocal8Bit(argv[i]);
     for (const State &state : states()) {
+        if (!wanted.isEmpty() && !wanted.contains(state.name))
+            continue;
         for (const QSize size : {QSize(560, 650), QSize(640, 790), QSize(1200, 900)}) {
             for (const auto appearance : {VELTheme::Appearance::light, VELTheme::Appearance::dark}) {
                 if (!wantsAll && !isForDocumentation(state.name, size, appearance))

@@ -24,7 +24,11 @@ QList<Subtitle> cuesOf(const QStringList &texts)
 
 } // namespace
 
-PanelTest::PanelTest()
+PanelTest::PanelTest(const QList<LocalModel> &models)
+    : model([&] {
+        outside.models = models;
+        return outside.surroundings();
+    }())
 {
     auto *const layout = new QVBoxLayout(&window);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -12,7 +12,8 @@
 class PanelTest : public testing::Test
 {
 protected:
-    PanelTest();
+    /// Local engines work with these.
+    explicit PanelTest(const QList<LocalModel> &models = LocalModels::catalog());
 
     /// A session of one track with a cue for each text, two seconds each and one behind the other.
     void load(const QStringList &texts);
@@ -48,7 +49,7 @@ protected:
     void compose(const QString &text) const; ///< As an input method shows what is not yet committed.
 
     TemporaryModel outside;
-    LintoraModel model{outside.surroundings()};
+    LintoraModel model;
     QWidget window; ///< The panel's parent, so that there is something outside it.
     LintoraPanel *panel = nullptr;
 };
