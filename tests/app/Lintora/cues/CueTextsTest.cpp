@@ -1,10 +1,10 @@
 // What the panel makes of cues and of what is typed, without a widget.
 
 #include "app/Lintora/controls/CueTime.h"
+#include "app/Lintora/controls/TextDifference.h"
 #include "app/Lintora/cues/CueWarnings.h"
 #include "app/Lintora/cues/Inspector.h"
 #include "app/Lintora/cues/SplitPosition.h"
-#include "app/Lintora/controls/TextDifference.h"
 
 #include <gtest/gtest.h>
 

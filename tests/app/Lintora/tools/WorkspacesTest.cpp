@@ -1,8 +1,8 @@
 // The sheets of the text tools.
 
+#include "app/Lintora/controls/MarkedTextDelegate.h"
 #include "app/Lintora/tools/CleanupWorkspace.h"
 #include "app/Lintora/tools/FindReplaceWorkspace.h"
-#include "app/Lintora/controls/MarkedTextDelegate.h"
 #include "app/Lintora/tools/ScriptMatchWorkspace.h"
 #include "core/text/SubtitleCleanup.h"
 #include "tests/app/Lintora/PanelTest.h"
