@@ -106,5 +106,6 @@ private:
     std::deque<Sample> m_samples; ///< Of the last seconds, oldest first.
     QElapsedTimer m_clock;
     QBasicTimer m_timer;                                           ///< Runs while there is a download.
-    BackgroundTask m_task{BackgroundTask::Order::oneAfterAnother}; ///< Last, so that it ends first.
+    /// A removal waits until a cancelled download has let go of its file. Last, so that it ends first.
+    BackgroundTask m_task{BackgroundTask::Order::newestAfterTheOld};
 };
