@@ -31,9 +31,11 @@ CheckBox *checkBox(const QString &text, QWidget *parent, const QString &help)
 
 } // namespace
 
-MainActions::MainActions(LintoraModel &model, QWidget *parent)
+MainActions::MainActions(LintoraModel &model, std::function<bool()> mayAct, QWidget *parent)
     : QWidget(parent)
     , m_model(model)
+    , m_mayAct(std::move(mayAct))
+    , m_tidy(Controls::button(u"整理"_s, this, u"断句、检查与繁简转换"_s))
     , m_source(new ElidedLabel(this))
 {
     auto *const speech = Controls::button(u"语音识别"_s, this, u"从音视频或 FCP 时间线生成字幕（⌘⇧O）"_s);
@@ -65,7 +67,33 @@ MainActions::MainActions(LintoraModel &model, QWidget *parent)
     row->addWidget(translate);
     row->addWidget(review);
     row->addWidget(match);
+    row->addWidget(m_tidy);
     row->addWidget(m_source, 1);
+
+    offerTools();
+    connect(&model, &LintoraModel::itemsChanged, this, &MainActions::update);
+    connect(&model, &LintoraModel::aiBusyChanged, this, &MainActions::update);
+    update();
+}
+
+void MainActions::offerTools()
+{
+    auto *const menu = new QMenu(m_tidy);
+    const auto add = [&](const QString &title, CueTools::Tool tool) {
+        menu->addAction(title, this, [this, tool] {
+            if (m_mayAct())
+                m_model.cueTools().open(tool);
+        });
+    };
+    add(u"断句…"_s, CueTools::Tool::breaking);
+    add(u"检查…"_s, CueTools::Tool::checking);
+    add(u"繁简转换…"_s, CueTools::Tool::script);
+    m_tidy->setMenu(menu);
+}
+
+void MainActions::update()
+{
+    m_tidy->setEnabled(!m_model.aiBusy() && !m_model.items().isEmpty());
 }
 
 EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct, QWidget *parent)

@@ -15,11 +15,16 @@ class MainActions : public QWidget
     Q_OBJECT
 
 public:
-    /// `model` must live as long as this.
-    explicit MainActions(LintoraModel &model, QWidget *parent = nullptr);
+    /// `model` must live as long as this. Before a tool is opened `mayAct` is asked.
+    MainActions(LintoraModel &model, std::function<bool()> mayAct, QWidget *parent = nullptr);
 
 private:
+    void offerTools();
+    void update();
+
     LintoraModel &m_model;
+    std::function<bool()> m_mayAct;
+    QPushButton *m_tidy; ///< Opens the menu of the tools that go over all cues.
     ElidedLabel *m_source;
 };
 

@@ -21,7 +21,9 @@
 #include "app/Lintora/drag/UnifiedImportArea.h"
 #include "app/Lintora/look/StyleWorkspace.h"
 #include "app/Lintora/tools/CleanupWorkspace.h"
+#include "app/Lintora/tools/CueToolWorkspace.h"
 #include "app/Lintora/tools/FindReplaceWorkspace.h"
+#include "app/Lintora/tools/RepairWorkspace.h"
 #include "app/Lintora/tools/ScriptMatchWorkspace.h"
 
 #include <QHBoxLayout>
@@ -50,7 +52,8 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     m_stage = new QWidget(this);
     auto *const header = new Header(model, m_stage);
     m_import = new UnifiedImportArea(model, m_stage);
-    auto *const actions = new MainActions(model, m_stage);
+    auto *const actions = new MainActions(
+        model, [this] { return m_table->commitEdit(); }, m_stage);
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
     note->setAlignment(Qt::AlignCenter);
     m_emptyNote = new QWidget(this);
@@ -94,6 +97,8 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
         connect(&model.window(), signal, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::splitOriginalChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::previousItemsChanged, this, &LintoraPanel::followCues);
+    connect(&model.cueTools(), &CueTools::toolChanged, this, &LintoraPanel::followTools);
+    connect(&model.fileRepairing(), &FileRepairing::shownChanged, this, &LintoraPanel::followTools);
     new QuitQuestion(model, m_stage);
     followCues();
     followSheets();
@@ -216,6 +221,27 @@ void LintoraPanel::followSheets()
     showStyle();
 }
 
+void LintoraPanel::showTool(CueToolWorkspace *&sheet, CueTools::Tool tool)
+{
+    const bool visible = m_model.cueTools().tool() == tool;
+    if (visible && !sheet) {
+        sheet = new CueToolWorkspace(m_model, tool, m_stage);
+        connect(sheet, &CueToolWorkspace::cueRequested, this, &LintoraPanel::showCue);
+    }
+    if (visible)
+        sheet->present();
+    else if (sheet)
+        sheet->dismiss();
+}
+
+void LintoraPanel::followTools()
+{
+    showTool(m_breaking, CueTools::Tool::breaking);
+    showTool(m_checking, CueTools::Tool::checking);
+    showTool(m_script, CueTools::Tool::script);
+    showSheet(m_repair, m_model.fileRepairing().isShown());
+}
+
 /// A style is decided on the cue that is looked at.
 void LintoraPanel::showStyle()
 {
@@ -256,6 +282,7 @@ void LintoraPanel::bringCue(qsizetype cue)
 void LintoraPanel::showCue(qsizetype cue)
 {
     m_model.window().setFindReplaceVisible(false);
+    m_model.cueTools().close();
     bringCue(cue);
     m_table->setFocus();
 }

@@ -7,10 +7,12 @@
 class AISettingsSheet;
 class CleanupWorkspace;
 class CueTable;
+class CueToolWorkspace;
 class FilterField;
 class FindReplaceWorkspace;
 class QuestionSheet;
 class QVBoxLayout;
+class RepairWorkspace;
 class ReviewSheet;
 class ScriptMatchWorkspace;
 class Sheet;
@@ -47,6 +49,8 @@ private:
     void showFCPImport(bool visible);
     void bringCue(qsizetype cue);
     void showCue(qsizetype cue);
+    void followTools();
+    void showTool(CueToolWorkspace *&sheet, CueTools::Tool tool);
     void confirmRestore();
     template <class Workspace>
     void showSheet(Workspace *&workspace, bool visible);
@@ -64,6 +68,10 @@ private:
     CleanupWorkspace *m_cleanup = nullptr;
     FindReplaceWorkspace *m_findReplace = nullptr;
     ScriptMatchWorkspace *m_scriptMatch = nullptr;
+    CueToolWorkspace *m_breaking = nullptr;
+    CueToolWorkspace *m_checking = nullptr;
+    CueToolWorkspace *m_script = nullptr;
+    RepairWorkspace *m_repair = nullptr;
     StyleWorkspace *m_style = nullptr;
     SpeechSheet *m_speech = nullptr;
     TranslateSheet *m_translate = nullptr;

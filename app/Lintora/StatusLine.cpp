@@ -25,6 +25,7 @@ StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
     : QWidget(parent)
     , m_model(model)
     , m_text(new ElidedLabel(this))
+    , m_repair(Controls::button(u"修复并打开…"_s, this, u"查看将要做的修改，再决定是否打开"_s))
     , m_copy(Controls::signButton(VELTheme::Glyph::copy, u"复制出错信息"_s, this))
     , m_busy(new BusyBar(this))
     , m_cancel(Controls::quietButton(u"取消"_s, this))
@@ -36,12 +37,18 @@ StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
     layout->setContentsMargins(VELTheme::margin, 0, VELTheme::gap, 0);
     layout->setSpacing(VELTheme::gap);
     layout->addWidget(m_text, 1);
+    layout->addWidget(m_repair);
     layout->addWidget(m_copy);
     layout->addWidget(m_busy);
     layout->addWidget(m_cancel);
     setFixedHeight(VELTheme::controlHeight + 2 * VELTheme::step);
 
     connect(m_copy, &QToolButton::clicked, this, &StatusLine::copy);
+    m_repair->setProperty("tight", true);
+    connect(m_repair, &QPushButton::clicked, &model,
+            [&model] { model.fileRepairing().show(model.fileRepairing().offered()); });
+    connect(&model.fileRepairing(), &FileRepairing::offeredChanged, this, &StatusLine::update);
+    connect(&model.fileRepairing(), &FileRepairing::shownChanged, this, &StatusLine::update);
     connect(m_cancel, &QPushButton::clicked, &model, &LintoraModel::cancelActivity);
     connect(&model, &LintoraModel::messageChanged, this, &StatusLine::update);
     connect(&model, &LintoraModel::failureChanged, this, &StatusLine::update);
@@ -69,6 +76,7 @@ void StatusLine::update()
     // Before it goes by itself to whatever comes first in the window.
     if ((m_cancel->hasFocus() && !activity) || (m_copy->hasFocus() && !failure))
         Q_EMIT keyboardFreed();
+    m_repair->setVisible(!m_model.fileRepairing().offered().isEmpty() && !m_model.fileRepairing().isShown());
     m_copy->setVisible(failure.has_value());
     m_busy->setVisible(activity.has_value());
     m_busy->setToolTip(doing);

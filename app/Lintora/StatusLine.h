@@ -33,6 +33,7 @@ private:
 
     LintoraModel &m_model;
     ElidedLabel *m_text;
+    QPushButton *m_repair;
     QToolButton *m_copy;
     BusyBar *m_busy;
     QPushButton *m_cancel;

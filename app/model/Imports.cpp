@@ -2,6 +2,7 @@
 
 #include "ai/speech/MediaFiles.h"
 #include "core/SRT.h"
+#include "core/files/FileReader.h"
 #include "fcp/FCPXML.h"
 #include "fcp/titles/SubtitleTransfer.h"
 
@@ -79,6 +80,12 @@ std::optional<Kind> kindOf(const QString &path)
     return std::nullopt;
 }
 
+bool isOtherSubtitles(const QString &path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return suffix == u"vtt" || suffix == u"ass" || suffix == u"ssa";
+}
+
 ImportedCues readSubtitles(const QString &path, const Options &options, Job &job)
 {
     checkRegular(path);
@@ -87,6 +94,13 @@ ImportedCues readSubtitles(const QString &path, const Options &options, Job &job
     job.check();
     SubtitleTransfer::clip(imported.cues, options, check);
     return imported;
+}
+
+RepairedFile readRepaired(const QString &path, const QString &encoding, Job &job)
+{
+    checkRegular(path);
+    const QByteArray bytes = FileReader::readAll(path);
+    return Failure::naming(path, [&] { return SubtitleRepair::read(bytes, encoding, [&] { job.check(); }); });
 }
 
 ImportedTimeline readTimeline(const QString &path, Job &job)

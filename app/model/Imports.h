@@ -4,6 +4,7 @@
 #include "core/Failure.h"
 #include "core/Job.h"
 #include "core/Subtitle.h"
+#include "core/repair/SubtitleRepair.h"
 #include "fcp/audio/FCPAudioPlan.h"
 
 #include <QString>
@@ -46,6 +47,14 @@ std::optional<Kind> kindOf(const QString &path);
 /// Reads an SRT file, and makes sure that titles with `options` can be made of it.
 /// @throws ConversionError, PlatformError
 ImportedCues readSubtitles(const QString &path, const Options &options, Job &job);
+
+/// Whether the extension is that of WebVTT, ASS or SSA, of which something may be lost.
+bool isOtherSubtitles(const QString &path);
+
+/// Reads a subtitle file by choice that the strict reader does not take; in the likeliest encoding where none is named.
+/// Whether titles can be made of it is known when they are.
+/// @throws ConversionError, PlatformError
+RepairedFile readRepaired(const QString &path, const QString &encoding, Job &job);
 
 /// Reads a project file or bundle. @throws ConversionError, PlatformError when nothing of it is of use
 ImportedTimeline readTimeline(const QString &path, Job &job);

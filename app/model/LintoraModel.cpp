@@ -64,6 +64,9 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_aiServices, &AIServices::done, this, &LintoraModel::report);
     connect(&m_modelDownloads, &ModelDownloads::done, this, &LintoraModel::report);
     connect(&m_modelDownloads, &ModelDownloads::refused, this, refuse);
+    connect(&m_cueTools, &CueTools::done, this, &LintoraModel::report);
+    connect(&m_fileRepairing, &FileRepairing::accepted, this, &LintoraModel::takeRepaired);
+    connect(this, &LintoraModel::failureChanged, &m_fileRepairing, &FileRepairing::withdraw);
     connect(&m_link, &SessionLink::opened, this, [this] { report(source().isEmpty() ? QString() : u"已载入"_s); });
     connect(&m_link, &SessionLink::freed, this, &LintoraModel::schedulePersist);
     connect(&m_recognition, &Recognition::timelineChanged, this, &LintoraModel::aiTimelinePlanChanged);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "app/model/CueTools.h"
 #include "app/model/FileDialogs.h"
+#include "app/model/FileRepairing.h"
 #include "app/model/Imports.h"
 #include "app/model/Preferences.h"
 #include "app/model/ScriptMatching.h"
@@ -239,6 +241,10 @@ public:
     SuspectMarks &suspects() { return m_suspects; }
     const SuspectMarks &suspects() const { return m_suspects; }
     const AIWork &aiWork() const { return m_aiWork; }
+    CueTools &cueTools() { return m_cueTools; }
+    const CueTools &cueTools() const { return m_cueTools; }
+    FileRepairing &fileRepairing() { return m_fileRepairing; }
+    const FileRepairing &fileRepairing() const { return m_fileRepairing; }
     WindowState &window() { return m_window; }
     const WindowState &window() const { return m_window; }
     void showScriptMatch();
@@ -321,6 +327,9 @@ private:
     void takeImported(const Imports::Imported &imported);
     void takeCues(const Imports::ImportedCues &imported);
     void receiveFCP(const Imports::ImportedTimeline &timeline);
+    void loadSubtitles(const QString &path);
+    void offerRepair(const QString &path);
+    void takeRepaired(const Imports::ImportedCues &cues, qsizetype repairs);
     void loadProject(const QString &path, std::function<void()> then);
     void exportTitles(const std::optional<FCPProject> &project);
     QString exportName(const QString &of = {}) const;
@@ -370,12 +379,19 @@ private:
     GlossaryTerms m_glossary{Locations::glossary()};
     Translation m_translation{m_session, m_owner, m_aiSettings, m_glossary};
     Review m_review{m_session, m_owner, m_aiSettings};
+    CueTools m_cueTools{m_session, m_owner};
+    FileRepairing m_fileRepairing;
 
     // The tasks come last, so that they end first.
     BackgroundTask m_import{BackgroundTask::Order::oneAfterAnother};
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_tidying{BackgroundTask::Order::oneAfterAnother};
-    const std::array<BackgroundTask *, 5> m_tasks = {&m_import, &m_export, &m_scriptMatching.task(), &m_owner.task(),
+    const std::array<BackgroundTask *, 7> m_tasks = {&m_import,
+                                                     &m_export,
+                                                     &m_scriptMatching.task(),
+                                                     &m_cueTools.task(),
+                                                     &m_fileRepairing.task(),
+                                                     &m_owner.task(),
                                                      &m_modelDownloads.task()}; ///< Those that are shown.
 };

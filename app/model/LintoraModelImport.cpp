@@ -6,6 +6,8 @@
 #include "app/model/SessionTracks.h"
 #include "fcp/FCPXML.h"
 
+#include <QFileInfo>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -59,19 +61,50 @@ void LintoraModel::load(const QUrl &file)
     const auto kind = Imports::kindOf(path);
     if (path.isEmpty() || !kind) {
         reportFailure(unknownFile());
+        if (Imports::isOtherSubtitles(path))
+            offerRepair(path);
     } else if (*kind == Imports::Kind::project) {
         loadProject(path, [] {});
     } else if (*kind == Imports::Kind::media) {
         m_recognition.setMedia(file);
         showAI(WindowState::AIMode::speech);
     } else {
-        importFrom(
-            u"正在读取字幕…"_s,
-            [path, options = forAnother(options(), true)](Job &job) {
-                return Imports::readSubtitles(path, options, job);
-            },
-            [] {});
+        loadSubtitles(path);
     }
+}
+
+/// What was refused may be looked at, and opened by choice.
+void LintoraModel::offerRepair(const QString &path)
+{
+    if (QFileInfo(path).isFile() && QFileInfo(path).isReadable())
+        m_fileRepairing.offer(path);
+}
+
+void LintoraModel::loadSubtitles(const QString &path)
+{
+    m_import.run(
+        u"正在读取字幕…"_s,
+        [path, options = forAnother(options(), true)](Job &job, const ProgressReport & /*report*/) {
+            return Imports::Imported(Imports::readSubtitles(path, options, job));
+        },
+        [this](const Imports::Imported &imported) {
+            // A job may have begun while the file was read.
+            if (!m_owner.refuses(u"任务处理中，请先取消再导入"_s))
+                takeImported(imported);
+        },
+        [this, path](const Failure &failure) {
+            reportFailure(failure);
+            offerRepair(path);
+        });
+}
+
+void LintoraModel::takeRepaired(const Imports::ImportedCues &cues, qsizetype repairs)
+{
+    if (m_owner.refuses(u"任务处理中，请先取消再导入"_s))
+        return;
+    takeCues(cues);
+    if (repairs > 0)
+        report(u"已修复并载入 · 修复 %1 处"_s.arg(repairs));
 }
 
 void LintoraModel::loadProject(const QString &path, std::function<void()> then)

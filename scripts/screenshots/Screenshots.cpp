@@ -213,6 +213,18 @@ QList<State> states()
              model.scriptMatching().match();
              Events::waitFor([&] { return !model.activity(); });
          }},
+        {u"breaking"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.cueTools().open(CueTools::Tool::breaking);
+             Events::waitFor([&] { return !model.activity(); });
+         }},
+        {u"checking"_s,
+         [load](LintoraModel &model, LintoraPanel &panel) {
+             load(model, panel);
+             model.cueTools().open(CueTools::Tool::checking);
+             Events::waitFor([&] { return !model.activity(); });
+         }},
         {u"cleanup"_s,
          [load](LintoraModel &model, LintoraPanel &panel) {
              load(model, panel);

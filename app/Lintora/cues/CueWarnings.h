@@ -9,12 +9,6 @@
 /// What a person should look at again in a cue. Nothing is ever changed because of it.
 namespace CueWarnings {
 
-constexpr qint64 chinesePerSecond = 12; ///< Characters that can be read in a second: Han, kana, Hangul.
-constexpr qint64 latinPerSecond = 20;   ///< The same of all other letters and digits.
-constexpr qint64 shortestMS = 700;
-constexpr qint64 longestMS = 7'000;
-constexpr qsizetype mostLines = 2;
-
 enum class Kind
 {
     tooFast, ///< Less time than the lines of either writing need; who reads the one need not read the other.
@@ -36,7 +30,8 @@ struct Warning
 /// Answers whether a text with its line feeds is wider than titles should be.
 using IsTooWide = std::function<bool(QStringView text)>;
 
-/// The warnings about `cue`, in the order of Kind; `next` is the cue that follows it in the list, or null.
+/// The warnings about `cue` by the limits of CheckLimits for Chinese, in the order of Kind; `next` is the cue that
+/// follows it in the list, or null.
 QList<Warning> of(const Subtitle &cue, const Subtitle *next, const IsTooWide &isTooWide);
 
 /// Characters that are read, all but white space and punctuation, by the writing of the line in which they stand.

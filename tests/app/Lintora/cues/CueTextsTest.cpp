@@ -64,8 +64,8 @@ TEST(CueWarnings, limits_are_not_yet_beyond)
 TEST(CueWarnings, speeds_stand_beside_the_limit_that_they_are_over)
 {
     const std::pair<QString, QString> rows[] = {
-        {u"一二三四五六七八九十一二三"_s, u"读不完：每秒 13.0 字，宜在 12 字以内"_s},
-        {u"你好\nHello wonderful wide world"_s, u"读不完：每秒 23.0 个字符，宜在 20 个以内"_s},
+        {u"一二三四五六七八九十一二三"_s, u"读不完：每秒 13 字，宜在 12 字以内"_s},
+        {u"你好\nHello wonderful wide world"_s, u"读不完：每秒 23 个字符，宜在 20 个以内"_s},
         {u"欢迎 abcdefghijklmnopqr"_s, u"读不完：每秒 21.4 个字符，宜在 20 个以内"_s},
     };
     for (const auto &[text, sentence] : rows)
