@@ -105,7 +105,7 @@ private:
     std::optional<Pace> m_pace;
     std::deque<Sample> m_samples; ///< Of the last seconds, oldest first.
     QElapsedTimer m_clock;
-    QBasicTimer m_timer;                                           ///< Runs while there is a download.
+    QBasicTimer m_timer; ///< Runs while there is a download.
     /// A removal waits until a cancelled download has let go of its file. Last, so that it ends first.
     BackgroundTask m_task{BackgroundTask::Order::newestAfterTheOld};
 };
