@@ -60,16 +60,15 @@ public:
     ///
     /// `JobType` is what the operation is cancelled by: Job, or what is made of it. `cancelled` starts no other run.
     template <class JobType = Job, class Operation, class Done>
-    void run(const QString &first, Operation operation, Done done, Refused refused,
-             std::function<void()> cancelled = {})
+    void run(const QString &first, Operation operation, Done done, const Refused &refused,
+             const std::function<void()> &cancelled = {})
     {
         const auto job = std::make_shared<JobType>();
-        start(
-            {.job = job, .progress = {.what = first}, .refused = std::move(refused), .cancelled = std::move(cancelled)},
-            [job, operation = std::move(operation), done = std::move(done)](const ProgressReport &report) {
-                auto result = std::make_shared<decltype(operation(*job, report))>(operation(*job, report));
-                return [done, result] { done(std::move(*result)); };
-            });
+        start({.job = job, .progress = {.what = first}, .refused = refused, .cancelled = cancelled},
+              [job, operation = std::move(operation), done = std::move(done)](const ProgressReport &report) {
+                  auto result = std::make_shared<decltype(operation(*job, report))>(operation(*job, report));
+                  return [done, result] { done(std::move(*result)); };
+              });
     }
 
     bool isRunning() const { return !m_runs.empty(); }

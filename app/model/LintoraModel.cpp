@@ -348,7 +348,7 @@ void LintoraModel::cancelActivity()
 /// What ends soon is shown first.
 BackgroundTask *LintoraModel::shownTask() const
 {
-    const auto shown = std::ranges::find_if(m_tasks, &BackgroundTask::isRunning);
+    const auto *const shown = std::ranges::find_if(m_tasks, &BackgroundTask::isRunning);
     return shown == m_tasks.end() ? nullptr : *shown;
 }
 

@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -31,10 +32,10 @@ ElidedLabel *smallLabel(QWidget *parent)
 
 } // namespace
 
-ModelRow::ModelRow(LintoraModel &model, const QString &id, QWidget *parent)
+ModelRow::ModelRow(LintoraModel &model, QString id, QWidget *parent)
     : QWidget(parent)
     , m_model(model)
-    , m_id(id)
+    , m_id(std::move(id))
     , m_title(new QLabel(this))
     , m_summary(smallLabel(this))
     , m_status(smallLabel(this))

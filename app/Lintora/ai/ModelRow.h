@@ -18,7 +18,7 @@ class ModelRow : public QWidget
 
 public:
     /// `model` must live as long as this. `id` is the catalog's.
-    ModelRow(LintoraModel &model, const QString &id, QWidget *parent = nullptr);
+    ModelRow(LintoraModel &model, QString id, QWidget *parent = nullptr);
 
     QPushButton *action() const { return m_action; }
 

@@ -44,7 +44,6 @@ QLabel *title(const QString &text, QWidget *parent)
 ModelsPage::ModelsPage(LintoraModel &model, QWidget *parent)
     : QWidget(parent)
     , m_model(model)
-    , m_hosts(nullptr)
 {
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 3 * VELTheme::step, 0);

@@ -27,5 +27,5 @@ private:
 
     LintoraModel &m_model;
     QList<ModelRow *> m_rows;
-    TextField *m_hosts;
+    TextField *m_hosts = nullptr;
 };

@@ -98,7 +98,7 @@ QWidget *FindReplaceWorkspace::makeButtons()
     layout->addWidget(m_undo);
     layout->addWidget(m_replace);
     connect(m_replace, &QPushButton::clicked, this, &FindReplaceWorkspace::replace);
-    connect(m_undo, &QPushButton::clicked, this, &FindReplaceWorkspace::undo);
+    connect(m_undo, &QPushButton::clicked, this, &FindReplaceWorkspace::undoReplacement);
     return row;
 }
 
@@ -136,7 +136,7 @@ void FindReplaceWorkspace::replace()
     followUndo();
 }
 
-void FindReplaceWorkspace::undo()
+void FindReplaceWorkspace::undoReplacement()
 {
     m_model.undoReplacement();
     setNote(u"已撤销，字幕恢复为替换前内容"_s, false);

@@ -31,7 +31,7 @@ private:
     QWidget *makeButtons();
     void preview();
     void replace();
-    void undo();
+    void undoReplacement();
     void followUndo();
     void setNote(const QString &note, bool isFailure);
 

@@ -7,28 +7,41 @@
 
 namespace AIWorkers {
 
-std::variant<EngineModel, SpeechAPIConfiguration> listener(const AISettings &settings)
+std::function<Listener()> listener(const AISettings &settings)
 {
     const AIChoices &choices = settings.choices();
-    if (choices.aiUseCloudSpeech)
-        return SpeechAPIConfiguration{.baseURL = choices.aiSpeechBaseURL,
-                                      .model = choices.aiSpeechAPIModel,
-                                      .apiKey = settings.aiSpeechAPIKey(),
-                                      .wordTimestamps = choices.aiSpeechWordTimestamps};
-    if (!choices.aiSpeechModelFile.isEmpty())
-        return EngineModel::own(choices.aiSpeechModelFile);
-    return SubtitleAI::speechEngine(LocalModels::speechModel(choices.aiSpeechModelID));
+    if (choices.aiUseCloudSpeech) {
+        SpeechAPIConfiguration service{.baseURL = choices.aiSpeechBaseURL,
+                                       .model = choices.aiSpeechAPIModel,
+                                       .apiKey = {},
+                                       .wordTimestamps = choices.aiSpeechWordTimestamps};
+        return [service, key = settings.keyForWork(AISettings::Service::speech)]() mutable {
+            service.apiKey = key();
+            return Listener(service);
+        };
+    }
+    const EngineModel model = choices.aiSpeechModelFile.isEmpty()
+                                  ? SubtitleAI::speechEngine(LocalModels::speechModel(choices.aiSpeechModelID))
+                                  : EngineModel::own(choices.aiSpeechModelFile);
+    return [model] { return Listener(model); };
 }
 
-SubtitleAI::Answerer answerer(const AISettings &settings)
+std::function<SubtitleAI::Answerer()> answerer(const AISettings &settings)
 {
     const AIChoices &choices = settings.choices();
-    if (choices.aiUseOnline)
-        return OnlineAIConfiguration{.baseURL = choices.aiAPIBaseURL,
-                                     .model = choices.aiAPIModel,
-                                     .apiKey = settings.aiAPIKey(),
-                                     .quickReview = choices.aiAPIQuickReview};
-    return choices.aiTextModelFile.isEmpty() ? SubtitleAI::textEngine() : EngineModel::own(choices.aiTextModelFile);
+    if (choices.aiUseOnline) {
+        OnlineAIConfiguration service{.baseURL = choices.aiAPIBaseURL,
+                                      .model = choices.aiAPIModel,
+                                      .apiKey = {},
+                                      .quickReview = choices.aiAPIQuickReview};
+        return [service, key = settings.keyForWork(AISettings::Service::text)]() mutable {
+            service.apiKey = key();
+            return SubtitleAI::Answerer(service);
+        };
+    }
+    const EngineModel model =
+        choices.aiTextModelFile.isEmpty() ? SubtitleAI::textEngine() : EngineModel::own(choices.aiTextModelFile);
+    return [model] { return SubtitleAI::Answerer(model); };
 }
 
 } // namespace AIWorkers

@@ -117,10 +117,7 @@ SpokenCues::Task Recognition::task() const
 {
     if (m_source == Source::none)
         throw ConversionError(u"请先选择音视频，或接入 FCP 时间线。"_s);
-    SpokenCues::Task task{
-        .language = m_language, .listener = AIWorkers::listener(m_settings), .leavesOutMissing = m_leavesOutMissing};
-    if (m_settings.choices().aiAutomaticReview)
-        task.reviewer = AIWorkers::answerer(m_settings);
+    SpokenCues::Task task{.language = m_language, .leavesOutMissing = m_leavesOutMissing};
     if (m_source == Source::media)
         task.source = m_media->toLocalFile();
     else
@@ -135,8 +132,14 @@ void Recognition::start()
         const QString source = m_source == Source::media ? title(m_source) : m_timeline->name;
         const bool isBegun = m_owner.run<LocalAIJob>(
             u"正在准备…"_s,
-            [task, source](LocalAIJob &job, const ProgressReport &report) {
-                const SpokenCues::Result result = SpokenCues::make(task, job, report);
+            [task, source, listener = AIWorkers::listener(m_settings),
+             reviewer = m_settings.choices().aiAutomaticReview ? AIWorkers::answerer(m_settings) : nullptr](
+                LocalAIJob &job, const ProgressReport &report) {
+                SpokenCues::Task chosen = task;
+                chosen.listener = listener();
+                if (reviewer)
+                    chosen.reviewer = reviewer();
+                const SpokenCues::Result result = SpokenCues::make(chosen, job, report);
                 const SoundLevels &levels = result.levels;
                 const auto isSilent = [&](qint64 startMS, qint64 endMS) { return levels.isSilent(startMS, endMS); };
                 // The recogniser's own words tell what it made up, whatever was made of them.

@@ -83,14 +83,10 @@ void Review::start()
         if (const auto original = referenceTrack())
             task.references = original->items;
     }
-    const auto work = [cues = state.items, task, chosen = AIWorkers::answerer(m_settings),
-                       key = m_settings.keyForWork(AISettings::Service::text)](LocalAIJob &job,
-                                                                               const ProgressReport &report) {
-        SubtitleAI::Answerer answerer = chosen;
-        if (auto *const service = std::get_if<OnlineAIConfiguration>(&answerer))
-            service->apiKey = key();
+    const auto work = [cues = state.items, task,
+                       answerer = AIWorkers::answerer(m_settings)](LocalAIJob &job, const ProgressReport &report) {
         const AnsweredCues answered =
-            SubtitleAI::answer(cues, task, answerer, AnswerLedger::defaultFolder(), job, report);
+            SubtitleAI::answer(cues, task, answerer(), AnswerLedger::defaultFolder(), job, report);
         return Outcome{.rows = ReviewRows::make(cues, answered.cues), .forget = answered.forget};
     };
     const QUuid id = state.selectedTrackID.value_or(QUuid());

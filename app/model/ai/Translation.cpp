@@ -77,7 +77,7 @@ void Translation::start()
         u"正在准备…"_s,
         [request, answerer = AIWorkers::answerer(m_settings)](LocalAIJob &job, const ProgressReport &report) {
             return SubtitleAI::answer(request.cues, {.direction = request.direction, .glossary = request.glossary},
-                                      answerer, AnswerLedger::defaultFolder(), job, report);
+                                      answerer(), AnswerLedger::defaultFolder(), job, report);
         },
         [this, request](const AnsweredCues &answered) {
             take(request, answered.cues);
