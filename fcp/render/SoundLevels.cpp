@@ -14,7 +14,7 @@ SoundLevels::SoundLevels(const SpeechRanges::Peaks &peaks)
         return;
     const auto loud = sounding.begin() + (sounding.size() - 1) * (loudest - 1) / loudest;
     std::ranges::nth_element(sounding, loud);
-    m_quiet = std::max<quint16>(m_quiet, *loud / quieter);
+    m_quiet = std::max(m_quiet, static_cast<quint16>(*loud / quieter));
 }
 
 bool SoundLevels::isSilent(qint64 startMS, qint64 endMS) const
