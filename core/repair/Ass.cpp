@@ -35,10 +35,10 @@ struct Columns
     }
 };
 
-class Reader
+class AssReader
 {
 public:
-    explicit Reader(RepairLog &log)
+    explicit AssReader(RepairLog &log)
         : m_log(log)
     {}
 
@@ -130,5 +130,5 @@ private:
 
 void LooseFormats::readAss(QStringView text, RepairLog &log, const Check &check)
 {
-    Reader(log).read(text.split(u'\n'), check);
+    AssReader(log).read(text.split(u'\n'), check);
 }

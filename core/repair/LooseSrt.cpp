@@ -21,10 +21,10 @@ bool isBlank(QStringView line)
 }
 
 /// The cues of a file, found by their lines of times: whatever stands between two of them is text, but for a number.
-class Reader
+class LooseReader
 {
 public:
-    Reader(QStringView text, RepairLog &log)
+    LooseReader(QStringView text, RepairLog &log)
         : m_lines(text.split(u'\n'))
         , m_log(log)
     {
@@ -127,5 +127,5 @@ private:
 
 void LooseFormats::readSrt(QStringView text, RepairLog &log, const Check &check)
 {
-    Reader(text, log).read(check);
+    LooseReader(text, log).read(check);
 }

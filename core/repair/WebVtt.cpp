@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The text without tags and with the format's own entities resolved.
-QString plain(const QString &text)
+QString spoken(const QString &text)
 {
     static const QRegularExpression tag(u"</?(?:[A-Za-z]+|\\d[\\d:.]*)(?:[. ][^<>]*)?>"_s);
     QString result = text;
@@ -43,9 +43,9 @@ void readBlock(const QList<QStringView> &lines, qsizetype begin, qsizetype end, 
     static const QRegularExpression voice(u"<v(?:\\.[^ >]*)? ([^>]*)>"_s);
     if (const auto speaker = voice.match(text); speaker.hasMatch())
         log.repair(time + 1, u"已略去说话人：%1"_s.arg(speaker.captured(1)));
-    else if (const QString bare = plain(text); bare.size() != text.size())
+    else if (const QString bare = spoken(text); bare.size() != text.size())
         log.repair(time + 1, u"已略去样式"_s);
-    log.add(time + 1, times->start.ms, times->end.ms, plain(text));
+    log.add(time + 1, times->start.ms, times->end.ms, spoken(text));
 }
 
 } // namespace
