@@ -103,7 +103,10 @@ TEST(LocalModelDownload, brings_the_model_and_tells_each_percent_once)
               "/hub/owner/name/resolve/0123456789012345678901234567890123456789/test.bin");
     EXPECT_FALSE(server.requests().value(0).headers.contains("authorization"));
     EXPECT_EQ(progress.last(), u"正在校验模型…"_s);
-    EXPECT_EQ(progress.value(progress.size() - 2), u"下载 Test · 99% · 2.9 MB / 2.9 MB"_s);
+    // A percent is told with the bytes that were there when it was reached, which is as the network cuts them.
+    const QString last = progress.value(progress.size() - 2);
+    EXPECT_TRUE(last == u"下载 Test · 99% · 2.8 MB / 2.9 MB"_s || last == u"下载 Test · 99% · 2.9 MB / 2.9 MB"_s)
+        << qPrintable(last);
     EXPECT_EQ(progress.removeDuplicates(), 0);
 }
 
