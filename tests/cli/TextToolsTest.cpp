@@ -61,9 +61,6 @@ TEST_F(TextToolsTest, clean_takes_a_word_list)
                       {});
         expectOutcome(run(u"clean"_s, {u"--fillers"_s, u"--json"_s, u"--words"_s, u"-"_s}, words), 0, cleaned, {});
     }
-    const QByteArray tooLong = QByteArray("嗯").repeated(61);
-    expectOutcome(run(u"clean"_s, {u"--fillers"_s, u"--words"_s, file(u"words"_s, tooLong)}), 1, {},
-                  "最多 100 个词，每个词不超过 60 字。\n");
     expectOutcome(run(u"clean"_s, {u"--fillers"_s, u"--words"_s, file(u"words"_s, "\xE5\x97")}), 1, {},
                   "文本编码不支持。请先另存为 UTF-8 或 UTF-16。\n");
     expectOutcome(run(u"clean"_s, {u"--words"_s, path(u"words"_s)}), 2, {},
@@ -88,16 +85,6 @@ TEST_F(TextToolsTest, replace_previews_and_applies)
         "已替换 1 处，修改 1 条字幕\n");
     EXPECT_EQ(FileReader::readAll(out), "1\n00:00:00,000 --> 00:00:03,000\n嗯，你好，世界。\nHello, world\n\n"
                                         "2\n00:00:04,000 --> 00:00:06,000\n再见\nПока\n");
-    for (const bool preview : {false, true}) {
-        const QStringList extra = preview ? QStringList{u"--preview"_s} : QStringList{};
-        expectOutcome(run(u"replace"_s, QStringList{u"--find"_s, u""_s, u"--with"_s, u"x"_s} + extra), 1, {},
-                      "请输入要查找的关键词。\n");
-        expectOutcome(run(u"replace"_s, QStringList{u"--find"_s, u"x"_s, u"--with"_s, u"\r"_s} + extra), 1, {},
-                      "替换内容含无效控制字符。\n");
-    }
-    expectOutcome(
-        run(u"replace"_s, {u"--find"_s, u"x"_s.repeated(201), u"--with"_s, u""_s, u"-o"_s, path(u"in.srt"_s)}), 1, {},
-        "查找词最多 200 字，替换内容最多 2000 字。\n");
     EXPECT_EQ(run(u"replace"_s, {u"--find"_s, u"x"_s}).status, 2);
     EXPECT_EQ(run(u"replace"_s, {u"--find"_s, u"x"_s, u"--with"_s, u""_s, u"--preview"_s, u"-o"_s, out}).status, 2);
 }
@@ -166,9 +153,6 @@ TEST_F(TextToolsTest, align_applies_every_match_when_told_to)
     const QByteArray unsure = "再见，По。\n";
     EXPECT_FALSE(run(u"align"_s, {u"-"_s}, script).output.contains(unsure));
     EXPECT_TRUE(run(u"align"_s, {u"-"_s, u"--all"_s}, script).output.contains(unsure));
-    expectOutcome(run(u"align"_s, {u"-"_s, u"-o"_s, path(u"in.srt"_s)}, "Nada que ver"), 1, {},
-                  "文稿与字幕没有足够的对应内容，请确认语言和段落一致，或分段匹配。原字幕已保留。\n");
-    EXPECT_TRUE(FileReader::readAll(path(u"in.srt"_s)).startsWith("1\n"));
     EXPECT_EQ(CommandLine::run({u"align"_s, u"-"_s, u"-"_s}).status, 2);
     EXPECT_EQ(run(u"align"_s, {}).status, 2);
 }
@@ -196,12 +180,4 @@ TEST_F(TextToolsTest, an_empty_value_may_follow_an_equals_sign)
                   {});
     expectOutcome(run(u"replace"_s, {u"--find="_s, u"--with="_s}), 1, {}, "请输入要查找的关键词。\n");
     EXPECT_EQ(run(u"separate"_s, {u"--into"_s, u""_s}).status, 2);
-}
-
-TEST_F(TextToolsTest, a_transcript_that_is_cut_in_a_character_is_refused)
-{
-    for (const QByteArray &bytes : {QByteArray("\xFF\xFE\x60\x4F\x7D", 5), QByteArray("\xFF\xFE\x60\x4F\x3D\xD8", 6),
-                                    QByteArray("\xE4\xBD\xA0\xE5")})
-        expectOutcome(run(u"align"_s, {file(u"script.txt"_s, bytes)}), 1, {},
-                      "文本编码不支持。请先另存为 UTF-8 或 UTF-16。\n");
 }

@@ -118,52 +118,12 @@ private:
 
 QString mutated(QString text, Generator &generator)
 {
-    static const QStringList pieces{u"\n"_s,
-                                    u"\n\n"_s,
-                                    u"\r\n"_s,
-                                    u"\r"_s,
-                                    u" "_s,
-                                    u"\t"_s,
-                                    u"\u3000"_s,
-                                    u"\u00A0"_s,
-                                    u"\u2028"_s,
-                                    u"\u0085"_s,
-                                    u"\u200B"_s,
-                                    u"\u180E"_s,
-                                    u"\uFEFF"_s,
-                                    u"\v"_s,
-                                    u"\f"_s,
-                                    u"-->"_s,
-                                    u" --> "_s,
-                                    u"00:00:01,000"_s,
-                                    u":"_s,
-                                    u","_s,
-                                    u"."_s,
-                                    u"1"_s,
-                                    u"+7"_s,
-                                    u"-0"_s,
-                                    u"9223372036854775808"_s,
-                                    u"\uFF11"_s,
-                                    u"<b>"_s,
-                                    u"</B>"_s,
-                                    u"<i x>"_s,
-                                    u"<font\ncolor=x>"_s,
-                                    u"<u\u3000a>"_s,
-                                    u"<b "_s,
-                                    u"<span>"_s,
-                                    u"<"_s,
-                                    u">"_s,
-                                    u"&lt;"_s,
-                                    u"&amp;"_s,
-                                    u"&amp;lt;"_s,
-                                    u"&quot;"_s,
-                                    u"&"_s,
-                                    u"\u0007"_s,
-                                    QString(QChar(0)),
-                                    u"好"_s,
-                                    u"😀"_s,
-                                    u"é"_s,
-                                    u"X1:100 X2:200"_s};
+    static const QStringList pieces =
+        (u"\n|\n\n|\r\n|\r| |\t|\u3000|\u00A0|\u2028|\u0085|\u200B|\u180E|\uFEFF|\v|\f|-->|"
+         u" --> |00:00:01,000|:|,|.|1|+7|-0|9223372036854775808|\uFF11|<b>|</B>|<i x>|"
+         u"<font\ncolor=x>|<u\u3000a>|<b |<span>|<|>|&lt;|&amp;|&amp;lt;|&quot;|&|\u0007|\0|好|😀|"
+         u"é|X1:100 X2:200"_s)
+            .split(u'|');
     for (qint64 edits = generator.number(0, 4); edits > 0; --edits) {
         const qsizetype at = generator.number(0, text.size());
         if (generator.chance(60))

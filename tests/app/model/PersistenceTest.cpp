@@ -139,6 +139,7 @@ TEST_F(PersistenceTest, work_that_cannot_be_saved_is_not_lost_without_a_question
     EXPECT_TRUE(ends);
     EXPECT_FALSE(model->requestQuit());
     ASSERT_TRUE(QFile::remove(folder));
+    model->reportFailure(u"设备中已没有剩余空间"_s); // of an export, for the same cause
     EXPECT_TRUE(model->requestQuit());
     EXPECT_EQ(model->quitQuestion(), std::nullopt);
     EXPECT_EQ(failure(), QString());

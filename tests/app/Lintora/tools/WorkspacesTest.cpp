@@ -3,7 +3,6 @@
 #include "app/Lintora/controls/MarkedTextDelegate.h"
 #include "app/Lintora/tools/CleanupWorkspace.h"
 #include "app/Lintora/tools/FindReplaceWorkspace.h"
-#include "app/Lintora/tools/ScriptMatchWorkspace.h"
 #include "core/text/SubtitleCleanup.h"
 #include "tests/app/Lintora/PanelTest.h"
 #include "tests/support/Events.h"
@@ -70,7 +69,7 @@ protected:
     }
 };
 
-TEST_F(Workspaces, Escape_closes_a_sheet_and_the_keyboard_goes_back)
+TEST_F(Workspaces, escape_closes_a_sheet_and_the_keyboard_goes_back)
 {
     load({u"一"_s, u"二"_s});
     table().goTo(1);
@@ -84,7 +83,7 @@ TEST_F(Workspaces, Escape_closes_a_sheet_and_the_keyboard_goes_back)
     EXPECT_EQ(table().currentCue(), 1);
 }
 
-TEST_F(Workspaces, The_keyboard_goes_back_to_what_is_still_there)
+TEST_F(Workspaces, the_keyboard_goes_back_to_what_is_still_there)
 {
     load({u"一"_s, u"二"_s});
     // The editor that had it is gone when the sheet closes.
@@ -109,7 +108,7 @@ TEST_F(Workspaces, The_keyboard_goes_back_to_what_is_still_there)
     EXPECT_TRUE(table().hasFocus());
 }
 
-TEST_F(Workspaces, The_keyboard_stays_within_an_open_sheet)
+TEST_F(Workspaces, the_keyboard_stays_within_an_open_sheet)
 {
     load({u"一"_s});
     search(u"一"_s, u"壹"_s);
@@ -127,16 +126,12 @@ TEST_F(Workspaces, The_keyboard_stays_within_an_open_sheet)
 
 // Cleanup
 
-TEST_F(Workspaces, Filler_words_are_edited_and_kept)
+TEST_F(Workspaces, filler_words_are_edited_and_kept)
 {
     load({u"一"_s});
     click(u"语气词设置"_s);
     const auto *const sheet = panel->findChild<CleanupWorkspace *>();
     ASSERT_TRUE(sheet->isVisible());
-    for (const QString &text :
-         {u"VELMORA  /  CLEANUP"_s, u"输入想去掉的语气词，每行一个，也可用逗号分隔。清理时按词表匹配移除。"_s,
-          u"词表只在开启「去语气词」并点击「一键清理」后使用。留空可停用全部词条。"_s})
-        EXPECT_TRUE(visibleTexts(sheet).contains(text)) << qPrintable(text);
     auto *const words = find<QPlainTextEdit>(u"语气词"_s);
     EXPECT_EQ(words->toPlainText(), SubtitleCleanup::defaultFillerWords().join(u'\n'));
     words->setPlainText(u"就是说，然后"_s);
@@ -145,48 +140,33 @@ TEST_F(Workspaces, Filler_words_are_edited_and_kept)
     EXPECT_EQ(model.fillerWords(), (QStringList{u"就是说"_s, u"然后"_s}));
 }
 
-TEST_F(Workspaces, The_default_words_come_back_only_when_saved)
+TEST_F(Workspaces, the_default_words_come_back_only_when_saved_and_a_refused_list_says_why)
 {
     load({u"一"_s});
     model.saveFillerWords({});
     model.window().setCleanupSettingsVisible(true);
+    auto *const words = find<QPlainTextEdit>(u"语气词"_s);
     click(u"恢复默认词表"_s);
     EXPECT_EQ(note(), u"点击保存后生效"_s);
-    EXPECT_EQ(find<QPlainTextEdit>(u"语气词"_s)->toPlainText(), SubtitleCleanup::defaultFillerWords().join(u'\n'));
+    EXPECT_EQ(words->toPlainText(), SubtitleCleanup::defaultFillerWords().join(u'\n'));
     press(Qt::Key_Escape);
     EXPECT_EQ(model.fillerWords(), QStringList());
     model.window().setCleanupSettingsVisible(true);
     click(u"保存"_s); // what was put in is still there
     EXPECT_EQ(model.fillerWords(), SubtitleCleanup::defaultFillerWords());
-}
-
-TEST_F(Workspaces, A_list_that_is_too_long_is_refused_in_words)
-{
-    load({u"一"_s});
-    model.window().setCleanupSettingsVisible(true);
-    QStringList many;
-    for (int i = 0; i < 101; ++i)
-        many += u"词%1"_s.arg(i);
-    auto *const words = find<QPlainTextEdit>(u"语气词"_s);
-    words->setPlainText(many.join(u'\n'));
+    words->setPlainText(QString(61, u'嗯'));
     click(u"保存"_s);
     EXPECT_EQ(note(), u"最多 100 个词，每个词不超过 60 字。"_s);
     EXPECT_EQ(model.fillerWords(), SubtitleCleanup::defaultFillerWords());
-    words->clear();
-    click(u"保存"_s);
-    EXPECT_EQ(model.fillerWords(), QStringList());
 }
 
 // Find and replace
 
-TEST_F(Workspaces, Find_and_replace_previews_as_one_types)
+TEST_F(Workspaces, find_and_replace_previews_as_one_types)
 {
     load({u"调色教程"_s, u"没有"_s, u"色彩和色调"_s, u"色"_s});
     search({}, {});
     const auto *const sheet = panel->findChild<FindReplaceWorkspace *>();
-    EXPECT_TRUE(visibleTexts(sheet).contains(u"VELMORA  /  FIND & REPLACE"_s));
-    EXPECT_TRUE(visibleTexts(sheet).contains(u"精确匹配，区分英文大小写。只替换当前语言，保留时间码。"_s));
-    EXPECT_TRUE(visibleTexts(sheet).contains(u"替换为（留空则删除关键词）"_s));
     EXPECT_TRUE(visibleTexts(sheet).contains(u"输入关键词，预览所有匹配字幕。"_s));
     EXPECT_FALSE(button(u"替换全部 · 0"_s)->isEnabled());
     search(u"找不到"_s, {});
@@ -209,7 +189,7 @@ TEST_F(Workspaces, Find_and_replace_previews_as_one_types)
     EXPECT_EQ(row(*list, 2).after, u"（替换后为空，将移除此条字幕）"_s);
 }
 
-TEST_F(Workspaces, Replacing_can_be_taken_back)
+TEST_F(Workspaces, replacing_can_be_taken_back)
 {
     load({u"调色"_s, u"色"_s});
     search(u"色"_s, {});
@@ -223,15 +203,7 @@ TEST_F(Workspaces, Replacing_can_be_taken_back)
     EXPECT_EQ(button(u"撤销本次替换"_s), nullptr);
 }
 
-TEST_F(Workspaces, Replacing_nothing_says_so)
-{
-    load({u"调色"_s});
-    search(u"找不到"_s, u"x"_s);
-    click(u"替换全部 · 0"_s);
-    EXPECT_EQ(note(), u"没有需要替换的内容"_s);
-}
-
-TEST_F(Workspaces, A_keyword_over_its_limit_is_refused_when_it_is_used)
+TEST_F(Workspaces, a_keyword_over_its_limit_is_refused_when_it_is_used)
 {
     load({QString(300, u'长')});
     search(QString(201, u'长'), {});
@@ -242,7 +214,7 @@ TEST_F(Workspaces, A_keyword_over_its_limit_is_refused_when_it_is_used)
     EXPECT_EQ(note(), model.failure());
 }
 
-TEST_F(Workspaces, An_activated_match_is_shown_in_the_table)
+TEST_F(Workspaces, an_activated_match_is_shown_in_the_table)
 {
     load({u"一"_s, u"二"_s, u"三"_s});
     search(u"三"_s, {});
@@ -257,13 +229,10 @@ TEST_F(Workspaces, An_activated_match_is_shown_in_the_table)
 
 // Script matching
 
-TEST_F(Workspaces, A_transcript_is_matched_looked_through_and_applied)
+TEST_F(Workspaces, a_transcript_is_matched_looked_through_and_applied)
 {
     load({u"今天我们聊聊条色"_s, u"先看这段素才怎么样"_s, u"完全没有的一句"_s});
     match(u"今天我们聊聊调色，先看这段素材怎么样。"_s);
-    const auto *const sheet = panel->findChild<ScriptMatchWorkspace *>();
-    EXPECT_TRUE(visibleTexts(sheet).contains(u"按文稿校正文字，保留字幕时间。"_s));
-    EXPECT_TRUE(visibleTexts(sheet).contains(u"本机匹配 · 时间码不变"_s));
     auto *const list = find<QListView>(u"对照"_s);
     ASSERT_NE(list, nullptr);
     const QAbstractItemModelTester tester(list->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
@@ -287,7 +256,7 @@ TEST_F(Workspaces, A_transcript_is_matched_looked_through_and_applied)
     EXPECT_EQ(texts().at(1), u"先看这段素才怎么样"_s);
 }
 
-TEST_F(Workspaces, Passages_that_nobody_said_are_shown)
+TEST_F(Workspaces, passages_that_nobody_said_are_shown)
 {
     load({u"今天我们聊聊调色"_s, u"先看这段素材"_s});
     match(u"今天我们聊聊调色，先看这段素材。\n\n这一整段只写在文稿里没有人说出来过。"_s);
@@ -299,7 +268,7 @@ TEST_F(Workspaces, Passages_that_nobody_said_are_shown)
     EXPECT_TRUE(row(*list, last).before.contains(u"没有人说出来过"_s));
 }
 
-TEST_F(Workspaces, Closing_loses_neither_transcript_nor_proposals)
+TEST_F(Workspaces, closing_loses_neither_transcript_nor_proposals)
 {
     load({u"今天我们聊聊条色"_s});
     match(u"今天我们聊聊调色"_s);
@@ -310,12 +279,10 @@ TEST_F(Workspaces, Closing_loses_neither_transcript_nor_proposals)
     EXPECT_NE(button(u"应用勾选 · 1"_s), nullptr);
 }
 
-TEST_F(Workspaces, An_empty_transcript_is_asked_for)
+TEST_F(Workspaces, an_empty_transcript_is_asked_for)
 {
     load({u"一"_s});
     model.window().setScriptMatchPresented(true);
-    EXPECT_EQ(find<QPlainTextEdit>(u"文稿正文"_s)->placeholderText(),
-              u"在这里粘贴文稿正文…\n无需填写时间码，段落顺序应与字幕一致。"_s);
     click(u"开始匹配"_s);
     EXPECT_EQ(note(), u"请先粘贴文稿正文"_s);
     EXPECT_TRUE(find<QLabel>(u"状态"_s)->property("failure").toBool());
