@@ -4,6 +4,8 @@
 #   bench/engine-share.sh LINTORA_CLI RECOGNISER_MODEL LANGUAGE_MODEL MEDIA [ROUNDS]
 #
 # Prints the best wall-clock times in milliseconds and the program's own peak memory, without its helpers.
+# Measured on 2 quiet cores (Release, best of 7, scripted models, 5 s of sound): transcribe 388 → 453 ms, 65 ms of its
+# own; translate of one cue 325 → 550 ms, 225 ms of its own; 18 MiB.
 set -euo pipefail
 cli=$1 speech=$2 language=$3 media=$4 rounds=${5:-5}
 helpers=$(cd "$(dirname "$0")/.." && pwd)/build/AI
