@@ -3,7 +3,6 @@
 #include "app/Lintora/controls/Controls.h"
 
 #include <QPlainTextEdit>
-#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -118,7 +117,5 @@ void GlossarySheet::exportTerms()
 void GlossarySheet::setNote(const QString &note, bool isFailure)
 {
     m_note->setText(note);
-    m_note->setProperty("failure", isFailure);
-    m_note->style()->unpolish(m_note);
-    m_note->style()->polish(m_note);
+    Controls::showAsFailure(m_note, isFailure);
 }

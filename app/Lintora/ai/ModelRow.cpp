@@ -10,7 +10,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -159,13 +158,7 @@ void ModelRow::follow()
     m_action->setVisible(isSpeech || !row().isReady || isRunning());
     m_cancel->setVisible(isDownloading);
     m_bar->setVisible(isRunning());
-    const bool isBroken = row().isThere && !row().isReady && !isRunning();
-    if (m_status->property("failure").toBool() != isBroken) {
-        m_status->setProperty("failure", isBroken);
-        m_status->setProperty("secondary", !isBroken);
-        m_status->style()->unpolish(m_status);
-        m_status->style()->polish(m_status);
-    }
+    Controls::showAsFailure(m_status, row().isThere && !row().isReady && !isRunning());
     followPace();
 }
 

@@ -6,7 +6,6 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QPointer>
-#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -55,9 +54,6 @@ void OwnModel::follow()
     const bool isMissing = !path.isEmpty() && !QFileInfo(path).isFile();
     m_file->setText(isMissing ? u"找不到 %1"_s.arg(path) : path.isEmpty() ? QString() : u"使用中 · "_s + path);
     m_file->setToolTip(path);
-    m_file->setProperty("failure", isMissing);
-    m_file->setProperty("secondary", !isMissing);
-    m_file->style()->unpolish(m_file);
-    m_file->style()->polish(m_file);
+    Controls::showAsFailure(m_file, isMissing);
     m_leave->setVisible(!path.isEmpty());
 }

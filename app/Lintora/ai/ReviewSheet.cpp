@@ -10,7 +10,6 @@
 #include <QHBoxLayout>
 #include <QListView>
 #include <QStackedWidget>
-#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -152,12 +151,8 @@ void ReviewSheet::follow()
         return;
     followTask();
     followRows();
-    const bool isRefused = m_review.isRefused();
     m_status->setText(m_review.status());
-    m_status->setProperty("failure", isRefused);
-    m_status->setProperty("secondary", !isRefused);
-    m_status->style()->unpolish(m_status);
-    m_status->style()->polish(m_status);
+    Controls::showAsFailure(m_status, m_review.isRefused());
 }
 
 void ReviewSheet::followTask()

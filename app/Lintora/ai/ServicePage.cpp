@@ -10,7 +10,6 @@
 
 #include <QHBoxLayout>
 #include <QLineEdit>
-#include <QStyle>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -239,8 +238,5 @@ void ServicePage::followTrial()
     m_verdict->setToolTip(isFailure ? Failure{.sentence = verdict->sentence, .detail = verdict->detail}.text()
                                     : QString());
     m_verdict->setAccessibleDescription(m_verdict->text());
-    m_verdict->setProperty("failure", isFailure);
-    m_verdict->setProperty("secondary", !isFailure);
-    m_verdict->style()->unpolish(m_verdict);
-    m_verdict->style()->polish(m_verdict);
+    Controls::showAsFailure(m_verdict, isFailure);
 }

@@ -1,6 +1,7 @@
 #include "app/Lintora/controls/Controls.h"
 
 #include <QFrame>
+#include <QStyle>
 
 namespace Controls {
 
@@ -63,6 +64,16 @@ QLabel *note(const QString &text, QWidget *parent)
     label->setWordWrap(true);
     label->setMinimumWidth(0);
     return label;
+}
+
+void showAsFailure(QLabel *note, bool isFailure)
+{
+    if (note->property("failure").toBool() == isFailure)
+        return;
+    note->setProperty("failure", isFailure);
+    note->setProperty("secondary", !isFailure);
+    note->style()->unpolish(note);
+    note->style()->polish(note);
 }
 
 QWidget *rule(QWidget *parent)

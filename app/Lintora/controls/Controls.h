@@ -19,6 +19,7 @@ QToolButton *signButton(VELTheme::Glyph glyph, const QString &name, QWidget *par
 
 QLabel *heading(const QString &text, QWidget *parent);
 QLabel *note(const QString &text, QWidget *parent); ///< Small, secondary, wrapped.
+void showAsFailure(QLabel *note, bool isFailure);   ///< In the colour of failures, or secondary again.
 QWidget *rule(QWidget *parent);                     ///< A line across.
 
 } // namespace Controls

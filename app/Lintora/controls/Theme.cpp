@@ -122,7 +122,7 @@ QPushButton[quiet="true"]:checked { color: %accent%; background: %selection%; }
 QPushButton[tight="true"] { padding: 0 5px; }
 QPushButton[tight="true"]:focus { padding: 0 4px; }
 QPushButton[quiet="true"]:focus, QToolButton[quiet="true"]:focus { border: 2px solid %accent%; }
-QPushButton::menu-indicator { image: none; width: 0; }
+QPushButton::menu-indicator, QToolButton[popupMode="2"]::menu-indicator { image: none; width: 0; }
 QToolButton::menu-button { border: none; border-left: 1px solid %border%; width: 16px; }
 QToolButton[quiet="true"]::menu-button { border-left-color: transparent; }
 QToolButton[popupMode="1"] { padding-right: 20px; }
