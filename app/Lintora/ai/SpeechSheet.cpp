@@ -153,3 +153,9 @@ void SpeechSheet::showReview()
     m_reviewNote->setVisible(choices.aiAutomaticReview);
     m_reviewNote->setText(WorkerTexts::textWorker(choices));
 }
+
+WindowState::AISettingsTab SpeechSheet::settingsTab() const
+{
+    return model().aiSettings().choices().aiUseCloudSpeech ? WindowState::AISettingsTab::speech
+                                                           : WindowState::AISettingsTab::models;
+}

@@ -17,6 +17,7 @@ protected:
     bool isRunning() const override { return model().recognition().isRunning(); }
     bool canStart() const override { return model().recognition().source() != Recognition::Source::none; }
     void showChoices() override;
+    WindowState::AISettingsTab settingsTab() const override;
 
 private:
     void addSource();

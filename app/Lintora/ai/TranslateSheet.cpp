@@ -101,3 +101,9 @@ void TranslateSheet::showTracks()
     m_track->setCurrentIndex(m_track->findData(translation.trackID().value_or(QUuid())));
     m_direction->setCurrentIndex(m_direction->findData(QVariant::fromValue(translation.aiDirection())));
 }
+
+WindowState::AISettingsTab TranslateSheet::settingsTab() const
+{
+    return model().aiSettings().choices().aiUseOnline ? WindowState::AISettingsTab::text
+                                                      : WindowState::AISettingsTab::models;
+}

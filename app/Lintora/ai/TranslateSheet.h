@@ -18,6 +18,7 @@ protected:
     bool isRunning() const override { return model().translation().isRunning(); }
     bool canStart() const override;
     void showChoices() override;
+    WindowState::AISettingsTab settingsTab() const override;
 
 private:
     void addChoices();

@@ -44,6 +44,9 @@ QWidget *WorkSheet::makeFooter()
     auto *const layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, VELTheme::step, 0, 0);
     layout->setSpacing(VELTheme::gap);
+    QPushButton *const settings = Controls::quietButton(u"AI 设置…"_s, row);
+    connect(settings, &QPushButton::clicked, &m_model, [this] { m_model.showAISettings(settingsTab()); });
+    layout->addWidget(settings);
     layout->addWidget(m_note, 1);
     layout->addWidget(m_start);
     return row;

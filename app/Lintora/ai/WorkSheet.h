@@ -44,6 +44,7 @@ protected:
     virtual bool isRunning() const = 0; ///< Whether the work under way is this sheet's.
     virtual bool canStart() const = 0;  ///< As long as the cues have no owner.
     virtual void showChoices() = 0;
+    virtual WindowState::AISettingsTab settingsTab() const = 0; ///< Where the one who is to do it is set up.
 
     void follow(); ///< To be called whenever one of these may answer otherwise.
 

@@ -253,6 +253,9 @@ TEST_F(SpeechInPanel, says_what_leaves_this_machine_and_to_whom)
     click(u"识别后自动校对"_s);
     EXPECT_TRUE(model.aiSettings().choices().aiAutomaticReview);
     EXPECT_TRUE(notes().contains(u"字幕文字会发送到 text.example.com。"_s));
+    click(u"AI 设置…"_s);
+    EXPECT_TRUE(model.window().aiSettingsPresented());
+    EXPECT_EQ(model.window().aiSettingsTab(), WindowState::AISettingsTab::speech);
 }
 
 TEST_F(SpeechInPanel, invented_cues_are_marked_walked_through_and_removed)
