@@ -6,7 +6,8 @@
 class QLabel;
 class QPushButton;
 
-/// Asks whether the program is to end although the session cannot be saved. Opens and closes by itself.
+/// Asks whether the program is to end although the session cannot be saved, or work is under way. Opens and closes by
+/// itself.
 class QuitQuestion : public Sheet
 {
     Q_OBJECT
@@ -19,7 +20,9 @@ private:
     void follow();
 
     LintoraModel &m_model;
+    QLabel *m_title;
     QLabel *m_reason;
     QLabel *m_note;
+    QPushButton *m_cancel;
     QPushButton *m_export;
 };

@@ -53,6 +53,10 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_owner, &CueOwnership::refused, this, refuse);
     connect(&m_owner, &CueOwnership::busyChanged, this, &LintoraModel::aiBusyChanged);
     connect(&m_owner, &CueOwnership::busyChanged, this, &LintoraModel::historyChanged);
+    connect(&m_owner, &CueOwnership::released, this, [this] {
+        if (quitStopsWork())
+            answerQuit(false); // for there is nothing to stop any more
+    });
     connect(&m_scriptMatching, &ScriptMatching::aboutToApply, this, [this] { keepSession(u"文稿匹配前_"_s); });
     connect(&m_scriptMatching, &ScriptMatching::done, this, &LintoraModel::report);
     connect(&m_review, &Review::aboutToApply, this, [this] { keepSession(u"AI 校对前_"_s); });

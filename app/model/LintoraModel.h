@@ -269,8 +269,9 @@ public:
 
     // End of the program
 
-    /// Saves what waits. Whether the program can end without losing work; otherwise `quitQuestion` is put up.
+    /// Saves what waits. Whether the program can end without losing anything; otherwise `quitQuestion` is put up.
     bool requestQuit();
+    bool quitStopsWork() const; ///< Whether the question is about work under way: everything else is saved.
     const std::optional<QString> &quitQuestion() const { return m_quitQuestion; } ///< Why it cannot; until answered.
     void answerQuit(bool quits);
 

@@ -16,6 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString draftPrefix = u"无法保存字幕草稿："_s;
+const std::optional<QString> workStops = u"退出会停止正在进行的任务，它的结果不会保留。字幕已保存。"_s;
 const QString sessionPrefix = u"无法同步悬浮字幕："_s;
 
 } // namespace
@@ -128,7 +129,7 @@ void LintoraModel::setUnsaved(const std::optional<QString> &why)
     if (m_unsaved && !why)
         publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged);
     publish(m_unsaved, why, &LintoraModel::failureChanged);
-    if (!why) // Then the question has answered itself.
+    if (!why && !quitStopsWork()) // Then the question has answered itself.
         publish(m_quitQuestion, std::optional<QString>(), &LintoraModel::quitQuestionChanged);
 }
 
@@ -141,10 +142,16 @@ bool LintoraModel::requestQuit()
 {
     Q_EMIT aboutToLoad();
     const std::optional<QString> why = save();
-    if (!why || !hasCues())
+    const bool losesCues = why && hasCues();
+    if (!losesCues && !aiBusy())
         return true;
-    publish(m_quitQuestion, why, &LintoraModel::quitQuestionChanged);
+    publish(m_quitQuestion, losesCues ? why : workStops, &LintoraModel::quitQuestionChanged);
     return false;
+}
+
+bool LintoraModel::quitStopsWork() const
+{
+    return m_quitQuestion == workStops;
 }
 
 void LintoraModel::answerQuit(bool quits)

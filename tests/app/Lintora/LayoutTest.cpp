@@ -279,6 +279,21 @@ TEST_F(Layout, return_exports_what_cannot_be_saved_and_the_question_at_the_end_t
     EXPECT_TRUE(QFile::remove(folder) && QDir().rename(aside, folder));
 }
 
+TEST_F(Layout, a_quit_during_work_is_asked_about_until_the_work_is_done)
+{
+    load({u"一"_s});
+    OwnedCues owned(model);
+    EXPECT_FALSE(model.requestQuit());
+    EXPECT_TRUE(visibleTexts().contains(u"任务还没有完成，仍要退出？"_s));
+    EXPECT_FALSE(visibleTexts().contains(u"导出全部 SRT…"_s));
+    press(Qt::Key_Return); // on what loses nothing
+    EXPECT_EQ(model.quitQuestion(), std::nullopt);
+    EXPECT_FALSE(model.requestQuit());
+    owned.end();
+    EXPECT_EQ(model.quitQuestion(), std::nullopt);
+    EXPECT_TRUE(model.requestQuit());
+}
+
 TEST_F(Layout, a_job_that_owns_the_cues_disables_what_would_change_them)
 {
     load({u"一"_s});
