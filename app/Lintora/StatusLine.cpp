@@ -26,6 +26,7 @@ StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
     , m_model(model)
     , m_text(new ElidedLabel(this))
     , m_repair(Controls::button(u"修复并打开…"_s, this, u"查看将要做的修改，再决定是否打开"_s))
+    , m_skip(Controls::button(u"跳过这些片段"_s, this))
     , m_copy(Controls::signButton(VELTheme::Glyph::copy, u"复制出错信息"_s, this))
     , m_busy(new BusyBar(this))
     , m_cancel(Controls::quietButton(u"取消"_s, this))
@@ -38,6 +39,7 @@ StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
     layout->setSpacing(VELTheme::gap);
     layout->addWidget(m_text, 1);
     layout->addWidget(m_repair);
+    layout->addWidget(m_skip);
     layout->addWidget(m_copy);
     layout->addWidget(m_busy);
     layout->addWidget(m_cancel);
@@ -49,6 +51,9 @@ StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
             [&model] { model.fileRepairing().show(model.fileRepairing().offered()); });
     connect(&model.fileRepairing(), &FileRepairing::offeredChanged, this, &StatusLine::update);
     connect(&model.fileRepairing(), &FileRepairing::shownChanged, this, &StatusLine::update);
+    m_skip->setProperty("tight", true);
+    connect(m_skip, &QPushButton::clicked, &model, [&model] { model.recognition().takeOffered(); });
+    connect(&model.recognition(), &Recognition::offeredChanged, this, &StatusLine::update);
     connect(m_cancel, &QPushButton::clicked, &model, &LintoraModel::cancelActivity);
     connect(&model, &LintoraModel::messageChanged, this, &StatusLine::update);
     connect(&model, &LintoraModel::failureChanged, this, &StatusLine::update);
@@ -77,6 +82,10 @@ void StatusLine::update()
     if ((m_cancel->hasFocus() && !activity) || (m_copy->hasFocus() && !failure))
         Q_EMIT keyboardFreed();
     m_repair->setVisible(!m_model.fileRepairing().offered().isEmpty() && !m_model.fileRepairing().isShown());
+    const std::optional<FCPAudioPlan> &offered = m_model.recognition().offeredTimeline();
+    m_skip->setVisible(offered.has_value());
+    m_skip->setToolTip(offered ? u"接入其余的音频，不含："_s + offered->unreadableNotice().value_or(QString())
+                               : QString());
     m_copy->setVisible(failure.has_value());
     m_busy->setVisible(activity.has_value());
     m_busy->setToolTip(doing);

@@ -34,6 +34,7 @@ private:
     LintoraModel &m_model;
     ElidedLabel *m_text;
     QPushButton *m_repair;
+    QPushButton *m_skip;
     QToolButton *m_copy;
     BusyBar *m_busy;
     QPushButton *m_cancel;

@@ -42,6 +42,16 @@ ConversionError first(const ImportedTimeline &timeline, const ConversionError &e
     return timeline.failure ? ConversionError(timeline.failure->sentence, timeline.failure->detail) : error;
 }
 
+/// The timeline without the clips that cannot be placed on it; absent where that is not what is wrong with it.
+std::optional<FCPAudioPlan> readablePlan(const XmlDocument &document, Job &job)
+{
+    try {
+        return FCPAudioPlan::parse(document, UnreadableClips::leaveOut, [&] { job.check(); });
+    } catch (const ConversionError &) {
+        return std::nullopt; // what was wrong before is told
+    }
+}
+
 ImportedTimeline readTimeline(const XmlDocument &document, FCPProject project, Job &job)
 {
     ImportedTimeline timeline;
@@ -58,8 +68,13 @@ ImportedTimeline readTimeline(const XmlDocument &document, FCPProject project, J
             throw first(timeline, error);
         timeline.isSilent = true;
     } catch (const ConversionError &error) {
-        if (!timeline.project)
+        if (timeline.failure)
             throw first(timeline, error);
+        timeline.readable = readablePlan(document, job);
+        if (!timeline.project && !timeline.readable)
+            throw;
+        if (timeline.project && timeline.readable)
+            timeline.readable->settings.reset(); // the project's are taken already
         timeline.failure = Failure::of(error);
     }
     return timeline;

@@ -21,7 +21,7 @@ struct ImportedCues
     QString source; ///< The file's name.
 };
 
-/// What a project or a selection of clips brings. At least one of the first three is there.
+/// What a project or a selection of clips brings. At least one of the first three, or the last, is there.
 struct ImportedTimeline
 {
     std::optional<FCPProject> project = {}; ///< Absent when titles cannot be written into it.
@@ -29,6 +29,10 @@ struct ImportedTimeline
     std::optional<FCPAudioPlan> plan = {};  ///< Absent when it cannot be heard.
     bool isSilent = false;                  ///< Nothing on it can be heard, and that is all that is wrong with it.
     std::optional<Failure> failure = {};    ///< What is wrong in spite of all that is there.
+    /// What could be heard without the clips that cannot be placed, where these are what is wrong. Only when asked for.
+    std::optional<FCPAudioPlan> readable = {};
+
+    bool isRefused() const { return !project && !plan && failure; } ///< Whether nothing of it can be taken as it is.
 };
 
 using Imported = std::variant<ImportedCues, ImportedTimeline>;

@@ -75,6 +75,8 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_link, &SessionLink::freed, this, &LintoraModel::schedulePersist);
     connect(&m_recognition, &Recognition::timelineChanged, this, &LintoraModel::aiTimelinePlanChanged);
     connect(&m_recognition, &Recognition::done, this, &LintoraModel::report);
+    connect(&m_recognition, &Recognition::offerTaken, this,
+            [this](const FCPAudioPlan &plan) { receiveFCP({.settings = plan.settings, .plan = plan}); });
     connect(&m_recognition, &Recognition::refused, this, refuse);
     connect(&m_translation, &Translation::done, this, &LintoraModel::report);
     connect(&m_glossary, &GlossaryTerms::done, this, &LintoraModel::report);
@@ -118,6 +120,7 @@ void LintoraModel::apply(const LintoraSession &session)
 
 void LintoraModel::report(const QString &message)
 {
+    m_recognition.offer(std::nullopt);
     publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged);
     publish(m_message, message, &LintoraModel::messageChanged);
 }
@@ -134,6 +137,7 @@ QString LintoraModel::failureDetail() const
 
 void LintoraModel::reportFailure(const Failure &failure)
 {
+    m_recognition.offer(std::nullopt); // which stood beside another refusal
     publish(m_failure, std::optional(failure), &LintoraModel::failureChanged);
 }
 

@@ -29,6 +29,8 @@ QString planMessage(const FCPAudioPlan &plan, bool isSelection)
         message += u" · 按原始音轨识别，音频特效不参与"_s;
     if (const auto notice = plan.retimeNotice())
         message += u" · "_s + *notice;
+    if (const auto notice = plan.unreadableNotice())
+        message += u" · 已跳过 "_s + *notice;
     return message;
 }
 
@@ -203,6 +205,9 @@ void LintoraModel::takeImported(const Imports::Imported &imported)
         takeCues(*cues);
     else
         receiveFCP(std::get<Imports::ImportedTimeline>(imported));
+    const auto *const timeline = std::get_if<Imports::ImportedTimeline>(&imported);
+    if (timeline && timeline->isRefused())
+        return;
     m_window.setFCPImportVisible(false);
 }
 
@@ -218,6 +223,11 @@ void LintoraModel::takeCues(const Imports::ImportedCues &imported)
 /// The project first: what can be heard on it matters less than that the titles fit it.
 void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
 {
+    if (timeline.isRefused()) {
+        reportFailure(*timeline.failure);
+        m_recognition.offer(timeline.readable);
+        return;
+    }
     if (timeline.project)
         publish(m_project, timeline.project, &LintoraModel::projectChanged);
     if (timeline.settings) {
@@ -235,4 +245,5 @@ void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
         report(u"已匹配项目；没有发现可识别音轨"_s);
     if (timeline.failure)
         reportFailure(*timeline.failure);
+    m_recognition.offer(timeline.readable);
 }

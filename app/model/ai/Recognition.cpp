@@ -55,6 +55,18 @@ void Recognition::setTimeline(const std::optional<FCPAudioPlan> &plan)
     findMissing();
 }
 
+void Recognition::offer(const std::optional<FCPAudioPlan> &plan)
+{
+    if (std::exchange(m_offered, plan) != plan)
+        Q_EMIT offeredChanged();
+}
+
+void Recognition::takeOffered()
+{
+    if (const auto plan = m_offered)
+        Q_EMIT offerTaken(*plan);
+}
+
 QString Recognition::title(Source source) const
 {
     if (source == Source::media)

@@ -46,6 +46,11 @@ public:
     const std::optional<FCPAudioPlan> &aiTimelinePlan() const { return m_timeline; }
     void setTimeline(const std::optional<FCPAudioPlan> &plan);
 
+    /// What can be heard of a timeline that was refused, without the clips that cannot be placed; nobody has asked yet.
+    const std::optional<FCPAudioPlan> &offeredTimeline() const { return m_offered; }
+    void offer(const std::optional<FCPAudioPlan> &plan);
+    void takeOffered(); ///< Asks for it to become the timeline.
+
     QString title(Source source) const; ///< The file's name, the timeline's; empty for none.
 
     /// What of the source will not be heard as the person may expect, a sentence each.
@@ -68,6 +73,8 @@ public:
 
 Q_SIGNALS:
     void sourceChanged(); ///< Or what is known of it.
+    void offeredChanged();
+    void offerTaken(const FCPAudioPlan &plan);
     void timelineChanged();
     void languageChanged();
     void proofreadChanged();
@@ -96,6 +103,7 @@ private:
     Source m_source = Source::none;
     std::optional<QUrl> m_media;
     std::optional<FCPAudioPlan> m_timeline;
+    std::optional<FCPAudioPlan> m_offered;
     QStringList m_missing;
     bool m_leavesOutMissing = false;
     SubtitleAI::SpeechLanguage m_language = SubtitleAI::SpeechLanguage::automatic;

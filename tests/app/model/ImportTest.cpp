@@ -234,6 +234,27 @@ TEST_F(ImportTest, a_project_matches_every_track)
     EXPECT_EQ(model->options(), matched);
 }
 
+TEST_F(ImportTest, a_refused_timeline_can_be_taken_without_the_clips_that_cannot_be_placed)
+{
+    const auto clips = {tag("asset-clip name=采访 ref=talk offset=0s start=5s duration=5s"),
+                        tag("mc-clip name=多机位 ref=none offset=5s duration=5s")};
+    for (const QByteArray &document : {StoryDocument::project("10s", clips), StoryDocument::selection(clips)}) {
+        const bool isProject = document.contains("<project");
+        load(write(u"p.fcpxml"_s, document));
+        EXPECT_EQ(failure(), u"多机位片段请先在 FCP 导出音频，再生成字幕。"_s);
+        EXPECT_EQ(model->project().has_value(), isProject) << "titles can be written into a project all the same";
+        EXPECT_EQ(model->aiTimelinePlan(), std::nullopt) << "nobody has asked for the rest";
+        model->recognition().takeOffered();
+        EXPECT_EQ(failure(), QString());
+        EXPECT_TRUE(model->message().contains(u"已跳过 1 段无法准确定位的片段，第一个是：多机位"_s))
+            << qPrintable(model->message());
+        ASSERT_TRUE(model->aiTimelinePlan());
+        EXPECT_EQ(model->aiTimelinePlan()->segments.size(), 1);
+        EXPECT_EQ(model->recognition().offeredTimeline(), std::nullopt);
+        restart();
+    }
+}
+
 TEST_F(ImportTest, refuses_everything_while_a_job_owns_the_cues)
 {
     loadCues(Generator(1).cues(3));
