@@ -37,6 +37,16 @@ void SpeechArguments::add(CLI::App &command)
     file->excludes("--api");
 }
 
+SpeechTask SpeechArguments::task(bool wantsWords) const
+{
+    SpeechTask task{.language = language};
+    if (service.isGiven())
+        task.listener = service.forSpeech(wantsWords);
+    else
+        task.listener = engine();
+    return task;
+}
+
 EngineModel SpeechArguments::engine() const
 {
     if (!modelFile.empty())

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "ai/EngineModel.h"
-#include "ai/speech/Transcript.h"
 #include "cli/ServiceArguments.h"
+#include "fcp/render/SpeechTask.h"
 
 /// The options that say who recognises speech, and in which language.
 struct SpeechArguments
@@ -15,6 +14,10 @@ struct SpeechArguments
     /// --language, --model, --model-file, --api and what goes with it.
     void add(CLI::App &command);
 
-    /// The model on this machine. @throws (its prepare) when it is not there
+    /// All but what is to be heard. With `wantsWords` a service is asked for the times of words.
+    /// @throws as ServiceArguments::forSpeech; (its model's prepare) when a model is not there
+    SpeechTask task(bool wantsWords) const;
+
+private:
     EngineModel engine() const;
 };

@@ -1,9 +1,5 @@
 #include "ai/LocalAIJob.h"
 #include "ai/Workspace.h"
-#include "ai/models/LocalModels.h"
-#include "ai/speech/KeptAnswers.h"
-#include "ai/speech/Recognition.h"
-#include "ai/speech/SpeechTranscription.h"
 #include "ai/speech/WordTimes.h"
 #include "cli/CancelOnInterrupt.h"
 #include "cli/Commands.h"
@@ -11,12 +7,9 @@
 #include "cli/ProgressLines.h"
 #include "cli/ProjectAudio.h"
 #include "cli/Result.h"
-#include "cli/ServiceArguments.h"
 #include "cli/SpeechArguments.h"
 #include "cli/StandardStreams.h"
 #include "core/SRT.h"
-#include "core/timing/ScriptTiming.h"
-#include "core/timing/SpeechBorders.h"
 #include "fcp/Options.h"
 #include "fcp/render/HeardSound.h"
 
@@ -43,70 +36,33 @@ struct TimeArguments
 /// What was heard, and on which frames the cues shall lie.
 struct Heard
 {
-    QList<HeardWord> words;
-    std::optional<SpeechBorders> borders = {}; ///< Absent without sound.
-    std::function<void()> forget = [] {};      ///< Drops the answers of a service that were kept.
+    HeardSound sound;
     FrameRate rate = Options().rate;
 };
 
 Heard readWords(const std::string &path)
 {
     constexpr qint64 largest = 256 * 1024 * 1024; // bytes
-    return {.words = SubtitleAI::parseWordTimes(Arguments::readInput(path, largest))};
-}
-
-QList<HeardWord> toWords(const QList<Subtitle> &cues)
-{
-    QList<HeardWord> words;
-    for (const Subtitle &cue : cues) {
-        const qint64 free = words.isEmpty() ? 0 : words.last().endMS;
-        const qint64 start = std::max(cue.start, free);
-        words.append({.text = cue.text, .startMS = start, .endMS = std::max(cue.end, start)});
-    }
-    return words;
-}
-
-/// Who listens: a service or the recogniser on this machine. `forget` is what drops a service's kept answers.
-HeardSound::Listen listening(const SpeechArguments &speech, LocalAIJob &job, std::function<void()> &forget)
-{
-    const auto language = speech.language;
-    if (speech.service.isGiven()) {
-        const SpeechAPIConfiguration service = speech.service.forSpeech(true);
-        return [=, &job, &forget](const QString &wav, qint64, const Workspace &, const ProgressReport &progress) {
-            const AnsweredCues answered =
-                SpeechSubtitleAPI::transcribeWords(wav, language, service, KeptAnswers::defaultFolder(), job, progress);
-            forget = answered.forget;
-            return toWords(answered.cues);
-        };
-    }
-    return [=, model = speech.engine(), &job](const QString &wav, qint64 durationMS, const Workspace &workspace,
-                                              const ProgressReport &progress) {
-        return SubtitleAI::recognizeWords(wav, durationMS, language, model.file, job, workspace, progress);
-    };
+    return {.sound = {.words = SubtitleAI::parseWordTimes(Arguments::readInput(path, largest))}};
 }
 
 Heard listen(const TimeArguments &arguments)
 {
-    LocalAIJob job;
-    Heard heard;
-    const HeardSound::Listen listen = listening(arguments.speech, job, heard.forget);
+    SpeechTask task = arguments.speech.task(true);
     arguments.speech.service.hideKey();
     Workspace::removeLeftovers();
+    LocalAIJob job;
     const CancelOnInterrupt cancelling(job);
     ProgressLines lines(arguments.output);
-    const ProgressReport progress = [&](const Progress &now) { lines.show(now); };
-    std::variant<QString, FCPAudioPlan> source = Arguments::toPath(arguments.input);
+    task.source = Arguments::toPath(arguments.input);
+    Heard heard;
     if (ProjectAudio::isProject(arguments.input)) {
         const FCPAudioPlan plan = arguments.audio.plan(arguments.input);
         ProjectAudio::tellNotices(plan, arguments.output);
         heard.rate = plan.settings.value_or(Options()).rate;
-        source = plan;
+        task.source = plan;
     }
-    if (!arguments.speech.service.isGiven())
-        arguments.speech.engine().prepare(job, progress);
-    HeardSound sound = HeardSound::of(source, job, listen, progress);
-    heard.words = std::move(sound.words);
-    heard.borders.emplace(sound.peaks);
+    heard.sound = HeardSound::of(task, job, [&](const Progress &now) { lines.show(now); });
     return heard;
 }
 
@@ -135,8 +91,12 @@ void writeResult(JsonWriter &json, const ScriptTimingResult &result)
     }
     json.endArray();
     json.key("unspoken").beginArray();
-    for (const QString &passage : result.unspoken)
-        json.text(passage);
+    for (const UnspokenPassage &passage : result.unspoken) {
+        json.beginObject();
+        json.key("cue").integer(passage.cueID);
+        json.key("text").text(passage.text);
+        json.endObject();
+    }
     json.endArray();
     json.endObject();
 }
@@ -144,8 +104,9 @@ void writeResult(JsonWriter &json, const ScriptTimingResult &result)
 /// What a person has to look at, and where it is.
 void tellDoubts(const ScriptTimingResult &result, const Arguments::Output &output)
 {
-    for (const QString &passage : result.unspoken)
-        output.report(u"文稿中未听到：%1"_s.arg(QString(passage).replace(u'\n', u' ')));
+    for (const UnspokenPassage &passage : result.unspoken)
+        output.report(u"文稿中未听到（自第 %1 条）：%2"_s.arg(QString::number(passage.cueID),
+                                                              QString(passage.text).replace(u'\n', u' ')));
     for (const Subtitle &passage : result.unscripted)
         output.report(u"文稿外的内容 %1：%2"_s.arg(SRT::stamp(passage.start), passage.text.simplified()));
 }
@@ -163,17 +124,13 @@ void runTime(const TimeArguments &arguments)
     const Heard heard = arguments.words.empty() ? listen(arguments) : readWords(arguments.words);
     const FrameGrid grid{.numerator = rate.value_or(heard.rate).numerator,
                          .denominator = rate.value_or(heard.rate).denominator};
-    ScriptTimingResult result =
-        ScriptTiming::timed(script, heard.words, {.columns = arguments.columns, .grid = grid}, Interrupt::check);
-    if (heard.borders)
-        result.cues = TimedCues::snapped(std::move(result.cues), *heard.borders, grid);
-    QList<Subtitle> cues;
-    for (const TimedCue &each : std::as_const(result.cues))
-        cues.append(each.cue);
+    const ScriptTimingResult result =
+        heard.sound.timed(script, {.columns = arguments.columns, .grid = grid}, Interrupt::check);
+    const QList<Subtitle> cues = result.subtitles();
     Result::deliver(
         arguments.output, [&](Utf8Writer &out) { SRT::serialize(cues, out); },
         [&](JsonWriter &json) { writeResult(json, result); });
-    heard.forget();
+    heard.sound.forget();
     tellDoubts(result, arguments.output);
     arguments.output.report(u"已定时 %1 条字幕，其中 %2 条请核对"_s.arg(cues.size()).arg(result.unsureCount()));
 }

@@ -33,28 +33,23 @@ struct TranscribeArguments
     Arguments::Output output;
 };
 
-SpokenCues::Task taskFor(const TranscribeArguments &arguments)
+SpokenCues::Reviewer reviewer(const TranscribeArguments &arguments)
 {
-    SpokenCues::Task task{.language = arguments.speech.language};
-    if (arguments.speech.service.isGiven())
-        task.listener = arguments.speech.service.forSpeech(arguments.wantsWords);
-    else
-        task.listener = arguments.speech.engine();
-    if (arguments.wantsReview && arguments.reviewService.isGiven())
-        task.reviewer = arguments.reviewService.forTexts(false);
-    else if (arguments.wantsReview && !arguments.reviewModelFile.empty())
-        task.reviewer = EngineModel::own(Arguments::toPath(arguments.reviewModelFile));
-    else if (arguments.wantsReview)
-        task.reviewer = SubtitleAI::textEngine();
-    arguments.speech.service.hideKey();
-    arguments.reviewService.hideKey();
-    return task;
+    if (!arguments.wantsReview)
+        return std::nullopt;
+    if (arguments.reviewService.isGiven())
+        return arguments.reviewService.forTexts(false);
+    return arguments.reviewModelFile.empty() ? SubtitleAI::textEngine()
+                                             : EngineModel::own(Arguments::toPath(arguments.reviewModelFile));
 }
 
 void runTranscribe(const TranscribeArguments &arguments)
 {
     // What is wrong with who listens and who reviews is told before anything is done.
-    SpokenCues::Task task = taskFor(arguments);
+    SpeechTask task = arguments.speech.task(arguments.wantsWords);
+    const SpokenCues::Reviewer reviewer = Commands::reviewer(arguments);
+    arguments.speech.service.hideKey();
+    arguments.reviewService.hideKey();
     Workspace::removeLeftovers();
     LocalAIJob job;
     const CancelOnInterrupt cancelling(job);
@@ -66,7 +61,8 @@ void runTranscribe(const TranscribeArguments &arguments)
     } else {
         task.source = Arguments::toPath(arguments.input);
     }
-    const auto [made, levels, forget] = SpokenCues::make(task, job, [&](const Progress &now) { lines.show(now); });
+    const auto [made, levels, forget] =
+        SpokenCues::make(task, reviewer, job, [&](const Progress &now) { lines.show(now); });
     const QList<Subtitle> &cues = made.cues;
     Result::deliver(
         arguments.output, [&](Utf8Writer &out) { SRT::serialize(cues, out); },

@@ -345,7 +345,9 @@ ScriptTimingResult timed(const QString &script, std::span<const HeardWord> words
         TimedCues::placed(std::move(cues), timer.pace() * double(partners.size()) / std::max(width, 1.0), rules.grid);
     for (const Run &run : unspoken) {
         const qsizetype begin = cutScript.units[run.begin].begin;
-        result.unspoken.append(cutScript.text.sliced(begin, cutScript.units[run.end - 1].end - begin));
+        const auto cue = std::ranges::upper_bound(cutScript.unitsOfCue, run.begin, {}, &Run::end);
+        result.unspoken.append({.cueID = cue - cutScript.unitsOfCue.begin() + 1,
+                                .text = cutScript.text.sliced(begin, cutScript.units[run.end - 1].end - begin)});
     }
     for (const Run &run : unscripted)
         result.unscripted.append(heard.passage(run, result.unscripted.size() + 1));
@@ -353,6 +355,14 @@ ScriptTimingResult timed(const QString &script, std::span<const HeardWord> words
 }
 
 } // namespace ScriptTiming
+
+QList<Subtitle> ScriptTimingResult::subtitles() const
+{
+    QList<Subtitle> subtitles;
+    for (const TimedCue &each : cues)
+        subtitles.append(each.cue);
+    return subtitles;
+}
 
 qint64 ScriptTimingResult::unsureCount() const
 {

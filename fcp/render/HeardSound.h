@@ -2,29 +2,27 @@
 
 #include "core/HeardWord.h"
 #include "core/Progress.h"
-#include "fcp/audio/FCPAudioPlan.h"
-
-#include <QList>
+#include "core/timing/ScriptTiming.h"
+#include "core/timing/SpeechBorders.h"
+#include "fcp/render/SpeechTask.h"
 
 #include <functional>
-#include <variant>
 
 class LocalAIJob;
-class Workspace;
 
-/// What was heard of a recording, word by word, and how loud it is.
+/// A recording as it was heard, word by word. Any number of scripts can be put onto it.
 struct HeardSound
 {
-    QList<HeardWord> words; ///< In the order of their times.
-    QList<quint16> peaks;   ///< One for each SpeechBorders::frameMS.
+    QList<HeardWord> words;                    ///< In the order of their times.
+    std::optional<SpeechBorders> borders = {}; ///< Absent where only the words are known.
+    std::function<void()> forget = [] {};      ///< As AnsweredCues::forget, for all that was asked.
 
-    /// Who listens to a WAV file of 16 kHz, mono, 16 bits, `durationMS` long. `workspace` is for whatever it needs.
-    using Listen = std::function<QList<HeardWord>(const QString &wav, qint64 durationMS, const Workspace &workspace,
-                                                  const ProgressReport &progress)>;
+    /// Of the first audio stream of a file, or of a timeline. Blocks as long as it takes; nothing is left of processes
+    /// and files, however it ends.
+    /// @throws ConversionError when something is missing or wrong with the source or who listens; PlatformError,
+    /// Cancelled
+    static HeardSound of(const SpeechTask &task, LocalAIJob &job, const ProgressReport &progress);
 
-    /// Of the first audio stream of a file, by its path, or of a timeline. Nothing is left of its own files, however it
-    /// ends.
-    /// @throws ConversionError when there is no sound, a helper or `listen` fails; PlatformError, Cancelled
-    static HeardSound of(const std::variant<QString, FCPAudioPlan> &source, LocalAIJob &job, const Listen &listen,
-                         const ProgressReport &progress);
+    /// The cues of `script`, with the times of this sound. @throws as ScriptTiming::timed
+    ScriptTimingResult timed(const QString &script, const ScriptTiming::Rules &rules, const Check &check) const;
 };

@@ -29,7 +29,7 @@ struct Heard
 class Listening
 {
 public:
-    Listening(const Task &task, LocalAIJob &job, const ProgressReport &progress)
+    Listening(const SpeechTask &task, LocalAIJob &job, const ProgressReport &progress)
         : m_task(task)
         , m_job(job)
         , m_progress(progress)
@@ -89,7 +89,7 @@ private:
                 .forget = [] {}};
     }
 
-    const Task &m_task;
+    const SpeechTask &m_task;
     LocalAIJob &m_job;
     const ProgressReport &m_progress;
     SoundLevels m_levels;
@@ -97,16 +97,15 @@ private:
 
 } // namespace
 
-Result make(const Task &task, LocalAIJob &job, const ProgressReport &progress)
+Result make(const SpeechTask &task, const Reviewer &reviewer, LocalAIJob &job, const ProgressReport &progress)
 {
     Listening listening(task, job, progress);
     Heard heard = listening.hear();
     std::function<QList<Subtitle>(const QList<Subtitle> &)> review;
-    if (task.reviewer) {
+    if (reviewer) {
         review = [&](const QList<Subtitle> &cues) {
-            const AnsweredCues reviewed =
-                SubtitleAI::answer(cues, {.work = SubtitleAI::TextWork::proofreading}, *task.reviewer,
-                                   AnswerLedger::defaultFolder(), job, progress);
+            const AnsweredCues reviewed = SubtitleAI::answer(cues, {.work = SubtitleAI::TextWork::proofreading},
+                                                             *reviewer, AnswerLedger::defaultFolder(), job, progress);
             heard.forget.push_back(reviewed.forget);
             return reviewed.cues;
         };

@@ -124,12 +124,11 @@ void Recognition::setLanguage(SubtitleAI::SpeechLanguage language)
     Q_EMIT languageChanged();
 }
 
-/// @throws ConversionError when there is no source
-SpokenCues::Task Recognition::task() const
+SpeechTask Recognition::task() const
 {
     if (m_source == Source::none)
         throw ConversionError(u"请先选择音视频，或接入 FCP 时间线。"_s);
-    SpokenCues::Task task{.language = m_language, .leavesOutMissing = m_leavesOutMissing};
+    SpeechTask task{.language = m_language, .leavesOutMissing = m_leavesOutMissing};
     if (m_source == Source::media)
         task.source = m_media->toLocalFile();
     else
@@ -140,18 +139,17 @@ SpokenCues::Task Recognition::task() const
 void Recognition::start()
 {
     try {
-        const SpokenCues::Task task = this->task();
+        const SpeechTask task = this->task();
         const QString source = m_source == Source::media ? title(m_source) : m_timeline->name;
         const bool isBegun = m_owner.run<LocalAIJob>(
             u"正在准备…"_s,
             [task, source, listener = AIWorkers::listener(m_settings),
              reviewer = m_settings.choices().aiAutomaticReview ? AIWorkers::answerer(m_settings) : nullptr](
                 LocalAIJob &job, const ProgressReport &report) {
-                SpokenCues::Task chosen = task;
+                SpeechTask chosen = task;
                 chosen.listener = listener();
-                if (reviewer)
-                    chosen.reviewer = reviewer();
-                const SpokenCues::Result result = SpokenCues::make(chosen, job, report);
+                const SpokenCues::Reviewer chosenReviewer = reviewer ? std::optional(reviewer()) : std::nullopt;
+                const SpokenCues::Result result = SpokenCues::make(chosen, chosenReviewer, job, report);
                 const SoundLevels &levels = result.levels;
                 const auto isSilent = [&](qint64 startMS, qint64 endMS) { return levels.isSilent(startMS, endMS); };
                 // The recogniser's own words tell what it made up, whatever was made of them.

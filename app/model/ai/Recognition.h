@@ -66,6 +66,9 @@ public:
     SubtitleAI::SpeechLanguage aiLanguage() const { return m_language; }
     void setLanguage(SubtitleAI::SpeechLanguage language);
 
+    /// What is to be heard, but for who listens. @throws ConversionError when there is no source
+    SpeechTask task() const;
+
     void start(); ///< Refused without a source, and while the cues have an owner.
     bool isRunning() const { return m_isRunning; }
 
@@ -91,7 +94,6 @@ private:
         QString source; ///< Display name.
     };
 
-    SpokenCues::Task task() const;
     void take(const Outcome &outcome);
     void follow();
 

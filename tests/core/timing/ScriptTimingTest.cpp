@@ -126,7 +126,7 @@ TEST(ScriptTiming, places_what_was_not_heard_between_its_neighbours_and_says_so)
                                         "2800-4560 中间漏掉两个字啊 ?", "4560-4800 啊 ?",
                                         "4800-6600 第三句也说得很清楚", "6600-7400 结尾没说 ?"}));
     const auto result = timed(u"第一句说得清清楚楚\n中间漏掉两个字啊\n啊\n第三句也说得很清楚"_s, speaker.words);
-    EXPECT_EQ(result.unspoken, QStringList{u"中间漏掉两个字啊\n啊"_s});
+    EXPECT_EQ(result.unspoken, (QList<UnspokenPassage>{{.cueID = 2, .text = u"中间漏掉两个字啊\n啊"_s}}));
     EXPECT_EQ(result.unsureCount(), 2);
 
     // Where the neighbours touch, each gives some frames: nothing overlaps and nothing is lost.
@@ -220,7 +220,7 @@ TEST(ScriptTiming, finds_its_way_through_a_damaged_recognition)
     const auto repeated = result.cues.sliced(300, 6);
     EXPECT_GE(std::ranges::count(repeated, true, &TimedCue::isUnsure), 5); // one take may be too damaged to be known
     EXPECT_TRUE(
-        std::ranges::any_of(result.unspoken, [&](const QString &each) { return each.contains(lines[105].text); }));
+        std::ranges::any_of(result.unspoken, [&](const auto &each) { return each.text.contains(lines[105].text); }));
 }
 
 TEST(ScriptTiming, refuses_what_has_nothing_to_do_with_the_sound)
