@@ -130,7 +130,14 @@ QString reason(SuspectCue::Reasons reasons)
         words.append(u"常见的片尾套话"_s);
     if (reasons.testFlag(SuspectCue::Reason::speed))
         words.append(u"语速快得不可能"_s);
+    if (reasons.testFlag(SuspectCue::Reason::times))
+        words.append(u"没有听清，时间请核对"_s);
     return words.join(u"；");
+}
+
+QString sentence(SuspectCue::Reasons reasons)
+{
+    return reasons == SuspectCue::Reason::times ? reason(reasons) : u"可能是识别臆造："_s + reason(reasons);
 }
 
 } // namespace SuspectCues

@@ -6,7 +6,7 @@
 
 #include <functional>
 
-/// A recognised cue that was likely invented by the recogniser.
+/// A cue that a person has to look at: likely invented by the recogniser, or placed by guessing.
 struct SuspectCue
 {
     enum class Reason
@@ -14,7 +14,8 @@ struct SuspectCue
         silence = 1,       ///< Nothing sounds where it is said to be spoken.
         repetition = 2,    ///< A phrase said over and over.
         closingPhrase = 4, ///< What recognisers put under music and noise: thanks for watching, who made the subtitles.
-        speed = 8          ///< Nobody speaks that fast.
+        speed = 8,         ///< Nobody speaks that fast.
+        times = 16         ///< The text is the person's own; where it was said was not heard well enough.
     };
     Q_DECLARE_FLAGS(Reasons, Reason)
 
@@ -27,7 +28,7 @@ struct SuspectCue
 Q_DECLARE_OPERATORS_FOR_FLAGS(SuspectCue::Reasons)
 Q_DECLARE_TYPEINFO(SuspectCue, Q_RELOCATABLE_TYPE);
 
-/// Finds what a recogniser has likely made up. Marks only: each of them may be true.
+/// Finds what a recogniser has likely made up, which its own cues tell. Marks only: each of them may be true.
 namespace SuspectCues {
 
 /// Whether nothing is heard between two times, in milliseconds, of what was recognised.
@@ -38,5 +39,8 @@ QList<SuspectCue> find(const QList<Subtitle> &items, const IsSilent &isSilent);
 
 /// The reasons in the words that a person reads, joined by "；".
 QString reason(SuspectCue::Reasons reasons);
+
+/// The same as a sentence about the cue, without a full stop.
+QString sentence(SuspectCue::Reasons reasons);
 
 } // namespace SuspectCues

@@ -134,7 +134,7 @@ QStringList CueTableModel::warningSentences(int row) const
         return *known;
     QStringList sentences;
     if (const auto reasons = m_model.suspects().reasons(m_items.at(row)))
-        sentences += u"可能是识别臆造："_s + SuspectCues::reason(*reasons);
+        sentences += SuspectCues::sentence(*reasons);
     const QList<GlossaryTerm> missing = m_model.translation().terms(m_items.at(row)).missing;
     for (const GlossaryTerm &term : missing)
         sentences += u"术语未按译法：%1 → %2"_s.arg(term.term, term.rendering);

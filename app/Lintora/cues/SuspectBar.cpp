@@ -14,7 +14,8 @@ SuspectBar::SuspectBar(LintoraModel &model, CueTable &table, QWidget *parent)
     , m_table(table)
     , m_text(new ElidedLabel(this))
     , m_tick(new CheckBox(u"移除这条"_s, this))
-    , m_next(Controls::button(u"下一处可疑"_s, this, u"转到下一条可能是识别臆造的字幕"_s))
+    , m_right(Controls::button(u"已核对"_s, this, u"这条的时间没有问题，去掉标记"_s))
+    , m_next(Controls::button(u"下一处可疑"_s, this, u"转到下一条请您核对的字幕（⌘G）"_s))
     , m_remove(Controls::button({}, this, u"移除勾选的可疑字幕，可撤销"_s))
 {
     m_text->setFont(VELTheme::smallFont());
@@ -25,6 +26,7 @@ SuspectBar::SuspectBar(LintoraModel &model, CueTable &table, QWidget *parent)
     row->setSpacing(VELTheme::gap);
     row->addWidget(m_text, 1);
     row->addWidget(m_tick);
+    row->addWidget(m_right);
     row->addWidget(m_next);
     row->addWidget(m_remove);
 
@@ -33,9 +35,12 @@ SuspectBar::SuspectBar(LintoraModel &model, CueTable &table, QWidget *parent)
     connect(&model, &LintoraModel::selectedTrackIDChanged, this, &SuspectBar::follow);
     connect(&model, &LintoraModel::aiBusyChanged, this, &SuspectBar::follow);
     connect(&table, &CueTable::currentCueChanged, this, &SuspectBar::follow);
-    connect(m_next, &QPushButton::clicked, this, [this, &suspects] {
-        if (const auto cue = suspects.next(m_table.currentCue().value_or(-1)))
-            Q_EMIT cueRequested(*cue);
+    connect(m_next, &QPushButton::clicked, this, &SuspectBar::goToNext);
+    connect(m_right, &QPushButton::clicked, this, [this, &suspects] {
+        if (const auto cue = currentCue()) {
+            goToNext(); // first, so that the keyboard stays on this button
+            suspects.dismiss(*cue);
+        }
     });
     connect(m_tick, &CheckBox::clicked, this, [this, &suspects](bool ticked) {
         if (const auto cue = currentCue())
@@ -46,6 +51,12 @@ SuspectBar::SuspectBar(LintoraModel &model, CueTable &table, QWidget *parent)
             suspects.removeTicked();
     });
     follow();
+}
+
+void SuspectBar::goToNext()
+{
+    if (const auto cue = m_model.suspects().next(m_table.currentCue().value_or(-1)))
+        Q_EMIT cueRequested(*cue);
 }
 
 std::optional<Subtitle> SuspectBar::currentCue() const
@@ -64,10 +75,15 @@ void SuspectBar::follow()
         return;
     const auto cue = currentCue();
     const auto reasons = cue ? suspects.reasons(*cue) : std::nullopt;
-    QString text = u"%1 条可能是识别臆造"_s.arg(count);
-    if (reasons)
+    const bool areTimes = suspects.areAboutTimes();
+    QString text = (areTimes ? u"%1 条时间待核对"_s : u"%1 条可能是识别臆造"_s).arg(count);
+    if (reasons && !areTimes)
         text += u" · 这条："_s + SuspectCues::reason(*reasons);
     m_text->setText(text);
+    m_tick->setVisible(!areTimes);
+    m_remove->setVisible(!areTimes);
+    m_right->setVisible(areTimes);
+    m_right->setEnabled(reasons.has_value());
     m_tick->setEnabled(reasons.has_value());
     m_tick->setChecked(cue && suspects.isTicked(*cue));
     const qsizetype ticked = suspects.tickedCount();

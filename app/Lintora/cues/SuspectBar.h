@@ -6,8 +6,8 @@ class CheckBox;
 class ElidedLabel;
 class QPushButton;
 
-/// What can be done with cues that the recogniser has likely invented: go from one to the next, tick them, take the
-/// ticked ones away. Seen while the selected track has some.
+/// What can be done with cues that are marked: go from one to the next; those that the recogniser has likely invented,
+/// tick and take away; those whose times were guessed, say that they are right. Seen while the selected track has some.
 class SuspectBar : public QWidget
 {
     Q_OBJECT
@@ -15,6 +15,8 @@ class SuspectBar : public QWidget
 public:
     /// Both must live as long as this.
     SuspectBar(LintoraModel &model, CueTable &table, QWidget *parent = nullptr);
+
+    void goToNext(); ///< From the current cue, beginning anew behind the last. Nothing while there is none.
 
 Q_SIGNALS:
     void cueRequested(qsizetype cue); ///< To be shown in the table.
@@ -27,6 +29,7 @@ private:
     CueTable &m_table;
     ElidedLabel *m_text;
     CheckBox *m_tick;
+    QPushButton *m_right;
     QPushButton *m_next;
     QPushButton *m_remove;
 };

@@ -21,7 +21,7 @@ void SuspectMarks::mark(const QUuid &track, const QList<Subtitle> &cues, const Q
     QHash<qint64, Mark> &marks = m_marks[track];
     for (const SuspectCue &suspect : suspects) {
         const Subtitle &cue = cues.at(suspect.index);
-        marks.insert(cue.id, {.text = cue.text,
+        marks.insert(cue.id, {.cue = cue,
                               .reasons = suspect.reasons,
                               .isTicked = suspect.reasons.testFlag(SuspectCue::Reason::silence)});
     }
@@ -30,11 +30,29 @@ void SuspectMarks::mark(const QUuid &track, const QList<Subtitle> &cues, const Q
 
 const SuspectMarks::Mark *SuspectMarks::find(const Subtitle &cue) const
 {
-    const auto track = m_marks.constFind(m_session.state().selectedTrackID.value_or(QUuid()));
+    const auto track = m_marks.constFind(trackID());
     if (track == m_marks.cend())
         return nullptr;
     const auto mark = track->constFind(cue.id);
-    return mark != track->cend() && mark->text == cue.text ? &*mark : nullptr;
+    if (mark == track->cend())
+        return nullptr;
+    const bool isAsItCame =
+        mark->reasons.testFlag(SuspectCue::Reason::times) ? mark->cue == cue : mark->cue.text == cue.text;
+    return isAsItCame ? &*mark : nullptr;
+}
+
+bool SuspectMarks::areAboutTimes() const
+{
+    const auto track = m_marks.constFind(trackID());
+    return track != m_marks.cend() && !track->isEmpty() && track->cbegin()->reasons == SuspectCue::Reason::times;
+}
+
+void SuspectMarks::dismiss(const Subtitle &cue)
+{
+    if (!find(cue))
+        return;
+    m_marks[trackID()].remove(cue.id);
+    Q_EMIT changed();
 }
 
 std::optional<SuspectCue::Reasons> SuspectMarks::reasons(const Subtitle &cue) const
@@ -54,7 +72,7 @@ void SuspectMarks::setTicked(const Subtitle &cue, bool ticked)
     const Mark *const mark = find(cue);
     if (!mark || mark->isTicked == ticked)
         return;
-    m_marks[*m_session.state().selectedTrackID][cue.id].isTicked = ticked;
+    m_marks[trackID()][cue.id].isTicked = ticked;
     Q_EMIT changed();
 }
 
