@@ -7,7 +7,6 @@
 
 #include <QScrollArea>
 #include <QStackedWidget>
-#include <QTabBar>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -17,7 +16,7 @@ using Tab = WindowState::AISettingsTab;
 AISettingsSheet::AISettingsSheet(LintoraModel &model, QWidget *content)
     : Sheet(Extent::whole, content)
     , m_model(model)
-    , m_tabs(new QTabBar(this))
+    , m_tabs(Controls::tabs(u"AI 设置"_s, {u"本地模型"_s, u"文字服务"_s, u"语音服务"_s}, this))
     , m_pages(new QStackedWidget(this))
     , m_models(new ModelsPage(model, this))
     , m_text(new ServicePage(model, AISettings::Service::text, this))
@@ -25,12 +24,6 @@ AISettingsSheet::AISettingsSheet(LintoraModel &model, QWidget *content)
     , m_questions(new QuestionSheet(this))
 {
     addHeading(u"AI 设置"_s);
-    m_tabs->setAccessibleName(u"AI 设置"_s);
-    m_tabs->setDrawBase(false);
-    m_tabs->setExpanding(false);
-    m_tabs->setFocusPolicy(Qt::StrongFocus);
-    for (const QString &title : {u"本地模型"_s, u"文字服务"_s, u"语音服务"_s})
-        m_tabs->addTab(title);
     for (QWidget *const page :
          {static_cast<QWidget *>(m_models), static_cast<QWidget *>(m_text), static_cast<QWidget *>(m_speech)})
         m_pages->addWidget(scrolling(page));

@@ -97,11 +97,7 @@ QWidget *ReviewSheet::makeRows()
     m_stage = new QStackedWidget(this);
     m_list = new QListView(m_stage);
     m_list->setModel(&m_rows);
-    m_list->setItemDelegate(new MarkedTextDelegate(m_list));
-    m_list->setUniformItemSizes(true);
-    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    MarkedTextDelegate::install(*m_list);
     m_list->setAccessibleName(u"校对结果"_s);
     m_empty = Controls::note({}, m_stage);
     m_empty->setAlignment(Qt::AlignCenter);

@@ -3,6 +3,7 @@
 #include "app/Lintora/ai/WorkSheet.h"
 
 class CheckBox;
+class SpeechForm;
 
 /// Recognising the speech of a file or of a timeline: what, in which language, by whom; and how far it is.
 class SpeechSheet : public WorkSheet
@@ -20,21 +21,10 @@ protected:
     WindowState::AISettingsTab settingsTab() const override;
 
 private:
-    void addSource();
-    void addLanguage();
-    void addListener();
     void addReview();
-    void showSource();
-    void showListener();
     void showReview();
-    void chooseListener(int row);
 
-    ChoiceBox *m_source = nullptr;
-    FieldRow *m_sourceRow = nullptr;
-    CheckBox *m_leaveOut = nullptr;
-    ChoiceBox *m_language = nullptr;
-    ChoiceBox *m_listener = nullptr;
-    FieldRow *m_listenerRow = nullptr;
+    SpeechForm *m_speech;
     CheckBox *m_review = nullptr;
     QLabel *m_reviewNote = nullptr;
 };

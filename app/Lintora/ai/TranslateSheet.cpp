@@ -30,18 +30,18 @@ TranslateSheet::TranslateSheet(LintoraModel &model, QWidget *content)
 
 void TranslateSheet::addChoices()
 {
-    m_track = addChoice(addRow(u"字幕"_s), u"字幕"_s);
+    m_track = addRow(u"字幕"_s)->addChoice();
     connect(m_track, &QComboBox::activated, this,
             [this] { model().translation().setTrackID(m_track->currentData().toUuid()); });
 
-    m_direction = addChoice(addRow(u"方向"_s), u"方向"_s);
+    m_direction = addRow(u"方向"_s)->addChoice();
     for (const auto direction : {Direction::chineseToEnglish, Direction::englishToChinese})
         m_direction->addItem(SubtitleAI::title(direction), QVariant::fromValue(direction));
     connect(m_direction, &QComboBox::activated, this,
             [this] { model().translation().setDirection(m_direction->currentData().value<Direction>()); });
 
     m_workerRow = addRow(u"翻译方式"_s);
-    m_worker = addChoice(m_workerRow, u"翻译方式"_s);
+    m_worker = m_workerRow->addChoice();
     m_worker->addItem(u"本机"_s, false);
     m_worker->addItem(u"在线服务"_s, true);
     connect(m_worker, &QComboBox::activated, this,

@@ -3,6 +3,7 @@
 #include "app/Lintora/ai/WorkSheet.h"
 
 class CheckBox;
+class ChoiceBox;
 class GlossarySheet;
 
 /// Translating a track: which, into which language, by whom and with which terms; and how far it is.

@@ -1,7 +1,6 @@
 #include "app/Lintora/ai/WorkSheet.h"
 
 #include "app/Lintora/ai/WorkView.h"
-#include "app/Lintora/controls/ChoiceBox.h"
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/FieldRow.h"
 
@@ -57,16 +56,6 @@ FieldRow *WorkSheet::addRow(const QString &name)
     auto *const row = new FieldRow(name, m_form);
     m_form->layout()->addWidget(row);
     return row;
-}
-
-ChoiceBox *WorkSheet::addChoice(FieldRow *row, const QString &name)
-{
-    auto *const box = new ChoiceBox(name, row);
-    // A long name of a file must not widen the window.
-    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    row->label()->setBuddy(box);
-    row->controls()->addWidget(box, 1);
-    return box;
 }
 
 void WorkSheet::change(const std::function<void(AIChoices &)> &change)

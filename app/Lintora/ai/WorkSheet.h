@@ -3,7 +3,6 @@
 #include "app/Lintora/controls/Sheet.h"
 #include "app/model/LintoraModel.h"
 
-class ChoiceBox;
 class FieldRow;
 class QLabel;
 class QPushButton;
@@ -34,8 +33,6 @@ protected:
     QWidget *form() const { return m_form; } ///< All that is chosen before. Its layout takes the rows.
     QPushButton *startButton() const { return m_start; }
 
-    /// Adds a row with a box of choices as its first control.
-    ChoiceBox *addChoice(FieldRow *row, const QString &name);
     FieldRow *addRow(const QString &name);
 
     void change(const std::function<void(AIChoices &)> &change); ///< Of what a person chose, kept between runs.

@@ -76,6 +76,18 @@ void showAsFailure(QLabel *note, bool isFailure)
     note->style()->polish(note);
 }
 
+QTabBar *tabs(const QString &name, const QStringList &titles, QWidget *parent)
+{
+    auto *const tabs = new QTabBar(parent);
+    tabs->setAccessibleName(name);
+    tabs->setDrawBase(false);
+    tabs->setExpanding(false);
+    tabs->setFocusPolicy(Qt::StrongFocus);
+    for (const QString &title : titles)
+        tabs->addTab(title);
+    return tabs;
+}
+
 QWidget *rule(QWidget *parent)
 {
     auto *const line = new QFrame(parent);

@@ -4,6 +4,7 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QTabBar>
 #include <QToolButton>
 
 /// The controls that the window is made of, with what all of them share: a name for who cannot see them, a help text,
@@ -20,6 +21,10 @@ QToolButton *signButton(VELTheme::Glyph glyph, const QString &name, QWidget *par
 QLabel *heading(const QString &text, QWidget *parent);
 QLabel *note(const QString &text, QWidget *parent); ///< Small, secondary, wrapped.
 void showAsFailure(QLabel *note, bool isFailure);   ///< In the colour of failures, or secondary again.
-QWidget *rule(QWidget *parent);                     ///< A line across.
+
+/// Titles beside each other, of which one is chosen.
+QTabBar *tabs(const QString &name, const QStringList &titles, QWidget *parent);
+
+QWidget *rule(QWidget *parent); ///< A line across.
 
 } // namespace Controls

@@ -1,8 +1,8 @@
 #include "app/Lintora/controls/FieldRow.h"
 
+#include "app/Lintora/controls/ChoiceBox.h"
 #include "app/Lintora/controls/Controls.h"
 
-#include <QStyle>
 #include <QVBoxLayout>
 
 FieldRow::FieldRow(const QString &name, QWidget *parent)
@@ -26,6 +26,16 @@ FieldRow::FieldRow(const QString &name, QWidget *parent)
     m_below->hide();
 }
 
+ChoiceBox *FieldRow::addChoice()
+{
+    auto *const box = new ChoiceBox(m_label->text(), this);
+    // A long name of a file must not widen the window.
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_label->setBuddy(box);
+    m_controls->addWidget(box, 1);
+    return box;
+}
+
 void FieldRow::setNote(const QString &note)
 {
     m_note = note;
@@ -43,10 +53,5 @@ void FieldRow::update()
     const bool isFailure = !m_sentence.isEmpty();
     m_below->setText(isFailure ? m_sentence : m_note);
     m_below->setVisible(!m_below->text().isEmpty());
-    if (m_below->property("failure").toBool() == isFailure)
-        return;
-    m_below->setProperty("failure", isFailure);
-    m_below->setProperty("secondary", !isFailure);
-    m_below->style()->unpolish(m_below);
-    m_below->style()->polish(m_below);
+    Controls::showAsFailure(m_below, isFailure);
 }

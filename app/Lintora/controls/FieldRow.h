@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QWidget>
 
+class ChoiceBox;
 class QLabel;
 
 /// A row of a form: what it is about, the controls for it, and below, while there is something to say, a sentence.
@@ -15,6 +16,9 @@ public:
 
     QHBoxLayout *controls() const { return m_controls; }
     QLabel *label() const { return m_label; }
+
+    /// Adds a box of choices that takes the room there is, and is called as the row is.
+    ChoiceBox *addChoice();
 
     void setNote(const QString &note);         ///< Always there; empty for none.
     void setSentence(const QString &sentence); ///< What is wrong, in the note's place; empty when nothing is.

@@ -4,6 +4,7 @@
 #include "app/Lintora/controls/Theme.h"
 
 #include <QKeyEvent>
+#include <QListView>
 #include <QPainter>
 #include <QTextLayout>
 
@@ -92,6 +93,7 @@ void paintComparison(QPainter &painter, const QRect &room, const ComparedRow &ro
                      const VELTheme::Colors &colors)
 {
     const bool isSingle = row.after.isEmpty();
+    const bool isNoted = row.kind == ComparedRow::Kind::noted;
     const QRect number(room.left(), room.top(), numberWidth - padding, isSingle ? room.height() : lineHeight);
     const QRect words = room.adjusted(row.number.isEmpty() ? 0 : numberWidth, 0, 0, 0);
     const QRect first(words.left(), words.top(), words.width(), number.height());
@@ -99,14 +101,14 @@ void paintComparison(QPainter &painter, const QRect &room, const ComparedRow &ro
     painter.setFont(VELTheme::smallFont());
     painter.setPen(colors.secondary);
     painter.drawText(number, Qt::AlignVCenter | Qt::AlignRight, row.number);
-    if (!isSingle)
+    if (!isSingle && !isNoted)
         painter.drawText(QRect(number.left(), second.top(), number.width(), lineHeight),
                          Qt::AlignVCenter | Qt::AlignRight, u"↓"_s);
-    painter.setPen(isSingle ? colors.text : colors.secondary);
+    painter.setPen(isSingle || isNoted ? colors.text : colors.secondary);
     paintMarked(painter, first, font, row.before, row.beforeMarks, colors.removed);
-    painter.setPen(row.isRemark ? colors.warning : colors.text);
+    painter.setPen(isNoted ? colors.secondary : row.isRemark ? colors.warning : colors.text);
     if (!isSingle)
-        paintMarked(painter, second, font, row.after, row.afterMarks, colors.added);
+        paintMarked(painter, second, isNoted ? VELTheme::smallFont() : font, row.after, row.afterMarks, colors.added);
 }
 
 bool isTickable(const QModelIndex &index)
@@ -115,6 +117,15 @@ bool isTickable(const QModelIndex &index)
 }
 
 } // namespace
+
+void MarkedTextDelegate::install(QListView &list)
+{
+    list.setItemDelegate(new MarkedTextDelegate(&list));
+    list.setUniformItemSizes(true);
+    list.setEditTriggers(QAbstractItemView::NoEditTriggers);
+    list.setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    list.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+}
 
 void MarkedTextDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {

@@ -4,23 +4,26 @@
 
 #include <QStyledItemDelegate>
 
+class QListView;
+
 /// One row of a list that compares two wordings of a cue.
 struct ComparedRow
 {
     enum class Kind
     {
         comparison,
+        noted,  ///< `before`, and beneath it, small, `after` as a note.
         heading ///< `before` in bold, `after` as a remark beneath it.
     };
 
     Kind kind = Kind::comparison;
-    QString number;                             ///< Of the cue; may be empty.
-    QString before;                             ///< May have lines.
-    QString after;                              ///< Empty: there is only one wording.
-    QList<TextDifference::Stretch> beforeMarks; ///< What goes.
-    QList<TextDifference::Stretch> afterMarks;  ///< What comes.
-    bool isRemark = false;                      ///< Whether `after` is said about the cue instead of shown by it.
-    QString warning = {};                       ///< A word of what to look at first; mostly empty.
+    QString number = {};                             ///< Of the cue; may be empty.
+    QString before;                                  ///< May have lines.
+    QString after;                                   ///< Empty: there is only one wording.
+    QList<TextDifference::Stretch> beforeMarks = {}; ///< What goes.
+    QList<TextDifference::Stretch> afterMarks = {};  ///< What comes.
+    bool isRemark = false;                           ///< Whether `after` is said about the cue instead of shown by it.
+    QString warning = {};                            ///< A word of what to look at first; mostly empty.
 };
 
 Q_DECLARE_METATYPE(ComparedRow)
@@ -33,6 +36,8 @@ class MarkedTextDelegate : public QStyledItemDelegate
 
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
+
+    static void install(QListView &list); ///< Gives it to a list that is looked at, and set up for that.
 
     static constexpr int comparedRole = Qt::UserRole; ///< A ComparedRow.
 

@@ -33,15 +33,17 @@ Sheet::Sheet(Extent extent, QWidget *content)
     hide();
 }
 
-void Sheet::addHeading(const QString &text)
+QLabel *Sheet::addHeading(const QString &text)
 {
     auto *const closing = Controls::signButton(VELTheme::Glyph::close, u"关闭"_s, m_frame);
     connect(closing, &QToolButton::clicked, this, &Sheet::close);
     auto *const row = new QHBoxLayout;
-    row->addWidget(Controls::heading(text, m_frame), 1);
+    QLabel *const heading = Controls::heading(text, m_frame);
+    row->addWidget(heading, 1);
     row->addWidget(closing);
     m_body->insertLayout(0, row);
     setAccessibleName(text);
+    return heading;
 }
 
 void Sheet::open(QWidget *focus)

@@ -5,6 +5,7 @@
 #include <QWidget>
 
 class QFrame;
+class QLabel;
 class QVBoxLayout;
 
 /// What lies over the window's content for a while: a tool, or a question. Escape and its closing button close it, the
@@ -29,7 +30,7 @@ public:
 
     QVBoxLayout *body() const { return m_body; } ///< What the sheet shows goes here.
 
-    void addHeading(const QString &text); ///< With the closing button beside it.
+    QLabel *addHeading(const QString &text); ///< With the closing button beside it.
 
     void open(QWidget *focus = nullptr); ///< `focus` is typed into first.
     void close();                        ///< Asks to be closed, as Escape does.

@@ -10,7 +10,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QRegularExpression>
-#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -191,11 +190,7 @@ void CueToolWorkspace::addScript(QWidget *controls)
 QWidget *CueToolWorkspace::makeList()
 {
     m_list->setModel(&m_rows);
-    m_list->setItemDelegate(new MarkedTextDelegate(m_list));
-    m_list->setUniformItemSizes(true);
-    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    MarkedTextDelegate::install(*m_list);
     m_list->setAccessibleName(u"预览"_s);
     connect(m_list, &QListView::doubleClicked, this,
             [this](const QModelIndex &index) { Q_EMIT cueRequested(m_rows.cueOf(index)); });
@@ -209,6 +204,7 @@ QWidget *CueToolWorkspace::makeButtons()
     layout->setContentsMargins(0, VELTheme::step, 0, 0);
     layout->setSpacing(VELTheme::gap);
     m_status->setFont(VELTheme::smallFont());
+    m_status->setProperty("secondary", true);
     m_status->setAccessibleName(u"状态"_s);
     layout->addWidget(m_status, 1);
     layout->addWidget(m_all);
@@ -231,10 +227,7 @@ void CueToolWorkspace::follow()
     if (!isVisible() || m_tools.tool() != m_tool)
         return;
     m_status->setText(m_tools.status());
-    m_status->setProperty("failure", m_tools.isRefused());
-    m_status->setProperty("secondary", !m_tools.isRefused());
-    m_status->style()->unpolish(m_status);
-    m_status->style()->polish(m_status);
+    Controls::showAsFailure(m_status, m_tools.isRefused());
     const bool checks = m_tool == CueTools::Tool::checking;
     m_all->setVisible(checks && !m_tools.rows().isEmpty());
     m_all->setText(m_tools.selectedCount() == 0 ? u"全选"_s : u"全不选"_s);

@@ -65,11 +65,7 @@ QWidget *FindReplaceWorkspace::makeFields()
 QWidget *FindReplaceWorkspace::makePreview()
 {
     m_list->setModel(&m_matches);
-    m_list->setItemDelegate(new MarkedTextDelegate(m_list));
-    m_list->setUniformItemSizes(true);
-    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    MarkedTextDelegate::install(*m_list);
     m_list->setAccessibleName(u"匹配的字幕"_s);
     const auto request = [this](const QModelIndex &index) { Q_EMIT cueRequested(m_matches.cueOf(index)); };
     connect(m_list, &QListView::doubleClicked, this, request);

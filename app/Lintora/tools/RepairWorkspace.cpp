@@ -9,7 +9,6 @@
 #include <QHBoxLayout>
 #include <QListView>
 #include <QSignalBlocker>
-#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -56,6 +55,7 @@ QWidget *RepairWorkspace::makeButtons()
     layout->setContentsMargins(0, VELTheme::step, 0, 0);
     layout->setSpacing(VELTheme::gap);
     m_status->setFont(VELTheme::smallFont());
+    m_status->setProperty("secondary", true);
     m_status->setAccessibleName(u"状态"_s);
     layout->addWidget(m_status, 1);
     layout->addWidget(m_open);
@@ -86,10 +86,7 @@ void RepairWorkspace::follow()
     }
     m_lines.setStringList(lines);
     m_status->setText(m_repairing.status());
-    m_status->setProperty("failure", m_repairing.isRefused());
-    m_status->setProperty("secondary", !m_repairing.isRefused());
-    m_status->style()->unpolish(m_status);
-    m_status->style()->polish(m_status);
+    Controls::showAsFailure(m_status, m_repairing.isRefused());
     m_open->setEnabled(file.has_value());
 }
 
