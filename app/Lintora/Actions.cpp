@@ -44,7 +44,7 @@ MainActions::MainActions(LintoraModel &model, std::function<bool()> mayAct, QWid
     connect(translate, &QPushButton::clicked, &model, [&model] { model.showAI(WindowState::AIMode::translation); });
     auto *const review = Controls::button(u"AI 校对"_s, this, u"校对错别字、识别错误和标点，勾选后才写入"_s);
     connect(review, &QPushButton::clicked, &model, [&model] { model.showAI(WindowState::AIMode::review); });
-    auto *const match = Controls::button(u"文稿匹配"_s, this, u"按文稿校正文字，保留字幕时间"_s);
+    auto *const match = Controls::button(u"文稿匹配"_s, this, u"按文稿校正文字，或按文稿从声音生成字幕"_s);
     connect(match, &QPushButton::clicked, &model, &LintoraModel::showScriptMatch);
     m_source->setProperty("secondary", true);
     m_source->setElideMode(Qt::ElideMiddle);
@@ -54,8 +54,7 @@ MainActions::MainActions(LintoraModel &model, std::function<bool()> mayAct, QWid
     m_source->setText(model.source());
     connect(&model, &LintoraModel::sourceChanged, this, [this] { m_source->setText(m_model.source()); });
 
-    const auto enable = [&model, match, translate, review] {
-        match->setEnabled(!model.items().isEmpty());
+    const auto enable = [&model, translate, review] {
         translate->setEnabled(!model.items().isEmpty());
         review->setEnabled(!model.items().isEmpty());
     };

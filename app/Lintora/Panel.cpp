@@ -7,6 +7,7 @@
 #include "app/Lintora/StatusLine.h"
 #include "app/Lintora/ai/AISettingsSheet.h"
 #include "app/Lintora/ai/ReviewSheet.h"
+#include "app/Lintora/ai/ScriptSpeechView.h"
 #include "app/Lintora/ai/SpeechSheet.h"
 #include "app/Lintora/ai/TranslateSheet.h"
 #include "app/Lintora/controls/Controls.h"
@@ -99,6 +100,11 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     connect(&model, &LintoraModel::previousItemsChanged, this, &LintoraPanel::followCues);
     connect(&model.cueTools(), &CueTools::toolChanged, this, &LintoraPanel::followTools);
     connect(&model.fileRepairing(), &FileRepairing::shownChanged, this, &LintoraPanel::followTools);
+    connect(&model.scriptSpeech(), &ScriptSpeech::done, this, [this] {
+        // What is to be looked at now are the cues, the unsure ones first.
+        bringCue(m_model.suspects().next(-1).value_or(0));
+        returnKeyboard();
+    });
     new QuitQuestion(model, m_stage);
     followCues();
     followSheets();
@@ -124,11 +130,11 @@ QWidget *LintoraPanel::makeWorkspace()
     auto *const layout = new QVBoxLayout(workspace);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(VELTheme::gap);
-    auto *const suspects = new SuspectBar(m_model, *m_table, workspace);
-    connect(suspects, &SuspectBar::cueRequested, this, &LintoraPanel::bringCue);
+    m_suspects = new SuspectBar(m_model, *m_table, workspace);
+    connect(m_suspects, &SuspectBar::cueRequested, this, &LintoraPanel::bringCue);
     layout->addWidget(editing);
     layout->addWidget(heading);
-    layout->addWidget(suspects);
+    layout->addWidget(m_suspects);
     layout->addWidget(m_table, 3);
     layout->addWidget(inspector, 1);
     layout->addWidget(new CardRow(m_model, mayAct, workspace));
@@ -212,6 +218,10 @@ void LintoraPanel::followSheets()
     showSheet(m_findReplace, window.findReplaceVisible());
     if (isFirst && m_findReplace)
         connect(m_findReplace, &FindReplaceWorkspace::cueRequested, this, &LintoraPanel::showCue);
+    if (window.scriptMatchPresented() && !m_scriptMatch) {
+        m_scriptMatch = new ScriptMatchWorkspace(m_model, m_stage);
+        m_scriptMatch->addTiming(new ScriptSpeechView(m_model, m_scriptMatch));
+    }
     showSheet(m_scriptMatch, window.scriptMatchPresented());
     showSheet(m_style, window.settingsVisible());
     showSheet(m_speech, window.aiPresented() && window.aiMode() == WindowState::AIMode::speech);
@@ -310,6 +320,8 @@ void LintoraPanel::keyPressEvent(QKeyEvent *event)
         m_model.redo();
     else if (event->matches(QKeySequence::Find))
         m_model.window().setFindReplaceVisible(true);
+    else if (event->matches(QKeySequence::FindNext))
+        m_suspects->goToNext();
     else
         QWidget::keyPressEvent(event);
 }

@@ -18,6 +18,7 @@ class ScriptMatchWorkspace;
 class Sheet;
 class SpeechSheet;
 class StyleWorkspace;
+class SuspectBar;
 class TranslateSheet;
 class UnifiedImportArea;
 
@@ -63,6 +64,7 @@ private:
     bool m_isInUse = false;
     FilterField *m_filter = nullptr;
     CueTable *m_table = nullptr;
+    SuspectBar *m_suspects = nullptr;
     Sheet *m_fcpImport = nullptr; ///< Made when it is needed first, as are the following.
     QuestionSheet *m_confirmation = nullptr;
     CleanupWorkspace *m_cleanup = nullptr;

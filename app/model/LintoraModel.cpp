@@ -78,6 +78,7 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_recognition, &Recognition::offerTaken, this,
             [this](const FCPAudioPlan &plan) { receiveFCP({.settings = plan.settings, .plan = plan}); });
     connect(&m_recognition, &Recognition::refused, this, refuse);
+    connect(&m_scriptSpeech, &ScriptSpeech::done, this, &LintoraModel::report);
     connect(&m_translation, &Translation::done, this, &LintoraModel::report);
     connect(&m_glossary, &GlossaryTerms::done, this, &LintoraModel::report);
     connect(&m_glossary, &GlossaryTerms::refused, this, refuse);
@@ -390,6 +391,9 @@ void LintoraModel::cancelAI()
 
 void LintoraModel::showScriptMatch()
 {
+    m_recognition.findMissing();
+    if (items().isEmpty())
+        m_window.setScriptWay(WindowState::ScriptWay::timing); // there is no wording to be corrected
     m_window.setScriptMatchPresented(true);
 }
 

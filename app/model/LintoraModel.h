@@ -15,6 +15,7 @@
 #include "app/model/ai/ModelDownloads.h"
 #include "app/model/ai/Recognition.h"
 #include "app/model/ai/Review.h"
+#include "app/model/ai/ScriptSpeech.h"
 #include "app/model/ai/Translation.h"
 #include "store/Locations.h"
 #include "store/RecentSessions.h"
@@ -232,6 +233,8 @@ public:
     const ScriptMatching &scriptMatching() const { return m_scriptMatching; }
     Recognition &recognition() { return m_recognition; }
     const Recognition &recognition() const { return m_recognition; }
+    ScriptSpeech &scriptSpeech() { return m_scriptSpeech; }
+    const ScriptSpeech &scriptSpeech() const { return m_scriptSpeech; }
     Translation &translation() { return m_translation; }
     const Translation &translation() const { return m_translation; }
     Review &review() { return m_review; }
@@ -377,6 +380,7 @@ private:
     AIWork m_aiWork{m_owner};
     SuspectMarks m_suspects{m_session, m_owner};
     Recognition m_recognition{m_session, m_owner, m_suspects, m_aiSettings};
+    ScriptSpeech m_scriptSpeech{m_session, m_owner, m_suspects, m_aiSettings, m_recognition, m_scriptMatching};
     GlossaryTerms m_glossary{Locations::glossary()};
     Translation m_translation{m_session, m_owner, m_aiSettings, m_glossary};
     Review m_review{m_session, m_owner, m_aiSettings};

@@ -50,6 +50,12 @@ void WindowState::setScriptMatchPresented(bool presented)
     set(m_scriptMatchPresented, presented, &WindowState::scriptMatchPresentedChanged);
 }
 
+void WindowState::setScriptWay(ScriptWay way)
+{
+    if (std::exchange(m_scriptWay, way) != way)
+        Q_EMIT scriptMatchPresentedChanged();
+}
+
 void WindowState::showAI(AIMode mode)
 {
     const bool isOther = std::exchange(m_aiMode, mode) != mode;

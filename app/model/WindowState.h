@@ -25,6 +25,13 @@ public:
         speech
     };
 
+    /// What a script is used for.
+    enum class ScriptWay
+    {
+        wording, ///< Correcting the cues that are there.
+        timing   ///< Making cues of it.
+    };
+
     WindowState(Preferences &preferences, const CueOwnership &owner);
 
     bool pinned() const { return m_pinned; } ///< Whether it stays in front. Kept between runs.
@@ -36,6 +43,7 @@ public:
     bool cleanupSettingsVisible() const { return m_cleanupSettingsVisible; }
     bool findReplaceVisible() const { return m_findReplaceVisible; }
     bool scriptMatchPresented() const { return m_scriptMatchPresented; }
+    ScriptWay scriptWay() const { return m_scriptWay; } ///< The last one, while it is not presented.
     bool aiPresented() const { return m_aiPresented; }
     AIMode aiMode() const { return m_aiMode; } ///< The last one, while it is not presented.
     bool aiSettingsPresented() const { return m_aiSettingsPresented; }
@@ -45,6 +53,7 @@ public:
     void setCleanupSettingsVisible(bool visible);
     void setFindReplaceVisible(bool visible); ///< Not opened while long work owns the cues, which closes it.
     void setScriptMatchPresented(bool presented);
+    void setScriptWay(ScriptWay way);
     void showAI(AIMode mode);
     void setAIPresented(bool presented);
     void setAISettingsPresented(bool presented);
@@ -59,8 +68,8 @@ Q_SIGNALS:
     void settingsVisibleChanged();
     void cleanupSettingsVisibleChanged();
     void findReplaceVisibleChanged();
-    void scriptMatchPresentedChanged();
-    void aiPresentedChanged(); ///< Or the mode.
+    void scriptMatchPresentedChanged(); ///< Or the way.
+    void aiPresentedChanged();          ///< Or the mode.
     void aiSettingsPresentedChanged();
     void aiSettingsTabChanged();
 
@@ -75,6 +84,7 @@ private:
     bool m_cleanupSettingsVisible = false;
     bool m_findReplaceVisible = false;
     bool m_scriptMatchPresented = false;
+    ScriptWay m_scriptWay = ScriptWay::wording;
     bool m_aiPresented = false;
     AIMode m_aiMode = AIMode::speech;
     bool m_aiSettingsPresented = false;

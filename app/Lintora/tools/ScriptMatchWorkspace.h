@@ -5,11 +5,13 @@
 #include "app/model/LintoraModel.h"
 
 class ElidedLabel;
+class QLabel;
 class QListView;
 class QPlainTextEdit;
 class QPushButton;
+class QTabBar;
 
-/// Correcting the wording of the selected track by a transcript.
+/// What a transcript is good for: correcting the wording of the selected track, or making subtitles of it.
 ///
 /// Transcript and proposals are kept by the model: closing loses nothing.
 class ScriptMatchWorkspace : public Sheet
@@ -20,18 +22,27 @@ public:
     /// `model` must live as long as this.
     ScriptMatchWorkspace(LintoraModel &model, QWidget *content);
 
+    /// Adds what makes subtitles of the transcript, which is seen below it while that way is chosen.
+    void addTiming(QWidget *timing);
+
     void present();
     bool editsSession() const override { return true; }
 
 private:
     QWidget *makeButtons();
     void follow();
+    void followWay();
 
     LintoraModel &m_model;
     ScriptMatching &m_matching;
     ScriptRowsModel m_rows;
+    QLabel *m_heading;
+    QTabBar *m_ways;
+    QLabel *m_note;
     QPlainTextEdit *m_text;
     QListView *m_list;
+    QWidget *m_timing = nullptr;
+    QWidget *m_buttons;
     ElidedLabel *m_status;
     QPushButton *m_match;
     QPushButton *m_undo;
