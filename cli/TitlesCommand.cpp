@@ -163,7 +163,7 @@ QList<Problem> deliver(const Titles &titles, const Arguments::Output &output)
     const auto proof = [&](QByteArrayView bytes) {
         titles.proof(bytes);
         if (output.isHeard())
-            problems = DocumentCheck::problems(bytes);
+            problems = DocumentCheck::problems(bytes, Interrupt::check);
     };
     const QString path = Arguments::toPath(output.path);
     if (!path.isEmpty() && !StandardStreams::isPipe(path)) {
@@ -179,11 +179,10 @@ QList<Problem> deliver(const Titles &titles, const Arguments::Output &output)
 
 void reportProblems(const QList<Problem> &problems, const Arguments::Output &output)
 {
-    constexpr qsizetype most = 5;
     if (problems.isEmpty())
         return output.report(u"文档检查：没有发现问题"_s);
     output.report(u"文档检查：%1 处，全部见 validate"_s.arg(problems.size()));
-    for (const Problem &problem : problems.first(std::min(most, problems.size())))
+    for (const Problem &problem : problems.first(std::min(DocumentCheck::mostTold, problems.size())))
         output.report(u"  "_s + problem.toText());
 }
 

@@ -41,8 +41,7 @@ void writeProblem(JsonWriter &json, const Problem &problem)
 void runValidate(const ValidateArguments &arguments)
 {
     const QByteArray bytes = Arguments::readProjectBytes(arguments.input);
-    Interrupt::check();
-    const QList<Problem> problems = DocumentCheck::problems(bytes);
+    const QList<Problem> problems = DocumentCheck::problems(bytes, Interrupt::check);
     Result::deliver(
         arguments.output,
         [&](Utf8Writer &out) {

@@ -20,7 +20,7 @@ std::optional<int> minorVersion(const xmlNode *root)
     return isNumber && minor >= 0 ? std::optional(minor) : std::nullopt;
 }
 
-void checkVersion(const XmlDocument &document, Findings &findings)
+void checkVersion(const XmlDocument &document, Findings &findings, const Check &check)
 {
     const xmlNode *const root = document.root();
     if (!Xml::isElement(root, "fcpxml"))
@@ -33,17 +33,17 @@ void checkVersion(const XmlDocument &document, Findings &findings)
         return findings.add(root, u"document.version"_s, Problem::Severity::warning,
                             u"版本 1.%1 较旧，未核对元素与属性的规则。"_s.arg(*minor));
     const DocumentGrammar grammar(*minor);
-    GrammarCheck(grammar, findings).run(document);
+    GrammarCheck(grammar, findings).run(document, check);
 }
 
 } // namespace
 
-QList<Problem> problems(QByteArrayView bytes)
+QList<Problem> problems(QByteArrayView bytes, const Check &check)
 {
-    const XmlDocument document = XmlDocument::parse(bytes, u"不支持含外部实体的 XML。");
+    const XmlDocument document = XmlDocument::parse(bytes, u"不支持含外部实体的 XML。", check);
     Findings findings;
-    checkVersion(document, findings);
-    KnownTroubles(document, findings).run();
+    checkVersion(document, findings, check);
+    KnownTroubles(document, findings, check).run();
     return findings.finish(bytes, document);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "fcp/validation/Problem.h"
 
 #include <QByteArray>
@@ -10,9 +11,10 @@
 namespace DocumentCheck {
 
 inline constexpr qsizetype mostProblems = 1'000; ///< One more says that there are further ones.
+inline constexpr qsizetype mostTold = 5;         ///< With what has been written, where all can be had by another way.
 
-/// The problems of a document, by line.
+/// The problems of a document, by line. Calls `check` every few milliseconds.
 /// @throws ConversionError "不支持含外部实体的 XML。"; PlatformError when it is no XML, naming the line.
-QList<Problem> problems(QByteArrayView bytes);
+QList<Problem> problems(QByteArrayView bytes, const Check &check = {});
 
 } // namespace DocumentCheck

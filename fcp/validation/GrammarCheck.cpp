@@ -34,9 +34,11 @@ bool isName(const QByteArray &value)
 
 } // namespace
 
-void GrammarCheck::run(const XmlDocument &document)
+void GrammarCheck::run(const XmlDocument &document, const Check &check)
 {
+    SparseCheck step(check);
     for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
+        step();
         const int number = element->ns ? -1 : m_grammar.number(element->name);
         if (number < 0) {
             m_findings.add(element, u"dtd.element"_s, Severity::error, u"这个版本没有此元素。"_s,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "fcp/validation/DocumentGrammar.h"
 #include "fcp/validation/Findings.h"
 
@@ -14,7 +15,7 @@ public:
         , m_findings(findings)
     {}
 
-    void run(const XmlDocument &document);
+    void run(const XmlDocument &document, const Check &check = {}); ///< Calls `check` every few milliseconds.
 
 private:
     void checkContent(const xmlNode *element, const DocumentGrammar::Element &rule);

@@ -45,9 +45,10 @@ QString timeText(const Rational &seconds)
 
 } // namespace
 
-KnownTroubles::KnownTroubles(const XmlDocument &document, Findings &findings)
+KnownTroubles::KnownTroubles(const XmlDocument &document, Findings &findings, const Check &check)
     : m_document(document)
     , m_findings(findings)
+    , m_check(check)
 {
     for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
         if (!element->parent || !Xml::isElement(element->parent, "resources"))
@@ -78,6 +79,7 @@ void KnownTroubles::warning(const xmlNode *element, const QString &rule, const Q
 // Recursion is bounded: the parser refuses documents deeper than 256 elements.
 void KnownTroubles::visit(const xmlNode *element, const Timeline &around)
 {
+    m_check();
     const bool clip = isClip(element);
     if (clip || Xml::isElement(element, "spine")) {
         try {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "fcp/Rational.h"
 #include "fcp/validation/Findings.h"
 
@@ -9,7 +10,8 @@
 class KnownTroubles
 {
 public:
-    KnownTroubles(const XmlDocument &document, Findings &findings);
+    /// Calls `check` every few milliseconds while it runs.
+    KnownTroubles(const XmlDocument &document, Findings &findings, const Check &check = {});
 
     void run();
 
@@ -48,5 +50,6 @@ private:
 
     const XmlDocument &m_document;
     Findings &m_findings;
+    SparseCheck m_check;
     QHash<QByteArray, const xmlNode *> m_resources;
 };
