@@ -352,7 +352,12 @@ private:
 
 TitleTemplate read(const XmlDocument &document, const xmlNode *project, const QString &text, int minorVersion)
 {
-    return Reader(document, project, find(document, project, text), minorVersion).read();
+    return read(document, project, find(document, project, text), minorVersion);
+}
+
+TitleTemplate read(const XmlDocument &document, const xmlNode *project, const xmlNode *title, int minorVersion)
+{
+    return Reader(document, project, title, minorVersion).read();
 }
 
 } // namespace TitleTemplates

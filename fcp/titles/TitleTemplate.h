@@ -62,4 +62,7 @@ namespace TitleTemplates {
 /// @throws ConversionError when there is no such title, its effect is missing, or the document cannot be read
 TitleTemplate read(const XmlDocument &document, const xmlNode *project, const QString &text, int minorVersion);
 
+/// The look of that title of the document. @throws ConversionError when it has no text or its effect is missing
+TitleTemplate read(const XmlDocument &document, const xmlNode *project, const xmlNode *title, int minorVersion);
+
 } // namespace TitleTemplates

@@ -2,6 +2,7 @@
 #include "fcp/FCPXML.h"
 #include "fcp/texts/ProjectTexts.h"
 #include "fcp/titles/NewDocument.h"
+#include "fcp/titles/TitleLooks.h"
 #include "fcp/titles/WrittenTitles.h"
 #include "tests/fcp/PublishedDtd.h"
 #include "tests/support/StoryDocument.h"
@@ -179,6 +180,55 @@ TEST(TitleTemplates, take_the_look_of_a_title_and_nothing_else)
     EXPECT_TRUE(look({}, 11).xml.contains("adjust-colorConform"));
     EXPECT_EQ(look(u"片头"_s), taken) << "by its name";
     EXPECT_THROW(look(u"没有"_s), ConversionError);
+}
+
+TEST(TitleLooks, are_offered_once_each_with_what_tells_them_apart)
+{
+    const auto plain = [](const char *time, const char *text, const char *font) {
+        return tag("title ref=title name=普通 lane=1 duration=1s offset=" + QByteArray(time),
+                   {tag("text", {textTag("text-style ref=ts1", text)}),
+                    tag("text-style-def id=ts1", {tag("text-style font=" + QByteArray(font))})});
+    };
+    const QByteArray bytes = StoryDocument::project(
+        "40s", {tag("gap offset=0s duration=20s",
+                    {plain("1s", "甲", "Kaiti"), plain("3s", "乙", "Songti"), plain("5s", "丙", "Kaiti"),
+                     tag("title ref=lost lane=1 offset=7s duration=1s",
+                         {tag("text", {textTag("text-style", "没有效果")})})})});
+    const XmlDocument document = XmlDocument::parse(bytes, {});
+    const QList<TitleLooks::Offer> offers = TitleLooks::offered(document, 10);
+    ASSERT_EQ(offers.size(), 2);
+    EXPECT_EQ(offers[0].text, u"甲"_s);
+    EXPECT_EQ(offers[0].name, u"普通"_s);
+    EXPECT_EQ(offers[0].titles, 2);
+    EXPECT_EQ(offers[1].text, u"乙"_s);
+    EXPECT_EQ(offers[0].look, TitleTemplates::read(document, FCPXML::project(document), QString(), 10));
+    EXPECT_THROW(TitleLooks::offered(document, 10, [] { throw ConversionError(u"停"_s); }), ConversionError);
+}
+
+TEST(TitleLooks, are_drawn_as_far_as_plain_text_goes)
+{
+    Options made = at25;
+    made.font = u"Kaiti SC"_s;
+    made.fontFace = u"Bold"_s;
+    made.fontSize = 61.5;
+    made.fontColor = u"1 0.5 0 1"_s;
+    made.strokeEnabled = true;
+    made.strokeWidth = 3;
+    made.shadowEnabled = true;
+    made.shadowBlur = 7;
+    made.bottomPercent = 22;
+    const TitleDocument document = FCPXML::convert({{.cues = {cue(1, 0, 1'000, u"字"_s)}, .options = made}}, {});
+    const XmlDocument tree = XmlDocument::parse(document.toUtf8(), {});
+    const TitleTemplate own = TitleTemplates::read(tree, FCPXML::project(tree), QString(), 10);
+    EXPECT_EQ(TitleLooks::drawn(own, at25), made) << "our own title comes back whole";
+    // A look that says less leaves the rest; stroke and shadow are its own business.
+    Options base = made;
+    base.fontFace.reset();
+    const Options drawn = TitleLooks::drawn(look(), base);
+    EXPECT_EQ(drawn.font, u"Songti"_s);
+    EXPECT_EQ(drawn.fontSize, 70);
+    EXPECT_EQ(drawn.bottomPercent, 22) << "it stands above the middle, where no caption does";
+    EXPECT_FALSE(drawn.strokeEnabled || drawn.shadowEnabled);
 }
 
 TEST(TitleTemplates, are_written_for_every_cue_with_their_effects)
