@@ -28,6 +28,8 @@ void readOptionalField(JsonReader &json, QByteArrayView key, LintoraSession &ses
 {
     if (key == "previousItems" && !json.readNull())
         session.previousItems = readSubtitles(json);
+    else if (key == "look" && !json.readNull())
+        session.look = readTitleTemplate(json);
     else if (key == "tracks" && !json.readNull())
         session.tracks = readTracks(json);
     else if (key == "selectedTrackID" && !json.readNull())
@@ -97,6 +99,10 @@ void writeLintoraSession(JsonWriter &json, const LintoraSession &session)
     json.key("cleaned").boolean(session.cleaned);
     json.key("items");
     writeSubtitles(json, session.items);
+    if (session.look) {
+        json.key("look");
+        writeTitleTemplate(json, *session.look);
+    }
     json.key("options");
     writeOptions(json, session.options);
     if (session.previousItems) {

@@ -23,6 +23,7 @@ struct LintoraSession
     std::optional<QList<SubtitleTrack>> tracks = {};   ///< Absent in a single-track session of an older writer.
     std::optional<QUuid> selectedTrackID = {};
     std::optional<QUuid> splitOriginal = {}; ///< The track that holds the text from before language separation.
+    std::optional<TitleTemplate> look = {};  ///< As a track has one. Other readers pass it over.
 
     /// The record as JSON: compact, keys sorted, absent fields left out. Equal records give equal bytes. The size is
     /// not limited here.

@@ -25,6 +25,8 @@ SubtitleTrack readSubtitleTrack(JsonReader &json)
                             track.previousItems = readSubtitles(json);
                         else if (key == "cleaned")
                             track.cleaned = json.readBoolean();
+                        else if (key == "look" && !json.readNull())
+                            track.look = readTitleTemplate(json);
                         else if (key == "origins" && !json.readNull())
                             track.origins = readTextOrigins(json);
                     });
@@ -40,6 +42,10 @@ void writeSubtitleTrack(JsonWriter &json, const SubtitleTrack &track)
     json.key("items");
     writeSubtitles(json, track.items);
     json.key("label").text(track.label);
+    if (track.look) {
+        json.key("look");
+        writeTitleTemplate(json, *track.look);
+    }
     json.key("options");
     writeOptions(json, track.options);
     if (!track.origins.isEmpty()) {

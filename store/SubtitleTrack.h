@@ -3,6 +3,7 @@
 #include "core/Subtitle.h"
 #include "fcp/Options.h"
 #include "fcp/texts/TextOrigin.h"
+#include "fcp/titles/TitleTemplate.h"
 
 #include <QUuid>
 
@@ -21,15 +22,17 @@ struct SubtitleTrack
     std::optional<QList<Subtitle>> previousItems = {}; ///< The cues before the last cleanup, to go back to.
     bool cleaned = false;                              ///< Whether the cleanup has been applied to `items`.
     QList<TextOrigin> origins = {}; ///< Where cues came from, if from a project. Other readers pass it over.
+    std::optional<TitleTemplate> look =
+        {}; ///< A title of the user's own in the place of the options' style. Other readers pass it over.
 
     friend bool operator==(const SubtitleTrack &, const SubtitleTrack &) = default;
 };
 
-/// Reads an object whose keys are the field names. All are required but "previousItems", which may be null, and
-/// "origins".
+/// Reads an object whose keys are the field names. All are required but "previousItems", which may be null, "origins"
+/// and "look".
 /// @throws PlatformError naming the key path that is missing or of another type.
 SubtitleTrack readSubtitleTrack(JsonReader &json);
 
-/// Writes the object that readSubtitleTrack reads, keys sorted, "previousItems" and "origins" left out when there are
-/// none.
+/// Writes the object that readSubtitleTrack reads, keys sorted, "previousItems", "origins" and "look" left out when
+/// there are none.
 void writeSubtitleTrack(JsonWriter &json, const SubtitleTrack &track);

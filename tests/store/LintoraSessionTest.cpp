@@ -100,6 +100,24 @@ TEST(LintoraSession, remembers_where_cues_came_from_in_a_field_that_others_pass_
     EXPECT_NE(outcome(replaced(written, R"("number":17)", R"("number":"17")")), "accepted");
 }
 
+TEST(LintoraSession, keeps_the_look_of_a_title_in_fields_that_others_pass_over)
+{
+    LintoraSession session;
+    session.look = TitleTemplate{.effects = {{.name = "片头", .uid = "~/a.moti", .src = {}}},
+                                 .xml = "<title ref=\"0\"><text><text-style/></text></title>"};
+    session.tracks = {{.id = QUuid(u"0f1e2d3c-4b5a-6978-8796-a5b4c3d2e1f0"_s), .look = session.look}};
+    const QByteArray written = session.encoded();
+    EXPECT_EQ(LintoraSession::decode(written), session);
+    const qsizetype begin = written.indexOf(R"("look":)");
+    const QByteArray field = written.sliced(begin, written.indexOf(R"("options":)") - begin);
+    EXPECT_EQ(written.count(field), 2) << "of the track, and of the session as it is edited";
+    session.look.reset();
+    session.tracks->first().look.reset();
+    EXPECT_EQ(replaced(written, field, ""), session.encoded());
+    EXPECT_EQ(outcome(replaced(written, field, R"("look":null,)")), "accepted");
+    EXPECT_NE(outcome(replaced(written, "text-style/>", "text-style/><a/>")), "accepted");
+}
+
 TEST(LintoraSession, any_job_survives)
 {
     Generator generator(3);
