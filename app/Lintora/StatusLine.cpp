@@ -72,34 +72,38 @@ void StatusLine::update()
     const std::optional<QString> failure = m_model.failure();
     const QString doing = activity ? sentence(*activity) : QString();
     m_text->setText(failure.value_or(activity ? doing : m_model.message()));
-    m_text->setToolTip(failure ? failureText() : QString());
+    const bool canCopy = failure || (!activity && !m_model.messageDetail().isEmpty());
+    m_text->setToolTip(canCopy ? detailedText() : QString());
     if (m_text->property("failure").toBool() != failure.has_value()) {
         m_text->setProperty("failure", failure.has_value());
         m_text->style()->unpolish(m_text);
         m_text->style()->polish(m_text);
     }
     // Before it goes by itself to whatever comes first in the window.
-    if ((m_cancel->hasFocus() && !activity) || (m_copy->hasFocus() && !failure))
+    if ((m_cancel->hasFocus() && !activity) || (m_copy->hasFocus() && !canCopy))
         Q_EMIT keyboardFreed();
     m_repair->setVisible(!m_model.fileRepairing().offered().isEmpty() && !m_model.fileRepairing().isShown());
     const std::optional<FCPAudioPlan> &offered = m_model.recognition().offeredTimeline();
     m_skip->setVisible(offered.has_value());
     m_skip->setToolTip(offered ? u"接入其余的音频，不含："_s + offered->unreadableNotice().value_or(QString())
                                : QString());
-    m_copy->setVisible(failure.has_value());
+    m_copy->setVisible(canCopy);
+    m_copy->setAccessibleName(failure ? u"复制出错信息"_s : u"复制详情"_s);
+    m_copy->setToolTip(m_copy->accessibleName());
     m_busy->setVisible(activity.has_value());
     m_busy->setToolTip(doing);
     m_busy->setShare(activity ? activity->share : std::nullopt);
     m_cancel->setVisible(activity.has_value());
 }
 
-QString StatusLine::failureText() const
+QString StatusLine::detailedText() const
 {
-    return Failure{.sentence = m_model.failure().value_or(QString()), .detail = m_model.failureDetail()}.text();
+    if (const auto failure = m_model.failure())
+        return Failure{.sentence = *failure, .detail = m_model.failureDetail()}.text();
+    return m_model.message() + u'\n' + m_model.messageDetail();
 }
 
 void StatusLine::copy() const
 {
-    if (m_model.failure())
-        QGuiApplication::clipboard()->setText(failureText());
+    QGuiApplication::clipboard()->setText(detailedText());
 }

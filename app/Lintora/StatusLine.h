@@ -11,8 +11,9 @@ class BusyBar;
 
 /// What has become of the last operation, and what is under way.
 ///
-/// A failure stands in its own colour, tells its detail under the pointer and can be copied with it; success is quiet.
-/// While long work runs, what it is doing, how far it is and a button to cancel it are here.
+/// A failure stands in its own colour; success is quiet. What has a detail tells it under the pointer, and can be
+/// copied with it, as can every failure. While long work runs, what it is doing, how far it is and a button to cancel
+/// it are here.
 class StatusLine : public QWidget
 {
     Q_OBJECT
@@ -28,7 +29,7 @@ Q_SIGNALS:
 
 private:
     void update();
-    QString failureText() const; ///< With its detail.
+    QString detailedText() const; ///< What is said, and its detail.
     void copy() const;
 
     LintoraModel &m_model;

@@ -1,5 +1,6 @@
 #include "app/model/Exports.h"
 
+#include "app/model/Imports.h"
 #include "core/ConversionError.h"
 #include "core/SRT.h"
 #include "core/files/AtomicFile.h"
@@ -8,6 +9,7 @@
 #include "fcp/FCPXML.h"
 #include "fcp/titles/TitleFile.h"
 #include "fcp/titles/WrittenTitles.h"
+#include "fcp/validation/DocumentCheck.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -15,16 +17,6 @@
 using namespace Qt::StringLiterals;
 
 namespace Exports {
-
-namespace {
-
-XmlDocument parse(const FCPProject &project, const Check &check)
-{
-    return project.folder ? FCPXML::document(project.document, *project.folder, check)
-                          : XmlDocument::parse(project.document, u"不支持含外部实体的 XML。", check);
-}
-
-} // namespace
 
 void writeSRT(const QString &path, const QList<Subtitle> &cues, Job &job)
 {
@@ -59,17 +51,22 @@ qsizetype writeAllSRT(const QString &folder, const QString &name, const QList<Su
     return written;
 }
 
-void writeTitles(const QString &path, const QList<Subtitle> &cues, const Options &options,
-                 const std::optional<FCPProject> &project, Job &job)
+QList<Problem> writeTitles(const QString &path, const std::vector<TitleTrack> &tracks,
+                           const std::optional<FCPProject> &project, Job &job)
 {
     const Check check = [&] { job.check(); };
-    auto base = project ? std::optional(parse(*project, check)) : std::nullopt;
+    auto base = project ? std::optional(Imports::document(*project, check)) : std::nullopt;
     job.check();
-    const std::vector<TitleTrack> tracks{{.cues = cues, .options = options}};
     const TitleDocument document = FCPXML::convert(tracks, std::move(base), {}, check);
+    QList<Problem> problems;
     TitleFile::write(
         path, document,
-        [&](QByteArrayView written) { WrittenTitles::verify(written, document.marks(), tracks, {}, check); }, check);
+        [&](QByteArrayView written) {
+            WrittenTitles::verify(written, document.marks(), tracks, {}, check);
+            problems = DocumentCheck::problems(written, check);
+        },
+        check);
+    return problems;
 }
 
 QString fileName(const QString &name)

@@ -3,7 +3,8 @@
 #include "app/model/FCPProject.h"
 #include "core/Job.h"
 #include "core/Subtitle.h"
-#include "fcp/Options.h"
+#include "fcp/titles/TitleTrack.h"
+#include "fcp/validation/Problem.h"
 #include "store/SubtitleTrack.h"
 
 /// What goes out. All of these block and belong on a worker. A file is replaced whole or not at all.
@@ -17,11 +18,12 @@ void writeSRT(const QString &path, const QList<Subtitle> &cues, Job &job);
 /// @throws ConversionError, PlatformError as writeSRT does; files already written stay then
 qsizetype writeAllSRT(const QString &folder, const QString &name, const QList<SubtitleTrack> &tracks, Job &job);
 
-/// Writes a title for each cue into `project`, or into a document of its own without one. What was written is read back
-/// and held against the cues before it takes the target's place.
+/// Writes a title for each cue of `tracks`, as TitleTracks::of gives them, into `project`, or into a document of its
+/// own without one. What was written is read back and held against the cues before it takes the target's place. Returns
+/// what else is wrong with the document, which may have been so in the project.
 /// @throws ConversionError, PlatformError
-void writeTitles(const QString &path, const QList<Subtitle> &cues, const Options &options,
-                 const std::optional<FCPProject> &project, Job &job);
+QList<Problem> writeTitles(const QString &path, const std::vector<TitleTrack> &tracks,
+                           const std::optional<FCPProject> &project, Job &job);
 
 /// `name` as a file can bear it, without an extension; 字幕 when nothing of it is left.
 QString fileName(const QString &name);

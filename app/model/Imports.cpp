@@ -137,6 +137,12 @@ ImportedTimeline readTimeline(const QByteArray &dragged, Job &job)
     return readTimeline(document, {.document = dragged, .folder = std::nullopt, .name = {}, .rate = {}}, job);
 }
 
+XmlDocument document(const FCPProject &project, const Check &check)
+{
+    return project.folder ? FCPXML::document(project.document, *project.folder, check)
+                          : XmlDocument::parse(project.document, u"不支持含外部实体的 XML。", check);
+}
+
 Options matching(Options options, const Options &matched)
 {
     options.rate = matched.rate;

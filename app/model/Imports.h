@@ -6,6 +6,7 @@
 #include "core/Subtitle.h"
 #include "core/repair/SubtitleRepair.h"
 #include "fcp/audio/FCPAudioPlan.h"
+#include "fcp/xml/XmlDocument.h"
 
 #include <QString>
 
@@ -65,6 +66,9 @@ ImportedTimeline readTimeline(const QString &path, Job &job);
 
 /// The same for data that was dragged. @throws ConversionError "FCP 数据过大或含不支持的 XML 实体。" too
 ImportedTimeline readTimeline(const QByteArray &dragged, Job &job);
+
+/// The document of a project that was imported. @throws ConversionError, PlatformError
+XmlDocument document(const FCPProject &project, const Check &check);
 
 /// `options` with the rate, sizes and name of `matched`.
 Options matching(Options options, const Options &matched);

@@ -121,9 +121,23 @@ void LintoraModel::apply(const LintoraSession &session)
 
 void LintoraModel::report(const QString &message)
 {
+    reportWithDetail(message, {});
+}
+
+void LintoraModel::reportWithDetail(const QString &message, const QString &detail)
+{
     m_recognition.offer(std::nullopt);
     publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged);
-    publish(m_message, message, &LintoraModel::messageChanged);
+    setMessage(message, detail);
+}
+
+void LintoraModel::setMessage(const QString &message, const QString &detail)
+{
+    if (message == m_message && detail == m_messageDetail)
+        return;
+    m_message = message;
+    m_messageDetail = detail;
+    Q_EMIT messageChanged();
 }
 
 std::optional<QString> LintoraModel::failure() const
@@ -172,7 +186,7 @@ void LintoraModel::emitChanges(const LintoraSession &before)
     const bool isSameTrack = before.selectedTrackID == now.selectedTrackID;
     const bool haveTracksChanged = (haveCuesChanged && isSameTrack) || before.tracks != now.tracks;
     if (haveTracksChanged) // What was said of the step before is over.
-        publish(m_message, QString(), &LintoraModel::messageChanged);
+        setMessage({}, {});
     if (haveCuesChanged)
         Q_EMIT itemsChanged();
     if (before.source != now.source)

@@ -17,6 +17,7 @@
 #include "app/model/ai/Review.h"
 #include "app/model/ai/ScriptSpeech.h"
 #include "app/model/ai/Translation.h"
+#include "fcp/validation/Problem.h"
 #include "store/Locations.h"
 #include "store/RecentSessions.h"
 
@@ -90,12 +91,14 @@ public:
     /// cannot.
     std::optional<QString> failure() const;
     QString failureDetail() const; ///< What goes with it, shown and copied on demand. Mostly empty.
+    const QString &messageDetail() const { return m_messageDetail; } ///< The same for `message`.
 
     /// How far long work is; absent while there is none. cancelActivity() ends it, and leaves the session as it was.
     std::optional<Progress> activity() const;
     void cancelActivity();
 
     void report(const QString &message); ///< Puts `message` up and takes the refusal down.
+    void reportWithDetail(const QString &message, const QString &detail);
     void reportFailure(const Failure &failure);
     void reportFailure(const QString &sentence) { reportFailure(Failure{.sentence = sentence}); }
 
@@ -194,15 +197,18 @@ public:
     /// What of the timeline can be heard; absent until one is imported.
     const std::optional<FCPAudioPlan> &aiTimelinePlan() const { return m_recognition.aiTimelinePlan(); }
 
-    // Export of the selected track
+    // Export of the selected track, or of all shown tracks: these lie in one document, each on its lane in its style.
 
     void exportSRT();
     void exportAllSRT();    ///< A file for each track, into a folder that is asked for. Files there stay as they are.
     void exportFCPXML();    ///< A document of its own.
     void exportToProject(); ///< Into the kept project; asks for one where there is none.
+    void exportAllFCPXML();
+    void exportAllToProject();
 
     /// The clip document for a drag of that track, or of the selected one. Absent when it was refused.
     std::optional<QByteArray> payload(std::optional<QUuid> trackID);
+    std::optional<QByteArray> payloadOfAll();
 
     // Long work that owns the cues
 
@@ -324,6 +330,7 @@ private:
         field = std::move(value);
         Q_EMIT(this->*changed)();
     }
+    void setMessage(const QString &message, const QString &detail);
     void step(void (EditedSession::*direction)(), const QString &message);
 
     // Import and export
@@ -335,8 +342,17 @@ private:
     void offerRepair(const QString &path);
     void takeRepaired(const Imports::ImportedCues &cues, qsizetype repairs);
     void loadProject(const QString &path, std::function<void()> then);
-    void exportTitles(const std::optional<FCPProject> &project);
-    QString exportName(const QString &of = {}) const;
+    enum class Exported
+    {
+        selectedTrack,
+        shownTracks
+    };
+    void exportIntoProject(Exported which);
+    void exportTitles(Exported which, const std::optional<FCPProject> &project);
+    void reportWritten(const QList<SubtitleTrack> &tracks, const QList<Problem> &problems);
+    QList<SubtitleTrack> exportedTracks(Exported which) const;
+    QString exportName(Exported which, const QString &of = {}) const;
+    std::optional<QByteArray> clipOf(const QList<SubtitleTrack> &tracks);
 
     BackgroundTask *shownTask() const;
 
@@ -364,6 +380,7 @@ private:
     std::optional<LintoraSession> m_sessionAsLoaded; ///< As it was brought in; absent: in an earlier run.
     bool m_isPersisting = false;                     ///< Whether persistSession() is on its way.
     QString m_message;
+    QString m_messageDetail;
     std::optional<Failure> m_failure;
     std::optional<QString> m_unsaved; ///< Why the newest session is not saved.
     std::optional<QString> m_quitQuestion;
@@ -399,4 +416,5 @@ private:
                                                      &m_fileRepairing.task(),
                                                      &m_owner.task(),
                                                      &m_modelDownloads.task()}; ///< Those that are shown.
+}; ///< Those that are shown.
 };

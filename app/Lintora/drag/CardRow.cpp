@@ -34,6 +34,15 @@ CardRow::CardRow(LintoraModel &model, std::function<bool()> mayAct, QWidget *par
     layout->addLayout(heading);
     layout->addLayout(m_cards);
 
+    offerExports();
+    connect(&model, &LintoraModel::tracksChanged, this, &CardRow::follow);
+    connect(&model, &LintoraModel::splitOriginalChanged, this, &CardRow::follow);
+    connect(&model, &LintoraModel::itemsChanged, this, &CardRow::follow);
+    follow();
+}
+
+void CardRow::offerExports()
+{
     const auto perform = [this](void (LintoraModel::*action)()) {
         return [this, action] {
             if (m_mayAct())
@@ -44,15 +53,21 @@ CardRow::CardRow(LintoraModel &model, std::function<bool()> mayAct, QWidget *par
     auto *const menu = new QMenu(m_exportFCPXML);
     menu->addAction(u"独立文档"_s, this, perform(&LintoraModel::exportFCPXML));
     menu->addAction(u"写入项目…"_s, this, perform(&LintoraModel::exportToProject));
+    m_ofAll = {menu->addSeparator(),
+               menu->addAction(u"独立文档（全部语言）"_s, this, perform(&LintoraModel::exportAllFCPXML)),
+               menu->addAction(u"写入项目（全部语言）…"_s, this, perform(&LintoraModel::exportAllToProject))};
     m_exportFCPXML->setMenu(menu);
     m_exportFCPXML->setIcon(VELTheme::icon(VELTheme::Glyph::more, *m_exportFCPXML));
     m_exportFCPXML->setLayoutDirection(Qt::RightToLeft); // The sign stands behind the words.
     menu->setLayoutDirection(Qt::LeftToRight);
+}
 
-    connect(&model, &LintoraModel::tracksChanged, this, &CardRow::follow);
-    connect(&model, &LintoraModel::splitOriginalChanged, this, &CardRow::follow);
-    connect(&model, &LintoraModel::itemsChanged, this, &CardRow::follow);
-    follow();
+void CardRow::addCard(DragSubtitleCard *card)
+{
+    card->installEventFilter(this);
+    m_cards->addWidget(card, 1);
+    setTabOrder(m_shown.isEmpty() ? m_exportFCPXML : m_shown.last(), card);
+    m_shown += card;
 }
 
 void CardRow::follow()
@@ -67,15 +82,13 @@ void CardRow::follow()
     m_tracks = tracks;
     qDeleteAll(m_shown);
     m_shown.clear();
-    QWidget *before = m_exportFCPXML;
-    for (const QUuid &track : tracks) {
-        auto *const card = new DragSubtitleCard(m_model, track, this);
-        card->installEventFilter(this);
-        m_cards->addWidget(card, 1);
-        m_shown += card;
-        setTabOrder(before, card);
-        before = card;
-    }
+    for (const QUuid &track : tracks)
+        addCard(new DragSubtitleCard(m_model, track, this));
+    const bool areSeveral = tracks.size() > 1;
+    if (areSeveral)
+        addCard(new DragSubtitleCard(m_model, DragSubtitleCard::AllTracks(), this));
+    for (QAction *const each : m_ofAll)
+        each->setVisible(areSeveral);
 }
 
 bool CardRow::eventFilter(QObject * /*watched*/, QEvent *event)

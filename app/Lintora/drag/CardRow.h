@@ -4,10 +4,13 @@
 
 #include <QWidget>
 
+class DragSubtitleCard;
+class QAction;
 class QHBoxLayout;
 class QPushButton;
 
-/// A card for each language group, to be dragged into Final Cut Pro, and the exports of the selected one.
+/// A card for each language group, to be dragged into Final Cut Pro, and the exports of the selected one; where there
+/// are several, the same for all of them at once.
 class CardRow : public QWidget
 {
     Q_OBJECT
@@ -21,13 +24,16 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void offerExports();
     void follow();
+    void addCard(DragSubtitleCard *card);
 
     LintoraModel &m_model;
     std::function<bool()> m_mayAct;
     QHBoxLayout *m_cards;
     QPushButton *m_exportSRT;
     QPushButton *m_exportFCPXML;
-    QList<QUuid> m_tracks; ///< Of the cards.
+    QList<QAction *> m_ofAll; ///< The exports of all groups.
+    QList<QUuid> m_tracks;    ///< Of the cards.
     QList<QWidget *> m_shown;
 };

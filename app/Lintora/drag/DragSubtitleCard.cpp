@@ -2,6 +2,7 @@
 
 #include "app/Lintora/drag/CardFrame.h"
 #include "app/model/FCPPasteboard.h"
+#include "app/model/TitleTracks.h"
 #include "app/platform/Platform.h"
 
 #include <QClipboard>
@@ -65,12 +66,19 @@ private:
 } // namespace
 
 DragSubtitleCard::DragSubtitleCard(LintoraModel &model, std::optional<QUuid> trackID, QWidget *parent)
+    : DragSubtitleCard(model, trackID, false, parent)
+{}
+
+DragSubtitleCard::DragSubtitleCard(LintoraModel &model, AllTracks /*all*/, QWidget *parent)
+    : DragSubtitleCard(model, std::nullopt, true, parent)
+{}
+
+DragSubtitleCard::DragSubtitleCard(LintoraModel &model, std::optional<QUuid> trackID, bool carriesAll, QWidget *parent)
     : QAbstractButton(parent)
     , m_model(model)
     , m_trackID(trackID)
+    , m_carriesAll(carriesAll)
 {
-    setToolTip(u"拖入 FCP 时间线，生成可独立编辑的字幕片段"_s);
-    setAccessibleDescription(toolTip());
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::OpenHandCursor);
     setAttribute(Qt::WA_Hover);
@@ -79,6 +87,41 @@ DragSubtitleCard::DragSubtitleCard(LintoraModel &model, std::optional<QUuid> tra
     connect(&model, &LintoraModel::tracksChanged, this, &DragSubtitleCard::showTrack);
     connect(&model, &LintoraModel::selectedTrackIDChanged, this, &DragSubtitleCard::showTrack);
     showTrack();
+}
+
+std::optional<QString> DragSubtitleCard::label() const
+{
+    if (m_carriesAll)
+        return u"全部语言"_s;
+    const SubtitleTrack *const shown = track();
+    return shown ? std::optional(shown->label) : std::nullopt;
+}
+
+QString DragSubtitleCard::help() const
+{
+    const QString help = u"拖入 FCP 时间线，生成可独立编辑的字幕片段"_s;
+    if (!m_carriesAll)
+        return help;
+    const QString covering = TitleTracks::covering(m_model.visibleTracks());
+    const QString lanes = help + u"\n每种语言各占一层，保留各自的样式"_s;
+    return covering.isEmpty() ? lanes : lanes + u'\n' + covering;
+}
+
+qsizetype DragSubtitleCard::cueCount() const
+{
+    if (!m_carriesAll) {
+        const SubtitleTrack *const dragged = track();
+        return dragged ? dragged->items.size() : 0;
+    }
+    qsizetype count = 0;
+    for (const SubtitleTrack &each : m_model.visibleTracks())
+        count += each.items.size();
+    return count;
+}
+
+std::optional<QByteArray> DragSubtitleCard::payload()
+{
+    return m_carriesAll ? m_model.payloadOfAll() : m_model.payload(m_trackID);
 }
 
 const SubtitleTrack *DragSubtitleCard::track() const
@@ -91,10 +134,12 @@ const SubtitleTrack *DragSubtitleCard::track() const
 
 void DragSubtitleCard::showTrack()
 {
-    const SubtitleTrack *const shown = track();
+    setToolTip(help());
+    setAccessibleDescription(toolTip());
+    const std::optional<QString> shown = this->label();
     if (!shown && !m_caption.isEmpty())
         return; // closed: the card keeps its name for as long as it is there
-    const QString label = shown ? shown->label : QString();
+    const QString label = shown.value_or(QString());
     const QString text = u"↗  拖回 FCP 时间线    ·    "_s + label;
     if (text == m_caption)
         return;
@@ -139,8 +184,7 @@ QString DragSubtitleCard::shownCaption(int width) const
 
 QPixmap DragSubtitleCard::dragImage() const
 {
-    const SubtitleTrack *const dragged = track();
-    const QString text = u"VELMORA 字幕助手 · %1 条字幕"_s.arg(dragged ? dragged->items.size() : 0);
+    const QString text = u"VELMORA 字幕助手 · %1 条字幕"_s.arg(cueCount());
     QPixmap image(size() * devicePixelRatioF());
     image.setDevicePixelRatio(devicePixelRatioF());
     image.fill(Qt::transparent);
@@ -183,18 +227,15 @@ void DragSubtitleCard::mouseReleaseEvent(QMouseEvent * /*event*/)
 
 void DragSubtitleCard::drag()
 {
-    const std::optional<QByteArray> document = m_model.payload(m_trackID);
+    const std::optional<QByteArray> document = payload();
     if (!document)
         return;
-    const SubtitleTrack *const dragged = track();
     // Of the application and not of the card: events go on during the drag, and may close the card's track.
     auto *const drag = new QDrag(qGuiApp);
     drag->setMimeData(FCPPasteboard::offering(*document).release());
     drag->setPixmap(dragImage());
     drag->setHotSpot(m_pressed);
-    Platform::log(
-        logger(),
-        u"Begin subtitle drag: cues=%1 bytes=%2"_s.arg(dragged ? dragged->items.size() : 0).arg(document->size()));
+    Platform::log(logger(), u"Begin subtitle drag: cues=%1 bytes=%2"_s.arg(cueCount()).arg(document->size()));
     const QPointer<DragSubtitleCard> card(this);
     const Aftermath aftermath(m_model, *window());
     aftermath.finish(drag->exec(Qt::CopyAction));
@@ -204,7 +245,7 @@ void DragSubtitleCard::drag()
 
 void DragSubtitleCard::copy()
 {
-    const std::optional<QByteArray> document = m_model.payload(m_trackID);
+    const std::optional<QByteArray> document = payload();
     if (!document)
         return;
     QGuiApplication::clipboard()->setMimeData(FCPPasteboard::offering(*document).release());

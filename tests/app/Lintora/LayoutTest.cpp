@@ -5,7 +5,9 @@
 #include "app/Lintora/controls/CheckBox.h"
 #include "app/Lintora/controls/ElidedLabel.h"
 #include "app/Lintora/controls/Sheet.h"
+#include "app/Lintora/drag/CardRow.h"
 #include "app/Lintora/drag/UnifiedImportArea.h"
+#include "app/model/FCPPasteboard.h"
 #include "core/Cancelled.h"
 #include "tests/app/Lintora/PanelTest.h"
 #include "tests/support/Events.h"
@@ -17,6 +19,7 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QPushButton>
 #include <QSemaphore>
 #include <QTest>
@@ -307,13 +310,25 @@ TEST_F(Layout, a_job_that_owns_the_cues_disables_what_would_change_them)
 
 TEST_F(Layout, exports_are_offered_for_a_document_and_for_a_project)
 {
+    const auto *const fcpxml = panel->findChild<CardRow *>()->findChild<QMenu *>();
+    const auto offered = [&] {
+        QStringList entries;
+        for (const QAction *const action : fcpxml->actions()) {
+            if (action->isVisible() && !action->isSeparator())
+                entries += action->text();
+        }
+        return entries;
+    };
     load({u"一"_s});
-    QStringList entries;
-    const auto *const fcpxml = qobject_cast<QPushButton *>(button(u"导出 FCPXML"_s));
-    ASSERT_NE(fcpxml, nullptr);
-    for (const QAction *const action : fcpxml->menu()->actions())
-        entries += action->text();
-    EXPECT_EQ(entries, (QStringList{u"独立文档"_s, u"写入项目…"_s}));
+    EXPECT_EQ(offered(), (QStringList{u"独立文档"_s, u"写入项目…"_s}));
+    EXPECT_EQ(button(u"拖到 FCP 时间线 · 全部语言"_s), nullptr);
+    loadTracks({u"一"_s}, {u"one"_s});
+    EXPECT_EQ(offered(),
+              (QStringList{u"独立文档"_s, u"写入项目…"_s, u"独立文档（全部语言）"_s, u"写入项目（全部语言）…"_s}));
+    click(u"拖到 FCP 时间线 · 全部语言"_s); // which opens its menu
+    auto *const copying = button(u"拖到 FCP 时间线 · 全部语言"_s)->findChild<QMenu *>();
+    copying->actions().first()->trigger();
+    EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->data(FCPPasteboard::fcpTypes().first()), *model.payloadOfAll());
 }
 
 } // namespace

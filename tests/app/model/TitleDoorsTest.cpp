@@ -1,0 +1,115 @@
+// The same titles leave by every door: the window's exports, its card, and the command line.
+
+#include "core/SRT.h"
+#include "core/json/JsonWriter.h"
+#include "store/StylePresetStore.h"
+#include "tests/support/CommandLine.h"
+#include "tests/support/ModelTest.h"
+#include "tests/support/StoryDocument.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class TitleDoors : public ModelTest
+{
+protected:
+    /// Two tracks, each in a style of its own, and one without cues.
+    TitleDoors()
+    {
+        LintoraSession session;
+        session.tracks = QList{track(u"中文"_s, u"你好 & 再见"_s), track(u"English"_s, u"Hello\nBye"_s),
+                               SubtitleTrack{.id = QUuid::createUuid(), .label = u"待归类"_s}};
+        Options &second = (*session.tracks)[1].options;
+        second.font = u"Songti SC"_s;
+        second.fontColor = u"1 1 0 1"_s;
+        second.bottomPercent = 20;
+        second.width = 1920;
+        second.height = 1080;
+        second.fontSize = 30;
+        model->apply(session);
+        settle();
+    }
+
+    static SubtitleTrack track(const QString &label, const QString &text)
+    {
+        return {.id = QUuid::createUuid(),
+                .label = label,
+                .items = {{.id = 1, .start = 40, .end = 900, .text = text},
+                          {.id = 2, .start = 1'000, .end = 1'900, .text = label}}};
+    }
+
+    QByteArray exported(void (LintoraModel::*operation)())
+    {
+        answer = home(u"out.fcpxml"_s);
+        QFile::remove(answer);
+        (*model.*operation)();
+        settle();
+        EXPECT_EQ(model->message(), u"已写入并核对 4 条字幕，逐帧一致"_s) << qPrintable(failure());
+        return read(answer);
+    }
+
+    /// What the command line makes of the same two tracks.
+    QByteArray commanded(const QStringList &into = {}) const
+    {
+        const QList<SubtitleTrack> tracks = model->visibleTracks();
+        StylePresetStore().save({{.id = QUuid::createUuid(), .name = u"译文"_s, .style = tracks[1].options}});
+        const auto srt = [&](qsizetype i) { return write(tracks[i].label, SRT::serialize(tracks[i].items).toUtf8()); };
+        const QString options =
+            write(u"options.json"_s, jsonBytes([&](JsonWriter &json) { writeOptions(json, tracks.first().options); }));
+        const auto outcome = CommandLine::run(QStringList{u"titles"_s, srt(0), u"--options"_s, options, u"--track"_s,
+                                                          srt(1), u"--track-preset"_s, u"译文"_s} +
+                                              into);
+        EXPECT_EQ(outcome.status, 0) << outcome.error.toStdString();
+        return outcome.output;
+    }
+};
+
+TEST_F(TitleDoors, all_shown_tracks_leave_with_the_bytes_of_the_command_line)
+{
+    const QByteArray alone = exported(&LintoraModel::exportAllFCPXML);
+    EXPECT_EQ(alone.toStdString(), commanded().toStdString());
+    EXPECT_EQ(alone.count("lane=\"2\""), 2);
+    EXPECT_EQ(model->payloadOfAll().value_or(QByteArray()).toStdString(), commanded({u"--clip"_s}).toStdString());
+
+    const QString project =
+        write(u"rough.fcpxml"_s, StoryDocument::project("20s", {tag("gap offset=0s duration=20s")}));
+    load(project);
+    EXPECT_EQ(exported(&LintoraModel::exportAllToProject).toStdString(),
+              commanded({u"--base"_s, project}).toStdString());
+}
+
+TEST_F(TitleDoors, tracks_of_two_frame_rates_are_refused_by_name)
+{
+    model->selectTrack(model->tracks()[1].id);
+    Options options = model->options();
+    options.rate = FrameRate::all()[0];
+    model->setOptions(options);
+    EXPECT_EQ(model->payloadOfAll(), std::nullopt);
+    EXPECT_EQ(failure(), u"各条字幕轨的帧率不一致。"_s);
+    EXPECT_EQ(model->failureDetail(), u"“中文”每秒 30 帧，“English”每秒 23.976 帧。"_s);
+}
+
+TEST_F(TitleDoors, the_receipt_says_which_titles_lie_on_each_other_and_what_is_wrong_with_the_document)
+{
+    const QByteArray odd = StoryDocument::project("20s", {tag("gap lane=1 offset=0s duration=20s")});
+    load(write(u"odd.fcpxml"_s, odd));
+    model->selectTrack(model->tracks()[1].id);
+    Options options = model->options();
+    options.bottomPercent = model->tracks()[0].options.bottomPercent;
+    model->setOptions(options);
+    answer = home(u"out.fcpxml"_s);
+    model->exportAllToProject();
+    settle();
+    EXPECT_EQ(model->message(),
+              u"已写入并核对 4 条字幕，逐帧一致 · “中文”与“English”位置重叠，可在样式中错开 · 文档检查发现 1 处问题"_s)
+        << qPrintable(failure());
+    const QByteArray found = CommandLine::run({u"validate"_s, answer}).output.trimmed();
+    EXPECT_EQ(model->messageDetail().toStdString(), found.toStdString());
+    EXPECT_FALSE(found.isEmpty());
+    model->exportAllFCPXML();
+    settle();
+    EXPECT_EQ(model->messageDetail(), QString()) << "nothing is wrong with our own";
+}
+
+} // namespace
