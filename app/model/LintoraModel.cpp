@@ -21,6 +21,11 @@ LintoraSession firstSession(const QString &font)
     return session;
 }
 
+Options picture(const LintoraSession &session)
+{
+    return session.look ? TitleLooks::drawn(*session.look, session.options) : session.options;
+}
+
 } // namespace
 
 LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
@@ -36,6 +41,7 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     , m_recentSessions(m_recent.list())
     , m_session(m_keeper.loadDraft().value_or(firstSession(surroundings.font)))
     , m_fillerWords(m_preferences.fillerWords())
+    , m_pictured(picture(m_session.state()))
 {
     try {
         m_stylePresets.load();
@@ -191,8 +197,12 @@ void LintoraModel::emitChanges(const LintoraSession &before)
         Q_EMIT itemsChanged();
     if (before.source != now.source)
         Q_EMIT sourceChanged();
+    if (before.options != now.options || before.look != now.look)
+        publish(m_pictured, picture(m_session.state()), &LintoraModel::picturedChanged);
     if (before.options != now.options)
         Q_EMIT optionsChanged();
+    if (before.look != now.look)
+        Q_EMIT lookChanged();
     if (before.removeFillers != now.removeFillers)
         Q_EMIT removeFillersChanged();
     if (before.removePunctuation != now.removePunctuation)

@@ -4,6 +4,7 @@
 #include "app/model/FileDialogs.h"
 #include "app/model/FileRepairing.h"
 #include "app/model/Imports.h"
+#include "app/model/OwnTitles.h"
 #include "app/model/Preferences.h"
 #include "app/model/ScriptMatching.h"
 #include "app/model/SessionLink.h"
@@ -157,7 +158,7 @@ public:
     /// Whether there are cues to be seen, or ways in the session to have some back.
     bool isInUse() const;
 
-    // Titles' look
+    // Titles' style, of the selected track
 
     /// Options set between these two are one step: the drag of a slider. Anything else that happens meanwhile ends it.
     void beginGesture();
@@ -166,6 +167,18 @@ public:
     /// @throws nothing; options that cannot be written are refused by the export.
     void setOptions(const Options &options);
     void setCanvasHeight(qint64 pixels);
+
+    /// The title of the user's own that the cues are written like, in the place of the options' style; absent for Basic
+    /// Title.
+    const std::optional<TitleTemplate> &look() const { return snapshot().look; }
+    void setLook(const std::optional<TitleTemplate> &look);
+    OwnTitles &ownTitles() { return m_ownTitles; }
+    const OwnTitles &ownTitles() const { return m_ownTitles; }
+    void showOwnTitles();   ///< Those of the kept project; none where there is no project.
+    void chooseOwnTitles(); ///< Those of a project that is asked for.
+
+    /// What a picture of a title is drawn by: the options, with what can be drawn of the look.
+    const Options &pictured() const { return m_pictured; }
 
     StylePresets &stylePresets() { return m_stylePresets; }
     const StylePresets &stylePresets() const { return m_stylePresets; }
@@ -292,6 +305,8 @@ Q_SIGNALS:
     void itemsChanged();
     void sourceChanged();
     void optionsChanged();
+    void lookChanged();
+    void picturedChanged();
     void removeFillersChanged();
     void removePunctuationChanged();
     void previousItemsChanged();
@@ -330,6 +345,7 @@ private:
         field = std::move(value);
         Q_EMIT(this->*changed)();
     }
+    void setStyle(const Options &options, const std::optional<TitleTemplate> &look, const QString &title);
     void setMessage(const QString &message, const QString &detail);
     void step(void (EditedSession::*direction)(), const QString &message);
 
@@ -403,18 +419,15 @@ private:
     Review m_review{m_session, m_owner, m_aiSettings};
     CueTools m_cueTools{m_session, m_owner};
     FileRepairing m_fileRepairing;
+    OwnTitles m_ownTitles;
+    Options m_pictured;
 
     // The tasks come last, so that they end first.
     BackgroundTask m_import{BackgroundTask::Order::oneAfterAnother};
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_tidying{BackgroundTask::Order::oneAfterAnother};
-    const std::array<BackgroundTask *, 7> m_tasks = {&m_import,
-                                                     &m_export,
-                                                     &m_scriptMatching.task(),
-                                                     &m_cueTools.task(),
-                                                     &m_fileRepairing.task(),
-                                                     &m_owner.task(),
-                                                     &m_modelDownloads.task()}; ///< Those that are shown.
-}; ///< Those that are shown.
+    const std::array<BackgroundTask *, 8> m_tasks = {
+        &m_import,           &m_export,       &m_scriptMatching.task(), &m_cueTools.task(), &m_fileRepairing.task(),
+        &m_ownTitles.task(), &m_owner.task(), &m_modelDownloads.task()}; ///< Those that are shown.
 };

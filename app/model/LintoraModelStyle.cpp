@@ -19,11 +19,36 @@ void LintoraModel::endGesture()
 
 void LintoraModel::setOptions(const Options &options)
 {
+    setStyle(options, look(), u"修改样式"_s);
+}
+
+void LintoraModel::setStyle(const Options &options, const std::optional<TitleTemplate> &look, const QString &title)
+{
     if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s))
         return;
     LintoraSession next = m_session.state();
     next.options = options;
-    m_session.replace(SessionTracks::committed(std::move(next)), u"修改样式"_s, EditStep::gesture);
+    next.look = look;
+    m_session.replace(SessionTracks::committed(std::move(next)), title, EditStep::gesture);
+}
+
+void LintoraModel::setLook(const std::optional<TitleTemplate> &look)
+{
+    setStyle(options(), look, look ? u"选用标题模板"_s : u"恢复基本字幕"_s);
+}
+
+void LintoraModel::showOwnTitles()
+{
+    if (m_project)
+        m_ownTitles.show(*m_project);
+    else
+        m_ownTitles.close();
+}
+
+void LintoraModel::chooseOwnTitles()
+{
+    m_dialogs.open({.title = u"选择含有标题的 FCP 项目"_s, .extensions = {u"fcpxml"_s, u"fcpxmld"_s}},
+                   [this](const QString &path) { m_ownTitles.show(path); });
 }
 
 void LintoraModel::setCanvasHeight(qint64 pixels)
@@ -44,12 +69,12 @@ void LintoraModel::applyStylePreset(const QUuid &id)
     const auto preset = m_stylePresets.find(id);
     if (!preset)
         return;
-    setOptions(preset->applying(options()));
+    setStyle(preset->applying(options()), preset->look, u"修改样式"_s);
     if (!aiBusy())
         report(u"已套用样式预设“%1”"_s.arg(preset->name));
 }
 
 void LintoraModel::saveStylePreset(const QString &named)
 {
-    m_stylePresets.save(named, options());
+    m_stylePresets.save(named, options(), look());
 }

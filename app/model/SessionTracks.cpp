@@ -65,6 +65,7 @@ LintoraSession activated(LintoraSession session)
     const SubtitleTrack track = session.tracks->at(*index);
     session.items = track.items;
     session.options = track.options;
+    session.look = track.look;
     session.removeFillers = track.removeFillers;
     session.removePunctuation = track.removePunctuation;
     session.previousItems = track.previousItems;
@@ -80,6 +81,7 @@ LintoraSession committed(LintoraSession session)
     SubtitleTrack &track = (*session.tracks)[*index];
     track.items = session.items;
     track.options = session.options;
+    track.look = session.look;
     track.removeFillers = session.removeFillers;
     track.removePunctuation = session.removePunctuation;
     track.previousItems = session.previousItems;
@@ -149,7 +151,8 @@ SubtitleTrack newTrack(const LintoraSession &session, const QList<Subtitle> &cue
             .items = cues,
             .options = session.options,
             .removeFillers = session.removeFillers,
-            .removePunctuation = session.removePunctuation};
+            .removePunctuation = session.removePunctuation,
+            .look = session.look};
 }
 
 QString label(const QList<Subtitle> &cues)

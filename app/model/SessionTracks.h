@@ -6,18 +6,18 @@
 /// A session and its tracks.
 ///
 /// A session in use keeps this order: there is a list of tracks; an empty one goes with no cues. One of them is
-/// selected, never the original kept from before a separation while there is another; cues, options and switches of the
-/// session are those of the selected track, and the track has them too.
+/// selected, never the original kept from before a separation while there is another; cues, options, look and switches
+/// of the session are those of the selected track, and the track has them too.
 namespace SessionTracks {
 
 /// Any record put into that order. Where the session and its selected track differ, the track holds. A record without
 /// tracks gets one of its own cues, if it has some.
 LintoraSession normalized(LintoraSession session);
 
-/// The session with the selected track's cues, options and switches.
+/// The session with the selected track's cues, options, look and switches.
 LintoraSession activated(LintoraSession session);
 
-/// The session with its cues, options and switches put back into the selected track.
+/// The session with its cues, options, look and switches put back into the selected track.
 LintoraSession committed(LintoraSession session);
 
 /// The same session with another track selected; unchanged when there is none of that id, or it is the kept original.
@@ -39,7 +39,7 @@ std::optional<QUuid> changedTrack(const LintoraSession &before, const LintoraSes
 /// when they are the same, when none is left, and for a track that `before` has not.
 std::optional<qsizetype> changedCue(const LintoraSession &before, const LintoraSession &after);
 
-/// A track of `cues` with the session's options and switches, labelled by their language.
+/// A track of `cues` with the session's options, look and switches, labelled by their language.
 SubtitleTrack newTrack(const LintoraSession &session, const QList<Subtitle> &cues);
 
 /// What a track of such cues is called: the language of most of its lines, 字幕 when none prevails.

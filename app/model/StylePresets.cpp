@@ -21,9 +21,9 @@ std::optional<SubtitleStylePreset> StylePresets::find(const QUuid &id) const
     return found == m_presets.end() ? std::nullopt : std::optional(*found);
 }
 
-void StylePresets::save(const QString &name, const Options &style)
+void StylePresets::save(const QString &name, const Options &style, const std::optional<TitleTemplate> &look)
 {
-    change([name, style](const Presets &presets) { return SubtitleStylePresets::saving(presets, name, style); },
+    change([=](const Presets &presets) { return SubtitleStylePresets::saving(presets, name, style, look); },
            u"已保存样式预设“%1”"_s.arg(name.trimmed()));
 }
 

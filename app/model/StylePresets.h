@@ -20,7 +20,8 @@ public:
     const QList<SubtitleStylePreset> &all() const { return m_presets; } ///< In the order in which they were saved.
     std::optional<SubtitleStylePreset> find(const QUuid &id) const;
 
-    void save(const QString &name, const Options &style); ///< Replaces the one of that name.
+    /// Replaces the one of that name.
+    void save(const QString &name, const Options &style, const std::optional<TitleTemplate> &look = {});
     void rename(const QUuid &id, const QString &name);
     void remove(const QUuid &id);
     bool canRestore() const; ///< Whether the preset removed last is still missing.

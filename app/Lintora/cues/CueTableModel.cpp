@@ -23,7 +23,7 @@ CueTableModel::CueTableModel(LintoraModel &model, QObject *parent)
     connect(&model, &LintoraModel::loaded, this, [this] { m_isLoading = true; });
     connect(&model, &LintoraModel::itemsChanged, this, &CueTableModel::follow);
     connect(&model, &LintoraModel::selectedTrackIDChanged, this, &CueTableModel::follow);
-    connect(&model, &LintoraModel::optionsChanged, this, &CueTableModel::forgetStyle);
+    connect(&model, &LintoraModel::picturedChanged, this, &CueTableModel::forgetStyle);
     connect(&model.translation(), &Translation::termsChanged, this, &CueTableModel::forgetWarnings);
     connect(&model.suspects(), &SuspectMarks::changed, this, &CueTableModel::forgetWarnings);
 }
@@ -122,7 +122,7 @@ void CueTableModel::forgetWarnings()
 QList<CueWarnings::Warning> CueTableModel::warnings(int row) const
 {
     if (!m_measure)
-        m_measure = std::make_unique<TitleMeasure>(m_model.options());
+        m_measure = std::make_unique<TitleMeasure>(m_model.pictured());
     const Subtitle *const next = row + 1 < m_items.size() ? &m_items.at(row + 1) : nullptr;
     return CueWarnings::of(m_items.at(row), next,
                            [this](QStringView text) { return m_measure->isWiderThanSafe(text); });

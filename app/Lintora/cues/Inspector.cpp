@@ -82,7 +82,7 @@ Inspector::Inspector(LintoraModel &model, CueTableModel &cues, QWidget *parent)
     layout->addLayout(words, 1);
 
     connect(&cues, &CueTableModel::changed, this, &Inspector::update);
-    connect(&model, &LintoraModel::optionsChanged, this, &Inspector::update);
+    connect(&model, &LintoraModel::picturedChanged, this, &Inspector::update);
     update();
 }
 
@@ -109,7 +109,7 @@ void Inspector::update()
         m_numbers->setText(u"选中一条字幕，查看时长与画面"_s);
         m_gap->clear();
         m_warnings->clear();
-        m_preview->show({}, m_model.options());
+        m_preview->show({}, m_model.pictured());
         return;
     }
     const Subtitle &cue = m_cues.cue(*m_cue);
@@ -121,5 +121,5 @@ void Inspector::update()
     QPalette palette = m_warnings->palette();
     palette.setColor(QPalette::WindowText, VELTheme::colors(*this).warning);
     m_warnings->setPalette(palette);
-    m_preview->show(cue.text, m_model.options());
+    m_preview->show(cue.text, m_model.pictured());
 }

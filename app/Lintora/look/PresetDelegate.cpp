@@ -3,6 +3,7 @@
 #include "app/Lintora/controls/Theme.h"
 #include "app/Lintora/look/PresetListModel.h"
 #include "app/titles/TitlePicture.h"
+#include "fcp/titles/TitleLooks.h"
 
 #include <QPainter>
 
@@ -40,14 +41,15 @@ QSize PresetDelegate::sizeHint(const QStyleOptionViewItem & /*option*/, const QM
 const QImage &PresetDelegate::thumbnail(const SubtitleStylePreset &preset, double ratio) const
 {
     const auto known = m_thumbnails.constFind(preset.id);
-    if (known != m_thumbnails.constEnd() && known->style == preset.style && known->ratio == ratio)
+    const Options style = preset.look ? TitleLooks::drawn(*preset.look, preset.style) : preset.style;
+    if (known != m_thumbnails.constEnd() && known->style == style && known->ratio == ratio)
         return known->image;
     if (m_thumbnails.size() > mostThumbnails)
         m_thumbnails.clear();
-    QImage image = TitlePicture::draw(u"字幕"_s, closeUp(preset.style), (QSizeF(pictureSize) * ratio).toSize(),
+    QImage image = TitlePicture::draw(u"字幕"_s, closeUp(style), (QSizeF(pictureSize) * ratio).toSize(),
                                       {.kind = TitleBackdrop::Kind::greys});
     image.setDevicePixelRatio(ratio);
-    return m_thumbnails.insert(preset.id, {.style = preset.style, .ratio = ratio, .image = image})->image;
+    return m_thumbnails.insert(preset.id, {.style = style, .ratio = ratio, .image = image})->image;
 }
 
 void PresetDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const

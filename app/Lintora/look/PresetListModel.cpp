@@ -24,6 +24,8 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const
     const SubtitleStylePreset &each = preset(index);
     if (role == Qt::DisplayRole)
         return each.name;
+    if (role == Qt::ToolTipRole && each.look)
+        return u"%1\n标题模板“%2”"_s.arg(each.name, each.look->name());
     if (role == Qt::ToolTipRole)
         return u"%1\n%2 · %3 点 · %4 × %5"_s.arg(each.name, each.style.font, QString::number(each.style.fontSize),
                                                  QString::number(each.style.width), QString::number(each.style.height));

@@ -155,6 +155,12 @@ void StyleStage::takeStill(const QImage &still)
     m_preview->setBackdrop({.kind = TitleBackdrop::Kind::still, .still = still});
 }
 
+void StyleStage::setCaveat(const QString &sentence)
+{
+    m_caveat = sentence;
+    followRemark();
+}
+
 void StyleStage::setRefusal(const QString &sentence)
 {
     m_refusal = sentence;
@@ -164,7 +170,9 @@ void StyleStage::setRefusal(const QString &sentence)
 void StyleStage::followRemark()
 {
     const bool isFailure = !m_refusal.isEmpty();
-    m_remark->setText(isFailure ? m_refusal : m_preview->remark());
+    QStringList remarks{m_caveat, m_preview->remark()};
+    remarks.removeAll(QString());
+    m_remark->setText(isFailure ? m_refusal : remarks.join(u" · "_s));
     QPalette palette = m_remark->palette();
     const VELTheme::Colors &colors = VELTheme::colors(*this);
     palette.setColor(QPalette::WindowText, isFailure ? colors.failure : colors.warning);

@@ -19,6 +19,9 @@ public:
 
     StylePreview &preview() { return *m_preview; }
 
+    /// What the preview cannot show; empty when it shows all there is.
+    void setCaveat(const QString &sentence);
+
     /// Puts the picture in the file at `path` behind the title, when it has been read.
     void loadStill(const QString &path);
 
@@ -35,6 +38,7 @@ private:
     QList<QPushButton *> m_backdrops;
     QPushButton *m_still;
     ElidedLabel *m_remark;
+    QString m_caveat;
     QString m_refusal; ///< Why there is no still; empty when none was refused.
     BackgroundTask m_reading{BackgroundTask::Order::newestOnly};
 };

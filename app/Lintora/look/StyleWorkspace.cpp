@@ -5,9 +5,11 @@
 #include "app/Lintora/look/DocumentControls.h"
 #include "app/Lintora/look/FontFaces.h"
 #include "app/Lintora/look/FontPicker.h"
+#include "app/Lintora/look/LookControls.h"
 #include "app/Lintora/look/PresetShelf.h"
 #include "app/Lintora/look/StyleControls.h"
 #include "app/Lintora/look/StyleStage.h"
+#include "app/Lintora/look/TitlePicker.h"
 #include "store/Locations.h"
 
 #include <QKeyEvent>
@@ -59,6 +61,7 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
     column->addWidget(m_stage, 3);
     m_pages->addWidget(makeControls());
     m_pages->addWidget(makeFontPage());
+    m_pages->addWidget(makeTitlePage());
     m_columns->addWidget(m_stageColumn);
     m_columns->addWidget(m_rule);
     m_columns->addWidget(m_pages);
@@ -66,6 +69,7 @@ StyleWorkspace::StyleWorkspace(LintoraModel &model, QWidget *content, const Font
 
     connect(this, &Sheet::closeRequested, &model, [&model] { model.window().setSettingsVisible(false); });
     connect(&model, &LintoraModel::optionsChanged, this, [this] { preview(std::nullopt); });
+    connect(&model, &LintoraModel::lookChanged, this, &StyleWorkspace::followLook);
     connect(&m_catalogue, &FontCatalogue::ready, this, [this] { m_isLoadingFonts = false; });
     connect(&m_catalogue, &FontCatalogue::indexNotSaved, &model,
             [&model](const QString &reason) { model.report(u"字体名称未能存下，下次需重新读取：%1"_s.arg(reason)); });
@@ -96,11 +100,13 @@ QWidget *StyleWorkspace::makeControls()
 {
     m_scroll = new QScrollArea(m_pages);
     auto *const content = new QWidget(m_scroll);
+    m_look = new LookControls(m_model, content);
     m_controls = new StyleControls(m_model, content);
     m_document = new DocumentControls(m_model, content);
     auto *const layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, scrollBarRoom, 0);
     layout->setSpacing(4 * VELTheme::step);
+    layout->addWidget(m_look);
     layout->addWidget(m_controls);
     layout->addWidget(m_document);
     layout->addStretch();
@@ -116,6 +122,7 @@ QWidget *StyleWorkspace::makeControls()
         connect(form, &OptionsForm::previewEnded, this, [this] { preview(std::nullopt); });
     }
     connect(m_controls, &StyleControls::fontRequested, this, &StyleWorkspace::openFonts);
+    connect(m_look, &LookControls::requested, this, &StyleWorkspace::openTitles);
     return m_scroll;
 }
 
@@ -129,6 +136,18 @@ QWidget *StyleWorkspace::makeFontPage()
     return m_fonts;
 }
 
+QWidget *StyleWorkspace::makeTitlePage()
+{
+    m_titles = new TitlePicker(m_model, m_pages);
+    connect(m_titles, &TitlePicker::previewed, this, &StyleWorkspace::previewLook);
+    connect(m_titles, &TitlePicker::chosen, this, [this](const TitleTemplate &look) {
+        m_model.setLook(look);
+        leaveTitles();
+    });
+    connect(m_titles, &TitlePicker::left, this, &StyleWorkspace::leaveTitles);
+    return m_titles;
+}
+
 void StyleWorkspace::present()
 {
     if (isVisible())
@@ -139,8 +158,8 @@ void StyleWorkspace::present()
         m_catalogue.load();
     }
     m_pages->setCurrentWidget(m_scroll);
-    preview(std::nullopt);
-    open(m_controls->fontButton());
+    followLook();
+    open(firstControl());
     arrange();
 }
 
@@ -156,13 +175,51 @@ void StyleWorkspace::showTitle()
         return;
     const QList<Subtitle> &cues = m_model.items();
     const QString text = m_cue && *m_cue < cues.size() ? cues.at(*m_cue).text : QString();
-    m_stage->preview().show(text.trimmed().isEmpty() ? sampleText() : text, m_pending.value_or(m_model.options()));
+    m_stage->preview().show(text.trimmed().isEmpty() ? sampleText() : text, m_pending.value_or(m_model.pictured()));
+    const auto &look = m_model.look();
+    const QString name = m_pending || !look ? m_pendingLook : look->name();
+    m_stage->setCaveat(name.isEmpty() ? QString()
+                                      : u"预览只画文字：“%1”的动画、图形与准确位置请在 FCP 里看"_s.arg(name));
 }
 
 void StyleWorkspace::preview(std::optional<Options> options)
 {
     m_pending = std::move(options);
+    m_pendingLook.clear();
     showTitle();
+}
+
+void StyleWorkspace::previewLook(const TitleTemplate &look)
+{
+    m_pending = TitleLooks::drawn(look, m_model.options());
+    m_pendingLook = look.name();
+    showTitle();
+}
+
+/// A title of the user's own brings its style with it.
+void StyleWorkspace::followLook()
+{
+    m_controls->setVisible(!m_model.look());
+    preview(std::nullopt);
+}
+
+QWidget *StyleWorkspace::firstControl() const
+{
+    return m_model.look() ? m_look->chooseButton() : m_controls->fontButton();
+}
+
+void StyleWorkspace::openTitles()
+{
+    m_pages->setCurrentWidget(m_titles);
+    m_titles->begin();
+}
+
+void StyleWorkspace::leaveTitles()
+{
+    m_pages->setCurrentWidget(m_scroll);
+    m_look->chooseButton()->setFocus(Qt::OtherFocusReason);
+    m_model.ownTitles().close();
+    preview(std::nullopt);
 }
 
 void StyleWorkspace::keyPressEvent(QKeyEvent *event)

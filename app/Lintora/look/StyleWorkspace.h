@@ -6,6 +6,7 @@
 
 class DocumentControls;
 class FontPicker;
+class LookControls;
 class PresetShelf;
 class QBoxLayout;
 class QScrollArea;
@@ -13,6 +14,7 @@ class QStackedWidget;
 class QuestionSheet;
 class StyleControls;
 class StyleStage;
+class TitlePicker;
 
 /// Where it is decided how titles look: a large picture of one, and beside or below it the controls, which it follows.
 class StyleWorkspace : public Sheet
@@ -47,12 +49,18 @@ protected:
 private:
     QWidget *makeControls();
     QWidget *makeFontPage();
+    QWidget *makeTitlePage();
     void arrange();
     void showTitle();
     void preview(std::optional<Options> options);
     void openFonts();
     void leaveFonts();
     void chooseFont(const QString &family, const QString &face);
+    void openTitles();
+    void leaveTitles();
+    void previewLook(const TitleTemplate &look);
+    void followLook();
+    QWidget *firstControl() const;
     Options withFont(const QString &family, const QString &face) const;
 
     LintoraModel &m_model;
@@ -63,13 +71,16 @@ private:
     StyleStage *m_stage = nullptr;
     QStackedWidget *m_pages = nullptr;
     QScrollArea *m_scroll = nullptr;
+    LookControls *m_look = nullptr;
     StyleControls *m_controls = nullptr;
     DocumentControls *m_document = nullptr;
     FontPicker *m_fonts = nullptr;
+    TitlePicker *m_titles = nullptr;
     QuestionSheet *m_questions = nullptr;
     PresetShelf *m_presets = nullptr;
     std::optional<qsizetype> m_cue;
     std::optional<Options> m_pending; ///< What is looked at and not chosen yet.
+    QString m_pendingLook;            ///< The name of the look that is looked at; empty for none.
     bool m_isWide = false;
     bool m_isLoadingFonts = false;
     bool m_removedPresetLast = false; ///< Whether no change of the session came after that of a preset.

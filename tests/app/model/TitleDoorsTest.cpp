@@ -11,6 +11,18 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// A project with a title of the user's own.
+QByteArray designed()
+{
+    return StoryDocument::project(
+        "20s",
+        {tag("gap offset=0s duration=20s",
+             {tag("title ref=own lane=1 offset=1s duration=2s",
+                  {tag("text", {textTag("text-style ref=ts1", "姓名")}),
+                   tag("text-style-def id=ts1", {tag("text-style font=Kaiti fontSize=70")})})})},
+        {tag("effect id=own name=人名条 uid=~/Titles.localized/a.moti")});
+}
+
 class TitleDoors : public ModelTest
 {
 protected:
@@ -77,6 +89,38 @@ TEST_F(TitleDoors, all_shown_tracks_leave_with_the_bytes_of_the_command_line)
     load(project);
     EXPECT_EQ(exported(&LintoraModel::exportAllToProject).toStdString(),
               commanded({u"--base"_s, project}).toStdString());
+}
+
+TEST_F(TitleDoors, a_title_of_ones_own_is_written_as_the_command_line_writes_it)
+{
+    const QString own = write(u"own.fcpxml"_s, designed());
+    load(own);
+    model->showOwnTitles();
+    settle();
+    ASSERT_EQ(model->ownTitles().offers().size(), 1) << qPrintable(model->ownTitles().status());
+    const QByteArray basic = exported(&LintoraModel::exportAllFCPXML);
+    model->setLook(model->ownTitles().offers().first().look);
+    EXPECT_TRUE(exported(&LintoraModel::exportAllFCPXML).contains("uid=\"~/Titles.localized/a.moti\""));
+    for (const QStringList &into : {QStringList(), QStringList{u"--clip"_s}, QStringList{u"--base"_s, own}}) {
+        const QByteArray written = into.isEmpty()     ? exported(&LintoraModel::exportAllFCPXML)
+                                   : into.size() == 1 ? model->payloadOfAll().value_or(QByteArray())
+                                                      : exported(&LintoraModel::exportAllToProject);
+        EXPECT_EQ(written.toStdString(), commanded(into + QStringList{u"--template"_s, own}).toStdString());
+    }
+    restart(); // The draft has it.
+    EXPECT_EQ(exported(&LintoraModel::exportAllFCPXML).toStdString(), commanded({u"--template"_s, own}).toStdString());
+    model->saveStylePreset(u"自己的"_s);
+    settle();
+    model->setLook(std::nullopt);
+    EXPECT_EQ(exported(&LintoraModel::exportAllFCPXML), basic);
+    model->stylePresets().wait();
+    settle();
+    model->applyStylePreset(model->stylePresets().all().last().id);
+    EXPECT_TRUE(model->look().has_value()) << "a preset keeps it";
+    model->undo();
+    EXPECT_FALSE(model->look().has_value());
+    model->undo();
+    EXPECT_TRUE(model->look().has_value());
 }
 
 TEST_F(TitleDoors, tracks_of_two_frame_rates_are_refused_by_name)
