@@ -12,6 +12,24 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Invalid behind the last cell.
+QModelIndex editableAfter(const QModelIndex &cell)
+{
+    return cell.column() < CueTableModel::textColumn ? cell.siblingAtColumn(cell.column() + 1)
+                                                     : cell.sibling(cell.row() + 1, CueTableModel::startColumn);
+}
+
+/// Invalid before the first cell.
+QModelIndex editableBefore(const QModelIndex &cell)
+{
+    return cell.column() > CueTableModel::startColumn ? cell.siblingAtColumn(cell.column() - 1)
+                                                      : cell.sibling(cell.row() - 1, CueTableModel::textColumn);
+}
+
+} // namespace
+
 CueGrid::CueGrid(LintoraModel &model, QWidget *parent)
     : QTableView(parent)
     , m_model(model)
@@ -60,6 +78,7 @@ CueGrid::CueGrid(LintoraModel &model, QWidget *parent)
     connect(&m_filter, &QAbstractItemModel::modelReset, this, &CueGrid::restorePlace, Qt::QueuedConnection);
     connect(&model, &LintoraModel::aboutToLoad, this, &CueGrid::commitEdit);
     connect(&m_cues, &CueTableModel::aboutToFollow, this, &CueGrid::keepEditorOnItsCue);
+    connect(m_textDelegate, &CueTextDelegate::accepted, this, [this](CueTextEditor *editor) { goOn(*editor); });
     connect(m_textDelegate, &CueTextDelegate::abandoned, this, [this](CueTextEditor *editor) { abandon(*editor); });
 }
 
@@ -137,12 +156,15 @@ void CueGrid::takeKeyboard()
 
 void CueGrid::editText(qsizetype cue)
 {
-    const QModelIndex index = indexOf(cue, CueTableModel::textColumn);
-    if (!index.isValid())
-        return;
-    select(index);
-    if (index.flags().testFlag(Qt::ItemIsEditable))
-        QTableView::edit(index);
+    open(indexOf(cue, CueTableModel::textColumn));
+}
+
+/// Goes there and opens the editor, if there is such a cell.
+void CueGrid::open(const QModelIndex &cell)
+{
+    select(cell);
+    if (cell.flags().testFlag(Qt::ItemIsEditable))
+        QTableView::edit(cell);
 }
 
 void CueGrid::currentChanged(const QModelIndex &current, const QModelIndex &previous)
@@ -196,7 +218,20 @@ void CueGrid::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hi
         m_editor->stop();
         m_editor = nullptr;
     }
-    QTableView::closeEditor(editor, hint);
+    const QModelIndex cell = currentIndex();
+    QTableView::closeEditor(editor, QAbstractItemDelegate::NoHint);
+    if (hint == QAbstractItemDelegate::EditNextItem)
+        open(editableAfter(cell));
+    else if (hint == QAbstractItemDelegate::EditPreviousItem)
+        open(editableBefore(cell));
+}
+
+/// To the text of the next cue in sight; behind the last one, back to the row.
+void CueGrid::goOn(const CueTextEditor &editor)
+{
+    const QModelIndex next = editor.cue().sibling(editor.cue().row() + 1, CueTableModel::textColumn);
+    closeText();
+    open(next);
 }
 
 /// Escape takes back what was typed, as it does everywhere; the history still has it, for a slip of the finger.

@@ -57,6 +57,8 @@ protected:
 private:
     QModelIndex indexOf(qsizetype cue, int column) const;
     void select(const QModelIndex &index);
+    void open(const QModelIndex &cell);
+    void goOn(const CueTextEditor &editor);
     void followRowCount();
     void rescueTyped();
     void keepEditorOnItsCue(const QList<Subtitle> &items);

@@ -6,8 +6,10 @@ class QMenu;
 
 /// The cues of the selected track, and what is done to them by keys and from a menu.
 ///
-/// Keys: Return edits, Escape leaves, and with Command (Control elsewhere) Return inserts a cue behind, K splits, J
-/// joins with the next, Backspace deletes. cut(), copy(), paste() and selectAll() are what the edit menu calls.
+/// Keys: Return edits and, in a text, goes on to that of the next cue; Tab goes on to the next cell while one is
+/// edited; Escape leaves. With Command (Control elsewhere) Return inserts a cue behind, K splits, J joins with the
+/// next, Backspace deletes, and with Shift too T moves times. cut(), copy(), paste() and selectAll() are what the edit
+/// menu calls.
 class CueTable : public CueGrid
 {
     Q_OBJECT

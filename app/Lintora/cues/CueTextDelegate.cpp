@@ -33,9 +33,13 @@ QWidget *CueTextDelegate::createEditor(QWidget *parent, const QStyleOptionViewIt
     auto *const editor = new CueTextEditor(index, parent);
     auto *const self = const_cast<CueTextDelegate *>(this);
     const auto close = [self, editor] { Q_EMIT self->closeEditor(editor, NoHint); };
-    connect(editor, &CueTextEditor::accepted, self, [editor, close] {
+    connect(editor, &CueTextEditor::accepted, self, [self, editor] {
         if (commit(*editor))
-            close();
+            Q_EMIT self->accepted(editor);
+    });
+    connect(editor, &CueTextEditor::tabbed, self, [self, editor](bool forward) {
+        if (commit(*editor))
+            Q_EMIT self->closeEditor(editor, forward ? EditNextItem : EditPreviousItem);
     });
     connect(editor, &CueTextEditor::focusLeft, self, [editor, close] {
         if (commit(*editor) || editor->toPlainText().trimmed().isEmpty())

@@ -25,6 +25,7 @@ public:
                               const QModelIndex &index) const override;
 
 Q_SIGNALS:
+    void accepted(CueTextEditor *editor); ///< Return was pressed, and the text is kept; the receiver closes the editor.
     void abandoned(CueTextEditor *editor); ///< Escape was pressed; the receiver closes the editor.
     void splitRequested(CueTextEditor *editor);
     void joinRequested(CueTextEditor *editor);

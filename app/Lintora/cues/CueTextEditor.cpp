@@ -32,7 +32,6 @@ CueTextEditor::CueTextEditor(const QModelIndex &cue, QWidget *parent)
     setProperty("cell", true);
     setAccessibleName(u"字幕文字"_s);
     setFrameShape(NoFrame);
-    setTabChangesFocus(true);
     setLineWrapMode(WidgetWidth);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -103,6 +102,8 @@ void CueTextEditor::keyPressEvent(QKeyEvent *event)
         insertPlainText(u"\n"_s);
     else if (isReturn)
         Q_EMIT accepted();
+    else if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab)
+        Q_EMIT tabbed(event->key() == Qt::Key_Tab);
     else if (event->key() == Qt::Key_Escape)
         Q_EMIT abandoned();
     else if (isCommand && event->key() == Qt::Key_K)

@@ -5,8 +5,8 @@
 
 /// The field in which the text of a cue is edited in its place.
 ///
-/// Return and Escape end the editing; Shift or Option with Return breaks the line. No key is a command while an input
-/// method composes.
+/// Return, Tab and Escape end the editing; Shift or Option with Return breaks the line. No key is a command while an
+/// input method composes.
 class CueTextEditor : public QPlainTextEdit
 {
     Q_OBJECT
@@ -27,8 +27,9 @@ public:
     QSize sizeHint() const override; ///< As high as the text needs.
 
 Q_SIGNALS:
-    void accepted();  ///< Return.
-    void abandoned(); ///< Escape.
+    void accepted();           ///< Return.
+    void tabbed(bool forward); ///< Tab, or the key that goes back.
+    void abandoned();          ///< Escape.
     void splitRequested();
     void joinRequested();
     void insertRequested();

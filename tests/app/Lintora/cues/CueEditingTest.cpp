@@ -57,6 +57,54 @@ TEST_F(CueEditing, return_opens_the_editor_and_keeps_what_was_typed_and_with_shi
     EXPECT_TRUE(table().hasFocus());
 }
 
+TEST_F(CueEditing, return_keeps_what_was_typed_and_goes_on_to_the_next_text)
+{
+    load({u"一"_s, u"别的"_s, u"一二"_s});
+    find<QLineEdit>(u"筛选字幕"_s)->setText(u"一"_s);
+    editWith(0, u"改过的字幕"_s);
+    press(Qt::Key_Return);
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(editor()->toPlainText(), u"一二"_s) << "the next one in sight";
+    EXPECT_EQ(table().selectedCues(), QList<qsizetype>{2});
+    press(Qt::Key_Return);
+    EXPECT_EQ(editor(), nullptr) << "there is none behind the last";
+    EXPECT_TRUE(table().hasFocus());
+    EXPECT_EQ(texts(), (QStringList{u"改过的字幕"_s, u"别的"_s, u"一二"_s}));
+    model.undo();
+    EXPECT_FALSE(model.canUndo() && model.undoTitle() == u"修改文字"_s) << "what was only passed through is no step";
+}
+
+TEST_F(CueEditing, tab_goes_from_cell_to_cell_while_one_is_edited_and_else_leaves_the_table)
+{
+    load({u"一"_s, u"二"_s});
+    const auto place = [this] { return std::pair(table().currentCue(), table().currentIndex().column()); };
+    QLineEdit *const start = timeField(0, CueTableModel::startColumn);
+    start->selectAll();
+    type(u"0.5"_s);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(model.items().first().start, 500);
+    press(Qt::Key_Tab);
+    ASSERT_NE(editor(), nullptr);
+    type(u"壹"_s);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(texts().first(), u"壹"_s);
+    EXPECT_EQ(place(), std::pair(std::optional(1), int(CueTableModel::startColumn)));
+    EXPECT_TRUE(qobject_cast<QLineEdit *>(QApplication::focusWidget()));
+    press(Qt::Key_Backtab);
+    EXPECT_EQ(place(), std::pair(std::optional(0), int(CueTableModel::textColumn)));
+    ASSERT_NE(editor(), nullptr);
+    compose(u"er"_s);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(place().first, 0) << "the input method's";
+    compose({});
+    edit(1);
+    press(Qt::Key_Tab);
+    EXPECT_FALSE(table().isEditing());
+    EXPECT_TRUE(table().hasFocus());
+    press(Qt::Key_Tab);
+    EXPECT_FALSE(table().hasFocus());
+}
+
 TEST_F(CueEditing, escape_takes_back_what_was_typed_and_redo_brings_it)
 {
     load({u"一"_s});
