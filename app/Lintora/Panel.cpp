@@ -26,6 +26,7 @@
 #include "app/Lintora/tools/FindReplaceWorkspace.h"
 #include "app/Lintora/tools/RepairWorkspace.h"
 #include "app/Lintora/tools/ScriptMatchWorkspace.h"
+#include "app/Lintora/tools/TimeShiftSheet.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -126,6 +127,7 @@ QWidget *LintoraPanel::makeWorkspace()
     connect(m_table, &CueTable::currentCueChanged, inspector,
             [this, inspector] { inspector->show(m_table->currentCue()); });
     connect(m_table, &CueTable::currentCueChanged, this, &LintoraPanel::showStyle);
+    connect(m_table, &CueTable::timesRequested, this, &LintoraPanel::askForTimes);
 
     auto *const layout = new QVBoxLayout(workspace);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -309,6 +311,13 @@ void LintoraPanel::confirmRestore()
                          .answer = u"恢复原稿"_s,
                          .losesWork = true},
                         [this] { m_model.restoreOriginal(); });
+}
+
+void LintoraPanel::askForTimes(const QList<qsizetype> &selected)
+{
+    if (!m_times)
+        m_times = new TimeShiftSheet(m_model, m_stage);
+    m_times->present(selected);
 }
 
 void LintoraPanel::keyPressEvent(QKeyEvent *event)

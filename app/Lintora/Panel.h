@@ -19,6 +19,7 @@ class Sheet;
 class SpeechSheet;
 class StyleWorkspace;
 class SuspectBar;
+class TimeShiftSheet;
 class TranslateSheet;
 class UnifiedImportArea;
 
@@ -53,6 +54,7 @@ private:
     void followTools();
     void showTool(CueToolWorkspace *&sheet, CueTools::Tool tool);
     void confirmRestore();
+    void askForTimes(const QList<qsizetype> &selected);
     template <class Workspace>
     void showSheet(Workspace *&workspace, bool visible);
 
@@ -74,6 +76,7 @@ private:
     CueToolWorkspace *m_checking = nullptr;
     CueToolWorkspace *m_script = nullptr;
     RepairWorkspace *m_repair = nullptr;
+    TimeShiftSheet *m_times = nullptr;
     StyleWorkspace *m_style = nullptr;
     SpeechSheet *m_speech = nullptr;
     TranslateSheet *m_translate = nullptr;

@@ -18,6 +18,7 @@
 #include "app/model/ai/Review.h"
 #include "app/model/ai/ScriptSpeech.h"
 #include "app/model/ai/Translation.h"
+#include "core/CueShift.h"
 #include "fcp/validation/Problem.h"
 #include "store/Locations.h"
 #include "store/RecentSessions.h"
@@ -122,6 +123,10 @@ public:
     std::optional<qsizetype> deleteCues(const QList<qsizetype> &indices);
     std::optional<qsizetype> splitCue(qsizetype index, qsizetype position); ///< In UTF-16 units of the text.
     std::optional<qsizetype> joinWithNext(qsizetype index);
+
+    /// Moves times together, as one step: of the cues at `indices` of the selected track, or, where absent, of all cues
+    /// of every track, also of the one kept from before separation. False when refused.
+    bool moveTimes(const std::optional<QList<qsizetype>> &indices, const CueShift::Distance &distance);
 
     // Text tools on the selected track
 

@@ -1,4 +1,4 @@
-// The text tools.
+// The tools that go over many cues.
 
 #include "app/model/LintoraModel.h"
 #include "app/model/SessionTracks.h"
@@ -8,6 +8,7 @@
 #include "core/text/SubtitleCleanup.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -114,6 +115,35 @@ void LintoraModel::saveFillerWords(const QString &text)
     const QStringList words = SubtitleCleanup::savedWords(text);
     m_preferences.setFillerWords(words);
     publish(m_fillerWords, words, &LintoraModel::fillerWordsChanged);
+}
+
+bool LintoraModel::moveTimes(const std::optional<QList<qsizetype>> &indices, const CueShift::Distance &distance)
+{
+    const auto isThere = [this](qsizetype index) { return index >= 0 && index < items().size(); };
+    if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s) || (indices && !std::ranges::all_of(*indices, isThere)))
+        return false;
+    try {
+        LintoraSession next = m_session.state();
+        qsizetype moved = 0;
+        if (indices) {
+            next.items = CueShift::moving(items(), *indices, distance);
+            moved = indices->size();
+        } else {
+            for (SubtitleTrack &track : *next.tracks) {
+                QList<qsizetype> all(track.items.size());
+                std::iota(all.begin(), all.end(), 0);
+                track.items = CueShift::moving(track.items, all, distance);
+                moved += track.id == splitOriginal() ? 0 : all.size();
+            }
+            next = SessionTracks::activated(std::move(next));
+        }
+        m_session.replace(SessionTracks::committed(std::move(next)), u"移动时间"_s);
+        report(u"已移动 %1 条字幕的时间"_s.arg(moved));
+        return true;
+    } catch (const ConversionError &error) {
+        reportFailure(Failure::of(error));
+        return false;
+    }
 }
 
 void LintoraModel::separateLanguages()

@@ -102,4 +102,28 @@ std::optional<qint64> parse(QStringView typed, const FrameRate &rate)
     return timeOf(milliseconds / 1000 * framesPerSecond(rate) + *last, rate);
 }
 
+std::optional<CueShift::Distance> parseDistance(QStringView typed, const FrameRate &rate, Unit unit)
+{
+    QString text = narrow(typed);
+    const bool isEarlier = text.startsWith(u'-') || text.startsWith(u'−');
+    if (isEarlier || text.startsWith(u'+'))
+        text.remove(0, 1);
+    const auto distance = [isEarlier](qint64 count, std::optional<FrameGrid> grid = {}) {
+        return CueShift::Distance{.count = isEarlier ? -count : count, .grid = grid};
+    };
+    if (rate.numerator <= 0 || rate.denominator <= 0)
+        return std::nullopt;
+    const bool isAlone = !text.contains(u':') && !text.endsWith(u'f') && !text.endsWith(u'帧');
+    if (isAlone && unit == Unit::frames)
+        text += u'f';
+    const auto length = parse(text, rate);
+    if (!length)
+        return std::nullopt;
+    const bool namesFrames = text.count(u':') == 3 || text.endsWith(u'f') || text.endsWith(u'帧');
+    if (!namesFrames)
+        return distance(*length);
+    const FrameGrid grid{.numerator = rate.numerator, .denominator = rate.denominator};
+    return distance(grid.frame(*length), grid);
+}
+
 } // namespace CueTime

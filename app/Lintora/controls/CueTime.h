@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/CueShift.h"
 #include "fcp/FrameRate.h"
 
 #include <QString>
@@ -22,5 +23,17 @@ namespace CueTime {
 /// Full-width digits and marks count as their narrow forms. Where a larger unit stands before, minutes and seconds are
 /// below 60. More decimals than three are rounded. In milliseconds. Absent when it is no time.
 std::optional<qint64> parse(QStringView typed, const FrameRate &rate);
+
+/// What a number alone counts.
+enum class Unit
+{
+    seconds,
+    frames
+};
+
+/// Reads how far times are to go: a sign or none, and a time as parse() reads it. A number alone counts `unit`. What
+/// names frames ("-12f", "00:00:01:12") goes by frames of `rate`, anything else by milliseconds. Absent when it is
+/// none.
+std::optional<CueShift::Distance> parseDistance(QStringView typed, const FrameRate &rate, Unit unit);
 
 } // namespace CueTime

@@ -94,6 +94,12 @@ void CueTable::deleteCues()
         goTo(*next);
 }
 
+void CueTable::moveTimes()
+{
+    if (!lintoraModel().items().isEmpty() && !lintoraModel().aiBusy() && commitEdit())
+        Q_EMIT timesRequested(selectedCues());
+}
+
 void CueTable::cut()
 {
     const QList<qsizetype> selected = selectedCues();
@@ -174,6 +180,8 @@ void CueTable::keyPressEvent(QKeyEvent *event)
         joinWithNext();
     } else if (isCommand && event->key() == Qt::Key_Backspace) {
         deleteCues();
+    } else if (isCommand && event->modifiers().testFlag(Qt::ShiftModifier) && event->key() == Qt::Key_T) {
+        moveTimes();
     } else if (event->matches(QKeySequence::Copy)) {
         copy();
     } else if (event->matches(QKeySequence::Cut)) {
@@ -204,6 +212,7 @@ void CueTable::contextMenuEvent(QContextMenuEvent *event)
     add(u"与下一条合并"_s, Qt::CTRL | Qt::Key_J, isFree && cue && selected == 1 && *cue + 1 < cues().rowCount(),
         &CueTable::joinWithNext);
     addMoveMenu(*menu);
+    add(u"移动时间…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_T, isFree && cues().rowCount() > 0, &CueTable::moveTimes);
     menu->addSeparator();
     add(u"剪切"_s, QKeySequence::Cut, isFree && selected > 0, &CueTable::cut);
     add(u"复制"_s, QKeySequence::Copy, selected > 0, &CueTable::copy);

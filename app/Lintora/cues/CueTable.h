@@ -27,6 +27,10 @@ public Q_SLOTS:
     void splitCue();  ///< Where a sentence ends, near the middle.
     void joinWithNext();
     void deleteCues();
+    void moveTimes(); ///< Asks for it, with the selected cues.
+
+Q_SIGNALS:
+    void timesRequested(const QList<qsizetype> &selected); ///< To be moved.
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

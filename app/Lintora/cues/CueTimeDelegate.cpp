@@ -107,6 +107,22 @@ bool CueTimeDelegate::finish(QLineEdit &field)
     return true;
 }
 
+/// To the next frame of the grid in that direction, as if it had been typed.
+void CueTimeDelegate::nudge(QLineEdit &field, qint64 frames) const
+{
+    const FrameRate rate = m_rate();
+    const auto time = CueTime::parse(field.text(), rate);
+    const auto &cue = static_cast<TimeEditor &>(field).cue();
+    if (!time || !cue.isValid() || rate.numerator <= 0 || rate.denominator <= 0)
+        return;
+    const FrameGrid grid{.numerator = rate.numerator, .denominator = rate.denominator};
+    if (const auto moved = CueShift::moved(*time, {.count = frames, .grid = grid})) {
+        field.setText(SRT::stamp(*moved));
+        field.setModified(true);
+        mark(field, fault(field, cue));
+    }
+}
+
 bool CueTimeDelegate::eventFilter(QObject *watched, QEvent *event)
 {
     auto *const field = qobject_cast<QLineEdit *>(watched);
@@ -122,6 +138,10 @@ bool CueTimeDelegate::eventFilter(QObject *watched, QEvent *event)
         if (key == Qt::Key_Return || key == Qt::Key_Enter || isTab) {
             if (finish(*field))
                 Q_EMIT closeEditor(field, isTab ? key == Qt::Key_Tab ? EditNextItem : EditPreviousItem : NoHint);
+            return true;
+        }
+        if (key == Qt::Key_Up || key == Qt::Key_Down) {
+            nudge(*field, key == Qt::Key_Up ? 1 : -1);
             return true;
         }
         if (key == Qt::Key_Escape)

@@ -9,6 +9,8 @@ class QLineEdit;
 
 /// Lets the times of a cue be edited in their place, in any of the ways that CueTime reads.
 ///
+/// The keys up and down move a time by one frame.
+///
 /// What is no time is marked in the field and said beneath it, and the field stays open until it is mended or left.
 class CueTimeDelegate : public CueCellDelegate
 {
@@ -29,6 +31,7 @@ private:
     /// What is wrong with the text of the field; empty when nothing is.
     QString fault(const QLineEdit &field, const QModelIndex &index) const;
     bool finish(QLineEdit &field);
+    void nudge(QLineEdit &field, qint64 frames) const;
 
     std::function<FrameRate()> m_rate;
 };

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -542,6 +543,65 @@ TEST_F(CueEditing, a_time_is_typed_in_short)
     press(Qt::Key_Return);
     EXPECT_EQ(model.items().at(1).end, 5'250);
     EXPECT_TRUE(table().hasFocus());
+}
+
+TEST_F(CueEditing, a_time_is_nudged_by_frames_of_the_rate)
+{
+    load({u"一"_s, u"二"_s});
+    Options options = model.options();
+    options.rate = FrameRate::all()[3]; // 29.97
+    model.setOptions(options);
+    QLineEdit *const field = timeField(1, CueTableModel::startColumn);
+    ASSERT_NE(field, nullptr);
+    press(Qt::Key_Up);
+    EXPECT_EQ(field->text(), u"00:00:02,035"_s); // frame 60 is at 2,002 ms
+    press(Qt::Key_Down);
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    EXPECT_EQ(model.items().at(1).start, 1'969);
+    QLineEdit *const first = timeField(0, CueTableModel::startColumn);
+    press(Qt::Key_Down);
+    EXPECT_EQ(first->text(), u"00:00:00,000"_s) << "nothing is before the beginning";
+    first->setText(u"1.99"_s);
+    press(Qt::Key_Up);
+    EXPECT_TRUE(first->property("invalid").toBool()) << "it would begin where it ends";
+    press(Qt::Key_Escape);
+    EXPECT_EQ(model.items().first().start, 0);
+}
+
+TEST_F(CueEditing, times_of_the_selected_or_of_all_cues_move_in_one_step)
+{
+    const auto shift = [this](const QString &typed, const QString &scope) {
+        press(Qt::Key_T, Qt::ControlModifier | Qt::ShiftModifier);
+        auto *const scopes = find<QComboBox>(u"范围"_s);
+        ASSERT_NE(scopes, nullptr);
+        if (!scope.isEmpty())
+            scopes->setCurrentText(scope);
+        type(typed);
+        press(Qt::Key_Return);
+    };
+    loadTracks({u"一"_s, u"二"_s, u"三"_s}, {u"one"_s});
+    const LintoraSession before = model.snapshot();
+    table().setFocus();
+    press(Qt::Key_Down);
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    shift(u"-0.5"_s, {}); // several are selected: they are meant
+    EXPECT_EQ(model.items().first().start, 0);
+    EXPECT_EQ(model.items().at(1).start, 1'500);
+    EXPECT_EQ(model.items().at(2).end, 5'500);
+    EXPECT_TRUE(table().hasFocus());
+    EXPECT_EQ(table().selectedCues(), (QList<qsizetype>{1, 2}));
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(model.snapshot(), before);
+    shift(u"15帧"_s, u"所有语言组"_s); // at 30 frames a second
+    for (const SubtitleTrack &track : model.tracks())
+        EXPECT_EQ(track.items.first().start, 500) << qPrintable(track.label);
+    shift(u"-1"_s, u"全部 3 条"_s);
+    EXPECT_EQ(model.items().first().start, 500) << "refused as a whole";
+    EXPECT_NE(find<QComboBox>(u"范围"_s), nullptr) << "to be mended";
+    press(Qt::Key_Escape);
+    model.undo();
+    EXPECT_EQ(model.snapshot(), before);
 }
 
 TEST_F(CueEditing, what_is_no_time_is_said_where_it_is)

@@ -113,6 +113,36 @@ TEST(CueTime, reads_times_as_they_are_typed)
         EXPECT_EQ(CueTime::parse(typed, rate25), expected) << qPrintable(typed);
 }
 
+TEST(CueTime, reads_how_far_cues_are_to_go)
+{
+    const FrameRate &rate = FrameRate::all()[3]; // 29.97
+    const FrameGrid grid{.numerator = 30'000, .denominator = 1'001};
+    struct Row
+    {
+        QString typed;
+        CueTime::Unit unit;
+        std::optional<CueShift::Distance> expected;
+    };
+    const auto seconds = CueTime::Unit::seconds;
+    const auto frames = CueTime::Unit::frames;
+    const Row rows[] = {
+        {u"1.5"_s, seconds, {{.count = 1'500}}},
+        {u"-0.04"_s, seconds, {{.count = -40}}},
+        {u"+ 2"_s, seconds, {{.count = 2'000}}},
+        {u"－１２"_s, frames, {{.count = -12, .grid = grid}}},
+        {u"−7帧"_s, seconds, {{.count = -7, .grid = grid}}},
+        {u"1000000"_s, frames, {{.count = 1'000'000, .grid = grid}}},
+        {u"-00:00:10:01"_s, seconds, {{.count = -301, .grid = grid}}},
+        {u"1:00"_s, frames, {{.count = 60'000}}},
+        {u"1.5"_s, frames, {}},
+        {u"--1"_s, seconds, {}},
+        {u"+"_s, seconds, {}},
+        {u""_s, frames, {}},
+    };
+    for (const Row &row : rows)
+        EXPECT_EQ(CueTime::parseDistance(row.typed, rate, row.unit), row.expected) << qPrintable(row.typed);
+}
+
 TEST(CueTime, counts_frames_of_broken_rates_by_their_timecode)
 {
     const FrameRate &rate2997 = FrameRate::all()[3];
