@@ -53,20 +53,49 @@ void ScriptMatching::takeResult(const ScriptMatchResult &result)
         setStatus(outdated, true);
         return;
     }
-    m_rows = result.rows;
+    m_proposed = result.rows;
     m_unmatched = result.unmatchedPassages;
+    showProposed();
+}
+
+/// What is left alone is offered as matched and equal.
+void ScriptMatching::showProposed()
+{
+    ScriptMatchResult shown{.rows = m_proposed, .unmatchedPassages = {}};
+    if (m_leavesPunctuation) {
+        for (ScriptMatchRow &row : shown.rows) {
+            if (row.changed() && !ScriptAlignment::changesWords(row))
+                row.replacement = row.original.text;
+        }
+    }
+    m_rows = shown.rows;
     Q_EMIT rowsChanged();
-    if (result.changedCount() == 0)
+    if (shown.changedCount() == 0)
         setStatus(u"已匹配的文字与当前字幕一致，无需修改"_s);
     else
-        setStatus(u"已匹配 %1 条，%2 条有改动"_s.arg(result.matchedCount()).arg(result.changedCount()));
+        setStatus(u"已匹配 %1 条，%2 条有改动"_s.arg(shown.matchedCount()).arg(shown.changedCount()));
+}
+
+void ScriptMatching::setLeavesPunctuation(bool leaves)
+{
+    if (std::exchange(m_leavesPunctuation, leaves) != leaves && !m_proposed.isEmpty())
+        showProposed();
+}
+
+void ScriptMatching::selectAll(bool selected)
+{
+    for (qsizetype i = 0; i < m_rows.size(); ++i) {
+        if (m_rows.at(i).changed())
+            m_rows[i].selected = m_proposed[i].selected = selected;
+    }
+    Q_EMIT rowsChanged();
 }
 
 void ScriptMatching::setRowSelected(qsizetype row, bool selected)
 {
     if (row < 0 || row >= m_rows.size() || m_rows.at(row).selected == selected)
         return;
-    m_rows[row].selected = selected;
+    m_rows[row].selected = m_proposed[row].selected = selected;
     Q_EMIT rowsChanged();
 }
 
@@ -122,6 +151,7 @@ void ScriptMatching::clearRows()
 {
     if (m_rows.isEmpty() && m_unmatched.isEmpty())
         return;
+    m_proposed.clear();
     m_rows.clear();
     m_unmatched.clear();
     Q_EMIT rowsChanged();

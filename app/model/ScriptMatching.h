@@ -24,6 +24,12 @@ public:
 
     void match();
     void setRowSelected(qsizetype row, bool selected);
+    void selectAll(bool selected); ///< Every row that changes something, or none.
+
+    /// Whether rows that would change nothing but punctuation and white space are left as they are. Ticks stay.
+    bool leavesPunctuation() const { return m_leavesPunctuation; }
+    void setLeavesPunctuation(bool leaves);
+
     void apply();         ///< Puts what the selected rows propose into the cues.
     bool canUndo() const; ///< While the cues are as the last applying left them.
     void undo();
@@ -48,13 +54,16 @@ private:
 
     bool isAboutTheseCues() const;
     void takeResult(const ScriptMatchResult &result);
+    void showProposed();
     void setStatus(const QString &status, bool isRefused = false);
     void clearRows();
 
     EditedSession &m_session;
     CueOwnership &m_owner;
     QString m_text;
+    QList<ScriptMatchRow> m_proposed; ///< All that was proposed; `m_rows` is what of it is offered.
     QList<ScriptMatchRow> m_rows;
+    bool m_leavesPunctuation = false;
     QStringList m_unmatched;
     QString m_status;
     bool m_isRefused = false;

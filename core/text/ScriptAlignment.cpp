@@ -217,6 +217,37 @@ private:
     bool m_hasMatch = false;
 };
 
+/// Of writings that set their words apart. What follows are those of East Asia.
+bool isSetApart(char32_t scalar)
+{
+    return scalar < 0x2E80 && Characters::isAlphanumeric(scalar);
+}
+
+/// What of a text is said: its characters without white space and marks, but "every day", "2.5" and "50%".
+QString spoken(const QString &text)
+{
+    static const QString saidMarks = u"%&@#*/\\％＆＠＃＊／＼‰"_s; // punctuation by their category only
+    QString kept;
+    QString gap; // Marks since the last character that was kept; a blank once there was white space.
+    bool wasSetApart = false;
+    for (const char32_t scalar : Characters::Scalars(text)) {
+        const bool isSaid = scalar <= 0xFFFF && saidMarks.contains(QChar(char16_t(scalar)));
+        if (Characters::isSpace(scalar)) {
+            gap = u" "_s;
+        } else if (Characters::isPunctuation(scalar) && !isSaid) {
+            if (gap != u" ")
+                gap += QStringView(QChar::fromUcs4(scalar));
+        } else {
+            if (wasSetApart && isSetApart(scalar))
+                kept += gap;
+            kept += QStringView(QChar::fromUcs4(scalar));
+            gap.clear();
+            wasSetApart = isSetApart(scalar);
+        }
+    }
+    return kept;
+}
+
 } // namespace
 
 ScriptMatchResult match(const QString &transcript, const QList<Subtitle> &items, const std::function<void()> &check)
@@ -246,6 +277,11 @@ ScriptMatchResult match(const QString &transcript, const QList<Subtitle> &items,
         rows.add(items[i], cueUnits[static_cast<size_t>(i)]);
     }
     return rows.finish();
+}
+
+bool changesWords(const ScriptMatchRow &row)
+{
+    return row.replacement && spoken(*row.replacement) != spoken(row.original.text);
 }
 
 QList<Subtitle> apply(const QList<ScriptMatchRow> &rows)

@@ -51,6 +51,10 @@ constexpr qsizetype mostUnits = 60'000; ///< Characters that count, in all cues 
 /// @throws ConversionError when either text is over a limit or empty, a cue is invalid, or nothing corresponds.
 ScriptMatchResult match(const QString &transcript, const QList<Subtitle> &items, const std::function<void()> &check);
 
+/// Whether the replacement differs from the text in more than marks and white space that nobody speaks. Spoken are %,
+/// &, @, # and the like, and what stands between Latin letters or digits: "every day", "2.5".
+bool changesWords(const ScriptMatchRow &row);
+
 /// The cues with the replacements of the selected rows; ids and times stay.
 QList<Subtitle> apply(const QList<ScriptMatchRow> &rows);
 

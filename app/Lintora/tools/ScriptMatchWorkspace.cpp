@@ -1,5 +1,6 @@
 #include "app/Lintora/tools/ScriptMatchWorkspace.h"
 
+#include "app/Lintora/controls/CheckBox.h"
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/ElidedLabel.h"
 #include "app/Lintora/controls/MarkedTextDelegate.h"
@@ -22,6 +23,7 @@ ScriptMatchWorkspace::ScriptMatchWorkspace(LintoraModel &model, QWidget *content
     , m_note(Controls::note({}, this))
     , m_text(new QPlainTextEdit(this))
     , m_list(new QListView(this))
+    , m_all(Controls::button(u"全选"_s, this, u"勾选全部改动，或全部不选"_s))
     , m_status(new ElidedLabel(this))
     , m_match(Controls::button(u"开始匹配"_s, this))
     , m_undo(Controls::button(u"撤销修改"_s, this))
@@ -38,6 +40,8 @@ ScriptMatchWorkspace::ScriptMatchWorkspace(LintoraModel &model, QWidget *content
     m_list->setAccessibleName(u"对照"_s);
     body()->addWidget(m_text, 1);
     body()->addWidget(m_list, 3);
+    m_choices = makeChoices();
+    body()->addWidget(m_choices);
     m_buttons = makeButtons();
     body()->addWidget(m_buttons);
 
@@ -57,6 +61,23 @@ void ScriptMatchWorkspace::addTiming(QWidget *timing)
     m_timing = timing;
     body()->addWidget(timing);
     followWay();
+}
+
+QWidget *ScriptMatchWorkspace::makeChoices()
+{
+    auto *const row = new QWidget(this);
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *const punctuation = new CheckBox(u"忽略标点差异"_s, row);
+    punctuation->setAccessibleName(punctuation->text());
+    punctuation->setToolTip(u"只有标点或空格不同的字幕保持原样"_s);
+    punctuation->setChecked(m_matching.leavesPunctuation());
+    layout->addWidget(punctuation);
+    layout->addStretch(1);
+    layout->addWidget(m_all);
+    connect(punctuation, &CheckBox::clicked, &m_matching, &ScriptMatching::setLeavesPunctuation);
+    connect(m_all, &QPushButton::clicked, this, [this] { m_matching.selectAll(m_rows.ticked() == 0); });
+    return row;
 }
 
 QWidget *ScriptMatchWorkspace::makeButtons()
@@ -112,6 +133,9 @@ void ScriptMatchWorkspace::follow()
     const bool hasRows = !m_matching.rows().isEmpty() && m_model.window().scriptWay() == Way::wording;
     const qsizetype ticked = m_rows.ticked();
     m_list->setVisible(hasRows);
+    m_choices->setVisible(hasRows);
+    m_all->setText(ticked == 0 ? u"全选"_s : u"全不选"_s);
+    m_all->setAccessibleName(m_all->text());
     m_status->setText(m_matching.status());
     Controls::showAsFailure(m_status, m_matching.isRefused());
     m_match->setEnabled(!m_model.aiBusy() && !m_model.items().isEmpty());

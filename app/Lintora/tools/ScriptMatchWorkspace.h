@@ -29,6 +29,7 @@ public:
     bool editsSession() const override { return true; }
 
 private:
+    QWidget *makeChoices();
     QWidget *makeButtons();
     void follow();
     void followWay();
@@ -43,6 +44,8 @@ private:
     QListView *m_list;
     QWidget *m_timing = nullptr;
     QWidget *m_buttons;
+    QWidget *m_choices = nullptr; ///< About the rows; there while there are some.
+    QPushButton *m_all;
     ElidedLabel *m_status;
     QPushButton *m_match;
     QPushButton *m_undo;

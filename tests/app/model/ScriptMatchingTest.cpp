@@ -51,6 +51,31 @@ TEST_F(ScriptMatchingTest, a_transcript_is_matched_reviewed_applied_and_taken_ba
               u"文稿与字幕没有足够的对应内容，请确认语言和段落一致，或分段匹配。原字幕已保留。"_s);
 }
 
+TEST_F(ScriptMatchingTest, differences_of_punctuation_are_left_alone_by_a_switch)
+{
+    ScriptMatching &matching = model->scriptMatching();
+    loadTexts({u"今天我们辽聊调色"_s, u"先说白平衡"_s, u"谢谢大家"_s});
+    match(u"今天我们聊聊调色，先说白平衡。谢谢大家"_s);
+    EXPECT_EQ(matching.status(), u"已匹配 3 条，2 条有改动"_s);
+    matching.selectAll(false);
+    matching.setRowSelected(1, true);
+    matching.setLeavesPunctuation(true);
+    EXPECT_EQ(matching.status(), u"已匹配 3 条，1 条有改动"_s);
+    matching.selectAll(true);
+    EXPECT_TRUE(matching.rows()[0].selected);
+    matching.setRowSelected(0, false);
+    matching.setLeavesPunctuation(false);
+    EXPECT_FALSE(matching.rows()[0].selected) << "ticks stay";
+    EXPECT_TRUE(matching.rows()[1].selected);
+    EXPECT_FALSE(matching.rows()[2].selected) << "nothing would change";
+    matching.setLeavesPunctuation(true);
+    matching.selectAll(true);
+    matching.apply();
+    EXPECT_EQ(texts(), (QStringList{u"今天我们聊聊调色，"_s, u"先说白平衡"_s, u"谢谢大家"_s}));
+    match(u"今天我们聊聊调色。先说白平衡！"_s);
+    EXPECT_EQ(matching.status(), u"已匹配的文字与当前字幕一致，无需修改"_s);
+}
+
 TEST_F(ScriptMatchingTest, a_match_of_what_has_changed_meanwhile_is_dropped)
 {
     loadTexts({u"今天我们聊聊调涩"_s, u"先说白平衡"_s});

@@ -161,6 +161,34 @@ TEST(ScriptAlignment, wrong_text_is_not_selected)
               "– | 我们走吧。 1 +");
 }
 
+TEST(ScriptAlignment, tells_changed_words_from_changed_punctuation)
+{
+    struct Row
+    {
+        const char16_t *before;
+        const char16_t *after;
+        bool changesWords;
+    };
+    const Row rows[] = {
+        {u"今天我们聊调色", u"今天，我们聊“调色”。", false},
+        {u"你好\nHello", u"你好 Hello!", false},
+        {u"so well", u"So, well…", true}, // the letter
+        {u"hello world", u"hello, world.", false},
+        {u"今天我们辽调色", u"今天，我们聊调色。", true},
+        {u"1.5倍速", u"15倍速", true},
+        {u"every day", u"everyday", true},
+        {u"it's", u"its", true},
+        {u"涨了50", u"涨了50%", true},
+        {u"用 AE 做", u"用AE做", false},
+        {u"好", u"好", false},
+    };
+    for (const Row &row : rows) {
+        const ScriptMatchRow match{.original = {.text = QString(row.before)}, .replacement = QString(row.after)};
+        EXPECT_EQ(ScriptAlignment::changesWords(match), row.changesWords) << qPrintable(QString(row.after));
+    }
+    EXPECT_FALSE(ScriptAlignment::changesWords({.original = {.text = u"好"_s}})) << "nothing is proposed";
+}
+
 TEST(ScriptAlignment, repeated_lines_are_matched_in_order)
 {
     const auto result =
