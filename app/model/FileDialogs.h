@@ -17,16 +17,24 @@ struct FileDialogs
         QString title;
         QStringList extensions; ///< What may be chosen, lower case, without the dot.
         QString kinds = {};     ///< What such files are called; empty: by their extensions.
+        QString beside = {};    ///< A file in whose folder to begin; empty: where a file was chosen last.
     };
 
     struct Saving
     {
         QString title;
-        QString suggestion; ///< File name, with the extension.
-        QString extension;  ///< What a name without one gets, without the dot.
+        QString suggestion;  ///< File name, with the extension.
+        QString extension;   ///< What a name without one gets, without the dot.
+        QString beside = {}; ///< As in Opening.
+    };
+
+    struct Folder
+    {
+        QString title;
+        QString beside = {}; ///< As in Opening.
     };
 
     std::function<void(const Opening &, Chosen)> open;
     std::function<void(const Saving &, Chosen)> save;
-    std::function<void(const QString &title, Chosen)> folder; ///< For a folder that exists.
+    std::function<void(const Folder &, Chosen)> folder; ///< For one that exists.
 };

@@ -58,7 +58,7 @@ void FileRepairing::accept()
 {
     if (!m_file || m_task.isRunning())
         return;
-    const Imports::ImportedCues cues{.cues = m_file->items, .source = QFileInfo(m_path).fileName()};
+    const Imports::ImportedCues cues{.cues = m_file->items, .source = QFileInfo(m_path).fileName(), .file = m_path};
     const qsizetype repairs = m_file->repairs.size();
     close();
     withdraw();

@@ -105,7 +105,7 @@ ImportedCues readSubtitles(const QString &path, const Options &options, Job &job
 {
     checkRegular(path);
     const Check check = [&] { job.check(); };
-    ImportedCues imported{.cues = SRT::read(path, check), .source = QFileInfo(path).fileName()};
+    ImportedCues imported{.cues = SRT::read(path, check), .source = QFileInfo(path).fileName(), .file = path};
     job.check();
     SubtitleTransfer::clip(imported.cues, options, check);
     return imported;

@@ -19,7 +19,8 @@ namespace Imports {
 struct ImportedCues
 {
     QList<Subtitle> cues;
-    QString source; ///< The file's name.
+    QString source;    ///< The file's name.
+    QString file = {}; ///< Its path.
 };
 
 /// What a project or a selection of clips brings. At least one of the first three, or the last, is there.

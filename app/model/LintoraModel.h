@@ -423,6 +423,7 @@ private:
     Translation m_translation{m_session, m_owner, m_aiSettings, m_glossary};
     Review m_review{m_session, m_owner, m_aiSettings};
     CueTools m_cueTools{m_session, m_owner};
+    QString m_openFile;                      ///< The file that was taken in last; empty while none is known.
     FileRepairing m_fileRepairing;
     OwnTitles m_ownTitles;
     Options m_pictured;

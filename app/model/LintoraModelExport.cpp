@@ -44,32 +44,35 @@ QList<SubtitleTrack> LintoraModel::exportedTracks(Exported which) const
 
 void LintoraModel::exportSRT()
 {
-    m_dialogs.save(
-        {.title = u"导出 SRT"_s, .suggestion = exportName(Exported::selectedTrack) + u".srt"_s, .extension = u"srt"_s},
-        [this, cues = items()](const QString &path) {
-            m_export.run(
-                u"正在导出 SRT…"_s,
-                [path, cues](Job &job, const ProgressReport & /*report*/) {
-                    Exports::writeSRT(path, cues, job);
-                    return Written(u"已导出 %1 条字幕"_s.arg(cues.size()));
-                },
-                [this](const Written &message) { report(message); },
-                [this](const Failure &failure) { reportFailure(failure); });
-        });
+    m_dialogs.save({.title = u"导出 SRT"_s,
+                    .suggestion = exportName(Exported::selectedTrack) + u".srt"_s,
+                    .extension = u"srt"_s,
+                    .beside = m_openFile},
+                   [this, cues = items()](const QString &path) {
+                       m_export.run(
+                           u"正在导出 SRT…"_s,
+                           [path, cues](Job &job, const ProgressReport & /*report*/) {
+                               Exports::writeSRT(path, cues, job);
+                               return Written(u"已导出 %1 条字幕"_s.arg(cues.size()));
+                           },
+                           [this](const Written &message) { report(message); },
+                           [this](const Failure &failure) { reportFailure(failure); });
+                   });
 }
 
 void LintoraModel::exportAllSRT()
 {
-    m_dialogs.folder(u"导出全部 SRT"_s, [this, tracks = tracks()](const QString &folder) {
-        const QString name = source().isEmpty() ? options().name : QFileInfo(source()).completeBaseName();
-        m_export.run(
-            u"正在导出 SRT…"_s,
-            [folder, name, tracks](Job &job, const ProgressReport & /*report*/) {
-                return Written(u"已导出 %1 个 SRT 文件"_s.arg(Exports::writeAllSRT(folder, name, tracks, job)));
-            },
-            [this](const Written &message) { report(message); },
-            [this](const Failure &failure) { reportFailure(failure); });
-    });
+    m_dialogs.folder(
+        {.title = u"导出全部 SRT"_s, .beside = m_openFile}, [this, tracks = tracks()](const QString &folder) {
+            const QString name = source().isEmpty() ? options().name : QFileInfo(source()).completeBaseName();
+            m_export.run(
+                u"正在导出 SRT…"_s,
+                [folder, name, tracks](Job &job, const ProgressReport & /*report*/) {
+                    return Written(u"已导出 %1 个 SRT 文件"_s.arg(Exports::writeAllSRT(folder, name, tracks, job)));
+                },
+                [this](const Written &message) { report(message); },
+                [this](const Failure &failure) { reportFailure(failure); });
+        });
 }
 
 void LintoraModel::exportFCPXML()
@@ -103,28 +106,30 @@ void LintoraModel::exportIntoProject(Exported which)
     }
     if (m_owner.refuses(u"任务处理中，请先取消再导入"_s))
         return;
-    m_dialogs.open({.title = u"选择要写入字幕的 FCP 项目"_s, .extensions = {u"fcpxml"_s, u"fcpxmld"_s}},
-                   [this, which](const QString &path) {
-                       loadProject(path, [this, which] {
-                           if (m_project)
-                               exportTitles(which, m_project);
-                       });
-                   });
+    m_dialogs.open(
+        {.title = u"选择要写入字幕的 FCP 项目"_s, .extensions = {u"fcpxml"_s, u"fcpxmld"_s}, .beside = m_openFile},
+        [this, which](const QString &path) {
+            loadProject(path, [this, which] {
+                if (m_project)
+                    exportTitles(which, m_project);
+            });
+        });
 }
 
 void LintoraModel::exportTitles(Exported which, const std::optional<FCPProject> &project)
 {
     const QString name = exportName(which, project ? options().name : QString());
-    m_dialogs.save({.title = u"导出 FCPXML"_s, .suggestion = name + u".fcpxml"_s, .extension = u"fcpxml"_s},
-                   [this, tracks = exportedTracks(which), project](const QString &path) {
-                       m_export.run(
-                           u"正在写入并核对字幕…"_s,
-                           [path, tracks, project](Job &job, const ProgressReport & /*report*/) {
-                               return Exports::writeTitles(path, TitleTracks::of(tracks), project, job);
-                           },
-                           [this, tracks](const QList<Problem> &problems) { reportWritten(tracks, problems); },
-                           [this](const Failure &failure) { reportFailure(failure); });
-                   });
+    m_dialogs.save(
+        {.title = u"导出 FCPXML"_s, .suggestion = name + u".fcpxml"_s, .extension = u"fcpxml"_s, .beside = m_openFile},
+        [this, tracks = exportedTracks(which), project](const QString &path) {
+            m_export.run(
+                u"正在写入并核对字幕…"_s,
+                [path, tracks, project](Job &job, const ProgressReport & /*report*/) {
+                    return Exports::writeTitles(path, TitleTracks::of(tracks), project, job);
+                },
+                [this, tracks](const QList<Problem> &problems) { reportWritten(tracks, problems); },
+                [this](const Failure &failure) { reportFailure(failure); });
+        });
 }
 
 /// The receipt: what was written, and what a person should know of it.

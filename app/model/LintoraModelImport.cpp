@@ -69,6 +69,7 @@ void LintoraModel::load(const QUrl &file)
         loadProject(path, [] {});
     } else if (*kind == Imports::Kind::media) {
         m_recognition.setMedia(file);
+        m_openFile = path;
         showAI(WindowState::AIMode::speech);
     } else {
         loadSubtitles(path);
@@ -112,7 +113,11 @@ void LintoraModel::takeRepaired(const Imports::ImportedCues &cues, qsizetype rep
 void LintoraModel::loadProject(const QString &path, std::function<void()> then)
 {
     importFrom(
-        u"正在读取项目…"_s, [path](Job &job) { return Imports::readTimeline(path, job); }, std::move(then));
+        u"正在读取项目…"_s, [path](Job &job) { return Imports::readTimeline(path, job); },
+        [this, path, then = std::move(then)] {
+            m_openFile = path;
+            then();
+        });
 }
 
 bool LintoraModel::receive(const QMimeData &pasteboard)
@@ -152,15 +157,17 @@ void LintoraModel::openRecent(const QString &file)
         },
         [this](const LintoraSession &session) {
             apply(session);
-            if (!aiBusy())
-                report(u"已载入"_s);
+            if (aiBusy())
+                return;
+            m_openFile.clear();
+            report(u"已载入"_s);
         },
         [this](const Failure &failure) { reportFailure(failure); });
 }
 
 void LintoraModel::choose()
 {
-    m_dialogs.open({.title = u"打开 SRT"_s, .extensions = {u"srt"_s}},
+    m_dialogs.open({.title = u"打开 SRT"_s, .extensions = {u"srt"_s}, .beside = m_openFile},
                    [this](const QString &path) { load(QUrl::fromLocalFile(path)); });
 }
 
@@ -168,14 +175,16 @@ void LintoraModel::chooseImport()
 {
     m_dialogs.open({.title = u"导入字幕、音视频或 FCP 项目"_s,
                     .extensions = QStringList{u"srt"_s, u"fcpxml"_s, u"fcpxmld"_s} + MediaFiles::extensions(),
-                    .kinds = u"SRT、音视频、FCP 项目"_s},
+                    .kinds = u"SRT、音视频、FCP 项目"_s,
+                    .beside = m_openFile},
                    [this](const QString &path) { load(QUrl::fromLocalFile(path)); });
 }
 
 void LintoraModel::chooseMedia()
 {
-    m_dialogs.open({.title = u"选择音视频"_s, .extensions = MediaFiles::extensions(), .kinds = u"音视频"_s},
-                   [this](const QString &path) { m_recognition.setMedia(QUrl::fromLocalFile(path)); });
+    m_dialogs.open(
+        {.title = u"选择音视频"_s, .extensions = MediaFiles::extensions(), .kinds = u"音视频"_s, .beside = m_openFile},
+        [this](const QString &path) { m_recognition.setMedia(QUrl::fromLocalFile(path)); });
 }
 
 void LintoraModel::showFCPImport()
@@ -217,6 +226,7 @@ void LintoraModel::takeCues(const Imports::ImportedCues &imported)
     next.options = forAnother(next.options, m_project && m_project->rate == next.options.rate);
     m_session.replace(SessionTracks::importing(std::move(next), imported.cues, imported.source), u"载入字幕"_s,
                       EditStep::load);
+    m_openFile = imported.file;
     report(u"已载入"_s);
 }
 

@@ -37,6 +37,7 @@ void LintoraModel::openSession(const QUrl &link)
             // The last edit still belongs to the session that was open till now.
             persistSession();
             m_link.open(found);
+            m_openFile.clear();
             // A project that was kept for another session is not this one's.
             publish(m_project, std::optional<FCPProject>(), &LintoraModel::projectChanged);
             m_window.setPinned(true);

@@ -32,11 +32,13 @@ QString nameFilter(const QStringList &extensions, const QString &kinds = {})
     return u"%1 (%2)"_s.arg(kinds.isEmpty() ? names.join(u"、") : kinds, patterns.join(u' '));
 }
 
-void present(const std::shared_ptr<Shared> &shared, QFileDialog &dialog, const FileDialogs::Chosen &chosen)
+void present(const std::shared_ptr<Shared> &shared, QFileDialog &dialog, const QString &beside,
+             const FileDialogs::Chosen &chosen)
 {
     shared->open = &dialog;
     dialog.setAttribute(Qt::WA_DeleteOnClose);
-    dialog.setDirectory(shared->folder);
+    const QFileInfo neighbour(beside);
+    dialog.setDirectory(!beside.isEmpty() && neighbour.dir().exists() ? neighbour.absolutePath() : shared->folder);
     QObject::connect(&dialog, &QFileDialog::fileSelected, &dialog, [shared, chosen](const QString &path) {
         const QFileInfo file(path);
         shared->folder = file.isDir() ? file.absoluteFilePath() : file.absolutePath();
@@ -69,7 +71,7 @@ FileDialogs systemFileDialogs(std::function<QWidget *()> window)
         auto *const dialog = new QFileDialog(shared->window(), request.title);
         dialog->setFileMode(QFileDialog::ExistingFile);
         dialog->setNameFilter(nameFilter(request.extensions, request.kinds));
-        present(shared, *dialog, chosen);
+        present(shared, *dialog, request.beside, chosen);
     };
     dialogs.save = [shared](const FileDialogs::Saving &request, const FileDialogs::Chosen &chosen) {
         if (isAsking(*shared))
@@ -79,15 +81,15 @@ FileDialogs systemFileDialogs(std::function<QWidget *()> window)
         dialog->setNameFilter(nameFilter({request.extension}));
         dialog->setDefaultSuffix(request.extension);
         dialog->selectFile(request.suggestion);
-        present(shared, *dialog, chosen);
+        present(shared, *dialog, request.beside, chosen);
     };
-    dialogs.folder = [shared](const QString &title, const FileDialogs::Chosen &chosen) {
+    dialogs.folder = [shared](const FileDialogs::Folder &request, const FileDialogs::Chosen &chosen) {
         if (isAsking(*shared))
             return;
-        auto *const dialog = new QFileDialog(shared->window(), title);
+        auto *const dialog = new QFileDialog(shared->window(), request.title);
         dialog->setFileMode(QFileDialog::Directory);
         dialog->setOption(QFileDialog::ShowDirsOnly);
-        present(shared, *dialog, chosen);
+        present(shared, *dialog, request.beside, chosen);
     };
     return dialogs;
 }

@@ -20,7 +20,7 @@ public:
             if (!answer.isEmpty())
                 chosen(answer);
         };
-        dialogs.folder = [this](const QString &, const FileDialogs::Chosen &chosen) {
+        dialogs.folder = [this](const FileDialogs::Folder &, const FileDialogs::Chosen &chosen) {
             if (!answer.isEmpty())
                 chosen(answer);
         };

@@ -24,16 +24,20 @@ ModelTest::~ModelTest()
 
 std::unique_ptr<LintoraModel> ModelTest::start()
 {
-    const auto reply = [this](const QString &suggestion, const FileDialogs::Chosen &chosen) {
+    const auto reply = [this](const QString &suggestion, const QString &beside, const FileDialogs::Chosen &chosen) {
         asked = suggestion;
+        askedBeside = beside;
         if (!answer.isEmpty())
             chosen(answer);
     };
     return std::make_unique<LintoraModel>(LintoraModel::Surroundings{
         .settings = std::make_shared<QSettings>(home(u"settings.ini"_s), QSettings::IniFormat),
-        .dialogs = {.open = [reply](const auto &request, const auto &chosen) { reply(request.title, chosen); },
-                    .save = [reply](const auto &request, const auto &chosen) { reply(request.suggestion, chosen); },
-                    .folder = reply},
+        .dialogs = {
+            .open = [reply](const auto &request, const auto &chosen) { reply(request.title, request.beside, chosen); },
+            .save = [reply](const auto &request,
+                            const auto &chosen) { reply(request.suggestion, request.beside, chosen); },
+            .folder = [reply](const auto &request,
+                              const auto &chosen) { reply(request.title, request.beside, chosen); }},
         .keys = keys.store(),
         .models = models});
 }

@@ -36,6 +36,7 @@ protected:
 
     QString answer;                                    ///< What the next dialog is answered with; empty: given up.
     QString asked;                                     ///< What the last dialog suggested, or its title.
+    QString askedBeside;                               ///< The file beside which it was to begin.
     QList<LocalModel> models = LocalModels::catalog(); ///< What the next start knows of models.
     MemoryKeys keys;                                   ///< The keychain, which stays from model to model.
 

@@ -45,6 +45,27 @@ TEST_F(ExportTest, writes_the_selected_track_as_SRT)
     EXPECT_EQ(asked, u"访谈.srt"_s) << "no hidden file";
 }
 
+TEST_F(ExportTest, dialogs_begin_beside_the_file_that_is_open)
+{
+    loadCues(Generator(1).cues(3), u"访谈.srt"_s);
+    const std::function<void()> questions[] = {[&] { model->exportSRT(); },    [&] { model->exportAllSRT(); },
+                                               [&] { model->exportFCPXML(); }, [&] { model->exportToProject(); },
+                                               [&] { model->chooseImport(); }, [&] { model->choose(); },
+                                               [&] { model->chooseMedia(); }};
+    answer.clear();
+    for (const auto &question : questions) {
+        askedBeside.clear();
+        question();
+        EXPECT_EQ(askedBeside, home(u"访谈.srt"_s)) << qPrintable(asked);
+    }
+    load(write(u"rough.fcpxml"_s, project()));
+    model->exportFCPXML();
+    EXPECT_EQ(askedBeside, home(u"rough.fcpxml"_s));
+    load(write(u"broken.srt"_s, "nothing"));
+    model->exportFCPXML();
+    EXPECT_EQ(askedBeside, home(u"rough.fcpxml"_s)) << "a refused file is not open";
+}
+
 TEST_F(ExportTest, names_files_after_the_track_where_there_are_several_and_writes_each_that_was_asked_for)
 {
     loadCues({{.id = 1, .start = 0, .end = 900, .text = u"你好\nHello"_s}}, u"访谈.srt"_s);

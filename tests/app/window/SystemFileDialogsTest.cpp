@@ -54,6 +54,27 @@ TEST_F(AskingForFiles, answers_with_the_chosen_file_and_later_starts_in_its_fold
                 testing::StartsWith(QDir::tempPath().toStdString()));
 }
 
+TEST_F(AskingForFiles, begins_beside_the_file_that_is_named)
+{
+    const QString path = m_outside.srt(u"a.srt"_s, 1).toLocalFile();
+    const auto unanswered = [](const QString &) {};
+    const std::function<void(const QString &)> questions[] = {
+        [&](const QString &beside) { m_dialogs.open({.title = {}, .extensions = {}, .beside = beside}, unanswered); },
+        [&](const QString &beside) {
+            m_dialogs.save({.title = {}, .suggestion = u"b.srt"_s, .extension = u"srt"_s, .beside = beside},
+                           unanswered);
+        },
+        [&](const QString &beside) { m_dialogs.folder({.title = {}, .beside = beside}, unanswered); }};
+    for (const auto &question : questions) {
+        for (const QString &beside : {path, u"/gone/with/its/folder.srt"_s, QString()}) {
+            question(beside);
+            EXPECT_EQ(open().first()->directory() == QFileInfo(path).dir(), beside == path) << qPrintable(beside);
+            open().first()->reject();
+            ASSERT_TRUE(Events::waitFor([&] { return open().isEmpty(); }));
+        }
+    }
+}
+
 TEST_F(AskingForFiles, does_not_answer_when_the_person_gives_up)
 {
     ask();
@@ -74,7 +95,7 @@ TEST_F(AskingForFiles, what_was_chosen_may_lead_to_the_next_question)
 {
     const QString path = m_outside.srt(u"a.srt"_s, 1).toLocalFile();
     m_dialogs.open({.title = u"导入"_s, .extensions = {u"srt"_s}}, [this](const QString &) {
-        m_dialogs.folder(u"导出全部 SRT"_s, [this](const QString &folder) { m_chosen += folder; });
+        m_dialogs.folder({.title = u"导出全部 SRT"_s}, [this](const QString &folder) { m_chosen += folder; });
     });
     open().first()->selectFile(path);
     accept(*open().first());
