@@ -60,6 +60,7 @@ void DraftFile::save(const LintoraSession &state)
     {
         const std::lock_guard lock(m_mutex);
         m_waiting = state;
+        ++m_keptCount;
     }
     m_thread.wake();
 }
@@ -70,12 +71,19 @@ void DraftFile::flush()
     m_outcome.throwFailure();
 }
 
+bool DraftFile::isSaved() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_savedCount == m_keptCount;
+}
+
 /// Saves the state that waits.
 RoundThread::Pause DraftFile::round()
 {
     std::unique_lock lock(m_mutex);
     const std::optional<LintoraSession> state = std::exchange(m_waiting, std::nullopt);
     const std::optional<LintoraSession> saved = m_saved;
+    const quint64 count = m_keptCount;
     lock.unlock();
     if (!state)
         return std::nullopt;
@@ -83,6 +91,7 @@ RoundThread::Pause DraftFile::round()
         if (state != saved || !QFileInfo::exists(m_path))
             replaceFile(*state);
         m_outcome.noteSuccess();
+        noteSaved(count);
         return std::nullopt;
     } catch (const std::exception &) {
         m_outcome.noteFailure();
@@ -91,6 +100,19 @@ RoundThread::Pause DraftFile::round()
     if (!m_waiting)
         m_waiting = state;
     return pauseAfterFailure;
+}
+
+void DraftFile::noteSaved(quint64 count)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_savedCount = count;
+    }
+    const auto tell = [this] {
+        if (isSaved())
+            Q_EMIT saved();
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 void DraftFile::replaceFile(const LintoraSession &state)

@@ -39,7 +39,11 @@ public:
     /// saved.
     void flush();
 
+    bool isSaved() const; ///< Whether the newest state has reached the disk.
+
 Q_SIGNALS:
+    void saved(); ///< isSaved() has become true.
+
     /// A state could not be saved, for the reason given. Said once, until another reason comes up or a save succeeds.
     void failed(const QString &description);
 
@@ -48,14 +52,17 @@ Q_SIGNALS:
 
 private:
     RoundThread::Pause round();
+    void noteSaved(quint64 count);
     void replaceFile(const LintoraSession &state);
     void setAside() const;
 
     const QString m_path;
 
-    std::mutex m_mutex;                      ///< Guards what follows. Not held while files are touched.
+    mutable std::mutex m_mutex;              ///< Guards what follows. Not held while files are touched.
     std::optional<LintoraSession> m_waiting; ///< The newest state that is not saved.
     std::optional<LintoraSession> m_saved;   ///< What the file holds, as far as we know.
+    quint64 m_keptCount = 0;                 ///< Of states that were kept for saving.
+    quint64 m_savedCount = 0;                ///< Of those up to the newest that has reached the disk.
     bool m_isOurs = false;                   ///< Whether the file was read or written here.
 
     SaveOutcome m_outcome;

@@ -1,5 +1,6 @@
 #include "app/Lintora/StatusLine.h"
 
+#include "app/Lintora/SavedMark.h"
 #include "app/Lintora/controls/BusyBar.h"
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/DurationText.h"
@@ -43,6 +44,7 @@ StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
     layout->addWidget(m_copy);
     layout->addWidget(m_busy);
     layout->addWidget(m_cancel);
+    layout->addWidget(new SavedMark(model, this));
     setFixedHeight(VELTheme::controlHeight + 2 * VELTheme::step);
 
     connect(m_copy, &QToolButton::clicked, this, &StatusLine::copy);

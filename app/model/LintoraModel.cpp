@@ -90,6 +90,7 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_glossary, &GlossaryTerms::refused, this, refuse);
     connect(&m_suspects, &SuspectMarks::done, this, &LintoraModel::report);
     connect(&m_keeper, &SessionKeeper::failureChanged, this, &LintoraModel::reportUnsaved);
+    connect(&m_keeper, &SessionKeeper::draftSaved, this, &LintoraModel::followSaving);
 }
 
 /// What is under way ends while all that its end concerns is there.

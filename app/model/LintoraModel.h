@@ -294,6 +294,15 @@ public:
     void shutdownAI();      ///< Cancels every long operation, and waits for its end, for reads no longer than
                             ///< BackgroundTask::patience.
 
+    /// How far the newest state of the session is on its way to the disk.
+    enum class Saving
+    {
+        done,
+        underWay,
+        failing ///< failure() says why. It is tried again.
+    };
+    Saving saving() const { return m_saving; }
+
     // End of the program
 
     /// Saves what waits. Whether the program can end without losing anything; otherwise `quitQuestion` is put up.
@@ -325,6 +334,7 @@ Q_SIGNALS:
     void historyChanged();
     void fillerWordsChanged();
     void recentSessionsChanged();
+    void savingChanged();
     void quitQuestionChanged();
     void quitConfirmed(); ///< The program is to end, whatever is lost.
     void projectChanged();
@@ -382,6 +392,7 @@ private:
     void schedulePersist();
     void persistSession();
     void reportUnsaved();
+    void followSaving();
     bool hasCues() const;
     std::optional<QString> save();
     void setUnsaved(const std::optional<QString> &why);
@@ -404,12 +415,14 @@ private:
     QString m_messageDetail;
     std::optional<Failure> m_failure;
     std::optional<QString> m_unsaved; ///< Why the newest session is not saved.
+    Saving m_saving = Saving::done;
     std::optional<QString> m_quitQuestion;
 
     QStringList m_fillerWords;
     std::optional<FCPProject> m_project;
     std::optional<Options> m_projectSettings;
     std::optional<CueRestore> m_replacement; ///< Of the last replacement.
+    QString m_openFile;                      ///< The file that was taken in last; empty while none is known.
 
     CueOwnership m_owner{m_session};
     WindowState m_window{m_preferences, m_owner};
@@ -423,7 +436,6 @@ private:
     Translation m_translation{m_session, m_owner, m_aiSettings, m_glossary};
     Review m_review{m_session, m_owner, m_aiSettings};
     CueTools m_cueTools{m_session, m_owner};
-    QString m_openFile;                      ///< The file that was taken in last; empty while none is known.
     FileRepairing m_fileRepairing;
     OwnTitles m_ownTitles;
     Options m_pictured;

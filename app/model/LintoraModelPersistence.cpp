@@ -49,6 +49,7 @@ void LintoraModel::schedulePersist()
 {
     if (std::exchange(m_isPersisting, true))
         return;
+    followSaving();
     // In the event loop, so that several changes of one operation are saved together.
     QMetaObject::invokeMethod(this, &LintoraModel::persistSession, Qt::QueuedConnection);
 }
@@ -130,8 +131,19 @@ void LintoraModel::setUnsaved(const std::optional<QString> &why)
     if (m_unsaved && !why)
         publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged);
     publish(m_unsaved, why, &LintoraModel::failureChanged);
+    followSaving();
     if (!why && !quitStopsWork()) // Then the question has answered itself.
         publish(m_quitQuestion, std::optional<QString>(), &LintoraModel::quitQuestionChanged);
+}
+
+void LintoraModel::followSaving()
+{
+    const bool isDone = !m_isPersisting && m_keeper.isDraftSaved();
+    publish(m_saving,
+            m_unsaved ? Saving::failing
+            : isDone  ? Saving::done
+                      : Saving::underWay,
+            &LintoraModel::savingChanged);
 }
 
 bool LintoraModel::hasCues() const

@@ -7,6 +7,7 @@ SessionKeeper::SessionKeeper(const QString &draftURL, QObject *parent)
 {
     connect(&m_draft, &DraftFile::failed, this,
             [this](const QString &description) { note(m_draftFailure, description); });
+    connect(&m_draft, &DraftFile::saved, this, &SessionKeeper::draftSaved);
     connect(&m_draft, &DraftFile::recovered, this, [this] { note(m_draftFailure, std::nullopt); });
 }
 

@@ -22,6 +22,8 @@ public:
     const std::optional<QString> &draftFailure() const { return m_draftFailure; }
     const std::optional<QString> &sessionFailure() const { return m_sessionFailure; }
 
+    bool isDraftSaved() const { return m_draft.isSaved(); } ///< Whether the newest state is in the draft.
+
     std::optional<LintoraSession> loadDraft(); ///< Absent when there is none that can be read.
 
     /// Watches that file in place of any other. Its version arrives soon, also when it is the one last seen.
@@ -38,6 +40,7 @@ public:
     void flushSession(); ///< @throws ConversionError, PlatformError when the newest session could not be written.
 
 Q_SIGNALS:
+    void draftSaved();                             ///< The newest state is in the draft.
     void arrived(const LintoraSession &session);   ///< The extension has put this version in place.
     void overruled(const LintoraSession &session); ///< Our change has taken the place of this version, unseen.
     void failureChanged(); ///< Draft or session could not be saved, for a reason that is news, or can be again.

@@ -125,6 +125,20 @@ QPainterPath pathOf(Glyph glyph)
     case Glyph::star:
     case Glyph::starred:
         return star();
+    case Glyph::check:
+        path.moveTo(3.5, 8.5);
+        path.lineTo(6.5, 11.5);
+        path.lineTo(12.5, 5);
+        return path;
+    case Glyph::waiting:
+        for (const double x : {4.0, 8.0, 12.0})
+            path.addEllipse(QPointF(x, 8), 0.6, 0.6);
+        return path;
+    case Glyph::alert:
+        path.moveTo(8, 3);
+        path.lineTo(8, 9.5);
+        path.addEllipse(QPointF(8, 12.6), 0.5, 0.5);
+        return path;
     }
     return path;
 }

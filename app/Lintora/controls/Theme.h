@@ -81,6 +81,9 @@ enum class Glyph
     more,
     star,    ///< Hollow.
     starred, ///< Filled.
+    check,
+    waiting, ///< Three dots.
+    alert,   ///< An exclamation mark.
 };
 
 /// The sign in the colours of `widget`, whatever becomes of its appearance.

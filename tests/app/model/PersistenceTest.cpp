@@ -77,6 +77,27 @@ TEST_F(PersistenceTest, what_is_typed_is_saved_without_a_quit)
     }));
 }
 
+TEST_F(PersistenceTest, says_whether_everything_is_saved)
+{
+    using Saving = LintoraModel::Saving;
+    EXPECT_EQ(model->saving(), Saving::done);
+    loadCues(Generator(1).cues(3));
+    ASSERT_TRUE(Events::waitFor([&] { return model->saving() == Saving::done; }));
+    int announced = 0;
+    QObject::connect(model.get(), &LintoraModel::savingChanged, model.get(), [&] { ++announced; });
+    model->setText(1, u"一"_s);
+    EXPECT_EQ(model->saving(), Saving::underWay);
+    model->setText(1, u"二"_s);
+    ASSERT_TRUE(Events::waitFor([&] { return model->saving() == Saving::done; }));
+    EXPECT_EQ(LintoraSession::read(model->draftURL()).items[1].text, u"二"_s) << "the newest";
+    EXPECT_EQ(announced, 2);
+    model->setText(1, QString(17'000'000, u'a')); // more than a draft holds
+    ASSERT_TRUE(Events::waitFor([&] { return model->saving() == Saving::failing; }));
+    model->setText(1, u"三"_s);
+    EXPECT_EQ(model->saving(), Saving::failing) << "until it can be";
+    ASSERT_TRUE(Events::waitFor([&] { return model->saving() == Saving::done; }));
+}
+
 TEST_F(PersistenceTest, starts_empty_and_silent_without_a_draft_that_can_be_read)
 {
     const QString draft = Locations::draft();
