@@ -22,6 +22,7 @@
 #include "app/Lintora/drag/UnifiedImportArea.h"
 #include "app/Lintora/look/StyleWorkspace.h"
 #include "app/Lintora/tools/CleanupWorkspace.h"
+#include "app/Lintora/drag/WindowDrop.h"
 #include "app/Lintora/tools/CueToolWorkspace.h"
 #include "app/Lintora/tools/FindReplaceWorkspace.h"
 #include "app/Lintora/tools/RepairWorkspace.h"
@@ -111,10 +112,25 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     followSheets();
 }
 
-LintoraPanel::~LintoraPanel() = default;
+LintoraPanel::~LintoraPanel()
+{
+    m_model.window().keepTyped = nullptr;
+}
+
+void LintoraPanel::dress()
+{
+    using Appearance = WindowState::Appearance;
+    const Appearance wanted = m_model.window().appearance();
+    const auto chosen = wanted == Appearance::dark ? VELTheme::Appearance::dark : VELTheme::Appearance::light;
+    VELTheme::choose(*this, wanted == Appearance::system ? std::nullopt : std::optional(chosen));
+}
 
 QWidget *LintoraPanel::makeWorkspace()
 {
+    new WindowDrop(model, *this);
+    connect(&model.window(), &WindowState::appearanceChanged, this, &LintoraPanel::dress);
+    if (model.window().appearance() != WindowState::Appearance::system)
+        dress();
     const auto mayAct = [this] { return m_table->commitEdit(); };
     auto *const workspace = new QWidget(this);
     auto *const editing = new EditingActions(m_model, mayAct, workspace);
@@ -148,6 +164,9 @@ QWidget *LintoraPanel::makeTableHeading()
     constexpr int filterWidth = 40 * VELTheme::step;
     auto *const heading = new QWidget(this);
     auto *const tabs = new TrackTabs(
+    const auto fold = [this, inspector] { inspector->setVisible(m_model.window().inspectorShown()); };
+    connect(&m_model.window(), &WindowState::inspectorShownChanged, inspector, fold);
+    fold();
         m_model, [this] { return m_table->commitEdit(); }, heading);
     m_filter = new FilterField(heading);
     m_filter->setFixedWidth(filterWidth);

@@ -43,6 +43,7 @@ protected:
 private:
     QWidget *makeWorkspace();
     QWidget *makeTableHeading();
+    void dress();
     void followCues();
     void giveKeyboard(QWidget *widget);
     void returnKeyboard();

@@ -13,6 +13,8 @@ namespace {
 const QString fillerWordsKey = u"fillerWords"_s;
 const QString pinnedKey = u"floatingPinned"_s;
 const QString expandedKey = u"expandedActionsLayout"_s;
+const QString inspectorKey = u"inspectorShown"_s;
+const QString appearanceKey = u"appearance"_s;
 const QString favoritesKey = u"favoriteFonts"_s;
 const QString recentKey = u"recentFonts"_s;
 const QString frameKey = u"LintoraEditor"_s;
@@ -75,6 +77,29 @@ bool Preferences::expandedActionsLayout() const
 void Preferences::setExpandedActionsLayout(bool done)
 {
     m_settings->setValue(expandedKey, done);
+}
+
+bool Preferences::inspectorShown() const
+{
+    return SettingsValues::boolean(m_settings->value(inspectorKey)).value_or(true);
+}
+
+void Preferences::setInspectorShown(bool shown)
+{
+    m_settings->setValue(inspectorKey, shown);
+}
+
+QString Preferences::appearance() const
+{
+    return m_settings->value(appearanceKey).toString();
+}
+
+void Preferences::setAppearance(const QString &appearance)
+{
+    if (appearance.isEmpty())
+        m_settings->remove(appearanceKey);
+    else
+        m_settings->setValue(appearanceKey, appearance);
 }
 
 QStringList Preferences::favoriteFonts() const

@@ -24,6 +24,12 @@ public:
     bool expandedActionsLayout() const; ///< Whether the window was enlarged once for its newer layout.
     void setExpandedActionsLayout(bool done);
 
+    bool inspectorShown() const; ///< True when absent.
+    void setInspectorShown(bool shown);
+
+    QString appearance() const; ///< "light" or "dark", as it was chosen; empty when absent: the system's.
+    void setAppearance(const QString &appearance);
+
     QStringList favoriteFonts() const; ///< Families, in the order in which they became favourites.
     void setFavoriteFonts(const QStringList &families);
 

@@ -2,10 +2,28 @@
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString light = u"light"_s;
+const QString dark = u"dark"_s;
+
+WindowState::Appearance appearanceOf(const QString &kept)
+{
+    return kept == light  ? WindowState::Appearance::light
+           : kept == dark ? WindowState::Appearance::dark
+                          : WindowState::Appearance::system;
+}
+
+} // namespace
+
 WindowState::WindowState(Preferences &preferences, const CueOwnership &owner)
     : m_preferences(preferences)
     , m_owner(owner)
     , m_pinned(preferences.floatingPinned())
+    , m_inspectorShown(preferences.inspectorShown())
+    , m_appearance(appearanceOf(preferences.appearance()))
 {
     connect(&owner, &CueOwnership::busyChanged, this, [this] {
         if (m_owner.isBusy())
@@ -23,6 +41,21 @@ void WindowState::setPinned(bool pinned)
 {
     m_preferences.setFloatingPinned(pinned);
     set(m_pinned, pinned, &WindowState::pinnedChanged);
+}
+
+void WindowState::setInspectorShown(bool shown)
+{
+    m_preferences.setInspectorShown(shown);
+    set(m_inspectorShown, shown, &WindowState::inspectorShownChanged);
+}
+
+void WindowState::setAppearance(Appearance appearance)
+{
+    m_preferences.setAppearance(appearance == Appearance::light  ? light
+                                : appearance == Appearance::dark ? dark
+                                                                 : QString());
+    if (std::exchange(m_appearance, appearance) != appearance)
+        Q_EMIT appearanceChanged();
 }
 
 void WindowState::setFCPImportVisible(bool visible)
@@ -71,6 +104,11 @@ void WindowState::setAIPresented(bool presented)
 void WindowState::setAISettingsPresented(bool presented)
 {
     set(m_aiSettingsPresented, presented, &WindowState::aiSettingsPresentedChanged);
+}
+
+void WindowState::setKeysVisible(bool visible)
+{
+    set(m_keysVisible, visible, &WindowState::keysVisibleChanged);
 }
 
 void WindowState::setAISettingsTab(AISettingsTab tab)

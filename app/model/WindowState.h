@@ -32,11 +32,25 @@ public:
         timing   ///< Making cues of it.
     };
 
+    /// Light or dark.
+    enum class Appearance
+    {
+        system, ///< As the system has it.
+        light,
+        dark
+    };
+
     WindowState(Preferences &preferences, const CueOwnership &owner);
 
     bool pinned() const { return m_pinned; } ///< Whether it stays in front. Kept between runs.
     void setPinned(bool pinned);
     void toggleFloating() { setPinned(!m_pinned); }
+
+    bool inspectorShown() const { return m_inspectorShown; } ///< Whether a cue's picture is shown. Kept between runs.
+    void setInspectorShown(bool shown);
+
+    Appearance appearance() const { return m_appearance; } ///< Kept between runs.
+    void setAppearance(Appearance appearance);
 
     bool fcpImportVisible() const { return m_fcpImportVisible; }
     bool settingsVisible() const { return m_settingsVisible; } ///< The titles' look.
@@ -59,11 +73,28 @@ public:
     void setAISettingsPresented(bool presented);
     void setAISettingsTab(AISettingsTab tab);
 
-    bool subtitleDragInProgress = false;               ///< Set by the card that is dragged.
-    std::function<void()> raisePinnedWindow = nullptr; ///< Set by the owner of the window.
+    /// An entry of the menus that has a key.
+    struct MenuKey
+    {
+        QString menu;
+        QString title;
+        QString keys; ///< As the system writes them.
+    };
+
+    bool keysVisible() const { return m_keysVisible; } ///< The page that lists what every key does.
+    void setKeysVisible(bool visible);
+
+    bool subtitleDragInProgress = false;                ///< Set by the card that is dragged.
+    std::function<void()> raisePinnedWindow = nullptr;  ///< Set by the owner of the window.
+    std::function<QList<MenuKey>()> menuKeys = nullptr; ///< In the menus' order. Set by their owner.
+
+    /// Brings what is being typed into the cues; false when that is refused. Set by the panel.
+    std::function<bool()> keepTyped = nullptr;
 
 Q_SIGNALS:
     void pinnedChanged();
+    void inspectorShownChanged();
+    void appearanceChanged();
     void fcpImportVisibleChanged();
     void settingsVisibleChanged();
     void cleanupSettingsVisibleChanged();
@@ -72,6 +103,7 @@ Q_SIGNALS:
     void aiPresentedChanged();          ///< Or the mode.
     void aiSettingsPresentedChanged();
     void aiSettingsTabChanged();
+    void keysVisibleChanged();
 
 private:
     void set(bool &field, bool value, void (WindowState::*changed)());
@@ -79,6 +111,8 @@ private:
     Preferences &m_preferences;
     const CueOwnership &m_owner;
     bool m_pinned;
+    bool m_inspectorShown;
+    Appearance m_appearance;
     bool m_fcpImportVisible = false;
     bool m_settingsVisible = false;
     bool m_cleanupSettingsVisible = false;
@@ -88,5 +122,6 @@ private:
     bool m_aiPresented = false;
     AIMode m_aiMode = AIMode::speech;
     bool m_aiSettingsPresented = false;
+    bool m_keysVisible = false;
     AISettingsTab m_aiSettingsTab = AISettingsTab::models;
 };

@@ -73,6 +73,9 @@ QString interfaceFamily();
 /// The name of the style that widgets are drawn in; empty: the system's own.
 QString widgetStyle();
 
+/// Whether the system lets people choose between light and dark, for all programs.
+bool offersAppearance();
+
 /// The user's settings. Sees no keys but its own.
 std::unique_ptr<QSettings> settings();
 

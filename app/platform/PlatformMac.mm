@@ -153,6 +153,11 @@ QString widgetStyle()
     return {};
 }
 
+bool offersAppearance()
+{
+    return true;
+}
+
 std::unique_ptr<QSettings> settings()
 {
     // Without an organisation and an application the domain is the bundle's identifier, as it is for the standard user

@@ -88,6 +88,11 @@ QString widgetStyle()
     return u"fusion"_s;
 }
 
+bool offersAppearance()
+{
+    return false; // some desktops do, and none in a way that all programs hear of
+}
+
 std::unique_ptr<QSettings> settings()
 {
     return std::make_unique<QSettings>(QDir::homePath() + u"/Library/Preferences/local.lintora.workflow.ini"_s,

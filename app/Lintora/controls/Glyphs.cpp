@@ -134,6 +134,11 @@ QPainterPath pathOf(Glyph glyph)
         for (const double x : {4.0, 8.0, 12.0})
             path.addEllipse(QPointF(x, 8), 0.6, 0.6);
         return path;
+    case Glyph::inspector:
+        path.addRoundedRect(2.5, 3, 11, 10, 1.5, 1.5);
+        path.moveTo(2.5, 9.5);
+        path.lineTo(13.5, 9.5);
+        return path;
     case Glyph::alert:
         path.moveTo(8, 3);
         path.lineTo(8, 9.5);

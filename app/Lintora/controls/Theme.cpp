@@ -54,6 +54,7 @@ const Colors darkColors = {.window = 0x1f1f22,
                            .scrim = QColor(0, 0, 0, 130)};
 
 constexpr auto appearanceProperty = "velAppearance";
+constexpr auto chosenProperty = "velAppearanceChosen";
 
 Appearance appearanceOf(const QPalette &palette)
 {
@@ -187,7 +188,8 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp && m_system != systemAppearance()) {
+        if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp &&
+            !m_window.property(chosenProperty).toBool() && m_system != systemAppearance()) {
             m_system = systemAppearance();
             setAppearance(m_window, m_system);
         }
@@ -239,6 +241,19 @@ void configure(QWidget &window)
         QApplication::setStyle(QStyleFactory::create(style));
     new Follower(window);
     setAppearance(window, systemAppearance());
+}
+
+void choose(QWidget &window, std::optional<Appearance> choice)
+{
+    window.setProperty(chosenProperty, choice.has_value());
+    QApplication::setPalette(QPalette()); // The last choice would hide what the system has.
+    const Appearance appearance = choice.value_or(systemAppearance());
+    setAppearance(window, appearance);
+    if (!choice)
+        return;
+    QPalette palette = paletteOf(colors(appearance));
+    palette.setColor(QPalette::Window, colors(appearance).window);
+    QApplication::setPalette(palette);
 }
 
 void setAppearance(QWidget &window, Appearance appearance)

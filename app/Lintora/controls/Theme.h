@@ -5,6 +5,8 @@
 #include <QIcon>
 #include <QPalette>
 
+#include <optional>
+
 class QWidget;
 
 /// The look of the window: colours, sizes and fonts, in one place.
@@ -49,6 +51,10 @@ Appearance systemAppearance();
 /// Gives `window` and all in it the look of the system's appearance, and follows when that changes.
 void configure(QWidget &window);
 
+/// Gives `window`, which is configured, the appearance that a person has chosen, until they choose another; where
+/// absent, the system's again.
+void choose(QWidget &window, std::optional<Appearance> choice);
+
 /// The same in a certain appearance, whatever the system's.
 void setAppearance(QWidget &window, Appearance appearance);
 
@@ -82,8 +88,9 @@ enum class Glyph
     star,    ///< Hollow.
     starred, ///< Filled.
     check,
-    waiting, ///< Three dots.
-    alert,   ///< An exclamation mark.
+    waiting,   ///< Three dots.
+    alert,     ///< An exclamation mark.
+    inspector, ///< A window with its lower part marked.
 };
 
 /// The sign in the colours of `widget`, whatever becomes of its appearance.

@@ -5,6 +5,7 @@
 
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 
 #include <algorithm>
 #include <cmath>
@@ -80,6 +81,11 @@ bool CueTextEditor::event(QEvent *event)
         return true;
     }
     return QPlainTextEdit::event(event);
+}
+
+bool CueTextEditor::canInsertFromMimeData(const QMimeData *source) const
+{
+    return !source->hasUrls() && QPlainTextEdit::canInsertFromMimeData(source);
 }
 
 void CueTextEditor::inputMethodEvent(QInputMethodEvent *event)

@@ -49,6 +49,7 @@ private:
     bool isComposing() const { return m_isComposing; }
 
     QPersistentModelIndex m_cue;
+    bool canInsertFromMimeData(const QMimeData *source) const override; ///< No names of files: these are the window's.
     QString m_stored;
     bool m_isComposing = false;
     bool m_isOver = false;

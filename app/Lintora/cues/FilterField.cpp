@@ -1,6 +1,8 @@
 #include "app/Lintora/cues/FilterField.h"
 
+#include <QDragEnterEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 
 using namespace Qt::StringLiterals;
 
@@ -10,6 +12,14 @@ FilterField::FilterField(QWidget *parent)
     setPlaceholderText(u"筛选…"_s);
     setAccessibleName(u"筛选字幕"_s);
     setClearButtonEnabled(true);
+}
+
+void FilterField::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasUrls())
+        event->ignore();
+    else
+        QLineEdit::dragEnterEvent(event);
 }
 
 void FilterField::inputMethodEvent(QInputMethodEvent *event)

@@ -21,3 +21,4 @@ protected:
 private:
     bool m_isComposing = false;
 };
+    void dragEnterEvent(QDragEnterEvent *event) override; ///< Files are the window's.
