@@ -2,6 +2,7 @@
 
 #include "app/Lintora/Actions.h"
 #include "app/Lintora/Header.h"
+#include "app/Lintora/KeysSheet.h"
 #include "app/Lintora/QuitQuestion.h"
 #include "app/Lintora/RecentList.h"
 #include "app/Lintora/StatusLine.h"
@@ -13,16 +14,15 @@
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/QuestionSheet.h"
 #include "app/Lintora/cues/CueTable.h"
-#include "app/Lintora/cues/FilterField.h"
 #include "app/Lintora/cues/Inspector.h"
 #include "app/Lintora/cues/SuspectBar.h"
-#include "app/Lintora/cues/TrackTabs.h"
+#include "app/Lintora/cues/TableHeading.h"
 #include "app/Lintora/drag/CardRow.h"
 #include "app/Lintora/drag/FileDropArea.h"
 #include "app/Lintora/drag/UnifiedImportArea.h"
+#include "app/Lintora/drag/WindowDrop.h"
 #include "app/Lintora/look/StyleWorkspace.h"
 #include "app/Lintora/tools/CleanupWorkspace.h"
-#include "app/Lintora/drag/WindowDrop.h"
 #include "app/Lintora/tools/CueToolWorkspace.h"
 #include "app/Lintora/tools/FindReplaceWorkspace.h"
 #include "app/Lintora/tools/RepairWorkspace.h"
@@ -55,8 +55,8 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     m_stage = new QWidget(this);
     auto *const header = new Header(model, m_stage);
     m_import = new UnifiedImportArea(model, m_stage);
-    auto *const actions = new MainActions(
-        model, [this] { return m_table->commitEdit(); }, m_stage);
+    const auto mayAct = [this] { return m_table->commitEdit(); };
+    auto *const actions = new MainActions(model, mayAct, m_stage);
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
     note->setAlignment(Qt::AlignCenter);
     m_emptyNote = new QWidget(this);
@@ -89,14 +89,14 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     layout->addWidget(status);
     connect(status, &StatusLine::keyboardFreed, this, &LintoraPanel::returnKeyboard);
 
-    connect(&model, &LintoraModel::loaded, m_filter, &FilterField::clear); // which was about another session
+    model.window().keepTyped = mayAct;
     connect(&model, &LintoraModel::stepped, this, &LintoraPanel::bringCue);
     connect(&model, &LintoraModel::itemsChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::tracksChanged, this, &LintoraPanel::followCues);
     for (const auto signal : {&WindowState::cleanupSettingsVisibleChanged, &WindowState::findReplaceVisibleChanged,
                               &WindowState::scriptMatchPresentedChanged, &WindowState::settingsVisibleChanged,
                               &WindowState::fcpImportVisibleChanged, &WindowState::aiPresentedChanged,
-                              &WindowState::aiSettingsPresentedChanged})
+                              &WindowState::aiSettingsPresentedChanged, &WindowState::keysVisibleChanged})
         connect(&model.window(), signal, this, &LintoraPanel::followSheets);
     connect(&model, &LintoraModel::splitOriginalChanged, this, &LintoraPanel::followCues);
     connect(&model, &LintoraModel::previousItemsChanged, this, &LintoraPanel::followCues);
@@ -108,6 +108,10 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
         returnKeyboard();
     });
     new QuitQuestion(model, m_stage);
+    new WindowDrop(model, *this);
+    connect(&model.window(), &WindowState::appearanceChanged, this, &LintoraPanel::dress);
+    if (model.window().appearance() != WindowState::Appearance::system)
+        dress();
     followCues();
     followSheets();
 }
@@ -127,18 +131,12 @@ void LintoraPanel::dress()
 
 QWidget *LintoraPanel::makeWorkspace()
 {
-    new WindowDrop(model, *this);
-    connect(&model.window(), &WindowState::appearanceChanged, this, &LintoraPanel::dress);
-    if (model.window().appearance() != WindowState::Appearance::system)
-        dress();
     const auto mayAct = [this] { return m_table->commitEdit(); };
     auto *const workspace = new QWidget(this);
     auto *const editing = new EditingActions(m_model, mayAct, workspace);
     connect(editing, &EditingActions::restoreRequested, this, &LintoraPanel::confirmRestore);
-    QWidget *const heading = makeTableHeading();
     m_table = new CueTable(m_model, workspace);
-    connect(m_filter, &FilterField::textChanged, m_table, &CueTable::setFilter);
-    connect(m_filter, &FilterField::left, m_table, &CueTable::takeKeyboard);
+    m_heading = new TableHeading(m_model, *m_table, workspace);
     auto *const inspector = new Inspector(m_model, m_table->cues(), workspace);
     connect(m_table, &CueTable::currentCueChanged, inspector,
             [this, inspector] { inspector->show(m_table->currentCue()); });
@@ -151,31 +149,15 @@ QWidget *LintoraPanel::makeWorkspace()
     m_suspects = new SuspectBar(m_model, *m_table, workspace);
     connect(m_suspects, &SuspectBar::cueRequested, this, &LintoraPanel::bringCue);
     layout->addWidget(editing);
-    layout->addWidget(heading);
+    layout->addWidget(m_heading);
     layout->addWidget(m_suspects);
     layout->addWidget(m_table, 3);
     layout->addWidget(inspector, 1);
-    layout->addWidget(new CardRow(m_model, mayAct, workspace));
-    return workspace;
-}
-
-QWidget *LintoraPanel::makeTableHeading()
-{
-    constexpr int filterWidth = 40 * VELTheme::step;
-    auto *const heading = new QWidget(this);
-    auto *const tabs = new TrackTabs(
     const auto fold = [this, inspector] { inspector->setVisible(m_model.window().inspectorShown()); };
     connect(&m_model.window(), &WindowState::inspectorShownChanged, inspector, fold);
     fold();
-        m_model, [this] { return m_table->commitEdit(); }, heading);
-    m_filter = new FilterField(heading);
-    m_filter->setFixedWidth(filterWidth);
-    auto *const row = new QHBoxLayout(heading);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(VELTheme::gap);
-    row->addWidget(tabs, 1);
-    row->addWidget(m_filter);
-    return heading;
+    layout->addWidget(new CardRow(m_model, mayAct, workspace));
+    return workspace;
 }
 
 void LintoraPanel::followCues()
@@ -237,8 +219,10 @@ void LintoraPanel::followSheets()
     showSheet(m_cleanup, window.cleanupSettingsVisible());
     const bool isFirst = !m_findReplace;
     showSheet(m_findReplace, window.findReplaceVisible());
-    if (isFirst && m_findReplace)
+    if (isFirst && m_findReplace) {
         connect(m_findReplace, &FindReplaceWorkspace::cueRequested, this, &LintoraPanel::showCue);
+        connect(m_findReplace, &FindReplaceWorkspace::queryChanged, m_table, &CueTable::setSearch);
+    }
     if (window.scriptMatchPresented() && !m_scriptMatch) {
         m_scriptMatch = new ScriptMatchWorkspace(m_model, m_stage);
         m_scriptMatch->addTiming(new ScriptSpeechView(m_model, m_scriptMatch));
@@ -249,6 +233,7 @@ void LintoraPanel::followSheets()
     showSheet(m_translate, window.aiPresented() && window.aiMode() == WindowState::AIMode::translation);
     showSheet(m_review, window.aiPresented() && window.aiMode() == WindowState::AIMode::review);
     showSheet(m_aiSettings, window.aiSettingsPresented());
+    showSheet(m_keys, window.keysVisible());
     showStyle();
 }
 
@@ -304,7 +289,7 @@ void LintoraPanel::bringCue(qsizetype cue)
 {
     m_table->goTo(cue);
     if (m_table->currentCue() != cue) {
-        m_filter->clear();
+        m_heading->showAll();
         m_table->goTo(cue);
     }
 }

@@ -8,8 +8,8 @@ class AISettingsSheet;
 class CleanupWorkspace;
 class CueTable;
 class CueToolWorkspace;
-class FilterField;
 class FindReplaceWorkspace;
+class KeysSheet;
 class QuestionSheet;
 class QVBoxLayout;
 class RepairWorkspace;
@@ -19,6 +19,7 @@ class Sheet;
 class SpeechSheet;
 class StyleWorkspace;
 class SuspectBar;
+class TableHeading;
 class TimeShiftSheet;
 class TranslateSheet;
 class UnifiedImportArea;
@@ -41,9 +42,8 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    QWidget *makeWorkspace();
-    QWidget *makeTableHeading();
     void dress();
+    QWidget *makeWorkspace();
     void followCues();
     void giveKeyboard(QWidget *widget);
     void returnKeyboard();
@@ -60,14 +60,14 @@ private:
     void showSheet(Workspace *&workspace, bool visible);
 
     LintoraModel &m_model;
-    QWidget *m_stage = nullptr; ///< All but the status line, which stays in sight beside a sheet.
+    QWidget *m_stage = nullptr;       ///< All but the status line, which stays in sight beside a sheet.
     UnifiedImportArea *m_import = nullptr;
     QWidget *m_emptyNote = nullptr;
     QWidget *m_workspace = nullptr;
     bool m_isInUse = false;
-    FilterField *m_filter = nullptr;
     CueTable *m_table = nullptr;
     SuspectBar *m_suspects = nullptr;
+    TableHeading *m_heading = nullptr;
     Sheet *m_fcpImport = nullptr; ///< Made when it is needed first, as are the following.
     QuestionSheet *m_confirmation = nullptr;
     CleanupWorkspace *m_cleanup = nullptr;
@@ -78,6 +78,7 @@ private:
     CueToolWorkspace *m_script = nullptr;
     RepairWorkspace *m_repair = nullptr;
     TimeShiftSheet *m_times = nullptr;
+    KeysSheet *m_keys = nullptr;
     StyleWorkspace *m_style = nullptr;
     SpeechSheet *m_speech = nullptr;
     TranslateSheet *m_translate = nullptr;

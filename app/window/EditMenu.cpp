@@ -102,6 +102,7 @@ EditMenu::EditMenu(LintoraModel &model, QWidget *parent)
     m_copy = add(u"复制"_s, Qt::CTRL | Qt::Key_C, "copy");
     m_paste = add(u"粘贴"_s, Qt::CTRL | Qt::Key_V, "paste");
     m_selectAll = add(u"全选"_s, Qt::CTRL | Qt::Key_A, "selectAll");
+    addCueCommands();
 
     connect(&model, &LintoraModel::historyChanged, this, &EditMenu::update);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { follow(now); });
@@ -117,6 +118,38 @@ QAction *EditMenu::add(const QString &title, const QKeySequence &key, const char
     action->setShortcut(key);
     connect(action, &QAction::triggered, this, [this, slot] { perform(slot); });
     return action;
+}
+
+void EditMenu::addCueCommands()
+{
+    const auto addCommand = [this](const QString &title, const QKeySequence &key, const char *slot,
+                                   Reach reach = Reach::everywhere) {
+        QAction *const action = addAction(title);
+        action->setShortcut(key);
+        const Command command{.action = action, .slot = slot, .reach = reach};
+        connect(action, &QAction::triggered, this, [this, command] {
+            if (QWidget *const target = performer(command))
+                QMetaObject::invokeMethod(target, command.slot);
+        });
+        m_commands += command;
+    };
+    addSeparator();
+    addCommand(u"插入字幕"_s, Qt::CTRL | Qt::Key_Return, "insertCue");
+    addCommand(u"拆分"_s, Qt::CTRL | Qt::Key_K, "splitCue");
+    addCommand(u"与下一条合并"_s, Qt::CTRL | Qt::Key_J, "joinWithNext");
+    addCommand(u"删除字幕"_s, Qt::CTRL | Qt::Key_Backspace, "deleteCues", Reach::outsideTexts);
+    addCommand(u"移动时间…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_T, "moveTimes");
+    addSeparator();
+    addCommand(u"查找下一处"_s, Qt::CTRL | Qt::Key_G, "findNext");
+    addCommand(u"查找上一处"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_G, "findPrevious");
+    addCommand(u"下一处提醒"_s, Qt::CTRL | Qt::Key_Semicolon, "nextWarning");
+}
+
+/// What a command would be done by; null where it is not offered.
+QWidget *EditMenu::performer(const Command &command) const
+{
+    const bool isInText = textField(m_target) != nullptr;
+    return isInText && command.reach == Reach::outsideTexts ? nullptr : responder(m_target, command.slot);
 }
 
 void EditMenu::follow(QWidget *focus)
@@ -187,6 +220,8 @@ void EditMenu::update()
     // Whether there is anything to paste is not asked: the answer may take the time of another program.
     m_paste->setEnabled(text ? text->editable : responder(m_target, "paste") != nullptr);
     m_selectAll->setEnabled(text ? !text->isEmpty : responder(m_target, "selectAll") != nullptr);
+    for (const Command &command : m_commands)
+        command.action->setEnabled(performer(command) != nullptr);
 }
 
 void EditMenu::perform(const char *slot)

@@ -6,7 +6,8 @@
 #include <QPointer>
 
 /// The menu of editing. Its entries act on what has the focus: on the text of a field that is being edited, else on the
-/// history of the session, and on what the focused control offers as slots: cut(), copy(), paste(), selectAll().
+/// history of the session, and on what the focused control, or what it lies in, offers as slots: cut(), copy(),
+/// paste(), selectAll(), and the commands on cues.
 ///
 /// Before the history of the session comes what lies nearer to the focus and has one of its own: the slots undo() and
 /// redo(), the properties `undoTitle` and `redoTitle`, which say what they do and are empty while they do nothing, and
@@ -30,7 +31,23 @@ private:
     struct Step;
 
     Step nextStep(bool undoes) const;
+    /// Where a command on cues is offered.
+    enum class Reach
+    {
+        everywhere,
+        outsideTexts ///< In a text its key means something else.
+    };
+
+    struct Command
+    {
+        QAction *action;
+        const char *slot;
+        Reach reach;
+    };
+
     QAction *add(const QString &title, const QKeySequence &key, const char *slot);
+    void addCueCommands();
+    QWidget *performer(const Command &command) const;
     void follow(QWidget *focus);
     void update();
     void perform(const char *slot);
@@ -45,4 +62,5 @@ private:
     QAction *m_copy = nullptr;
     QAction *m_paste = nullptr;
     QAction *m_selectAll = nullptr;
+    QList<Command> m_commands; ///< On cues.
 };

@@ -4,6 +4,7 @@
 #include "app/model/FCPPasteboard.h"
 #include "app/window/SystemFileDialogs.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QFileOpenEvent>
 #include <QSettings>
@@ -58,6 +59,9 @@ void LintoraApplicationDelegate::applicationDidFinishLaunching()
     m_model->window().raisePinnedWindow = [delegate = QPointer(this)] {
         if (delegate)
             delegate->raisePinnedWindow();
+    };
+    m_model->window().menuKeys = [delegate = QPointer(this)] {
+        return delegate ? delegate->menuKeys() : QList<WindowState::MenuKey>();
     };
     connect(m_model.get(), &LintoraModel::quitConfirmed, this, [this] {
         m_mayEnd = true;
@@ -163,11 +167,16 @@ void LintoraApplicationDelegate::buildMenus()
     recent->menuAction()->setMenuRole(QAction::ApplicationSpecificRole);
     connect(m_model.get(), &LintoraModel::recentSessionsChanged, recent, [this, recent] { followRecent(*recent); });
     followRecent(*recent);
-    addCommand(*application, u"文稿匹配…"_s, &LintoraApplicationDelegate::openScriptMatch);
+    addExports(*application);
+    addCommand(*application, u"翻译…"_s, &LintoraApplicationDelegate::openTranslation);
     addCommand(*application, u"AI 校对…"_s, &LintoraApplicationDelegate::openReview);
+    addCommand(*application, u"文稿匹配…"_s, &LintoraApplicationDelegate::openScriptMatch);
+    addTidying(*application);
     addCommand(*application, u"字幕样式…"_s, &LintoraApplicationDelegate::openStyle, Qt::CTRL | Qt::Key_Comma);
     addCommand(*application, u"清理设置…"_s, &LintoraApplicationDelegate::openCleanup);
     addCommand(*application, u"AI 设置…"_s, &LintoraApplicationDelegate::openAISettings);
+    addView(*application);
+    addCommand(*application, u"键盘操作"_s, &LintoraApplicationDelegate::openKeys, Qt::CTRL | Qt::Key_Slash);
     application->addSeparator();
     QAction *const quit = application->addAction(u"退出 VELMORA 字幕助手"_s);
     quit->setShortcut(Qt::CTRL | Qt::Key_Q);
@@ -183,6 +192,102 @@ void LintoraApplicationDelegate::buildMenus()
     const auto enableFind = [this, find] { find->setEnabled(!m_model->aiBusy()); };
     connect(m_model.get(), &LintoraModel::aiBusyChanged, find, enableFind);
     enableFind();
+}
+
+/// A menu of what is done to the cues, while there are some.
+QMenu *LintoraApplicationDelegate::addCueMenu(QMenu &application, const QString &title)
+{
+    QMenu *const menu = application.addMenu(title);
+    menu->menuAction()->setMenuRole(QAction::ApplicationSpecificRole);
+    const auto enable = [this, menu] { menu->setEnabled(!m_model->items().isEmpty()); };
+    connect(m_model.get(), &LintoraModel::itemsChanged, menu, enable);
+    enable();
+    return menu;
+}
+
+void LintoraApplicationDelegate::addTidying(QMenu &application)
+{
+    QMenu *const menu = addCueMenu(application, u"整理"_s);
+    const auto add = [this, menu](const QString &title, CueTools::Tool tool) {
+        connect(menu->addAction(title), &QAction::triggered, this, [this, tool] {
+            if (keepTyped())
+                m_model->cueTools().open(tool);
+        });
+    };
+    add(u"断句…"_s, CueTools::Tool::breaking);
+    add(u"检查…"_s, CueTools::Tool::checking);
+    add(u"繁简转换…"_s, CueTools::Tool::script);
+}
+
+/// What the window shows, and in which colours where the system has nobody choose these.
+void LintoraApplicationDelegate::addView(QMenu &application)
+{
+    WindowState &window = m_model->window();
+    QAction *const inspector = application.addAction(u"画面预览"_s);
+    inspector->setMenuRole(QAction::ApplicationSpecificRole);
+    inspector->setShortcut(Qt::CTRL | Qt::Key_I);
+    inspector->setCheckable(true);
+    inspector->setChecked(window.inspectorShown());
+    connect(inspector, &QAction::triggered, &window, &WindowState::setInspectorShown);
+    connect(&window, &WindowState::inspectorShownChanged, inspector,
+            [&window, inspector] { inspector->setChecked(window.inspectorShown()); });
+    if (Platform::offersAppearance())
+        return;
+    QMenu *const menu = application.addMenu(u"外观"_s);
+    auto *const choices = new QActionGroup(menu);
+    const auto add = [&](const QString &title, WindowState::Appearance appearance) {
+        QAction *const choice = choices->addAction(menu->addAction(title));
+        choice->setCheckable(true);
+        choice->setChecked(window.appearance() == appearance);
+        connect(choice, &QAction::triggered, &window, [&window, appearance] { window.setAppearance(appearance); });
+    };
+    add(u"跟随系统"_s, WindowState::Appearance::system);
+    add(u"浅色"_s, WindowState::Appearance::light);
+    add(u"深色"_s, WindowState::Appearance::dark);
+}
+
+void LintoraApplicationDelegate::addExports(QMenu &application)
+{
+    QMenu *const menu = addCueMenu(application, u"导出"_s);
+    const auto add = [this, menu](const QString &title, const QKeySequence &key, void (LintoraModel::*action)()) {
+        QAction *const entry = menu->addAction(title);
+        entry->setShortcut(key);
+        connect(entry, &QAction::triggered, this, [this, action] {
+            if (keepTyped())
+                (m_model.get()->*action)();
+        });
+    };
+    add(u"导出 SRT…"_s, Qt::CTRL | Qt::Key_E, &LintoraModel::exportSRT);
+    add(u"导出全部 SRT…"_s, {}, &LintoraModel::exportAllSRT);
+    add(u"导出 FCPXML…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_E, &LintoraModel::exportFCPXML);
+    add(u"写入项目…"_s, {}, &LintoraModel::exportToProject);
+}
+
+/// Brings what is being typed into the cues, so that it goes along. False when it was refused.
+bool LintoraApplicationDelegate::keepTyped()
+{
+    if (m_window && !m_window->isVisible())
+        showWindow();
+    const auto &keep = m_model->window().keepTyped;
+    return !keep || keep();
+}
+
+QList<WindowState::MenuKey> LintoraApplicationDelegate::menuKeys() const
+{
+    QList<WindowState::MenuKey> keys;
+    const std::function<void(const QMenu &, const QString &)> collect = [&](const QMenu &menu, const QString &title) {
+        for (const QAction *const action : menu.actions()) {
+            if (action->menu())
+                collect(*action->menu(), title);
+            else if (!action->shortcut().isEmpty())
+                keys += {.menu = title,
+                         .title = action->text(),
+                         .keys = action->shortcut().toString(QKeySequence::NativeText)};
+        }
+    };
+    for (const QAction *const top : m_menuBar->actions())
+        collect(*top->menu(), top->text());
+    return keys;
 }
 
 void LintoraApplicationDelegate::followRecent(QMenu &menu)
@@ -236,6 +341,16 @@ void LintoraApplicationDelegate::openScriptMatch()
 void LintoraApplicationDelegate::openReview()
 {
     m_model->showAI(WindowState::AIMode::review);
+}
+
+void LintoraApplicationDelegate::openTranslation()
+{
+    m_model->showAI(WindowState::AIMode::translation);
+}
+
+void LintoraApplicationDelegate::openKeys()
+{
+    m_model->window().setKeysVisible(true);
 }
 
 void LintoraApplicationDelegate::openStyle()

@@ -54,6 +54,8 @@ public:
     void openCleanup();
     void openAISettings();
     void openFindReplace(); ///< Does nothing while a job owns the cues.
+    void openTranslation();
+    void openKeys();
 
     /// Holds back the end of the program while it would lose work, and asks.
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -61,6 +63,12 @@ public:
 private:
     bool isEnd(const QObject *watched, const QEvent &event) const;
     void buildMenus();
+    void addTidying(QMenu &application);
+    void addView(QMenu &application);
+    void addExports(QMenu &application);
+    QMenu *addCueMenu(QMenu &application, const QString &title);
+    bool keepTyped();
+    QList<WindowState::MenuKey> menuKeys() const;
     void followRecent(QMenu &menu);
     QAction *addCommand(QMenu &menu, const QString &title, void (LintoraApplicationDelegate::*command)(),
                         const QKeySequence &key = {});

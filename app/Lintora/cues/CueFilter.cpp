@@ -17,16 +17,27 @@ void CueFilter::setText(const QString &text)
     m_cues.startOver();
 }
 
+void CueFilter::setOnlyWarnings(bool only)
+{
+    if (only == m_onlyWarnings)
+        return;
+    m_onlyWarnings = only;
+    m_cues.startOver();
+}
+
 void CueFilter::keep(qint64 cueID)
 {
-    if (!m_text.isEmpty())
+    if (isActive())
         m_kept.insert(cueID);
 }
 
 bool CueFilter::filterAcceptsRow(int row, const QModelIndex & /*parent*/) const
 {
-    if (m_text.isEmpty())
+    if (!isActive())
         return true;
     const Subtitle &cue = m_cues.cue(row);
-    return m_kept.contains(cue.id) || cue.text.contains(m_text, Qt::CaseInsensitive);
+    if (m_kept.contains(cue.id))
+        return true;
+    // The search is cheap, and leaves few cues to be measured.
+    return cue.text.contains(m_text, Qt::CaseInsensitive) && (!m_onlyWarnings || m_cues.hasWarnings(row));
 }

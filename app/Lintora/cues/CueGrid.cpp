@@ -76,6 +76,10 @@ CueGrid::CueGrid(LintoraModel &model, QWidget *parent)
     connect(&m_cues, &CueTableModel::changed, this, &CueGrid::followRowCount);
     connect(&m_cues, &CueTableModel::changed, this, &CueGrid::currentCueChanged);
     connect(&m_filter, &QAbstractItemModel::modelReset, this, &CueGrid::restorePlace, Qt::QueuedConnection);
+    connect(&m_filter, &QAbstractItemModel::modelReset, this, &CueGrid::shownCuesChanged);
+    connect(&m_filter, &QAbstractItemModel::rowsInserted, this, &CueGrid::shownCuesChanged);
+    connect(&m_filter, &QAbstractItemModel::rowsRemoved, this, &CueGrid::shownCuesChanged);
+    connect(&m_cues, &CueTableModel::changed, this, &CueGrid::shownCuesChanged);
     connect(&model, &LintoraModel::aboutToLoad, this, &CueGrid::commitEdit);
     connect(&m_cues, &CueTableModel::aboutToFollow, this, &CueGrid::keepEditorOnItsCue);
     connect(m_textDelegate, &CueTextDelegate::accepted, this, [this](CueTextEditor *editor) { goOn(*editor); });
@@ -92,6 +96,12 @@ void CueGrid::setFilter(const QString &text)
 {
     commitEdit(); // The cue that is edited stays in sight, also when this is refused.
     m_filter.setText(text);
+}
+
+void CueGrid::setOnlyWarnings(bool only)
+{
+    commitEdit();
+    m_filter.setOnlyWarnings(only);
 }
 
 /// The first column is as wide as the highest number needs.
@@ -314,11 +324,12 @@ void CueGrid::restorePlace()
 void CueGrid::paintEvent(QPaintEvent *event)
 {
     QTableView::paintEvent(event);
-    if (shownCues() > 0 || filter().isEmpty())
+    if (shownCues() > 0 || !m_filter.isActive())
         return;
     QPainter painter(viewport());
     painter.setPen(VELTheme::colors(*this).secondary);
-    painter.drawText(viewport()->rect(), Qt::AlignCenter, u"没有匹配的字幕，按 Esc 清除筛选"_s);
+    painter.drawText(viewport()->rect(), Qt::AlignCenter,
+                     filter().isEmpty() ? u"没有需要留意的字幕"_s : u"没有匹配的字幕，按 Esc 清除筛选"_s);
 }
 
 void CueGrid::hideEvent(QHideEvent *event)

@@ -23,6 +23,8 @@ public:
     CueTableModel &cues() { return m_cues; }
     const QString &filter() const { return m_filter.text(); }
     void setFilter(const QString &text); ///< Shows only cues that hold it; all when empty.
+    bool showsOnlyWarnings() const { return m_filter.onlyWarnings(); }
+    void setOnlyWarnings(bool only); ///< Shows only cues that should be looked at again.
     int shownCues() const { return m_filter.rowCount(); }
 
     std::optional<int> currentCue() const; ///< Its position in the track.
@@ -37,6 +39,7 @@ public:
 
 Q_SIGNALS:
     void currentCueChanged();
+    void shownCuesChanged(); ///< Their number, or what decides on them.
 
 protected:
     LintoraModel &lintoraModel() { return m_model; }

@@ -100,6 +100,76 @@ void CueTable::moveTimes()
         Q_EMIT timesRequested(selectedCues());
 }
 
+void CueTable::setSearch(const QString &text)
+{
+    if (!text.isEmpty())
+        m_search = text;
+}
+
+void CueTable::findNext()
+{
+    find(1);
+}
+
+void CueTable::findPrevious()
+{
+    find(-1);
+}
+
+void CueTable::find(int step)
+{
+    if (m_search.isEmpty()) {
+        Q_EMIT searchRequested();
+        return;
+    }
+    if (!commitEdit())
+        return;
+    const auto holds = [this](int cue) { return cues().cue(cue).text.contains(m_search, Qt::CaseInsensitive); };
+    if (!goOnTo(step, holds)) {
+        lintoraModel().report(u"没有找到“%1”"_s.arg(m_search));
+        return;
+    }
+    int number = 0;
+    int count = 0;
+    for (int row = 0; row < shownCues(); ++row) {
+        const int cue = filtered().mapToSource(filtered().index(row, 0)).row();
+        count += holds(cue) ? 1 : 0;
+        number = cue == currentCue() ? count : number;
+    }
+    lintoraModel().report(u"“%1”：第 %2 条，共 %3 条"_s.arg(m_search).arg(number).arg(count));
+}
+
+void CueTable::nextWarning()
+{
+    if (commitEdit() && !goOnTo(1, [this](int cue) { return cues().hasWarnings(cue); }))
+        lintoraModel().report(u"没有需要留意的字幕"_s);
+}
+
+/// Round the cues in sight from the current one on, which comes last.
+bool CueTable::goOnTo(int step, const std::function<bool(int cue)> &isWanted)
+{
+    const int rows = shownCues();
+    const int from = currentIndex().isValid() ? currentIndex().row() : step > 0 ? -1 : 0;
+    for (int i = 1; i <= rows; ++i) {
+        const int row = ((from + step * i) % rows + rows) % rows;
+        const int cue = filtered().mapToSource(filtered().index(row, 0)).row();
+        if (isWanted(cue)) {
+            goTo(cue);
+            setFocus();
+            return true;
+        }
+    }
+    return false;
+}
+
+QList<CueTable::Key> CueTable::keys()
+{
+    const auto text = [](const QKeySequence &keys) { return keys.toString(QKeySequence::NativeText); };
+    return {{text(Qt::Key_Return), u"编辑；写完到下一条"_s}, {text(Qt::ALT | Qt::Key_Return), u"在文字里换行"_s},
+            {text(Qt::Key_Tab), u"编辑时到下一格"_s},        {text(Qt::SHIFT | Qt::Key_Tab), u"编辑时到上一格"_s},
+            {text(Qt::Key_Escape), u"放弃正在输入的"_s},     {u"↑ ↓"_s, u"上下移动；在时间格里逐帧调整"_s}};
+}
+
 void CueTable::cut()
 {
     const QList<qsizetype> selected = selectedCues();
@@ -182,6 +252,10 @@ void CueTable::keyPressEvent(QKeyEvent *event)
         deleteCues();
     } else if (isCommand && event->modifiers().testFlag(Qt::ShiftModifier) && event->key() == Qt::Key_T) {
         moveTimes();
+    } else if (isCommand && event->key() == Qt::Key_G) {
+        find(event->modifiers().testFlag(Qt::ShiftModifier) ? -1 : 1);
+    } else if (isCommand && event->key() == Qt::Key_Semicolon) {
+        nextWarning();
     } else if (event->matches(QKeySequence::Copy)) {
         copy();
     } else if (event->matches(QKeySequence::Cut)) {

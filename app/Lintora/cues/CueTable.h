@@ -2,13 +2,16 @@
 
 #include "app/Lintora/cues/CueGrid.h"
 
+#include <functional>
+
 class QMenu;
 
 /// The cues of the selected track, and what is done to them by keys and from a menu.
 ///
 /// Keys: Return edits and, in a text, goes on to that of the next cue; Tab goes on to the next cell while one is
 /// edited; Escape leaves. With Command (Control elsewhere) Return inserts a cue behind, K splits, J joins with the
-/// next, Backspace deletes, and with Shift too T moves times. cut(), copy(), paste() and selectAll() are what the edit
+/// next, Backspace deletes, and with Shift too T moves times. G
+/// finds the next, semicolon goes to the next warning. cut(), copy(), paste() and selectAll() are what the edit
 /// menu calls.
 class CueTable : public CueGrid
 {
@@ -17,6 +20,16 @@ class CueTable : public CueGrid
 public:
     /// `model` must live as long as the table.
     explicit CueTable(LintoraModel &model, QWidget *parent = nullptr);
+
+    /// A key, or several, and what it does.
+    struct Key
+    {
+        QString keys;
+        QString what;
+    };
+
+    static QList<Key> keys();            ///< Those that are in no menu.
+    void setSearch(const QString &text); ///< What findNext() looks for; case does not count. Kept when empty.
 
 public Q_SLOTS:
     void cut();
@@ -28,9 +41,13 @@ public Q_SLOTS:
     void joinWithNext();
     void deleteCues();
     void moveTimes(); ///< Asks for it, with the selected cues.
+    void findNext();  ///< To the next cue in sight that holds the text, beginning anew behind the last.
+    void findPrevious();
+    void nextWarning(); ///< The same for a cue that should be looked at again.
 
 Q_SIGNALS:
     void timesRequested(const QList<qsizetype> &selected); ///< To be moved.
+    void searchRequested();                                ///< It is not known what to look for.
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -41,4 +58,8 @@ private:
     void placeCues(const QList<Subtitle> &cues);
     void addMoveMenu(QMenu &menu);
     void moveTo(const QUuid &track);
+    void find(int step);
+    bool goOnTo(int step, const std::function<bool(int cue)> &isWanted);
+
+    QString m_search;
 };

@@ -128,6 +128,14 @@ QList<CueWarnings::Warning> CueTableModel::warnings(int row) const
                            [this](QStringView text) { return m_measure->isWiderThanSafe(text); });
 }
 
+/// Of any number of rows at once: nothing is put into words, and nothing remembered.
+bool CueTableModel::hasWarnings(int row) const
+{
+    const Subtitle &cue = m_items.at(row);
+    return !warnings(row).isEmpty() || m_model.suspects().reasons(cue) ||
+           !m_model.translation().terms(cue).missing.isEmpty();
+}
+
 QStringList CueTableModel::warningSentences(int row) const
 {
     if (const auto known = m_warnings.constFind(row); known != m_warnings.cend())

@@ -41,6 +41,7 @@ public:
     const std::optional<QUuid> &trackID() const { return m_trackID; } ///< Whose cues these are; absent without any.
     const Subtitle &cue(int row) const { return m_items.at(row); }
     QList<CueWarnings::Warning> warnings(int row) const;
+    bool hasWarnings(int row) const; ///< Whether warningsRole says anything.
 
     void startOver(); ///< A reset with the same cues, for who shows others of them from now on.
 

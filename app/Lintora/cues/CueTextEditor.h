@@ -26,6 +26,12 @@ public:
 
     QSize sizeHint() const override; ///< As high as the text needs.
 
+public Q_SLOTS:
+    // At the cursor, as the edit menu calls them.
+    void splitCue() { Q_EMIT splitRequested(); }
+    void joinWithNext() { Q_EMIT joinRequested(); }
+    void insertCue() { Q_EMIT insertRequested(); }
+
 Q_SIGNALS:
     void accepted();           ///< Return.
     void tabbed(bool forward); ///< Tab, or the key that goes back.
@@ -43,13 +49,13 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     bool event(QEvent *event) override;
+    bool canInsertFromMimeData(const QMimeData *source) const override; ///< No names of files: these are the window's.
 
 private:
     void showScrollBar();
     bool isComposing() const { return m_isComposing; }
 
     QPersistentModelIndex m_cue;
-    bool canInsertFromMimeData(const QMimeData *source) const override; ///< No names of files: these are the window's.
     QString m_stored;
     bool m_isComposing = false;
     bool m_isOver = false;

@@ -11,14 +11,20 @@ class FilterField : public QLineEdit
 public:
     explicit FilterField(QWidget *parent = nullptr);
 
+public Q_SLOTS:
+    void findNext() { Q_EMIT nextRequested(); } // As the edit menu calls them.
+    void findPrevious() { Q_EMIT previousRequested(); }
+
 Q_SIGNALS:
     void left(); ///< The keyboard is to go on to the cues.
+    void nextRequested();
+    void previousRequested();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override; ///< Files are the window's.
     void inputMethodEvent(QInputMethodEvent *event) override;
 
 private:
     bool m_isComposing = false;
 };
-    void dragEnterEvent(QDragEnterEvent *event) override; ///< Files are the window's.

@@ -38,6 +38,7 @@ FindReplaceWorkspace::FindReplaceWorkspace(LintoraModel &model, QWidget *content
             preview();
         });
     }
+    connect(m_query, &QLineEdit::textChanged, this, &FindReplaceWorkspace::queryChanged);
     connect(&model, &LintoraModel::itemsChanged, this, &FindReplaceWorkspace::preview);
     connect(&model, &LintoraModel::historyChanged, this, &FindReplaceWorkspace::followUndo);
     connect(&model, &LintoraModel::selectedTrackIDChanged, this, &FindReplaceWorkspace::followUndo);

@@ -23,6 +23,7 @@ public:
     bool editsSession() const override { return true; }
 
 Q_SIGNALS:
+    void queryChanged(const QString &query);
     void cueRequested(qsizetype cue); ///< To be shown in the table.
 
 private:

@@ -1,5 +1,6 @@
 #include "app/window/EditMenu.h"
 
+#include "app/Lintora/cues/CueTable.h"
 #include "app/Lintora/drag/DragSubtitleCard.h"
 #include "app/model/FCPPasteboard.h"
 #include "tests/app/TemporaryModel.h"
@@ -56,7 +57,7 @@ protected:
     {
         QStringList titles;
         for (const QAction *const action : m_menu.actions()) {
-            if (action->isEnabled())
+            if (action->isEnabled() && !action->isSeparator())
                 titles += action->text();
         }
         return titles.join(u' ');
@@ -187,6 +188,33 @@ TEST_F(EditMenuTest, offers_what_the_focused_control_can_do)
     EXPECT_EQ(enabled(), u"全选"_s);
     choose(u"全选"_s);
     EXPECT_EQ(table->selectionModel()->selectedIndexes().size(), 3);
+}
+
+TEST_F(EditMenuTest, has_the_commands_on_cues_for_the_table_and_what_is_edited_in_it)
+{
+    const QString commands = u"插入字幕 拆分 与下一条合并 移动时间… 查找下一处 查找上一处 下一处提醒"_s;
+    load(2);
+    auto *const table = new CueTable(m_model);
+    m_window.layout()->addWidget(table);
+    table->goTo(0);
+    focus(table);
+    EXPECT_TRUE(enabled().endsWith(u"插入字幕 拆分 与下一条合并 删除字幕 移动时间… 查找下一处 查找上一处 下一处提醒"_s))
+        << qPrintable(enabled());
+    table->editText(0);
+    EXPECT_TRUE(enabled().endsWith(commands)) << "the key of deleting deletes text: " << qPrintable(enabled());
+    auto *const editor = table->findChild<CueTextEditor *>();
+    ASSERT_NE(editor, nullptr);
+    QTextCursor cursor = editor->textCursor();
+    cursor.setPosition(1);
+    editor->setTextCursor(cursor);
+    choose(u"拆分"_s);
+    EXPECT_EQ(m_model.items().first().text, u"字"_s) << "at the cursor";
+    table->commitEdit();
+    focus(table);
+    choose(u"删除字幕"_s);
+    EXPECT_EQ(m_model.items().size(), 2);
+    focus(add<QLineEdit>());
+    EXPECT_EQ(enabled(), u"粘贴"_s);
 }
 
 TEST_F(EditMenuTest, copies_a_card_that_has_the_focus)

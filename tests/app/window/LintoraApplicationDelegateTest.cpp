@@ -75,11 +75,56 @@ TEST_F(Application, has_its_commands_in_two_menus)
 {
     launch();
     EXPECT_EQ(lines(0), QStringList({u"打开 SRT… Ctrl+O"_s, u"从 FCP 导入…"_s, u"从音视频生成字幕… Ctrl+Shift+O"_s,
-                                     u"最近的字幕"_s, u"文稿匹配…"_s, u"AI 校对…"_s, u"字幕样式… Ctrl+,"_s,
-                                     u"清理设置…"_s, u"AI 设置…"_s, u"-"_s, u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
+                                     u"最近的字幕"_s, u"导出"_s, u"翻译…"_s, u"AI 校对…"_s, u"文稿匹配…"_s, u"整理"_s,
+                                     u"字幕样式… Ctrl+,"_s, u"清理设置…"_s, u"AI 设置…"_s, u"画面预览 Ctrl+I"_s,
+                                     u"外观"_s, u"键盘操作 Ctrl+/"_s, u"-"_s, u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
     EXPECT_EQ(menu(1)->title(), u"编辑"_s);
-    EXPECT_EQ(lines(1), QStringList({u"撤销 Ctrl+Z"_s, u"重做 Ctrl+Shift+Z"_s, u"剪切 Ctrl+X"_s, u"复制 Ctrl+C"_s,
-                                     u"粘贴 Ctrl+V"_s, u"全选 Ctrl+A"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
+    EXPECT_EQ(
+        lines(1),
+        QStringList({u"撤销 Ctrl+Z"_s, u"重做 Ctrl+Shift+Z"_s, u"剪切 Ctrl+X"_s, u"复制 Ctrl+C"_s, u"粘贴 Ctrl+V"_s,
+                     u"全选 Ctrl+A"_s, u"-"_s, u"插入字幕 Ctrl+Return"_s, u"拆分 Ctrl+K"_s, u"与下一条合并 Ctrl+J"_s,
+                     u"删除字幕 Ctrl+Backspace"_s, u"移动时间… Ctrl+Shift+T"_s, u"-"_s, u"查找下一处 Ctrl+G"_s,
+                     u"查找上一处 Ctrl+Shift+G"_s, u"下一处提醒 Ctrl+;"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
+}
+
+TEST_F(Application, menus_keep_what_is_typed_before_cues_go_and_list_their_keys)
+{
+    LintoraModel &model = launch().model();
+    EXPECT_FALSE(entry(u"导出"_s)->menu()->isEnabled()) << "there is nothing yet";
+    model.insertCue(-1);
+    QAction *const breaking = entry(u"整理"_s)->menu()->actions().first();
+    bool mayAct = false;
+    model.window().keepTyped = [&] { return mayAct; };
+    for (const bool may : {false, true}) {
+        mayAct = may;
+        breaking->trigger();
+        EXPECT_EQ(model.cueTools().tool().has_value(), may) << "what is being typed was refused";
+    }
+    model.window().keepTyped = nullptr;
+    QStringList titles;
+    for (const WindowState::MenuKey &key : model.window().menuKeys())
+        titles += key.menu + u' ' + key.title;
+    EXPECT_TRUE(titles.contains(u"编辑 拆分"_s));
+    EXPECT_TRUE(titles.contains(u"VELMORA 字幕助手 导出 SRT…"_s)) << "what lies in a menu within";
+    EXPECT_FALSE(titles.contains(u"VELMORA 字幕助手 清理设置…"_s)) << "no key";
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_Slash, Qt::ControlModifier);
+    EXPECT_TRUE(model.window().keysVisible());
+}
+
+TEST_F(Application, what_the_window_shows_is_chosen_in_the_menu_and_kept)
+{
+    using Appearance = WindowState::Appearance;
+    launch();
+    EXPECT_TRUE(entry(u"画面预览"_s)->isChecked());
+    entry(u"画面预览"_s)->trigger();
+    entry(u"外观"_s)->menu()->actions().last()->trigger();
+    WindowState &window = launch().model().window();
+    EXPECT_FALSE(window.inspectorShown());
+    EXPECT_FALSE(entry(u"画面预览"_s)->isChecked());
+    EXPECT_EQ(window.appearance(), Appearance::dark);
+    EXPECT_TRUE(entry(u"外观"_s)->menu()->actions().last()->isChecked());
+    entry(u"外观"_s)->menu()->actions().first()->trigger();
+    EXPECT_EQ(launch().model().window().appearance(), Appearance::system);
 }
 
 TEST_F(Application, begins_with_the_default_font)
