@@ -2,7 +2,9 @@
 
 #include "app/Lintora/Actions.h"
 #include "app/Lintora/Header.h"
+#include "app/Lintora/HeightBar.h"
 #include "app/Lintora/KeysSheet.h"
+#include "app/Lintora/ProjectTag.h"
 #include "app/Lintora/QuitQuestion.h"
 #include "app/Lintora/RecentList.h"
 #include "app/Lintora/StatusLine.h"
@@ -55,6 +57,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     m_stage = new QWidget(this);
     auto *const header = new Header(model, m_stage);
     m_import = new UnifiedImportArea(model, m_stage);
+    auto *const project = new ProjectTag(model, m_stage);
     const auto mayAct = [this] { return m_table->commitEdit(); };
     auto *const actions = new MainActions(model, mayAct, m_stage);
     auto *const note = Controls::note(u"导入素材后，在这里编辑字幕。"_s, this);
@@ -69,7 +72,12 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     auto *const content = new QVBoxLayout;
     content->setContentsMargins(VELTheme::margin, 3 * VELTheme::step, VELTheme::margin, 3 * VELTheme::step);
     content->setSpacing(VELTheme::gap);
-    content->addWidget(m_import);
+    m_material = new QBoxLayout(QBoxLayout::TopToBottom);
+    m_material->setSpacing(VELTheme::gap);
+    m_material->addWidget(m_import, 3);
+    m_material->addWidget(project, 2);
+    content->addLayout(m_material);
+    connect(project, &ProjectTag::keyboardFreed, this, &LintoraPanel::returnKeyboard);
     content->addWidget(actions);
     content->addWidget(m_emptyNote);
     content->addWidget(m_workspace, 1);
@@ -151,6 +159,9 @@ QWidget *LintoraPanel::makeWorkspace()
     layout->addWidget(editing);
     layout->addWidget(m_heading);
     layout->addWidget(m_suspects);
+    auto *const heights = new HeightBar(m_model, mayAct, workspace);
+    connect(heights, &HeightBar::keyboardFreed, this, &LintoraPanel::returnKeyboard);
+    layout->addWidget(heights);
     layout->addWidget(m_table, 3);
     layout->addWidget(inspector, 1);
     const auto fold = [this, inspector] { inspector->setVisible(m_model.window().inspectorShown()); };
@@ -166,6 +177,8 @@ void LintoraPanel::followCues()
     const auto form = isInUse ? UnifiedImportArea::Form::oneLine : UnifiedImportArea::Form::large;
     if (m_import->form() != form)
         m_import->setForm(form);
+    m_material->setDirection(isInUse ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    m_material->setStretch(1, isInUse ? 2 : 0);
     const bool begins = isInUse && !m_isInUse;
     m_isInUse = isInUse;
     m_workspace->setVisible(isInUse);

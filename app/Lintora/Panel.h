@@ -11,6 +11,7 @@ class CueToolWorkspace;
 class FindReplaceWorkspace;
 class KeysSheet;
 class QuestionSheet;
+class QBoxLayout;
 class QVBoxLayout;
 class RepairWorkspace;
 class ReviewSheet;
@@ -61,6 +62,7 @@ private:
 
     LintoraModel &m_model;
     QWidget *m_stage = nullptr;       ///< All but the status line, which stays in sight beside a sheet.
+    QBoxLayout *m_material = nullptr; ///< What comes in, and the project that has come.
     UnifiedImportArea *m_import = nullptr;
     QWidget *m_emptyNote = nullptr;
     QWidget *m_workspace = nullptr;

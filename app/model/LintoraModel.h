@@ -187,6 +187,10 @@ public:
 
     StylePresets &stylePresets() { return m_stylePresets; }
     const StylePresets &stylePresets() const { return m_stylePresets; }
+    /// Whether titles of visible tracks would lie on top of each other, seen at once.
+    bool areTracksOnTop() const;
+    void stackTracks(); ///< Gives each a distance from the bottom edge, the first the highest place. One step.
+
     void saveStylePreset(const QString &named); ///< The selected track's style; replaces the one of that name.
     void applyStylePreset(const QUuid &id);     ///< To the selected track.
 
@@ -211,7 +215,8 @@ public:
     const std::optional<FCPProject> &project() const { return m_project; }
     /// Rate, size, font size and name that match the timeline imported last; absent until one is imported.
     const std::optional<Options> &projectSettings() const { return m_projectSettings; }
-    void matchProject(); ///< Gives the selected track these settings again.
+    void releaseProject(); ///< Nothing goes into it any more. Cues and styles stay.
+    void matchProject();   ///< Gives the selected track these settings again.
     /// What of the timeline can be heard; absent until one is imported.
     const std::optional<FCPAudioPlan> &aiTimelinePlan() const { return m_recognition.aiTimelinePlan(); }
 

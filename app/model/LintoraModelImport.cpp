@@ -230,6 +230,13 @@ void LintoraModel::takeCues(const Imports::ImportedCues &imported)
     report(u"已载入"_s);
 }
 
+void LintoraModel::releaseProject()
+{
+    publish(m_project, std::optional<FCPProject>(), &LintoraModel::projectChanged);
+    publish(m_projectSettings, std::optional<Options>(), &LintoraModel::projectSettingsChanged);
+    report(u"已放开项目，字幕和样式不变"_s);
+}
+
 /// The project first: what can be heard on it matters less than that the titles fit it.
 void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
 {

@@ -2,6 +2,7 @@
 
 #include "app/model/LintoraModel.h"
 #include "app/model/SessionTracks.h"
+#include "app/model/TrackHeights.h"
 
 #include <utility>
 
@@ -62,6 +63,32 @@ void LintoraModel::matchProject()
 {
     if (m_projectSettings)
         setOptions(Imports::matching(options(), *m_projectSettings));
+}
+
+bool LintoraModel::areTracksOnTop() const
+{
+    return TrackHeights::overlap(visibleTracks());
+}
+
+void LintoraModel::stackTracks()
+{
+    if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s))
+        return;
+    const QList<SubtitleTrack> shown = visibleTracks();
+    const auto distances = TrackHeights::stacked(shown);
+    if (!distances) {
+        reportFailure(u"画面放不下这么多行，请在样式里调小字号，或逐组设置底部距离。"_s);
+        return;
+    }
+    LintoraSession next = m_session.state();
+    QStringList said;
+    for (qsizetype i = 0; i < shown.size(); ++i) {
+        const auto index = SessionTracks::indexOf(next, shown.at(i).id);
+        (*next.tracks)[*index].options.bottomPercent = distances->at(i);
+        said += u"%1 %2%"_s.arg(shown.at(i).label).arg(distances->at(i));
+    }
+    m_session.replace(SessionTracks::activated(std::move(next)), u"错开高度"_s);
+    report(u"已错开底部距离："_s + said.join(u"，"_s));
 }
 
 void LintoraModel::applyStylePreset(const QUuid &id)

@@ -5,6 +5,7 @@
 #include "app/Lintora/controls/CheckBox.h"
 #include "app/Lintora/controls/ElidedLabel.h"
 #include "app/Lintora/controls/Sheet.h"
+#include "app/Lintora/controls/Theme.h"
 #include "app/Lintora/drag/CardRow.h"
 #include "app/Lintora/drag/UnifiedImportArea.h"
 #include "app/model/FCPPasteboard.h"
@@ -12,10 +13,12 @@
 #include "tests/app/Lintora/PanelTest.h"
 #include "tests/support/Events.h"
 #include "tests/support/OwnedCues.h"
+#include "tests/support/StoryDocument.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
+#include <QDropEvent>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
@@ -123,6 +126,107 @@ TEST_F(Layout, nothing_is_clipped_in_the_smallest_window)
             << each->metaObject()->className() << qPrintable(each->accessibleName());
     }
     EXPECT_GE(table().height(), 5 * 28);
+}
+
+TEST_F(Layout, without_the_picture_the_usual_window_shows_fourteen_cues)
+{
+    load(QStringList(20, u"好"_s));
+    const auto rows = [this] { return table().viewport()->height() / VELTheme::rowHeight; };
+    const int before = rows();
+    click(u"预览"_s);
+    EXPECT_FALSE(model.window().inspectorShown());
+    EXPECT_GT(rows(), before);
+    EXPECT_GE(rows(), 14);
+    click(u"预览"_s);
+    EXPECT_EQ(rows(), before);
+}
+
+TEST_F(Layout, a_chosen_appearance_is_that_of_all_widgets_until_the_systems_is_wanted_again)
+{
+    load({u"一"_s});
+    const QColor usual = panel->palette().color(QPalette::WindowText);
+    for (const auto &[choice, appearance] : {std::pair(WindowState::Appearance::dark, VELTheme::Appearance::dark),
+                                             std::pair(WindowState::Appearance::light, VELTheme::Appearance::light)}) {
+        model.window().setAppearance(choice);
+        Events::handle();
+        EXPECT_EQ(VELTheme::colors(table()).text, VELTheme::colors(appearance).text);
+        EXPECT_EQ(QApplication::palette().color(QPalette::Window), VELTheme::colors(appearance).window);
+    }
+    model.window().setAppearance(WindowState::Appearance::system);
+    EXPECT_EQ(panel->palette().color(QPalette::WindowText), usual);
+}
+
+TEST_F(Layout, files_are_dropped_anywhere_and_text_where_it_is_typed)
+{
+    load({u"一"_s});
+    const auto drop = [](QWidget *target, const QMimeData &data) {
+        QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        enter.ignore();
+        for (QWidget *each = target; each && !enter.isAccepted(); each = each->parentWidget()) {
+            if (each->acceptDrops()) // as the system looks for one
+                QApplication::sendEvent(each, &enter);
+            target = each;
+        }
+        if (enter.isAccepted()) {
+            QDropEvent event(QPointF(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(target, &event);
+        }
+        return enter.isAccepted();
+    };
+    QMimeData file;
+    file.setUrls({outside.srt(u"新.srt"_s, 3)});
+    file.setText(u"file:///新.srt"_s); // as file managers offer it too
+    QMimeData text;
+    text.setText(u"字"_s);
+    edit(0);
+    QWidget *const targets[] = {find<QLineEdit>(u"筛选字幕"_s), editor()->viewport(), table().viewport(),
+                                button(u"一键清理"_s)};
+    for (QWidget *const target : targets) {
+        load({u"一"_s});
+        edit(0);
+        ASSERT_TRUE(drop(target == targets[1] ? editor()->viewport() : target, file));
+        EXPECT_TRUE(Events::waitFor([&] { return model.items().size() == 3; }));
+    }
+    EXPECT_FALSE(drop(table().viewport(), text));
+    EXPECT_TRUE(drop(targets[0], text));
+    EXPECT_EQ(find<QLineEdit>(u"筛选字幕"_s)->text(), u"字"_s);
+}
+
+TEST_F(Layout, a_project_stays_in_sight_until_it_is_let_go)
+{
+    load({u"一"_s});
+    const auto said = [this](const QString &name) {
+        const auto *const label = find<QLabel>(name);
+        return label ? label->text() : QString();
+    };
+    EXPECT_EQ(said(u"FCP 项目"_s), QString());
+    model.load(outside.file(u"粗剪.fcpxml"_s, StoryDocument::project("100s", {tag("gap offset=0s duration=100s")})));
+    ASSERT_TRUE(Events::waitFor([&] { return model.project().has_value(); }));
+    EXPECT_EQ(said(u"FCP 项目"_s), u"Film"_s);
+    EXPECT_EQ(said(u"项目规格"_s), u"25 帧/秒 · 1920×1080"_s);
+    click(u"放开项目"_s);
+    EXPECT_FALSE(model.project());
+    EXPECT_EQ(said(u"FCP 项目"_s), QString());
+}
+
+TEST_F(Layout, separated_languages_are_offered_to_stand_above_each_other)
+{
+    load({u"你好\nhello"_s, u"再见\nbye"_s});
+    EXPECT_EQ(button(u"错开高度"_s), nullptr);
+    click(u"分离中英"_s);
+    click(u"保持同一高度"_s);
+    EXPECT_EQ(button(u"错开高度"_s), nullptr);
+    model.undo();
+    click(u"分离中英"_s);
+    const LintoraSession before = model.snapshot();
+    click(u"错开高度"_s);
+    const QList<SubtitleTrack> tracks = model.visibleTracks();
+    EXPECT_EQ(tracks.last().options.bottomPercent, 10);
+    EXPECT_GT(tracks.first().options.bottomPercent, 12);
+    EXPECT_EQ(button(u"错开高度"_s), nullptr);
+    EXPECT_TRUE(table().hasFocus());
+    model.undo();
+    EXPECT_EQ(model.snapshot(), before);
 }
 
 TEST_F(Layout, a_long_file_name_keeps_its_end)
