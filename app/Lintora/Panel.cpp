@@ -154,11 +154,11 @@ QWidget *LintoraPanel::makeWorkspace()
     auto *const layout = new QVBoxLayout(workspace);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(VELTheme::gap);
-    m_suspects = new SuspectBar(m_model, *m_table, workspace);
-    connect(m_suspects, &SuspectBar::cueRequested, this, &LintoraPanel::bringCue);
+    auto *const suspects = new SuspectBar(m_model, *m_table, workspace);
+    connect(suspects, &SuspectBar::cueRequested, this, &LintoraPanel::bringCue);
     layout->addWidget(editing);
     layout->addWidget(m_heading);
-    layout->addWidget(m_suspects);
+    layout->addWidget(suspects);
     auto *const heights = new HeightBar(m_model, mayAct, workspace);
     connect(heights, &HeightBar::keyboardFreed, this, &LintoraPanel::returnKeyboard);
     layout->addWidget(heights);
@@ -346,8 +346,6 @@ void LintoraPanel::keyPressEvent(QKeyEvent *event)
         m_model.redo();
     else if (event->matches(QKeySequence::Find))
         m_model.window().setFindReplaceVisible(true);
-    else if (event->matches(QKeySequence::FindNext))
-        m_suspects->goToNext();
     else
         QWidget::keyPressEvent(event);
 }

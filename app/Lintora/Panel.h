@@ -19,7 +19,6 @@ class ScriptMatchWorkspace;
 class Sheet;
 class SpeechSheet;
 class StyleWorkspace;
-class SuspectBar;
 class TableHeading;
 class TimeShiftSheet;
 class TranslateSheet;
@@ -68,7 +67,6 @@ private:
     QWidget *m_workspace = nullptr;
     bool m_isInUse = false;
     CueTable *m_table = nullptr;
-    SuspectBar *m_suspects = nullptr;
     TableHeading *m_heading = nullptr;
     Sheet *m_fcpImport = nullptr; ///< Made when it is needed first, as are the following.
     QuestionSheet *m_confirmation = nullptr;

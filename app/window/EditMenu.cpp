@@ -143,6 +143,7 @@ void EditMenu::addCueCommands()
     addCommand(u"查找下一处"_s, Qt::CTRL | Qt::Key_G, "findNext");
     addCommand(u"查找上一处"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_G, "findPrevious");
     addCommand(u"下一处提醒"_s, Qt::CTRL | Qt::Key_Semicolon, "nextWarning");
+    addCommand(u"下一处可疑"_s, Qt::CTRL | Qt::Key_Apostrophe, "nextSuspect");
 }
 
 /// What a command would be done by; null where it is not offered.

@@ -145,6 +145,13 @@ void CueTable::nextWarning()
         lintoraModel().report(u"没有需要留意的字幕"_s);
 }
 
+void CueTable::nextSuspect()
+{
+    const SuspectMarks &marks = lintoraModel().suspects();
+    if (commitEdit() && !goOnTo(1, [&](int cue) { return marks.reasons(cues().cue(cue)).has_value(); }))
+        lintoraModel().report(u"没有需要核对的字幕"_s);
+}
+
 /// Round the cues in sight from the current one on, which comes last.
 bool CueTable::goOnTo(int step, const std::function<bool(int cue)> &isWanted)
 {
@@ -256,6 +263,8 @@ void CueTable::keyPressEvent(QKeyEvent *event)
         find(event->modifiers().testFlag(Qt::ShiftModifier) ? -1 : 1);
     } else if (isCommand && event->key() == Qt::Key_Semicolon) {
         nextWarning();
+    } else if (isCommand && event->key() == Qt::Key_Apostrophe) {
+        nextSuspect();
     } else if (event->matches(QKeySequence::Copy)) {
         copy();
     } else if (event->matches(QKeySequence::Cut)) {

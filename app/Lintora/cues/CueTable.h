@@ -44,6 +44,7 @@ public Q_SLOTS:
     void findNext();  ///< To the next cue in sight that holds the text, beginning anew behind the last.
     void findPrevious();
     void nextWarning(); ///< The same for a cue that should be looked at again.
+    void nextSuspect(); ///< The same for one that was marked as likely invented, or guessed.
 
 Q_SIGNALS:
     void timesRequested(const QList<qsizetype> &selected); ///< To be moved.

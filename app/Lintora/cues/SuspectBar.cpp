@@ -15,7 +15,7 @@ SuspectBar::SuspectBar(LintoraModel &model, CueTable &table, QWidget *parent)
     , m_text(new ElidedLabel(this))
     , m_tick(new CheckBox(u"移除这条"_s, this))
     , m_right(Controls::button(u"已核对"_s, this, u"这条的时间没有问题，去掉标记"_s))
-    , m_next(Controls::button(u"下一处可疑"_s, this, u"转到下一条请您核对的字幕（⌘G）"_s))
+    , m_next(Controls::button(u"下一处可疑"_s, this, u"转到下一条请您核对的字幕（⌘'）"_s))
     , m_remove(Controls::button({}, this, u"移除勾选的可疑字幕，可撤销"_s))
 {
     m_text->setFont(VELTheme::smallFont());

@@ -183,8 +183,9 @@ TEST(ScriptAlignment, tells_changed_words_from_changed_punctuation)
         {u"好", u"好", false},
     };
     for (const Row &row : rows) {
-        const ScriptMatchRow match{.original = {.text = QString(row.before)}, .replacement = QString(row.after)};
-        EXPECT_EQ(ScriptAlignment::changesWords(match), row.changesWords) << qPrintable(QString(row.after));
+        const ScriptMatchRow match{.original = {.text = QString::fromUtf16(row.before)},
+                                   .replacement = QString::fromUtf16(row.after)};
+        EXPECT_EQ(ScriptAlignment::changesWords(match), row.changesWords) << qPrintable(QString::fromUtf16(row.after));
     }
     EXPECT_FALSE(ScriptAlignment::changesWords({.original = {.text = u"好"_s}})) << "nothing is proposed";
 }

@@ -133,11 +133,11 @@ TEST_F(ScriptInPanel, the_next_unsure_cue_is_a_key_away)
               u"没有听清，时间请核对"_s);
     table().goTo(2);
     EXPECT_FALSE(button(u"已核对"_s)->isEnabled());
-    press(Qt::Key_G, Qt::ControlModifier);
+    press(Qt::Key_Apostrophe, Qt::ControlModifier);
     EXPECT_EQ(table().currentCue(), 1);
     click(u"已核对"_s);
     EXPECT_EQ(button(u"下一处可疑"_s), nullptr);
-    press(Qt::Key_G, Qt::ControlModifier);
+    press(Qt::Key_Apostrophe, Qt::ControlModifier);
     EXPECT_EQ(table().currentCue(), 1);
 }
 
