@@ -187,7 +187,8 @@ TEST(ScriptAlignment, tells_changed_words_from_changed_punctuation)
                                    .replacement = QString::fromUtf16(row.after)};
         EXPECT_EQ(ScriptAlignment::changesWords(match), row.changesWords) << qPrintable(QString::fromUtf16(row.after));
     }
-    EXPECT_FALSE(ScriptAlignment::changesWords({.original = {.text = u"好"_s}})) << "nothing is proposed";
+    EXPECT_FALSE(ScriptAlignment::changesWords(ScriptMatchRow{.original = {.text = u"好"_s}, .replacement = {}}))
+        << "nothing is proposed";
 }
 
 TEST(ScriptAlignment, repeated_lines_are_matched_in_order)
