@@ -141,8 +141,9 @@ void LintoraModel::reportWritten(const QList<SubtitleTrack> &tracks, const QList
     QStringList said{u"已写入并核对 %1 条字幕，逐帧一致"_s.arg(cues)};
     if (const QString covering = TitleTracks::covering(tracks); !covering.isEmpty())
         said += covering;
+    const auto errors = std::ranges::count(problems, Problem::Severity::error, &Problem::severity);
     if (!problems.isEmpty())
-        said += u"文档检查发现 %1 处问题"_s.arg(problems.size());
+        said += u"文档检查：%1 处错误，%2 处警告"_s.arg(errors).arg(problems.size() - errors);
     QStringList details;
     for (const Problem &problem : problems.first(std::min(DocumentCheck::mostTold, problems.size())))
         details += problem.toText();

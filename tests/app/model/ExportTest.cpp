@@ -93,7 +93,7 @@ TEST_F(ExportTest, writes_and_proof_reads_titles_alone_and_in_the_kept_project)
     load(write(u"rough.fcpxml"_s, project()));
     QFile::remove(home(u"rough.fcpxml"_s));
     const QByteArray document = exported(&LintoraModel::exportToProject, u"connected.fcpxml"_s);
-    EXPECT_EQ(model->message(), u"已写入并核对 20 条字幕，逐帧一致"_s) << qPrintable(failure());
+    EXPECT_TRUE(model->message().startsWith(u"已写入并核对 20 条字幕，逐帧一致"_s)) << qPrintable(failure());
     EXPECT_TRUE(document.contains("采访"));
     EXPECT_EQ(document.count("<title "), 20);
 }
@@ -107,7 +107,7 @@ TEST_F(ExportTest, asks_for_the_project_again_after_a_restart)
     EXPECT_EQ(model->items().size(), 5);
     // One answer serves both dialogs: the project is read, and then replaced.
     exported(&LintoraModel::exportToProject, u"rough.fcpxml"_s);
-    EXPECT_EQ(model->message(), u"已写入并核对 5 条字幕，逐帧一致"_s) << qPrintable(failure());
+    EXPECT_TRUE(model->message().startsWith(u"已写入并核对 5 条字幕，逐帧一致"_s)) << qPrintable(failure());
     EXPECT_TRUE(model->project());
 }
 
