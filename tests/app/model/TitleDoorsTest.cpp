@@ -110,11 +110,10 @@ TEST_F(TitleDoors, a_title_of_ones_own_is_written_as_the_command_line_writes_it)
     restart(); // The draft has it.
     EXPECT_EQ(exported(&LintoraModel::exportAllFCPXML).toStdString(), commanded({u"--template"_s, own}).toStdString());
     model->saveStylePreset(u"自己的"_s);
+    model->stylePresets().wait();
     settle();
     model->setLook(std::nullopt);
     EXPECT_EQ(exported(&LintoraModel::exportAllFCPXML), basic);
-    model->stylePresets().wait();
-    settle();
     model->applyStylePreset(model->stylePresets().all().last().id);
     EXPECT_TRUE(model->look().has_value()) << "a preset keeps it";
     model->undo();
