@@ -5,8 +5,8 @@
 //   foreign   455 ms    4 million cells at a time are worked out whole before a stretch is given up
 //
 // "damaged": 5 % of the words are missing, 5 % wrong, and 200 words were improvised. "foreign": nothing corresponds, so
-// that no stretch is anchored. The goal is 0.2 s and 64 MB; `peakMB` is what the process grew by in a run. In a process of
-// its own, with the reading of the recogniser's JSON and the writing of the SRT, the work takes 11 MiB
+// that no stretch is anchored. The goal is 0.2 s and 64 MB; `peakMB` is what the process grew by in a run. In a process
+// of its own, with the reading of the recogniser's JSON and the writing of the SRT, the work takes 11 MiB
 // (bench/script-timing-memory.sh: 35 MiB in all, 24 of which a script of one line takes too).
 
 #include "core/ConversionError.h"

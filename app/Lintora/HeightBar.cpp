@@ -38,6 +38,8 @@ HeightBar::HeightBar(LintoraModel &model, std::function<bool()> mayAct, QWidget 
 void HeightBar::follow()
 {
     const std::optional<QUuid> separated = m_model.splitOriginal();
+    if (!separated)
+        m_declined.reset(); // the next separation is another question
     const bool isOffered = separated && separated != m_declined && m_model.areTracksOnTop();
     if (!isOffered && isAncestorOf(QApplication::focusWidget()))
         Q_EMIT keyboardFreed();

@@ -85,6 +85,7 @@ TEST_F(lintora_cli_time, listens_with_the_real_recogniser)
     EXPECT_EQ(items[0][u"confidence"].toDouble(), 1);
     EXPECT_TRUE(items[1][u"unsure"].toBool());
     EXPECT_GT(items[2][u"start"].toInt(), items[0][u"end"].toInt());
-    EXPECT_EQ(result[u"unspoken"].toArray(), QJsonArray({QJsonObject({{u"cue"_s, 2}, {u"text"_s, u"这句没有人说过"_s}})}));
+    EXPECT_EQ(result[u"unspoken"].toArray(),
+              QJsonArray({QJsonObject({{u"cue"_s, 2}, {u"text"_s, u"这句没有人说过"_s}})}));
     EXPECT_FALSE(result[u"unscripted"].toArray().isEmpty());
 }

@@ -192,13 +192,14 @@ TEST_F(EditMenuTest, offers_what_the_focused_control_can_do)
 
 TEST_F(EditMenuTest, has_the_commands_on_cues_for_the_table_and_what_is_edited_in_it)
 {
-    const QString commands = u"插入字幕 拆分 与下一条合并 移动时间… 查找下一处 查找上一处 下一处提醒"_s;
+    const QString commands = u"插入字幕 拆分 与下一条合并 移动时间… 查找下一处 查找上一处 下一处提醒 下一处可疑"_s;
     load(2);
     auto *const table = new CueTable(m_model);
     m_window.layout()->addWidget(table);
     table->goTo(0);
     focus(table);
-    EXPECT_TRUE(enabled().endsWith(u"插入字幕 拆分 与下一条合并 删除字幕 移动时间… 查找下一处 查找上一处 下一处提醒"_s))
+    EXPECT_TRUE(enabled().endsWith(
+        u"插入字幕 拆分 与下一条合并 删除字幕 移动时间… 查找下一处 查找上一处 下一处提醒 下一处可疑"_s))
         << qPrintable(enabled());
     table->editText(0);
     EXPECT_TRUE(enabled().endsWith(commands)) << "the key of deleting deletes text: " << qPrintable(enabled());

@@ -79,12 +79,12 @@ TEST_F(Application, has_its_commands_in_two_menus)
                                      u"字幕样式… Ctrl+,"_s, u"清理设置…"_s, u"AI 设置…"_s, u"画面预览 Ctrl+I"_s,
                                      u"外观"_s, u"键盘操作 Ctrl+/"_s, u"-"_s, u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
     EXPECT_EQ(menu(1)->title(), u"编辑"_s);
-    EXPECT_EQ(
-        lines(1),
-        QStringList({u"撤销 Ctrl+Z"_s, u"重做 Ctrl+Shift+Z"_s, u"剪切 Ctrl+X"_s, u"复制 Ctrl+C"_s, u"粘贴 Ctrl+V"_s,
-                     u"全选 Ctrl+A"_s, u"-"_s, u"插入字幕 Ctrl+Return"_s, u"拆分 Ctrl+K"_s, u"与下一条合并 Ctrl+J"_s,
-                     u"删除字幕 Ctrl+Backspace"_s, u"移动时间… Ctrl+Shift+T"_s, u"-"_s, u"查找下一处 Ctrl+G"_s,
-                     u"查找上一处 Ctrl+Shift+G"_s, u"下一处提醒 Ctrl+;"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
+    EXPECT_EQ(lines(1),
+              QStringList({u"撤销 Ctrl+Z"_s, u"重做 Ctrl+Shift+Z"_s, u"剪切 Ctrl+X"_s, u"复制 Ctrl+C"_s,
+                           u"粘贴 Ctrl+V"_s, u"全选 Ctrl+A"_s, u"-"_s, u"插入字幕 Ctrl+Return"_s, u"拆分 Ctrl+K"_s,
+                           u"与下一条合并 Ctrl+J"_s, u"删除字幕 Ctrl+Backspace"_s, u"移动时间… Ctrl+Shift+T"_s, u"-"_s,
+                           u"查找下一处 Ctrl+G"_s, u"查找上一处 Ctrl+Shift+G"_s, u"下一处提醒 Ctrl+;"_s,
+                           u"下一处可疑 Ctrl+'"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
 }
 
 TEST_F(Application, menus_keep_what_is_typed_before_cues_go_and_list_their_keys)
