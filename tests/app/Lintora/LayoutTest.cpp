@@ -429,8 +429,11 @@ TEST_F(Layout, exports_are_offered_for_a_document_and_for_a_project)
     loadTracks({u"一"_s}, {u"one"_s});
     EXPECT_EQ(offered(),
               (QStringList{u"独立文档"_s, u"写入项目…"_s, u"独立文档（全部语言）"_s, u"写入项目（全部语言）…"_s}));
-    click(u"拖到 FCP 时间线 · 全部语言"_s); // which opens its menu
-    auto *const copying = button(u"拖到 FCP 时间线 · 全部语言"_s)->findChild<QMenu *>();
+    QAbstractButton *const card = button(u"拖到 FCP 时间线 · 全部语言"_s);
+    ASSERT_NE(card, nullptr);
+    QTest::keyClick(card, Qt::Key_Return);
+    auto *const copying = card->findChild<QMenu *>();
+    ASSERT_NE(copying, nullptr);
     copying->actions().first()->trigger();
     EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->data(FCPPasteboard::fcpTypes().first()), *model.payloadOfAll());
 }
