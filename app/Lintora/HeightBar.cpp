@@ -39,7 +39,7 @@ void HeightBar::follow()
 {
     const std::optional<QUuid> separated = m_model.splitOriginal();
     if (!separated)
-        m_declined.reset(); // the next separation is another question
+        m_declined.reset();
     const bool isOffered = separated && separated != m_declined && m_model.areTracksOnTop();
     if (!isOffered && isAncestorOf(QApplication::focusWidget()))
         Q_EMIT keyboardFreed();

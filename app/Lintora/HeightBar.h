@@ -23,5 +23,5 @@ private:
     void follow();
 
     LintoraModel &m_model;
-    std::optional<QUuid> m_declined; ///< For the separation of that original.
+    std::optional<QUuid> m_declined; ///< For that original, as long as it is separated.
 };
