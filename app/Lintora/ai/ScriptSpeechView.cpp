@@ -85,8 +85,8 @@ QWidget *ScriptSpeechView::makeButtons()
     auto *const layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, VELTheme::step, 0, 0);
     layout->setSpacing(VELTheme::gap);
-    layout->addWidget(m_status, 1);
     layout->addWidget(m_settings);
+    layout->addWidget(m_status, 1);
     layout->addWidget(m_turn);
     layout->addWidget(m_start);
     layout->addWidget(m_apply);

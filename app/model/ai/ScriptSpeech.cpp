@@ -16,6 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QString timing = u"正在为文稿定时…"_s;
+
 QList<SuspectCue> unsureOf(const QList<TimedCue> &cues)
 {
     QList<SuspectCue> unsure;
@@ -25,6 +27,13 @@ QList<SuspectCue> unsureOf(const QList<TimedCue> &cues)
     }
     return unsure;
 }
+
+/// What a run has come to.
+struct Outcome
+{
+    HeardSound heard;
+    std::optional<ScriptTimingResult> result; ///< Absent when the script is refused; what was heard serves another one.
+};
 
 QString countedCues(const QString &sentence, const ScriptTimingResult &result)
 {
@@ -74,15 +83,32 @@ void ScriptSpeech::start()
         const SpeechTask task = m_sound.task();
         const auto *const timeline = std::get_if<FCPAudioPlan>(&task.source);
         const QString source = timeline ? timeline->name : m_sound.title(m_sound.source());
+        const Question asked = question();
         m_isRunning = true; // before anybody hears that the cues have an owner
         m_isRunning = m_owner.run<LocalAIJob>(
             u"正在准备…"_s,
-            [task, listener = AIWorkers::listener(m_settings)](LocalAIJob &job, const ProgressReport &report) {
+            [task, asked, listener = AIWorkers::listener(m_settings)](LocalAIJob &job, const ProgressReport &report) {
                 SpeechTask chosen = task;
                 chosen.listener = listener();
-                return HeardSound::of(chosen, job, report);
+                Outcome outcome{.heard = HeardSound::of(chosen, job, report), .result = {}};
+                report({.what = timing});
+                try {
+                    outcome.result = outcome.heard.timed(asked.script, asked.rules, [&] { job.check(); });
+                } catch (const ConversionError &) {
+                    return outcome; // is told when it is tried again
+                }
+                return outcome;
             },
-            [this, source](HeardSound heard) { take(std::move(heard), source); });
+            [this, source, asked](Outcome outcome) {
+                take(std::move(outcome.heard), source);
+                m_question.reset();
+                m_result = {};
+                if (outcome.result) {
+                    m_question = asked;
+                    takeResult(*outcome.result);
+                }
+                update(); // where there is none, or the person has gone on writing
+            });
         if (!m_isRunning)
             return;
     } catch (const ConversionError &error) {
@@ -99,9 +125,6 @@ void ScriptSpeech::take(HeardSound heard, const QString &source)
     m_forget = heard.forget;
     m_heard = std::make_shared<const HeardSound>(std::move(heard));
     m_source = source;
-    m_question.reset();
-    m_result = {};
-    update();
 }
 
 /// What is shown stays until what takes its place is there.
@@ -111,7 +134,7 @@ void ScriptSpeech::update()
     if (!m_heard || std::exchange(m_question, now) == now)
         return;
     m_task.run(
-        u"正在为文稿定时…"_s,
+        timing,
         [heard = m_heard, question = now](Job &job, const ProgressReport & /*report*/) {
             return heard->timed(question.script, question.rules, [&] { job.check(); });
         },
@@ -122,7 +145,7 @@ void ScriptSpeech::update()
             Q_EMIT resultChanged();
         });
     m_isCurrent = false;
-    setStatus(u"正在为文稿定时…"_s);
+    setStatus(timing);
     Q_EMIT resultChanged();
 }
 
