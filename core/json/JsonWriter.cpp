@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// Whether `unit` may stand for itself in a string.
-bool isPlain(char16_t unit)
+bool standsAsItIs(char16_t unit)
 {
     return unit >= u' ' && unit != u'"' && unit != u'\\';
 }
@@ -100,7 +100,7 @@ void JsonWriter::text(QStringView value)
     const char16_t *at = value.utf16();
     const char16_t *const end = at + value.size();
     while (at != end) {
-        const char16_t *const special = std::find_if_not(at, end, isPlain);
+        const char16_t *const special = std::find_if_not(at, end, standsAsItIs);
         const QStringView plain(at, special);
         char *out = Utf8::encode(plain, m_out.reserve(Utf8::encodedRoom(plain.size()) + escapeRoom));
         at = special;

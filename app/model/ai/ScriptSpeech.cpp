@@ -29,7 +29,7 @@ QList<SuspectCue> unsureOf(const QList<TimedCue> &cues)
 }
 
 /// What a run has come to.
-struct Outcome
+struct Hearing
 {
     HeardSound heard;
     std::optional<ScriptTimingResult> result; ///< Absent when the script is refused; what was heard serves another one.
@@ -90,7 +90,7 @@ void ScriptSpeech::start()
             [task, asked, listener = AIWorkers::listener(m_settings)](LocalAIJob &job, const ProgressReport &report) {
                 SpeechTask chosen = task;
                 chosen.listener = listener();
-                Outcome outcome{.heard = HeardSound::of(chosen, job, report), .result = {}};
+                Hearing outcome{.heard = HeardSound::of(chosen, job, report), .result = {}};
                 report({.what = timing});
                 try {
                     outcome.result = outcome.heard.timed(asked.script, asked.rules, [&] { job.check(); });
@@ -99,7 +99,7 @@ void ScriptSpeech::start()
                 }
                 return outcome;
             },
-            [this, source, asked](Outcome outcome) {
+            [this, source, asked](Hearing outcome) {
                 take(std::move(outcome.heard), source);
                 m_question.reset();
                 m_result = {};
