@@ -29,14 +29,14 @@ ComparedRow rowOf(const TimedCue &timed)
 ComparedRow rowOf(const UnspokenPassage &passage)
 {
     return {.kind = ComparedRow::Kind::noted,
-            .number = QString::number(passage.cueID),
+            .number = u"−"_s,
             .before = passage.text,
             .after = u"自第 %1 条"_s.arg(passage.cueID)};
 }
 
 ComparedRow rowOf(const Subtitle &unscripted)
 {
-    return {.kind = ComparedRow::Kind::noted, .before = unscripted.text, .after = place(unscripted)};
+    return {.kind = ComparedRow::Kind::noted, .number = u"+"_s, .before = unscripted.text, .after = place(unscripted)};
 }
 
 } // namespace
