@@ -41,6 +41,8 @@ pids+=($!)
 read -r -t 30 number <"$folder/display" || fail "no display"
 export DISPLAY=:$number QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR=$folder/run
 mkdir -m 700 "$folder/run"
+# Without a bus a first connection starts one, for which a program may wait for ever.
+export DBUS_SESSION_BUS_ADDRESS=unix:path=$folder/run/none
 
 # start NAME ARGS…: what it says goes to NAME.out. Sets pid and place.
 start() {
