@@ -1,7 +1,7 @@
 // Checks of a track. "look" looks through the texts, "try" then tries limits, as the window does while a person changes
 // one; the whole of lintora-cli check is the sum. The cues are Chinese speech with English names and marks; one in five
-// has something to find. Measured on 2 quiet cores (Release, g++ 12), CPU time at 10,000 cues: look 15 ms, another limit
-// 1.6 ms.
+// has something to find. Measured on 2 quiet cores (Release, g++ 12), CPU time at 10,000 cues: look 15 ms, another
+// limit 1.6 ms.
 
 #include "core/text/checks/CheckedCues.h"
 #include "tests/support/Generator.h"
