@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/text/UnitSet.h"
+
 #include <QStringView>
 
 /// Brackets and quotation marks that come in pairs, Chinese and Latin ones.
@@ -9,14 +11,16 @@ constexpr QStringView openings = u"（《「『【〔〈“‘([{\"";
 constexpr QStringView closings = u"）》」』】〕〉”’)]}\"";
 
 /// Whether the mark opens a pair. The straight quotation mark, which does either, counts as neither.
-constexpr bool isOpening(QChar mark)
+inline bool isOpening(QChar mark)
 {
-    return mark != u'"' && openings.contains(mark);
+    static constexpr UnitSet marks(openings.chopped(1));
+    return marks.contains(mark);
 }
 
-constexpr bool isClosing(QChar mark)
+inline bool isClosing(QChar mark)
 {
-    return mark != u'"' && closings.contains(mark);
+    static constexpr UnitSet marks(closings.chopped(1));
+    return marks.contains(mark);
 }
 
 /// The mark that closes what `opening` opens, the straight quotation mark itself; a null character for any other.

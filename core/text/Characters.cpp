@@ -1,11 +1,11 @@
 #include "core/text/Characters.h"
 
 #include "core/PlatformError.h"
+#include "core/text/UnitSet.h"
 
 #include <unicode/ubrk.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace Characters {
@@ -15,32 +15,23 @@ namespace {
 // Between two scalars that neither extend, join nor pair up there is always a boundary. Nearly all text is made of
 // them: only the rest goes through Unicode's segmentation rules, which cost a hundred times as much. These are the
 // ranges of such scalars that matter; one that is missing costs time, not correctness.
-struct Range
-{
-    char16_t first;
-    char16_t last;
-};
-
-constexpr Range plainRanges[] = {
-    {u'\t', u'\n'},   {0x0020, 0x02FF}, {0x0370, 0x0482}, {0x048A, 0x0590}, {0x1E00, 0x1FFF},
-    {0x2010, 0x2027}, {0x2030, 0x205F}, {0x2070, 0x20CF}, {0x2100, 0x2BFF}, {0x2E00, 0x3029},
-    {0x3030, 0x3098}, {0x309B, 0xA48F}, {0xAC00, 0xD7A3}, {0xF900, 0xFAFF}, {0xFF01, 0xFF9D},
-};
-
-/// One bit for each of the 65,536 code units: small enough to stay in the first cache.
-constexpr std::array<quint64, 1024> plainBits = [] {
-    std::array<quint64, 1024> bits = {};
-    for (const Range range : plainRanges) {
-        for (size_t unit = range.first; unit <= range.last; ++unit)
-            bits[unit / 64] |= quint64(1) << (unit % 64);
-    }
-    return bits;
-}();
-
-bool isPlain(QChar unit)
-{
-    return (plainBits[unit.unicode() / 64] >> (unit.unicode() % 64) & 1) != 0;
-}
+constexpr UnitSet plain({
+    {u'\t', u'\n'},
+    {0x0020, 0x02FF},
+    {0x0370, 0x0482},
+    {0x048A, 0x0590},
+    {0x1E00, 0x1FFF},
+    {0x2010, 0x2027},
+    {0x2030, 0x205F},
+    {0x2070, 0x20CF},
+    {0x2100, 0x2BFF},
+    {0x2E00, 0x3029},
+    {0x3030, 0x3098},
+    {0x309B, 0xA48F},
+    {0xAC00, 0xD7A3},
+    {0xF900, 0xFAFF},
+    {0xFF01, 0xFF9D},
+});
 
 constexpr quint32 bit(QChar::Category category)
 {
@@ -76,11 +67,6 @@ UBreakIterator *openRules()
 thread_local std::unique_ptr<UBreakIterator, RulesCloser> spareRules;
 
 } // namespace
-
-bool isSpace(char32_t scalar)
-{
-    return QChar::isSpace(scalar);
-}
 
 bool isBlank(char32_t scalar)
 {
@@ -150,7 +136,7 @@ bool isWritable(QStringView text)
 
 qsizetype count(QStringView text)
 {
-    if (std::all_of(text.begin(), text.end(), isPlain))
+    if (std::all_of(text.begin(), text.end(), [](QChar unit) { return plain.contains(unit); }))
         return text.size();
     qsizetype characters = 0;
     for (Cursor at(text); at.next();)
@@ -196,7 +182,7 @@ bool Cursor::next()
         return false;
     if (m_begin == m_windowEnd) {
         const bool lastUnit = m_begin + 1 == m_text.size();
-        if (isPlain(m_text[m_begin]) && (lastUnit || isPlain(m_text[m_begin + 1]))) {
+        if (plain.contains(m_text[m_begin]) && (lastUnit || plain.contains(m_text[m_begin + 1]))) {
             m_windowEnd = m_end = m_begin + 1;
             return true;
         }
@@ -210,7 +196,8 @@ void Cursor::openWindow()
 {
     m_windowBegin = m_begin;
     m_windowEnd = m_begin + 1;
-    while (m_windowEnd != m_text.size() && !(isPlain(m_text[m_windowEnd - 1]) && isPlain(m_text[m_windowEnd])))
+    while (m_windowEnd != m_text.size() &&
+           !(plain.contains(m_text[m_windowEnd - 1]) && plain.contains(m_text[m_windowEnd])))
         ++m_windowEnd;
     if (!m_rules)
         m_rules.reset(spareRules ? spareRules.release() : openRules());

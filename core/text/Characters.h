@@ -14,7 +14,6 @@ struct UBreakIterator;
 /// are one each.
 namespace Characters {
 
-bool isSpace(char32_t scalar); ///< White_Space: blanks, U+00A0, U+3000, and all that ends a line.
 bool isBlank(char32_t scalar); ///< White space within a line: a tab, or general category Zs.
 
 /// U+000A to U+000D, U+0085, U+2028, U+2029.
@@ -27,6 +26,12 @@ constexpr bool isNewline(char32_t scalar)
 constexpr bool isCommonIdeograph(char32_t scalar)
 {
     return scalar >= 0x4E00 && scalar <= 0x9FA5;
+}
+
+/// White_Space: blanks, U+00A0, U+3000, and all that ends a line.
+inline bool isSpace(char32_t scalar)
+{
+    return !isCommonIdeograph(scalar) && QChar::isSpace(scalar);
 }
 
 bool isLetter(char32_t scalar); ///< General categories L and M. Ideographs are letters; 〇, ① and ㋐ are none.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 
 namespace BalancedLines {
 
@@ -20,40 +21,49 @@ class Search
 {
 public:
     Search(std::span<const BreakPoint> points, int begin, int end, int limit, bool insideToo, Scratch &scratch)
-        : m_points(points)
-        , m_begin(begin)
-        , m_end(end)
-        , m_limit(limit)
+        : m_limit(limit)
         , m_insideToo(insideToo)
         , m_nodes(scratch.nodes)
         , m_places(scratch.places)
+        , m_costs(scratch.costs)
     {
         m_places.clear();
+        m_costs.clear();
+        m_places.push_back({.point = 0, .endWidth = begin, .beginWidth = begin, .cost = 0});
         for (size_t i = 0; i < points.size(); ++i) {
-            if (!insideToo && costOf(points[i]) >= BreakPoints::together)
+            const int cost = costOf(points[i]);
+            if (!insideToo && cost >= BreakPoints::together)
                 continue;
-            m_places.push_back(i);
-            m_cheapest = std::min(m_cheapest, double(costOf(points[i])));
+            m_places.push_back(
+                {.point = i, .endWidth = points[i].endWidth, .beginWidth = points[i].beginWidth, .cost = cost});
+            m_costs.push_back(cost);
         }
+        m_places.push_back({.point = points.size(), .endWidth = end, .beginWidth = end, .cost = 0});
+        std::sort(m_costs.begin(), m_costs.end());
     }
 
-    /// Less than this no choice of so many lines costs.
-    double least(int lines) const { return lines * anotherLine + (lines > 1 ? (lines - 1) * m_cheapest : 0); }
+    /// Less than this no choice of so many lines costs. Blanks that vanish at breaks may spare one of them.
+    double least(int lines) const
+    {
+        const size_t places = std::min(static_cast<size_t>(lines) - 1, m_costs.size());
+        const auto end = m_costs.begin() + static_cast<std::ptrdiff_t>(places);
+        return lines * anotherLine + std::accumulate(m_costs.begin(), end, 0.0);
+    }
 
     /// The least cost of a choice whose lines are near `target` wide, unreachable when no choice fits.
     double run(double target)
     {
-        const size_t last = m_places.size() + 1;
+        const size_t last = m_places.size() - 1;
         m_nodes.assign(last + 1, {.cost = unreachable, .from = -1});
         m_nodes[0].cost = 0;
         const double scale = raggedness / (target * target);
         for (size_t to = 1; to <= last; ++to) {
-            const int lineEnd = to == last ? m_end : m_points[m_places[to - 1]].endWidth;
-            const double cost = anotherLine + (to == last ? 0 : costOf(m_points[m_places[to - 1]]));
+            const int lineEnd = m_places[to].endWidth;
+            const double cost = anotherLine + m_places[to].cost;
             // Characters without width must not make a line of thousands.
             const size_t first = to - std::min(to, static_cast<size_t>(m_limit) * mostPlacesPerColumn);
             for (size_t from = to; from-- > first;) {
-                const int width = lineEnd - (from == 0 ? m_begin : m_points[m_places[from - 1]].beginWidth);
+                const int width = lineEnd - m_places[from].beginWidth;
                 // A single character may be wider than the line, when all places are considered.
                 if (width > m_limit && !(m_insideToo && from + 1 == to))
                     break;
@@ -71,7 +81,7 @@ public:
     {
         chosen.clear();
         for (int node = m_nodes.back().from; node > 0; node = m_nodes[static_cast<size_t>(node)].from)
-            chosen.push_back(m_places[static_cast<size_t>(node) - 1]);
+            chosen.push_back(m_places[static_cast<size_t>(node)].point);
         std::reverse(chosen.begin(), chosen.end());
     }
 
@@ -81,14 +91,11 @@ private:
         return point.cost + (point.pairWidth > 0 && point.pairWidth <= m_limit ? insidePair : 0);
     }
 
-    std::span<const BreakPoint> m_points;
-    int m_begin;
-    int m_end;
     int m_limit;
     bool m_insideToo;
-    double m_cheapest = unreachable; ///< Of the places.
     std::vector<Scratch::Node> &m_nodes;
-    std::vector<size_t> &m_places;
+    std::vector<Scratch::Place> &m_places; ///< Between the text's ends.
+    std::vector<int> &m_costs;             ///< Of the places, ascending.
 };
 
 } // namespace

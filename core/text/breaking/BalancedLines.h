@@ -18,8 +18,18 @@ struct Scratch
         int from = 0;
     };
 
+    /// What of a point is asked again and again.
+    struct Place
+    {
+        size_t point = 0; ///< Its index.
+        int endWidth = 0;
+        int beginWidth = 0;
+        int cost = 0;
+    };
+
     std::vector<Node> nodes;
-    std::vector<size_t> places;
+    std::vector<Place> places;
+    std::vector<int> costs;
 };
 
 /// The indices of those of `points`, places in a text that is `begin` to `end` half columns wide, at which it is to be

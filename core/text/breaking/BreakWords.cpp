@@ -1,5 +1,8 @@
 #include "core/text/breaking/BreakWords.h"
 
+#include "core/text/Characters.h"
+#include "core/text/UnitSet.h"
+
 #include <QHash>
 #include <QString>
 #include <QVarLengthArray>
@@ -80,29 +83,31 @@ quint8 traits(QStringView word)
         return words.value(QStringView(lower.data(), lower.size()));
     }
     // Joined words like 先把 end in what clings.
-    constexpr QStringView ends = u"把被给給跟到";
+    static constexpr UnitSet ends(u"把被给給跟到");
     const bool leads = word.size() == 2 && ends.contains(word[1]);
     return static_cast<quint8>(words.value(word) | (leads ? clingsToNext : 0));
 }
 
 bool isNumeral(QStringView word)
 {
-    constexpr QStringView characters = u"零〇一二三四五六七八九十百千万亿两几多半第点萬億兩幾點";
+    static constexpr UnitSet characters(u"零〇一二三四五六七八九十百千万亿两几多半第点萬億兩幾點");
     const auto isPart = [&](QChar unit) { return unit.isDigit() || characters.contains(unit); };
     return !word.isEmpty() && std::all_of(word.begin(), word.end(), isPart);
 }
 
 bool isUnit(QStringView word)
 {
-    constexpr QStringView measures = u"个只条张件块片本台部辆架次回遍场届期集季帧格倍米克吨升元角分秒点时天日周月年岁人"
-                                     u"位名家种类层楼级号页章节段句字行列度寸尺里亩公千万亿毫"
-                                     u"百款套项份批组轮代首封道颗根支把双瓶杯碗箱包袋成折％%‰℃°"
-                                     u"個條張塊臺輛場屆幀噸點時歲種類層樓級號頁節畝萬億項組輪顆雙";
+    static constexpr UnitSet measures(
+        u"个只条张件块片本台部辆架次回遍场届期集季帧格倍米克吨升元角分秒点时天日周月年岁人"
+        u"位名家种类层楼级号页章节段句字行列度寸尺里亩公千万亿毫"
+        u"百款套项份批组轮代首封道颗根支把双瓶杯碗箱包袋成折％%‰℃°"
+        u"個條張塊臺輛場屆幀噸點時歲種類層樓級號頁節畝萬億項組輪顆雙");
     static constexpr QStringView latin =
         u" mm cm km m g kg t s ms h min gb mb kb tb hz khz mhz ghz px pt fps bit k w v a db mp ml l ft in lb p i ";
     if (word.isEmpty())
         return false;
-    return measures.contains(word[0]) || latin.contains(u' ' + word.toString().toLower() + u' ');
+    return measures.contains(word[0]) || (!Characters::isCommonIdeograph(word[0].unicode()) &&
+                                          latin.contains(u' ' + word.toString().toLower() + u' '));
 }
 
 } // namespace BreakWords

@@ -2,6 +2,7 @@
 
 #include "core/text/Brackets.h"
 #include "core/text/Characters.h"
+#include "core/text/UnitSet.h"
 #include "core/text/breaking/BreakWords.h"
 #include "core/text/breaking/WordBorders.h"
 
@@ -76,8 +77,9 @@ private:
             return Kind::number;
         if (isLatinUnit(first))
             return Kind::latin;
-        const bool beginsLatin = QStringView(u"$@#+-.￥¥").contains(first) && end < m_line.size() &&
-                                 isLatinUnit(m_line[end]) && piece.size() == 1;
+        static constexpr UnitSet prefixes(u"$@#+-.￥¥");
+        const bool beginsLatin =
+            prefixes.contains(first) && end < m_line.size() && isLatinUnit(m_line[end]) && piece.size() == 1;
         if (beginsLatin)
             return Kind::latin;
         return Characters::isPunctuation(first.unicode()) || isAsciiMark(first) ? Kind::mark : Kind::word;
@@ -121,7 +123,8 @@ private:
     /// 聊一聊, 是不是, 看了看 are one.
     void joinRepetitions()
     {
-        const auto isMiddle = [](QChar unit) { return QStringView(u"一不没沒了").contains(unit); };
+        static constexpr UnitSet middles(u"一不没沒了");
+        const auto isMiddle = [](QChar unit) { return middles.contains(unit); };
         if (std::none_of(m_line.begin(), m_line.end(), isMiddle))
             return;
         std::vector<LineToken> joined;
