@@ -3,7 +3,6 @@
 #include "cli/Result.h"
 #include "core/ConversionError.h"
 #include "core/SRT.h"
-#include "core/json/JsonReader.h"
 #include "core/text/checks/CheckFixes.h"
 #include "core/text/checks/CheckedCues.h"
 #include "fcp/Options.h"
@@ -34,11 +33,7 @@ CheckLimits limitsOf(const CheckArguments &arguments)
         if (name == set.name)
             return set;
     }
-    const QByteArray bytes = Arguments::readInput(arguments.limits);
-    JsonReader json(bytes);
-    CheckLimits limits = readCheckLimits(json);
-    json.finish();
-    return limits;
+    return CheckLimits::read(Arguments::readInput(arguments.limits));
 }
 
 /// The rules named, one by one or with commas; "all" for every one.
@@ -128,8 +123,7 @@ std::string footer()
     text += u"\noff-frame 只在给出 --rate 时检查。small-gap 以帧计，缺省按每秒 30 帧。\n"
             u"可以修复：reading-speed、too-short、small-gap、overlap、doubled、blanks、mixed-width、mixed-terms、"
             u"bad-characters、off-frame，凡无须斟酌之处。\n\n限值（省略的键取 chinese 的值）：\n  "_s;
-    text +=
-        QString::fromUtf8(jsonBytes([](JsonWriter &json) { writeCheckLimits(json, CheckLimits::builtIn().front()); }));
+    text += QString::fromUtf8(CheckLimits::builtIn().front().written());
     return (text + u"\n\n示例：\n  lintora-cli check 访谈.srt --strict\n"
                    u"  lintora-cli check 访谈.srt --fix small-gap,blanks -o 访谈-已修复.srt"_s)
         .toStdString();

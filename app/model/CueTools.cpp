@@ -1,13 +1,18 @@
 #include "app/model/CueTools.h"
 
+#include "core/files/AtomicFile.h"
+#include "core/files/FileReader.h"
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
-CueTools::CueTools(EditedSession &session, CueOwnership &owner)
+CueTools::CueTools(EditedSession &session, CueOwnership &owner, Preferences &preferences)
     : m_session(session)
     , m_owner(owner)
+    , m_preferences(preferences)
 {
+    m_settings.limits = preferences.checkLimits();
     connect(&session, &EditedSession::changed, this, [this](const LintoraSession &before) {
         const LintoraSession &now = m_session.state();
         if (m_tool && (before.items != now.items || before.options.rate != now.options.rate))
@@ -44,8 +49,43 @@ void CueTools::close()
 
 void CueTools::setSettings(const Settings &settings)
 {
-    if (std::exchange(m_settings, settings) != settings && m_tool)
+    const Settings before = std::exchange(m_settings, settings);
+    if (before == settings)
+        return;
+    if (before.limits != settings.limits)
+        m_preferences.setCheckLimits(settings.limits);
+    Q_EMIT settingsChanged();
+    if (m_tool)
         update();
+}
+
+void CueTools::readLimits(const QString &file)
+{
+    m_files.run(
+        u"正在读取规则…"_s,
+        [file](Job & /*job*/, const ProgressReport & /*report*/) {
+            return CheckLimits::read(FileReader::readAll(file));
+        },
+        [this](const CheckLimits &limits) {
+            Settings settings = m_settings;
+            settings.limits = limits;
+            setSettings(settings);
+        },
+        [this](const Failure &failure) { setStatus(u"规则未能载入：%1"_s.arg(failure.sentence), true); });
+}
+
+void CueTools::writeLimits(const QString &file)
+{
+    m_files.run(
+        u"正在存储规则…"_s,
+        [file, bytes = m_settings.limits.written()](Job & /*job*/, const ProgressReport & /*report*/) {
+            AtomicFile target(file);
+            target.write(bytes);
+            target.commit(AtomicFile::Durability::powerCut);
+            return 0;
+        },
+        [this](int) { setStatus(u"规则已存储"_s); },
+        [this](const Failure &failure) { setStatus(u"规则未能存储：%1"_s.arg(failure.sentence), true); });
 }
 
 FrameGrid CueTools::grid() const

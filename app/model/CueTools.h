@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/model/CueProposal.h"
+#include "app/model/Preferences.h"
 #include "app/model/ai/CueOwnership.h"
 
 #include <memory>
@@ -32,7 +33,8 @@ public:
         friend bool operator==(const Settings &, const Settings &) = default;
     };
 
-    CueTools(EditedSession &session, CueOwnership &owner);
+    /// Checks by the limits that `preferences` keeps, and keeps others there. All must live as long as this.
+    CueTools(EditedSession &session, CueOwnership &owner, Preferences &preferences);
 
     const std::optional<Tool> &tool() const { return m_tool; } ///< Which one is open.
     void open(Tool tool);                                      ///< Refused while long work owns the cues.
@@ -40,6 +42,11 @@ public:
 
     const Settings &settings() const { return m_settings; }
     void setSettings(const Settings &settings);
+
+    // The limits of checking as files, in the form that the command line takes.
+
+    void readLimits(const QString &file);
+    void writeLimits(const QString &file);
 
     const QList<CueProposal::Row> &rows() const { return m_proposal.rows; } ///< What would change or was found.
     bool isSelected(qsizetype row) const;                                   ///< Whether a finding is to be mended.
@@ -53,9 +60,11 @@ public:
     void apply();                                  ///< Does what is shown.
 
     BackgroundTask &task() { return m_task; }
+    BackgroundTask &files() { return m_files; }
 
 Q_SIGNALS:
     void toolChanged();
+    void settingsChanged();
     void rowsChanged();      ///< They are others.
     void selectionChanged(); ///< The same rows are chosen otherwise.
     void statusChanged();
@@ -91,6 +100,7 @@ private:
 
     EditedSession &m_session;
     CueOwnership &m_owner;
+    Preferences &m_preferences;
     std::optional<Tool> m_tool;
     Settings m_settings;
     SharedPrepared m_prepared; ///< May be null, or of other cues.
@@ -100,4 +110,5 @@ private:
     QString m_status;
     bool m_isRefused = false;
     BackgroundTask m_task{BackgroundTask::Order::newestOnly};
+    BackgroundTask m_files{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
 };

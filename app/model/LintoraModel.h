@@ -440,7 +440,7 @@ private:
     GlossaryTerms m_glossary{Locations::glossary()};
     Translation m_translation{m_session, m_owner, m_aiSettings, m_glossary};
     Review m_review{m_session, m_owner, m_aiSettings};
-    CueTools m_cueTools{m_session, m_owner};
+    CueTools m_cueTools{m_session, m_owner, m_preferences};
     FileRepairing m_fileRepairing;
     OwnTitles m_ownTitles;
     Options m_pictured;
@@ -450,7 +450,8 @@ private:
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_tidying{BackgroundTask::Order::oneAfterAnother};
-    const std::array<BackgroundTask *, 8> m_tasks = {
-        &m_import,           &m_export,       &m_scriptMatching.task(), &m_cueTools.task(), &m_fileRepairing.task(),
-        &m_ownTitles.task(), &m_owner.task(), &m_modelDownloads.task()}; ///< Those that are shown.
+    const std::array<BackgroundTask *, 9> m_tasks = {
+        &m_import,           &m_export,           &m_scriptMatching.task(),
+        &m_cueTools.task(),  &m_cueTools.files(), &m_fileRepairing.task(),
+        &m_ownTitles.task(), &m_owner.task(),     &m_modelDownloads.task()}; ///< Those that are shown.
 };

@@ -17,6 +17,7 @@ const QString inspectorKey = u"inspectorShown"_s;
 const QString appearanceKey = u"appearance"_s;
 const QString favoritesKey = u"favoriteFonts"_s;
 const QString recentKey = u"recentFonts"_s;
+const QString limitsKey = u"checkLimits"_s;
 const QString frameKey = u"LintoraEditor"_s;
 
 /// Brings what was set to the disk. Whether that could be done.
@@ -120,6 +121,20 @@ QStringList Preferences::recentFonts() const
 void Preferences::setRecentFonts(const QStringList &families)
 {
     m_settings->setValue(recentKey, families);
+}
+
+CheckLimits Preferences::checkLimits() const
+{
+    try {
+        return CheckLimits::read(m_settings->value(limitsKey).toByteArray());
+    } catch (const PlatformError &) {
+        return CheckLimits::builtIn().front(); // what cannot be read counts as absent
+    }
+}
+
+void Preferences::setCheckLimits(const CheckLimits &limits)
+{
+    m_settings->setValue(limitsKey, limits.written());
 }
 
 QByteArray Preferences::windowFrame() const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/text/checks/CheckLimits.h"
+
 #include <QSettings>
 
 #include <memory>
@@ -35,6 +37,9 @@ public:
 
     QStringList recentFonts() const; ///< Families, the one used last first.
     void setRecentFonts(const QStringList &families);
+
+    CheckLimits checkLimits() const; ///< Those of Chinese when absent.
+    void setCheckLimits(const CheckLimits &limits);
 
     QByteArray windowFrame() const; ///< As the window saved it; empty when absent.
     void setWindowFrame(const QByteArray &frame);

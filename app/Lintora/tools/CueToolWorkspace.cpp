@@ -5,6 +5,7 @@
 #include "app/Lintora/controls/ElidedLabel.h"
 #include "app/Lintora/controls/MarkedTextDelegate.h"
 #include "app/Lintora/controls/ValueField.h"
+#include "app/Lintora/tools/CheckingForm.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -69,12 +70,11 @@ QVBoxLayout &formOf(QWidget *controls)
     return *form;
 }
 
-const ValueEdit::Kind lineWidth{.name = u"每行宽度"_s, .lowest = 4, .highest = 100, .unit = u"字"_s};
-
 } // namespace
 
 CueToolWorkspace::CueToolWorkspace(LintoraModel &model, CueTools::Tool tool, QWidget *content)
     : Sheet(Extent::whole, content)
+    , m_model(model)
     , m_tools(model.cueTools())
     , m_tool(tool)
     , m_rows(model.cueTools())
@@ -124,7 +124,8 @@ void CueToolWorkspace::addBreaking(QWidget *controls)
     QVBoxLayout &form = formOf(controls);
     const Settings &now = m_tools.settings();
     auto *const way = addChoice(form, u"方式"_s, {u"拆开长字幕"_s, u"合并短句"_s}, now.joins ? 1 : 0, controls);
-    auto *const columns = addValue(form, lineWidth, 40, now.columns, controls);
+    auto *const columns = addValue(form, {.name = u"每行宽度"_s, .lowest = 4, .highest = 100, .unit = u"字"_s}, 40,
+                                   now.columns, controls);
     auto *const lines =
         addValue(form, {.name = u"每条行数"_s, .lowest = 1, .highest = 10, .unit = u"行"_s}, 4, now.lines, controls);
     lines->setEnabled(!now.joins);
@@ -141,26 +142,16 @@ void CueToolWorkspace::addBreaking(QWidget *controls)
 
 void CueToolWorkspace::addChecking(QWidget *controls)
 {
-    QVBoxLayout &form = formOf(controls);
-    const CheckLimits &now = m_tools.settings().limits;
-    const QList<CheckLimits> &sets = CheckLimits::builtIn();
-    auto *const set =
-        addChoice(form, u"规则"_s, {u"中文"_s, u"英文"_s}, now.name == sets.front().name ? 0 : 1, controls);
-    auto *const columns = addValue(form, lineWidth, 60, now.columns, controls);
-    auto *const speed = addValue(form, {.name = u"每秒字数"_s, .lowest = 1, .highest = 100, .unit = u"字"_s}, 30,
-                                 double(now.speed.chinese), controls);
-    connect(set, &ChoiceBox::currentIndexChanged, this, [this, columns, speed](int index) {
-        const CheckLimits &limits = CheckLimits::builtIn().at(index);
-        columns->setValue(limits.columns);
-        speed->setValue(double(limits.speed.chinese));
-        change([&](Settings &settings) { settings.limits = limits; });
+    auto *const form = new CheckingForm(m_model, controls);
+    QVBoxLayout &column = formOf(controls);
+    column.setContentsMargins(0, 0, 0, 0);
+    column.addWidget(form);
+    body()->addWidget(form->page(), 1);
+    connect(form, &CheckingForm::pageRequested, this, [this, form](bool shown) {
+        form->page()->setVisible(shown);
+        m_list->setVisible(!shown);
     });
-    connect(columns, &ValueField::edited, this,
-            [this](double value) { change([&](Settings &settings) { settings.limits.columns = value; }); });
-    connect(speed, &ValueField::edited, this, [this](double value) {
-        change([&](Settings &settings) { settings.limits.speed.chinese = qRound(value); });
-    });
-    m_first = columns->edit();
+    m_first = form->first();
 }
 
 void CueToolWorkspace::addScript(QWidget *controls)

@@ -36,6 +36,7 @@ private:
     void follow();
     void change(const std::function<void(Settings &)> &change);
 
+    LintoraModel &m_model;
     CueTools &m_tools;
     CueTools::Tool m_tool;
     CueToolRows m_rows;

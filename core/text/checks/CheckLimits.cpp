@@ -50,6 +50,33 @@ QStringList readTerm(JsonReader &json)
     return ways;
 }
 
+void write(JsonWriter &json, const CheckLimits &limits)
+{
+    json.beginObject();
+    json.key("chinesePerSecond").integer(limits.speed.chinese);
+    json.key("columns").number(limits.columns);
+    json.key("doubledWithinMS").integer(limits.doubledWithinMS);
+    json.key("latinPerSecond").integer(limits.speed.latin);
+    json.key("lines").integer(limits.lines);
+    json.key("longestMS").integer(limits.longestMS);
+    json.key("name").text(limits.name);
+    json.key("off").beginArray();
+    for (const CheckRule rule : limits.off)
+        json.text(CheckRules::name(rule));
+    json.endArray();
+    json.key("shortestMS").integer(limits.shortestMS);
+    json.key("smallestGapFrames").integer(limits.smallestGapFrames);
+    json.key("terms").beginArray();
+    for (const QStringList &ways : limits.terms) {
+        json.beginArray();
+        for (const QString &way : ways)
+            json.text(way);
+        json.endArray();
+    }
+    json.endArray();
+    json.endObject();
+}
+
 } // namespace
 
 const QList<CheckLimits> &CheckLimits::builtIn()
@@ -68,8 +95,9 @@ const QList<CheckLimits> &CheckLimits::builtIn()
     return sets;
 }
 
-CheckLimits readCheckLimits(JsonReader &json)
+CheckLimits CheckLimits::read(const QByteArray &document)
 {
+    JsonReader json(document);
     constexpr qint64 longTime = 3'600'000;
     CheckLimits limits = CheckLimits::builtIn().front();
     limits.name.clear();
@@ -100,32 +128,11 @@ CheckLimits readCheckLimits(JsonReader &json)
         } else
             json.refuse(u"已知的限值"_s);
     });
+    json.finish();
     return limits;
 }
 
-void writeCheckLimits(JsonWriter &json, const CheckLimits &limits)
+QByteArray CheckLimits::written() const
 {
-    json.beginObject();
-    json.key("chinesePerSecond").integer(limits.speed.chinese);
-    json.key("columns").number(limits.columns);
-    json.key("doubledWithinMS").integer(limits.doubledWithinMS);
-    json.key("latinPerSecond").integer(limits.speed.latin);
-    json.key("lines").integer(limits.lines);
-    json.key("longestMS").integer(limits.longestMS);
-    json.key("name").text(limits.name);
-    json.key("off").beginArray();
-    for (const CheckRule rule : limits.off)
-        json.text(CheckRules::name(rule));
-    json.endArray();
-    json.key("shortestMS").integer(limits.shortestMS);
-    json.key("smallestGapFrames").integer(limits.smallestGapFrames);
-    json.key("terms").beginArray();
-    for (const QStringList &ways : limits.terms) {
-        json.beginArray();
-        for (const QString &way : ways)
-            json.text(way);
-        json.endArray();
-    }
-    json.endArray();
-    json.endObject();
+    return jsonBytes([this](JsonWriter &json) { write(json, *this); });
 }

@@ -7,9 +7,6 @@
 
 #include <set>
 
-class JsonReader;
-class JsonWriter;
-
 /// What a house style allows: a named set of limits that people may edit.
 struct CheckLimits
 {
@@ -30,13 +27,13 @@ struct CheckLimits
     /// The sets that come with the program: "chinese", the default, and "english".
     static const QList<CheckLimits> &builtIn();
 
+    /// The document that written() returns; what is missing in it is as in the Chinese set.
+    /// @throws PlatformError naming the key path of a limit that cannot be, or of a rule that there is not
+    static CheckLimits read(const QByteArray &document);
+
+    /// {"chinesePerSecond","columns","doubledWithinMS","latinPerSecond","lines","longestMS","name","off":[rule…],
+    /// "shortestMS","smallestGapFrames","terms":[[…]…]}
+    QByteArray written() const;
+
     friend bool operator==(const CheckLimits &, const CheckLimits &) = default;
 };
-
-/// Reads the object that writeCheckLimits writes; what is missing is as in the Chinese set.
-/// @throws PlatformError naming the key path of a limit that cannot be, or of a rule that there is not
-CheckLimits readCheckLimits(JsonReader &json);
-
-/// {"chinesePerSecond","columns","doubledWithinMS","latinPerSecond","lines","longestMS","name","off":[rule…],
-/// "shortestMS","smallestGapFrames","terms":[[…]…]}
-void writeCheckLimits(JsonWriter &json, const CheckLimits &limits);

@@ -107,6 +107,31 @@ TEST_F(CueToolsTest, what_is_ticked_of_the_findings_is_mended_in_one_step)
     EXPECT_EQ(tools().selectedCount(), 1);
 }
 
+TEST_F(CueToolsTest, limits_outlast_the_program_and_go_through_files)
+{
+    set([](auto &settings) {
+        settings.limits.name = u"本台"_s;
+        settings.limits.lines = 1;
+        settings.limits.off = {CheckRule::blanks};
+    });
+    const CheckLimits own = tools().settings().limits;
+    restart();
+    EXPECT_EQ(tools().settings().limits, own);
+    tools().writeLimits(home(u"规则.json"_s));
+    settle();
+    EXPECT_EQ(CheckLimits::read(read(home(u"规则.json"_s))), own);
+    set([](auto &settings) { settings.limits = CheckLimits::builtIn().back(); });
+    tools().readLimits(home(u"规则.json"_s));
+    settle();
+    EXPECT_EQ(tools().settings().limits, own);
+    tools().readLimits(write(u"坏.json"_s, R"({"lines":0})"));
+    settle();
+    EXPECT_EQ(tools().settings().limits, own);
+    EXPECT_TRUE(tools().isRefused());
+    EXPECT_TRUE(tools().status().startsWith(u"规则未能载入："_s));
+    EXPECT_TRUE(tools().status().contains(u"lines"_s));
+}
+
 TEST_F(CueToolsTest, the_script_is_converted_but_for_names)
 {
     loadTexts({u"張國榮的頭髮"_s, u"简体"_s});

@@ -98,6 +98,35 @@ TEST_F(CueToolSheets, the_script_follows_the_choice)
     EXPECT_EQ(texts(), QStringList{u"張國榮的头发"_s});
 }
 
+TEST_F(CueToolSheets, all_limits_are_on_a_page_of_their_own)
+{
+    load({u"你好,世界"_s, u"（再见"_s});
+    open(CueTools::Tool::checking);
+    click(u"全部限值"_s);
+    EXPECT_EQ(preview(), nullptr) << "the page is in its place";
+    click(u"括号引号不成对"_s);
+    auto *const rules = find<ChoiceBox>(u"规则"_s);
+    ASSERT_NE(rules, nullptr);
+    EXPECT_EQ(rules->currentText(), u"自定"_s);
+    auto *const terms = find<QLineEdit>(u"术语"_s);
+    ASSERT_NE(terms, nullptr);
+    terms->setFocus();
+    terms->selectAll();
+    type(u"再见/再會，After Effects/AE"_s);
+    press(Qt::Key_Return);
+    const CheckLimits own = model.cueTools().settings().limits;
+    EXPECT_EQ(own.terms, (QList<QStringList>{{u"再见"_s, u"再會"_s}, {u"After Effects"_s, u"AE"_s}}));
+    EXPECT_FALSE(own.looksAt(CheckRule::brackets));
+    click(u"全部限值"_s);
+    wait();
+    EXPECT_EQ(preview()->model()->rowCount(), 1);
+    rules->setFocus();
+    press(Qt::Key_Home);
+    wait();
+    EXPECT_EQ(model.cueTools().settings().limits, CheckLimits::builtIn().front());
+    EXPECT_EQ(preview()->model()->rowCount(), 2);
+}
+
 TEST_F(CueToolSheets, a_refused_file_is_offered_with_what_would_be_done_to_it)
 {
     load({u"一"_s});

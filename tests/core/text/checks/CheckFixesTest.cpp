@@ -1,8 +1,6 @@
 #include "core/text/checks/CheckFixes.h"
 
 #include "core/PlatformError.h"
-#include "core/json/JsonReader.h"
-#include "core/json/JsonWriter.h"
 #include "tests/support/Generator.h"
 
 #include <gtest/gtest.h>
@@ -122,18 +120,12 @@ TEST(CheckFixes, finds_nothing_more_to_fix_afterwards)
 
 TEST(CheckLimits, are_read_as_they_are_written)
 {
-    for (const CheckLimits &limits : CheckLimits::builtIn()) {
-        const QByteArray bytes = jsonBytes([&](JsonWriter &json) { writeCheckLimits(json, limits); });
-        JsonReader json(bytes);
-        EXPECT_EQ(readCheckLimits(json), limits);
-    }
+    for (const CheckLimits &limits : CheckLimits::builtIn())
+        EXPECT_EQ(CheckLimits::read(limits.written()), limits);
     for (const char *const refused : {R"({"lines":0})", R"({"columns":0.5})", R"({"off":["nonsense"]})",
-                                      R"({"line":2})", R"({"terms":[[""]]})", R"({"shortestMS":"1"})"}) {
-        JsonReader json(refused);
-        EXPECT_THROW(readCheckLimits(json), PlatformError) << refused;
-    }
-    JsonReader json(R"({"off":["brackets"],"lines":1})");
-    const CheckLimits limits = readCheckLimits(json);
+                                      R"({"line":2})", R"({"terms":[[""]]})", R"({"shortestMS":"1"})"})
+        EXPECT_THROW(CheckLimits::read(refused), PlatformError) << refused;
+    const CheckLimits limits = CheckLimits::read(R"({"off":["brackets"],"lines":1})");
     EXPECT_FALSE(limits.looksAt(CheckRule::brackets));
     EXPECT_EQ(limits.lines, 1);
     EXPECT_EQ(limits.shortestMS, 700);
