@@ -49,6 +49,17 @@ QString change(const Subtitle &before, const Subtitle &after, CheckRule rule)
     return u"改为 %1–%2 秒"_s.arg(inSeconds(after.start), inSeconds(after.end));
 }
 
+/// Of cues that have other texts and nothing else.
+CueProposal inPlace(const QList<Subtitle> &items, const QList<Subtitle> &changed)
+{
+    CueProposal proposal{.rows = {}, .items = changed};
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        if (items[i].text != changed[i].text)
+            proposal.rows.append({.cue = i, .before = items[i].text, .after = changed[i].text});
+    }
+    return proposal;
+}
+
 } // namespace
 
 CueProposal broken(const BreakableCues &breakable, const QList<Subtitle> &items, const BreakableCues::Limits &limits,
@@ -57,6 +68,11 @@ CueProposal broken(const BreakableCues &breakable, const QList<Subtitle> &items,
     CueProposal proposal{.rows = {}, .items = breakable.inCues(limits, {}, check)};
     proposal.rows = sideBySide(items, proposal.items, SparseCheck(check));
     return proposal;
+}
+
+CueProposal wrapped(const BreakableCues &breakable, const QList<Subtitle> &items, int columns, const Check &check)
+{
+    return inPlace(items, breakable.inLines({.columns = columns}, check));
 }
 
 CueProposal joined(const QList<Subtitle> &items, int columns, const Check &check)
@@ -69,12 +85,7 @@ CueProposal joined(const QList<Subtitle> &items, int columns, const Check &check
 CueProposal converted(const QList<Subtitle> &items, ChineseScript::Target to, const QStringList &kept,
                       const Check &check)
 {
-    CueProposal proposal{.rows = {}, .items = ChineseScript::converted(items, to, kept, check)};
-    for (qsizetype i = 0; i < items.size(); ++i) {
-        if (items[i].text != proposal.items[i].text)
-            proposal.rows.append({.cue = i, .before = items[i].text, .after = proposal.items[i].text});
-    }
-    return proposal;
+    return inPlace(items, ChineseScript::converted(items, to, kept, check));
 }
 
 CueProposal checked(const CheckedCues &cues, const CheckLimits &limits, FrameGrid grid, const Check &check)

@@ -40,6 +40,9 @@ namespace CueProposals {
 CueProposal broken(const BreakableCues &breakable, const QList<Subtitle> &items, const BreakableCues::Limits &limits,
                    const Check &check);
 
+/// Only lines are broken, within their cues.
+CueProposal wrapped(const BreakableCues &breakable, const QList<Subtitle> &items, int columns, const Check &check);
+
 CueProposal joined(const QList<Subtitle> &items, int columns, const Check &check);
 
 /// @throws PlatformError when the dictionaries are not installed

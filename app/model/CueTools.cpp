@@ -109,6 +109,25 @@ void CueTools::update()
     setStatus(u"正在整理字幕…"_s);
 }
 
+namespace {
+
+CueProposal brokenBy(const CueTools::Settings &settings, const BreakableCues &breakable, const QList<Subtitle> &items,
+                     FrameGrid grid, const Check &check)
+{
+    switch (settings.way) {
+    case CueTools::Way::lines:
+        return CueProposals::wrapped(breakable, items, settings.columns, check);
+    case CueTools::Way::joined:
+        return CueProposals::joined(items, settings.columns, check);
+    case CueTools::Way::cues:
+        break;
+    }
+    return CueProposals::broken(breakable, items, {.columns = settings.columns, .lines = settings.lines, .grid = grid},
+                                check);
+}
+
+} // namespace
+
 CueTools::Outcome CueTools::propose(Tool tool, const Settings &settings, const QList<Subtitle> &items, FrameGrid grid,
                                     SharedPrepared prepared, const Check &check)
 {
@@ -126,11 +145,7 @@ CueTools::Outcome CueTools::propose(Tool tool, const Settings &settings, const Q
     Outcome outcome{.prepared = prepared, .proposal = {}};
     switch (tool) {
     case Tool::breaking:
-        outcome.proposal =
-            settings.joins
-                ? CueProposals::joined(items, settings.columns, check)
-                : CueProposals::broken(*prepared->breakable, items,
-                                       {.columns = settings.columns, .lines = settings.lines, .grid = grid}, check);
+        outcome.proposal = brokenBy(settings, *prepared->breakable, items, grid, check);
         break;
     case Tool::checking:
         outcome.proposal = CueProposals::checked(*prepared->checked, settings.limits, grid, check);
@@ -163,7 +178,9 @@ QString CueTools::summary() const
     case Tool::breaking:
         if (rows == 0)
             return u"没有需要调整的字幕"_s;
-        return (m_settings.joins ? u"合并后：%1 条变为 %2 条"_s : u"断句后：%1 条变为 %2 条"_s)
+        if (m_settings.way == Way::lines)
+            return u"将为 %1 条字幕换行"_s.arg(rows);
+        return (m_settings.way == Way::joined ? u"合并后：%1 条变为 %2 条"_s : u"断句后：%1 条变为 %2 条"_s)
             .arg(m_session.state().items.size())
             .arg(m_proposal.items.size());
     case Tool::checking:
@@ -214,10 +231,15 @@ void CueTools::apply()
     const qsizetype before = m_proposal.items.size();
     switch (*m_tool) {
     case Tool::breaking: {
-        const QString message = (m_settings.joins ? u"已合并：%1 条字幕变为 %2 条"_s : u"已断句：%1 条字幕变为 %2 条"_s)
+        const bool joins = m_settings.way == Way::joined;
+        if (m_settings.way == Way::lines) {
+            put(m_proposal.items, u"换行"_s, u"已为 %1 条字幕换行"_s.arg(rows().size()));
+            break;
+        }
+        const QString message = (joins ? u"已合并：%1 条字幕变为 %2 条"_s : u"已断句：%1 条字幕变为 %2 条"_s)
                                     .arg(m_session.state().items.size())
                                     .arg(before);
-        put(m_proposal.items, m_settings.joins ? u"合并短句"_s : u"断句"_s, message);
+        put(m_proposal.items, joins ? u"合并短句"_s : u"断句"_s, message);
         break;
     }
     case Tool::script:

@@ -21,9 +21,17 @@ public:
         script
     };
 
+    /// What becomes of cues that are too long, or too short.
+    enum class Way
+    {
+        cues,  ///< Several cues.
+        lines, ///< Several lines.
+        joined ///< Short ones become one.
+    };
+
     struct Settings
     {
-        bool joins = false;                                    ///< Short cues are joined instead.
+        Way way = Way::cues;
         int columns = BreakableCues::Limits::landscapeColumns; ///< Of a broken or joined line.
         int lines = 1;                                         ///< Of a broken cue.
         CheckLimits limits = CheckLimits::builtIn().front();

@@ -35,6 +35,9 @@ TEST_F(ReadingToolsTest, break_makes_cues_or_lines_of_long_cues)
                                         "2\n00:00:02,040 --> 00:00:03,000\n不过预算可能不够\n");
     expectOutcome(CommandLine::run({u"break"_s, in, u"--inside"_s, u"--json"_s}), 0,
                   "[{\"end\":3000,\"id\":1,\"start\":1000,\"text\":\"我觉得这个方案不错\\n不过预算可能不够\"}]\n", {});
+    expectOutcome(CommandLine::run({u"break"_s, in, u"--inside"_s, u"--width"_s, u"5"_s, u"--lines"_s, u"3"_s, u"-o"_s,
+                                    path(u"tall.srt"_s), u"--progress"_s}),
+                  0, {}, "第 1 条字幕放不进 3 行，已按宽度换行\n已断句：1 条字幕变为 1 条\n");
     expectOutcome(CommandLine::run({u"break"_s, in, u"--lines"_s, u"2"_s, u"--json"_s}), 0,
                   "[{\"end\":3000,\"id\":1,\"start\":1000,\"text\":\"我觉得这个方案不错\\n不过预算可能不够\"}]\n", {});
     expectOutcome(CommandLine::run({u"break"_s, out, u"--join"_s, u"--width"_s, u"18"_s, u"--json"_s}), 0,

@@ -5,7 +5,6 @@
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/QuestionSheet.h"
 
-#include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -26,7 +25,7 @@ AISettingsSheet::AISettingsSheet(LintoraModel &model, QWidget *content)
     addHeading(u"AI 设置"_s);
     for (QWidget *const page :
          {static_cast<QWidget *>(m_models), static_cast<QWidget *>(m_text), static_cast<QWidget *>(m_speech)})
-        m_pages->addWidget(scrolling(page));
+        m_pages->addWidget(Controls::scrolling(page, m_pages));
     body()->addWidget(m_tabs);
     body()->addWidget(m_pages, 1);
 
@@ -37,19 +36,6 @@ AISettingsSheet::AISettingsSheet(LintoraModel &model, QWidget *content)
     connect(m_text, &ServicePage::forgettingRequested, this, &AISettingsSheet::confirmForgetting);
     connect(m_speech, &ServicePage::forgettingRequested, this, &AISettingsSheet::confirmForgetting);
     followTab();
-}
-
-QScrollArea *AISettingsSheet::scrolling(QWidget *page)
-{
-    auto *const scroll = new QScrollArea(m_pages);
-    scroll->setWidget(page);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->viewport()->setAutoFillBackground(false);
-    page->setAutoFillBackground(false);
-    return scroll;
 }
 
 void AISettingsSheet::present()

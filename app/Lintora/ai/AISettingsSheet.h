@@ -4,7 +4,6 @@
 #include "app/model/LintoraModel.h"
 
 class ModelsPage;
-class QScrollArea;
 class QStackedWidget;
 class QTabBar;
 class QuestionSheet;
@@ -22,7 +21,6 @@ public:
     void present();
 
 private:
-    QScrollArea *scrolling(QWidget *page);
     void confirmRemoval(const LocalModel &model);
     void confirmForgetting();
     void followTab();

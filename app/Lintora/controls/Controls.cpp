@@ -95,4 +95,17 @@ QWidget *rule(QWidget *parent)
     return line;
 }
 
+QScrollArea *scrolling(QWidget *page, QWidget *parent)
+{
+    auto *const area = new QScrollArea(parent);
+    area->setWidget(page);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->viewport()->setAutoFillBackground(false);
+    page->setAutoFillBackground(false);
+    return area;
+}
+
 } // namespace Controls

@@ -4,6 +4,7 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTabBar>
 #include <QToolButton>
 
@@ -26,5 +27,8 @@ void showAsFailure(QLabel *note, bool isFailure);   ///< In the colour of failur
 QTabBar *tabs(const QString &name, const QStringList &titles, QWidget *parent);
 
 QWidget *rule(QWidget *parent); ///< A line across.
+
+/// `page`, which scrolls up and down where there is too little room for it.
+QScrollArea *scrolling(QWidget *page, QWidget *parent);
 
 } // namespace Controls

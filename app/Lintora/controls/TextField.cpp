@@ -27,6 +27,8 @@ void TextField::setText(const QString &text)
         return;
     m_text = text;
     revert();
+    if (!m_edit->hasFocus())
+        m_edit->setCursorPosition(0); // so that a long one is seen from its start
 }
 
 void TextField::commit()

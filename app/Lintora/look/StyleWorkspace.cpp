@@ -98,8 +98,7 @@ void StyleWorkspace::undo()
 
 QWidget *StyleWorkspace::makeControls()
 {
-    m_scroll = new QScrollArea(m_pages);
-    auto *const content = new QWidget(m_scroll);
+    auto *const content = new QWidget(m_pages);
     m_look = new LookControls(m_model, content);
     m_controls = new StyleControls(m_model, content);
     m_document = new DocumentControls(m_model, content);
@@ -110,13 +109,7 @@ QWidget *StyleWorkspace::makeControls()
     layout->addWidget(m_controls);
     layout->addWidget(m_document);
     layout->addStretch();
-    m_scroll->setWidget(content);
-    m_scroll->setWidgetResizable(true);
-    m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_scroll->setFocusPolicy(Qt::NoFocus);
-    m_scroll->viewport()->setAutoFillBackground(false);
-    content->setAutoFillBackground(false);
+    m_scroll = Controls::scrolling(content, m_pages);
     for (OptionsForm *const form : {static_cast<OptionsForm *>(m_controls), static_cast<OptionsForm *>(m_document)}) {
         connect(form, &OptionsForm::previewed, this, [this](const Options &options) { preview(options); });
         connect(form, &OptionsForm::previewEnded, this, [this] { preview(std::nullopt); });

@@ -124,11 +124,7 @@ QWidget *CheckingForm::makeSet()
 
 QWidget *CheckingForm::makePage()
 {
-    auto *const scroll = new QScrollArea(this);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->hide();
-    auto *const page = new QWidget(scroll);
+    auto *const page = new QWidget(this);
     QVBoxLayout &form = *column(page);
     addNumbers(form, page);
     m_terms = new TextField(u"术语"_s, judgeTerms, page);
@@ -138,8 +134,9 @@ QWidget *CheckingForm::makePage()
     form.addWidget(m_terms);
     form.addWidget(makeRules(page));
     form.addStretch(1);
-    scroll->setWidget(page);
-    return scroll;
+    QScrollArea *const area = Controls::scrolling(page, this);
+    area->hide();
+    return area;
 }
 
 void CheckingForm::addNumbers(QVBoxLayout &form, QWidget *page)
@@ -197,6 +194,8 @@ QWidget *CheckingForm::makeRules(QWidget *page)
         });
     }
     row->controls()->addWidget(box, 1);
+    row->label()->setAlignment(Qt::AlignTop);
+    row->label()->setContentsMargins(0, VELTheme::step + 2, 0, 0);
     return row;
 }
 

@@ -87,6 +87,8 @@ CueToolWorkspace::CueToolWorkspace(LintoraModel &model, CueTools::Tool tool, QWi
     body()->addWidget(Controls::note(words(tool).note, this));
     body()->addWidget(makeControls());
     body()->addWidget(makeList(), 1);
+    if (m_page)
+        body()->addWidget(m_page, 1);
     body()->addWidget(makeButtons());
 
     connect(this, &Sheet::closeRequested, &m_tools, &CueTools::close);
@@ -123,15 +125,16 @@ void CueToolWorkspace::addBreaking(QWidget *controls)
 {
     QVBoxLayout &form = formOf(controls);
     const Settings &now = m_tools.settings();
-    auto *const way = addChoice(form, u"方式"_s, {u"拆开长字幕"_s, u"合并短句"_s}, now.joins ? 1 : 0, controls);
+    auto *const way = addChoice(form, u"方式"_s, {u"拆开长字幕"_s, u"只换行，不拆开"_s, u"合并短句"_s},
+                                static_cast<int>(now.way), controls);
     auto *const columns = addValue(form, {.name = u"每行宽度"_s, .lowest = 4, .highest = 100, .unit = u"字"_s}, 40,
                                    now.columns, controls);
     auto *const lines =
         addValue(form, {.name = u"每条行数"_s, .lowest = 1, .highest = 10, .unit = u"行"_s}, 4, now.lines, controls);
-    lines->setEnabled(!now.joins);
+    lines->setEnabled(now.way == CueTools::Way::cues);
     connect(way, &ChoiceBox::currentIndexChanged, this, [this, lines](int index) {
         lines->setEnabled(index == 0);
-        change([&](Settings &settings) { settings.joins = index == 1; });
+        change([&](Settings &settings) { settings.way = static_cast<CueTools::Way>(index); });
     });
     connect(columns, &ValueField::edited, this,
             [this](double value) { change([&](Settings &settings) { settings.columns = qRound(value); }); });
@@ -146,9 +149,9 @@ void CueToolWorkspace::addChecking(QWidget *controls)
     QVBoxLayout &column = formOf(controls);
     column.setContentsMargins(0, 0, 0, 0);
     column.addWidget(form);
-    body()->addWidget(form->page(), 1);
-    connect(form, &CheckingForm::pageRequested, this, [this, form](bool shown) {
-        form->page()->setVisible(shown);
+    m_page = form->page();
+    connect(form, &CheckingForm::pageRequested, this, [this](bool shown) {
+        m_page->setVisible(shown);
         m_list->setVisible(!shown);
     });
     m_first = form->first();

@@ -42,6 +42,7 @@ private:
     CueToolRows m_rows;
     QWidget *m_first = nullptr; ///< What is typed into first.
     QListView *m_list;
+    QWidget *m_page = nullptr; ///< In the place of the list, for a tool that has one.
     ElidedLabel *m_status;
     QPushButton *m_all;
     QPushButton *m_apply;

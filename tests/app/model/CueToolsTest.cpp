@@ -60,7 +60,13 @@ TEST_F(CueToolsTest, breaking_is_shown_before_it_is_done_and_is_one_step)
     EXPECT_EQ(model->items(), before);
     set([](auto &settings) { settings.lines = 2; });
     EXPECT_EQ(rows(), u"1: 我觉得这个方案不错不过预算可能不够 > 我觉得这个方案不错\n不过预算可能不够"_s);
-    set([](auto &settings) { settings.lines = 1; });
+    set([](auto &settings) {
+        settings.way = CueTools::Way::lines;
+        settings.columns = 5;
+    });
+    EXPECT_EQ(rows(), u"1: 我觉得这个方案不错不过预算可能不够 > 我觉得这个\n方案不错\n不过预算\n可能不够"_s);
+    EXPECT_EQ(tools().status(), u"将为 1 条字幕换行"_s);
+    set([](auto &settings) { settings = {}; });
     tools().apply();
     settle();
     EXPECT_EQ(texts(), (QStringList{u"好"_s, u"我觉得这个方案不错"_s, u"不过预算可能不够"_s, u"再说"_s}));
@@ -78,7 +84,7 @@ TEST_F(CueToolsTest, joining_shows_the_cues_that_become_one)
 {
     loadTexts({u"好"_s, u"我们"_s, u"今天聊聊显示器怎么选才不吃亏"_s});
     open(Tool::breaking);
-    set([](auto &settings) { settings.joins = true; });
+    set([](auto &settings) { settings.way = CueTools::Way::joined; });
     EXPECT_EQ(rows(), u"0: 好 ┃ 我们 > 好我们"_s);
     tools().apply();
     EXPECT_EQ(model->undoTitle(), u"合并短句"_s);
