@@ -35,16 +35,6 @@ namespace {
 class Layout : public PanelTest
 {
 protected:
-    QStringList visibleTexts() const
-    {
-        QStringList texts;
-        for (const QLabel *const label : panel->findChildren<QLabel *>()) {
-            if (label->isVisible())
-                texts += label->text();
-        }
-        return texts;
-    }
-
     /// The controls that Tab goes through, from the import area on.
     QStringList tabOrder()
     {
@@ -201,11 +191,11 @@ TEST_F(Layout, a_project_stays_in_sight_until_it_is_let_go)
     };
     EXPECT_EQ(said(u"FCP 项目"_s), QString());
     model.load(outside.file(u"粗剪.fcpxml"_s, StoryDocument::project("100s", {tag("gap offset=0s duration=100s")})));
-    ASSERT_TRUE(Events::waitFor([&] { return model.project().has_value(); }));
+    ASSERT_TRUE(Events::waitFor([&] { return model.keptProject().project().has_value(); }));
     EXPECT_EQ(said(u"FCP 项目"_s), u"Film"_s);
     EXPECT_EQ(said(u"项目规格"_s), u"25 帧/秒 · 1920×1080"_s);
     click(u"放开项目"_s);
-    EXPECT_FALSE(model.project());
+    EXPECT_FALSE(model.keptProject().project());
     EXPECT_EQ(said(u"FCP 项目"_s), QString());
 }
 
@@ -237,74 +227,6 @@ TEST_F(Layout, a_long_file_name_keeps_its_end)
     model.apply(job);
     Events::handle();
     EXPECT_TRUE(find<ElidedLabel>(u"字幕来源"_s)->shownText().endsWith(u"_终稿_A.srt"));
-}
-
-TEST_F(Layout, a_failure_is_one_line_that_can_be_read_in_full_and_copied)
-{
-    load({u"一"_s});
-    const QString sentence = QString(100, u'长');
-    model.report(u"已载入"_s);
-    EXPECT_EQ(status(), u"已载入"_s);
-    EXPECT_EQ(button(u"复制出错信息"_s), nullptr);
-    for (const QString &detail : {u""_s, u"位于文件第 7 行。"_s}) {
-        const QString whole = detail.isEmpty() ? sentence : sentence + u'\n' + detail;
-        model.reportFailure(Failure{.sentence = sentence, .detail = detail});
-        Events::handle();
-        EXPECT_EQ(status(), sentence);
-        EXPECT_EQ(find<ElidedLabel>(u"状态"_s)->toolTip(), whole);
-        click(u"复制出错信息"_s);
-        EXPECT_EQ(QGuiApplication::clipboard()->text(), whole);
-    }
-    model.report(u"好了"_s);
-    EXPECT_EQ(button(u"复制出错信息"_s), nullptr);
-}
-
-TEST_F(Layout, long_work_is_named_and_can_be_cancelled)
-{
-    load({u"一"_s});
-    model.scriptMatching().setText(u"一"_s);
-    model.scriptMatching().match();
-    ASSERT_TRUE(model.activity().has_value());
-    EXPECT_EQ(status(), u"正在匹配文稿…"_s);
-    click(u"取消"_s);
-    EXPECT_FALSE(model.activity().has_value());
-    EXPECT_EQ(button(u"取消"_s), nullptr);
-}
-
-TEST_F(Layout, long_work_says_how_far_it_is_and_how_long_it_will_take_where_that_is_known)
-{
-    struct Row
-    {
-        Progress progress;
-        QString text;
-        QString share;
-    };
-    const QString doing = u"正在识别…"_s;
-    const Row rows[] = {{{.what = doing}, doing, {}},
-                        {{.what = doing, .share = 0.426}, doing, u"42%"_s},
-                        {{.what = doing, .share = 1.0, .leftMS = 0}, doing + u" · 约剩 10 秒"_s, u"100%"_s},
-                        {{.what = doing, .leftMS = 50'000}, doing + u" · 约剩 50 秒"_s, {}},
-                        {{.what = doing, .leftMS = 50'001}, doing + u" · 约剩 1 分钟"_s, {}},
-                        {{.what = doing, .leftMS = 60'001}, doing + u" · 约剩 2 分钟"_s, {}},
-                        {{.what = doing, .leftMS = 3'540'000}, doing + u" · 约剩 59 分钟"_s, {}},
-                        {{.what = doing, .leftMS = 3'540'001}, doing + u" · 约剩 1 小时 0 分钟"_s, {}},
-                        {{.what = doing, .leftMS = 4'500'000}, doing + u" · 约剩 1 小时 15 分钟"_s, {}}};
-    for (const Row &row : rows) {
-        model.ownCues(
-            u"开始"_s,
-            [&](Job &job, const ProgressReport &report) -> int {
-                QSemaphore cancelled;
-                const Job::OnCancel wake(job, [&] { cancelled.release(); });
-                report(row.progress);
-                cancelled.acquire();
-                throw Cancelled();
-            },
-            [](int /*result*/) {});
-        EXPECT_TRUE(Events::waitFor([&] { return status() == row.text; })) << qPrintable(status());
-        EXPECT_EQ(panel->findChild<BusyBar *>()->accessibleDescription(), row.share);
-        click(u"取消"_s);
-        EXPECT_FALSE(model.aiBusy());
-    }
 }
 
 TEST_F(Layout, tabs_show_the_tracks_and_change_them)
@@ -370,37 +292,6 @@ TEST_F(Layout, restoring_the_original_asks_first)
     EXPECT_EQ(texts(), (QStringList{u"你好\nhello"_s, u"再见\nbye"_s}));
 }
 
-TEST_F(Layout, return_exports_what_cannot_be_saved_and_the_question_at_the_end_tells_so)
-{
-    load({u"一"_s});
-    const QString folder = QFileInfo(model.draftURL()).path();
-    const QString aside = folder + u"-aside"_s;
-    ASSERT_TRUE(QDir().rename(folder, aside));
-    ASSERT_TRUE(QFile(folder).open(QIODevice::WriteOnly)); // in the way
-    outside.answer = aside;
-    model.setText(0, u"新"_s);
-    EXPECT_FALSE(model.requestQuit());
-    press(Qt::Key_Return);
-    EXPECT_TRUE(Events::waitFor([&] { return visibleTexts().contains(u"已导出 1 个 SRT 文件"_s); }));
-    EXPECT_TRUE(model.quitQuestion().has_value());
-    EXPECT_TRUE(QFile::remove(folder) && QDir().rename(aside, folder));
-}
-
-TEST_F(Layout, a_quit_during_work_is_asked_about_until_the_work_is_done)
-{
-    load({u"一"_s});
-    OwnedCues owned(model);
-    EXPECT_FALSE(model.requestQuit());
-    EXPECT_TRUE(visibleTexts().contains(u"任务还没有完成，仍要退出？"_s));
-    EXPECT_FALSE(visibleTexts().contains(u"导出全部 SRT…"_s));
-    press(Qt::Key_Return); // on what loses nothing
-    EXPECT_EQ(model.quitQuestion(), std::nullopt);
-    EXPECT_FALSE(model.requestQuit());
-    owned.end();
-    EXPECT_EQ(model.quitQuestion(), std::nullopt);
-    EXPECT_TRUE(model.requestQuit());
-}
-
 TEST_F(Layout, a_job_that_owns_the_cues_disables_what_would_change_them)
 {
     load({u"一"_s});
@@ -424,11 +315,11 @@ TEST_F(Layout, exports_are_offered_for_a_document_and_for_a_project)
         return entries;
     };
     load({u"一"_s});
-    EXPECT_EQ(offered(), (QStringList{u"独立文档"_s, u"写入项目…"_s}));
+    EXPECT_EQ(offered(), (QStringList{u"独立文档"_s, u"写入项目…"_s, u"写回项目标题…"_s}));
     EXPECT_EQ(button(u"拖到 FCP 时间线 · 全部语言"_s), nullptr);
     loadTracks({u"一"_s}, {u"one"_s});
-    EXPECT_EQ(offered(),
-              (QStringList{u"独立文档"_s, u"写入项目…"_s, u"独立文档（全部语言）"_s, u"写入项目（全部语言）…"_s}));
+    EXPECT_EQ(offered(), (QStringList{u"独立文档"_s, u"写入项目…"_s, u"写回项目标题…"_s, u"独立文档（全部语言）"_s,
+                                      u"写入项目（全部语言）…"_s}));
     QAbstractButton *const card = button(u"拖到 FCP 时间线 · 全部语言"_s);
     ASSERT_NE(card, nullptr);
     QTest::keyClick(card, Qt::Key_Return);

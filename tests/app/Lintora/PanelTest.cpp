@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QInputMethodEvent>
+#include <QLabel>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -69,6 +70,16 @@ QStringList PanelTest::texts() const
 QString PanelTest::status() const
 {
     return panel->findChild<StatusLine *>()->text();
+}
+
+QStringList PanelTest::visibleTexts() const
+{
+    QStringList texts;
+    for (const QLabel *const label : panel->findChildren<QLabel *>()) {
+        if (label->isVisible())
+            texts += label->text();
+    }
+    return texts;
 }
 
 void PanelTest::click(const QString &name)

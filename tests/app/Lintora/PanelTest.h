@@ -21,8 +21,9 @@ protected:
     /// A session of two tracks, the first of which is selected.
     void loadTracks(const QStringList &chinese, const QStringList &english);
 
-    QStringList texts() const; ///< Of the selected track.
-    QString status() const;    ///< What the status line says.
+    QStringList texts() const;        ///< Of the selected track.
+    QString status() const;           ///< What the status line says.
+    QStringList visibleTexts() const; ///< Of all labels.
 
     CueTable &table() { return panel->table(); }
 
