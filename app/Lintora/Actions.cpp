@@ -122,11 +122,11 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
     row->addWidget(m_separate);
     row->addWidget(style);
 
-    connect(m_fillers, &CheckBox::clicked, &model, &LintoraModel::setRemoveFillers);
-    connect(m_punctuation, &CheckBox::clicked, &model, &LintoraModel::setRemovePunctuation);
+    connect(m_fillers, &CheckBox::clicked, &model.textTools(), &TextTools::setRemoveFillers);
+    connect(m_punctuation, &CheckBox::clicked, &model.textTools(), &TextTools::setRemovePunctuation);
     connect(m_settings, &QToolButton::clicked, this,
             [this] { perform([this] { m_model.window().setCleanupSettingsVisible(true); }); });
-    connect(m_clean, &QPushButton::clicked, this, [this] { perform([this] { m_model.clean(); }); });
+    connect(m_clean, &QPushButton::clicked, this, [this] { perform([this] { m_model.textTools().clean(); }); });
     connect(m_undo, &QToolButton::clicked, this, [this] { perform([this] { undo(); }); });
     connect(m_find, &QPushButton::clicked, this,
             [this] { perform([this] { m_model.window().setFindReplaceVisible(true); }); });
@@ -137,7 +137,7 @@ EditingActions::EditingActions(LintoraModel &model, std::function<bool()> mayAct
             if (m_model.splitOriginal())
                 Q_EMIT restoreRequested();
             else
-                m_model.separateLanguages();
+                m_model.textTools().separateLanguages();
         });
     });
     m_undo->setPopupMode(QToolButton::MenuButtonPopup);
@@ -191,19 +191,18 @@ void EditingActions::undo()
     if (m_model.canUndo())
         m_model.undo();
     else
-        m_model.undoCleanup();
+        m_model.textTools().undoCleanup();
 }
 
 void EditingActions::offerUndo()
 {
     QMenu &menu = *m_undo->menu();
     menu.clear();
-    const auto add = [&](const QString &title, bool enabled, void (LintoraModel::*command)()) {
-        menu.addAction(title, this, [this, command] { perform([this, command] { (m_model.*command)(); }); })
-            ->setEnabled(enabled);
+    const auto add = [&](const QString &title, bool enabled, const std::function<void()> &command) {
+        menu.addAction(title, this, [this, command] { perform(command); })->setEnabled(enabled);
     };
-    add(u"撤销"_s + m_model.undoTitle(), m_model.canUndo(), &LintoraModel::undo);
-    add(u"重做"_s + m_model.redoTitle(), m_model.canRedo(), &LintoraModel::redo);
+    add(u"撤销"_s + m_model.undoTitle(), m_model.canUndo(), [this] { m_model.undo(); });
+    add(u"重做"_s + m_model.redoTitle(), m_model.canRedo(), [this] { m_model.redo(); });
     menu.addSeparator();
-    add(u"恢复到清理前"_s, m_model.previousItems() && !m_model.aiBusy(), &LintoraModel::undoCleanup);
+    add(u"恢复到清理前"_s, m_model.previousItems() && !m_model.aiBusy(), [this] { m_model.textTools().undoCleanup(); });
 }

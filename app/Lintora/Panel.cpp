@@ -30,6 +30,7 @@
 #include "app/Lintora/tools/RepairWorkspace.h"
 #include "app/Lintora/tools/ScriptMatchWorkspace.h"
 #include "app/Lintora/tools/TimeShiftSheet.h"
+#include "app/Lintora/tools/TitleWritingSheet.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -269,6 +270,7 @@ void LintoraPanel::followTools()
     showTool(m_checking, CueTools::Tool::checking);
     showTool(m_script, CueTools::Tool::script);
     showSheet(m_repair, m_model.fileRepairing().isShown());
+    showSheet(m_titleWriting, m_model.titleWriting().isShown());
 }
 
 /// A style is decided on the cue that is looked at.
@@ -327,7 +329,7 @@ void LintoraPanel::confirmRestore()
                          .text = u"分离后对各语言的修改将被原稿替换。"_s,
                          .answer = u"恢复原稿"_s,
                          .losesWork = true},
-                        [this] { m_model.restoreOriginal(); });
+                        [this] { m_model.textTools().restoreOriginal(); });
 }
 
 void LintoraPanel::askForTimes(const QList<qsizetype> &selected)

@@ -14,6 +14,7 @@ class QuestionSheet;
 class QBoxLayout;
 class QVBoxLayout;
 class RepairWorkspace;
+class TitleWritingSheet;
 class ReviewSheet;
 class ScriptMatchWorkspace;
 class Sheet;
@@ -77,6 +78,7 @@ private:
     CueToolWorkspace *m_checking = nullptr;
     CueToolWorkspace *m_script = nullptr;
     RepairWorkspace *m_repair = nullptr;
+    TitleWritingSheet *m_titleWriting = nullptr;
     TimeShiftSheet *m_times = nullptr;
     KeysSheet *m_keys = nullptr;
     StyleWorkspace *m_style = nullptr;

@@ -29,15 +29,15 @@ ProjectTag::ProjectTag(LintoraModel &model, QWidget *parent)
     row->addWidget(m_facts);
     row->addWidget(release);
     connect(release, &QToolButton::clicked, &model, &LintoraModel::releaseProject);
-    connect(&model, &LintoraModel::projectChanged, this, &ProjectTag::follow);
-    connect(&model, &LintoraModel::projectSettingsChanged, this, &ProjectTag::follow);
+    connect(&model.keptProject(), &KeptProject::projectChanged, this, &ProjectTag::follow);
+    connect(&model.keptProject(), &KeptProject::settingsChanged, this, &ProjectTag::follow);
     follow();
 }
 
 void ProjectTag::follow()
 {
-    const auto &project = m_model.project();
-    const auto &settings = m_model.projectSettings();
+    const auto &project = m_model.keptProject().project();
+    const auto &settings = m_model.keptProject().settings();
     const bool isThere = project || settings;
     if (!isThere && isAncestorOf(QApplication::focusWidget()))
         Q_EMIT keyboardFreed();

@@ -28,6 +28,8 @@ StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
     , m_text(new ElidedLabel(this))
     , m_repair(Controls::button(u"修复并打开…"_s, this, u"查看将要做的修改，再决定是否打开"_s))
     , m_skip(Controls::button(u"跳过这些片段"_s, this))
+    , m_titles(
+          Controls::button({}, this, u"项目里已有的标题与说明字幕成为可编辑的字幕，原来的字幕保留在“最近的字幕”中"_s))
     , m_copy(Controls::signButton(VELTheme::Glyph::copy, u"复制出错信息"_s, this))
     , m_busy(new BusyBar(this))
     , m_cancel(Controls::quietButton(u"取消"_s, this))
@@ -41,6 +43,7 @@ StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
     layout->addWidget(m_text, 1);
     layout->addWidget(m_repair);
     layout->addWidget(m_skip);
+    layout->addWidget(m_titles);
     layout->addWidget(m_copy);
     layout->addWidget(m_busy);
     layout->addWidget(m_cancel);
@@ -56,6 +59,9 @@ StatusLine::StatusLine(LintoraModel &model, QWidget *parent)
     m_skip->setProperty("tight", true);
     connect(m_skip, &QPushButton::clicked, &model, [&model] { model.recognition().takeOffered(); });
     connect(&model.recognition(), &Recognition::offeredChanged, this, &StatusLine::update);
+    m_titles->setProperty("tight", true);
+    connect(m_titles, &QPushButton::clicked, &model, &LintoraModel::readProjectTitles);
+    connect(&model.keptProject(), &KeptProject::offeredChanged, this, &StatusLine::update);
     connect(m_cancel, &QPushButton::clicked, &model, &LintoraModel::cancelActivity);
     connect(&model, &LintoraModel::messageChanged, this, &StatusLine::update);
     connect(&model, &LintoraModel::failureChanged, this, &StatusLine::update);
@@ -89,6 +95,12 @@ void StatusLine::update()
     m_skip->setVisible(offered.has_value());
     m_skip->setToolTip(offered ? u"接入其余的音频，不含："_s + offered->unreadableNotice().value_or(QString())
                                : QString());
+    const qsizetype titles = m_model.keptProject().offered();
+    if (titles == 0 && m_titles->hasFocus())
+        Q_EMIT keyboardFreed();
+    m_titles->setVisible(titles > 0);
+    m_titles->setText(u"读取其中的 %1 条字幕"_s.arg(titles));
+    m_titles->setAccessibleName(m_titles->text());
     m_copy->setVisible(canCopy);
     m_copy->setAccessibleName(failure ? u"复制出错信息"_s : u"复制详情"_s);
     m_copy->setToolTip(m_copy->accessibleName());

@@ -36,6 +36,7 @@ private:
     ElidedLabel *m_text;
     QPushButton *m_repair;
     QPushButton *m_skip;
+    QPushButton *m_titles;
     QToolButton *m_copy;
     BusyBar *m_busy;
     QPushButton *m_cancel;

@@ -4,6 +4,7 @@
 #include "core/SRT.h"
 #include "core/files/FileReader.h"
 #include "fcp/FCPXML.h"
+#include "fcp/texts/ProjectTexts.h"
 #include "fcp/titles/SubtitleTransfer.h"
 
 #include <QDir>
@@ -52,6 +53,22 @@ std::optional<FCPAudioPlan> readablePlan(const XmlDocument &document, Job &job)
     }
 }
 
+/// The titles that can be read. Where none can, matching and hearing the project are not touched by it.
+QList<SubtitleTrack> standingTitles(const XmlDocument &document, bool isProject)
+{
+    QList<SubtitleTrack> titles;
+    try {
+        for (const auto &track : ProjectTexts::read(document, isProject ? FCPXML::project(document) : nullptr)) {
+            if (!track.items.isEmpty())
+                titles.append(
+                    {.label = track.label, .items = track.items, .origins = ProjectTexts::origins(document, track)});
+        }
+    } catch (const ConversionError &) {
+        titles.clear(); // as when there are none: they are an offer
+    }
+    return titles;
+}
+
 ImportedTimeline readTimeline(const XmlDocument &document, FCPProject project, Job &job)
 {
     ImportedTimeline timeline;
@@ -77,6 +94,8 @@ ImportedTimeline readTimeline(const XmlDocument &document, FCPProject project, J
             timeline.readable->settings.reset(); // the project's are taken already
         timeline.failure = Failure::of(error);
     }
+    job.check();
+    timeline.titles = standingTitles(document, isProject);
     return timeline;
 }
 

@@ -7,6 +7,7 @@
 #include "core/repair/SubtitleRepair.h"
 #include "fcp/audio/FCPAudioPlan.h"
 #include "fcp/xml/XmlDocument.h"
+#include "store/SubtitleTrack.h"
 
 #include <QString>
 
@@ -33,6 +34,7 @@ struct ImportedTimeline
     std::optional<Failure> failure = {};    ///< What is wrong in spite of all that is there.
     /// What could be heard without the clips that cannot be placed, where these are what is wrong. Only when asked for.
     std::optional<FCPAudioPlan> readable = {};
+    QList<SubtitleTrack> titles = {}; ///< Those that stand in it, a track for each role and lane.
 
     bool isRefused() const { return !project && !plan && failure; } ///< Whether nothing of it can be taken as it is.
 };

@@ -1,8 +1,6 @@
 #include "app/model/LintoraModel.h"
 
 #include "app/model/SessionTracks.h"
-#include "core/ConversionError.h"
-#include "core/CueEditing.h"
 #include "store/Locations.h"
 
 #include <QFileInfo>
@@ -40,7 +38,6 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     , m_recent(QFileInfo(m_keeper.draftURL()).path() + u"/Recent"_s)
     , m_recentSessions(m_recent.list())
     , m_session(m_keeper.loadDraft().value_or(firstSession(surroundings.font)))
-    , m_fillerWords(m_preferences.fillerWords())
     , m_pictured(picture(m_session.state()))
 {
     try {
@@ -74,7 +71,12 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_aiServices, &AIServices::done, this, &LintoraModel::report);
     connect(&m_modelDownloads, &ModelDownloads::done, this, &LintoraModel::report);
     connect(&m_modelDownloads, &ModelDownloads::refused, this, refuse);
+    connect(&m_textTools, &TextTools::done, this, &LintoraModel::report);
+    connect(&m_textTools, &TextTools::refused, this, refuse);
     connect(&m_cueTools, &CueTools::done, this, &LintoraModel::report);
+    connect(&m_titleWriting, &TitleWriting::done, this, &LintoraModel::report);
+    connect(&m_titleWriting, &TitleWriting::refused, this, refuse);
+    connect(&m_session, &EditedSession::changed, &m_titleWriting, &TitleWriting::close);
     connect(&m_fileRepairing, &FileRepairing::accepted, this, &LintoraModel::takeRepaired);
     connect(this, &LintoraModel::failureChanged, &m_fileRepairing, &FileRepairing::withdraw);
     connect(&m_link, &SessionLink::opened, this, [this] { report(source().isEmpty() ? QString() : u"已载入"_s); });
@@ -133,9 +135,16 @@ void LintoraModel::report(const QString &message)
 
 void LintoraModel::reportWithDetail(const QString &message, const QString &detail)
 {
-    m_recognition.offer(std::nullopt);
+    withdrawOffers();
     publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged);
     setMessage(message, detail);
+}
+
+/// They stood beside what was said before.
+void LintoraModel::withdrawOffers()
+{
+    m_recognition.offer(std::nullopt);
+    m_keptProject.withdraw();
 }
 
 void LintoraModel::setMessage(const QString &message, const QString &detail)
@@ -159,7 +168,7 @@ QString LintoraModel::failureDetail() const
 
 void LintoraModel::reportFailure(const Failure &failure)
 {
-    m_recognition.offer(std::nullopt); // which stood beside another refusal
+    withdrawOffers();
     publish(m_failure, std::optional(failure), &LintoraModel::failureChanged);
 }
 
@@ -218,103 +227,6 @@ void LintoraModel::emitChanges(const LintoraSession &before)
         Q_EMIT selectedTrackIDChanged();
     if (before.splitOriginal != now.splitOriginal)
         Q_EMIT splitOriginalChanged();
-}
-
-// Tracks
-
-void LintoraModel::selectTrack(const QUuid &id)
-{
-    m_session.replace(SessionTracks::selecting(m_session.state(), id), {}, EditStep::amend);
-}
-
-void LintoraModel::moveCue(qsizetype index, QUuid to)
-{
-    moveCues({index}, to);
-}
-
-void LintoraModel::moveCues(const QList<qsizetype> &indices, QUuid to)
-{
-    const auto target = SessionTracks::indexOf(m_session.state(), to);
-    const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
-    if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s) || indices.isEmpty() ||
-        !std::ranges::all_of(indices, isThere) || to == selectedTrackID() || to == splitOriginal() || !target)
-        return;
-    const QString label = tracks().at(*target).label;
-    m_session.replace(SessionTracks::movingCues(m_session.state(), indices, to), u"移动字幕"_s);
-    report(u"已移到“%1”"_s.arg(label));
-}
-
-// Cues
-
-template <class Change>
-std::optional<qsizetype> LintoraModel::editCues(const QString &title, const QList<qsizetype> &indices, qsizetype next,
-                                                const Change &change)
-{
-    // The list may have become shorter since somebody looked at it.
-    const auto isThere = [&](qsizetype index) { return index >= 0 && index < items().size(); };
-    if (m_owner.refuses(u"任务处理中，请先取消再编辑字幕"_s) || !std::ranges::all_of(indices, isThere))
-        return std::nullopt;
-    try {
-        m_session.replaceItems(change(items()), title);
-    } catch (const ConversionError &error) {
-        reportFailure(Failure::of(error));
-        return std::nullopt;
-    }
-    publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged);
-    return std::clamp<qsizetype>(next, -1, items().size() - 1);
-}
-
-std::optional<qsizetype> LintoraModel::setText(qsizetype index, const QString &text)
-{
-    return editCues(u"修改文字"_s, {index}, index,
-                    [&](const auto &cues) { return CueEditing::settingText(cues, index, text); });
-}
-
-std::optional<qsizetype> LintoraModel::setTimes(qsizetype index, qint64 startMS, qint64 endMS)
-{
-    return editCues(u"修改时间"_s, {index}, index,
-                    [&](const auto &cues) { return CueEditing::settingTimes(cues, index, startMS, endMS); });
-}
-
-std::optional<qsizetype> LintoraModel::insertCue(qsizetype after)
-{
-    if (tracks().isEmpty() && !aiBusy()) {
-        const QList<Subtitle> first = CueEditing::inserting({}, -1);
-        m_session.replace(SessionTracks::importing(m_session.state(), first, source()), u"插入字幕"_s);
-        return 0;
-    }
-    const QList<qsizetype> neighbours = after < 0 ? QList<qsizetype>() : QList<qsizetype>{after};
-    return editCues(u"插入字幕"_s, neighbours, std::max<qsizetype>(after, -1) + 1,
-                    [&](const auto &cues) { return CueEditing::inserting(cues, std::max<qsizetype>(after, -1)); });
-}
-
-std::optional<qsizetype> LintoraModel::pasteCues(const QList<Subtitle> &cues)
-{
-    if (cues.isEmpty() || tracks().isEmpty())
-        return std::nullopt;
-    const auto first = std::ranges::min(cues, {}, &Subtitle::start).start;
-    return editCues(u"粘贴字幕"_s, {}, CueEditing::positionFor(items(), first),
-                    [&](const auto &items) { return CueEditing::placing(items, cues); });
-}
-
-std::optional<qsizetype> LintoraModel::deleteCues(const QList<qsizetype> &indices)
-{
-    const qsizetype first = indices.isEmpty() ? 0 : *std::min_element(indices.begin(), indices.end());
-    return editCues(u"删除字幕"_s, indices, first,
-                    [&](const auto &cues) { return CueEditing::removing(cues, indices); });
-}
-
-std::optional<qsizetype> LintoraModel::splitCue(qsizetype index, qsizetype position)
-{
-    if (index < 0 || index >= items().size() || position < 0 || position > items().at(index).text.size())
-        return std::nullopt;
-    return editCues(u"拆分字幕"_s, {index}, index + 1,
-                    [&](const auto &cues) { return CueEditing::splitting(cues, index, position); });
-}
-
-std::optional<qsizetype> LintoraModel::joinWithNext(qsizetype index)
-{
-    return editCues(u"合并字幕"_s, {index}, index, [&](const auto &cues) { return CueEditing::joining(cues, index); });
 }
 
 // History

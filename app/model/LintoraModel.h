@@ -3,12 +3,14 @@
 #include "app/model/CueTools.h"
 #include "app/model/FileDialogs.h"
 #include "app/model/FileRepairing.h"
-#include "app/model/Imports.h"
+#include "app/model/KeptProject.h"
 #include "app/model/OwnTitles.h"
 #include "app/model/Preferences.h"
 #include "app/model/ScriptMatching.h"
 #include "app/model/SessionLink.h"
 #include "app/model/StylePresets.h"
+#include "app/model/TextTools.h"
+#include "app/model/TitleWriting.h"
 #include "app/model/WindowState.h"
 #include "app/model/ai/AIServices.h"
 #include "app/model/ai/AISettings.h"
@@ -128,26 +130,6 @@ public:
     /// of every track, also of the one kept from before separation. False when refused.
     bool moveTimes(const std::optional<QList<qsizetype>> &indices, const CueShift::Distance &distance);
 
-    // Text tools on the selected track
-
-    void setRemoveFillers(bool on);
-    void setRemovePunctuation(bool on);
-    void clean();
-    void undoCleanup();
-
-    /// Replaces in all cues and returns how often; absent when refused.
-    std::optional<qint64> replaceKeywords(const QString &query, const QString &with);
-    bool canUndoReplacement() const; ///< While the cues are as the last replacement left them.
-    void undoReplacement();
-
-    const QStringList &fillerWords() const { return m_fillerWords; }
-    /// Keeps the list, as typed. @throws ConversionError "最多 100 个词，每个词不超过 60 字。", PlatformError when it
-    /// cannot be kept
-    void saveFillerWords(const QString &text);
-
-    void separateLanguages();
-    void restoreOriginal(); ///< Throws away the edits since the separation: ask first.
-
     // History
 
     /// Calls `changes`, and makes one step of all that it changes.
@@ -178,7 +160,6 @@ public:
     const std::optional<TitleTemplate> &look() const { return snapshot().look; }
     void setLook(const std::optional<TitleTemplate> &look);
     OwnTitles &ownTitles() { return m_ownTitles; }
-    const OwnTitles &ownTitles() const { return m_ownTitles; }
     void showOwnTitles();   ///< Those of the kept project; none where there is no project.
     void chooseOwnTitles(); ///< Those of a project that is asked for.
 
@@ -186,7 +167,6 @@ public:
     const Options &pictured() const { return m_pictured; }
 
     StylePresets &stylePresets() { return m_stylePresets; }
-    const StylePresets &stylePresets() const { return m_stylePresets; }
     /// Whether titles of visible tracks would lie on top of each other, seen at once.
     bool areTracksOnTop() const;
     void stackTracks(); ///< Gives each a distance from the bottom edge, the first the highest place. One step.
@@ -211,12 +191,10 @@ public:
     const QList<RecentSessions::Entry> &recentSessions() const { return m_recentSessions; }
     void openRecent(const QString &file); ///< Brings one of them back.
 
-    /// The project that exports go into; absent until one is imported. Lasts for the run.
-    const std::optional<FCPProject> &project() const { return m_project; }
-    /// Rate, size, font size and name that match the timeline imported last; absent until one is imported.
-    const std::optional<Options> &projectSettings() const { return m_projectSettings; }
-    void releaseProject(); ///< Nothing goes into it any more. Cues and styles stay.
-    void matchProject();   ///< Gives the selected track these settings again.
+    const KeptProject &keptProject() const { return m_keptProject; }
+    void releaseProject();    ///< Nothing goes into it any more. Cues and styles stay.
+    void matchProject();      ///< Gives the selected track its settings again.
+    void readProjectTitles(); ///< Brings in the titles that stand in it, in the session's place.
     /// What of the timeline can be heard; absent until one is imported.
     const std::optional<FCPAudioPlan> &aiTimelinePlan() const { return m_recognition.aiTimelinePlan(); }
 
@@ -228,6 +206,8 @@ public:
     void exportToProject(); ///< Into the kept project; asks for one where there is none.
     void exportAllFCPXML();
     void exportAllToProject();
+    void showTitleWriting(); ///< Of the selected track's words into the kept project, or one that is asked for.
+    QString titleWritingName() const; ///< What the file is called that these are written into.
 
     /// The clip document for a drag of that track, or of the selected one. Absent when it was refused.
     std::optional<QByteArray> payload(std::optional<QUuid> trackID);
@@ -253,30 +233,21 @@ public:
     // Its parts
 
     AISettings &aiSettings() { return m_aiSettings; }
-    const AISettings &aiSettings() const { return m_aiSettings; }
     AIServices &aiServices() { return m_aiServices; }
-    const AIServices &aiServices() const { return m_aiServices; }
     ModelDownloads &modelDownloads() { return m_modelDownloads; }
-    const ModelDownloads &modelDownloads() const { return m_modelDownloads; }
     ScriptMatching &scriptMatching() { return m_scriptMatching; }
-    const ScriptMatching &scriptMatching() const { return m_scriptMatching; }
     Recognition &recognition() { return m_recognition; }
-    const Recognition &recognition() const { return m_recognition; }
     ScriptSpeech &scriptSpeech() { return m_scriptSpeech; }
-    const ScriptSpeech &scriptSpeech() const { return m_scriptSpeech; }
     Translation &translation() { return m_translation; }
-    const Translation &translation() const { return m_translation; }
     Review &review() { return m_review; }
-    const Review &review() const { return m_review; }
     GlossaryTerms &glossary() { return m_glossary; }
-    const GlossaryTerms &glossary() const { return m_glossary; }
     SuspectMarks &suspects() { return m_suspects; }
-    const SuspectMarks &suspects() const { return m_suspects; }
     const AIWork &aiWork() const { return m_aiWork; }
+    TextTools &textTools() { return m_textTools; }
     CueTools &cueTools() { return m_cueTools; }
-    const CueTools &cueTools() const { return m_cueTools; }
     FileRepairing &fileRepairing() { return m_fileRepairing; }
     const FileRepairing &fileRepairing() const { return m_fileRepairing; }
+    TitleWriting &titleWriting() { return m_titleWriting; }
     WindowState &window() { return m_window; }
     const WindowState &window() const { return m_window; }
     void showScriptMatch();
@@ -337,13 +308,10 @@ Q_SIGNALS:
     void failureChanged();
     void activityChanged();
     void historyChanged();
-    void fillerWordsChanged();
     void recentSessionsChanged();
     void savingChanged();
     void quitQuestionChanged();
     void quitConfirmed(); ///< The program is to end, whatever is lost.
-    void projectChanged();
-    void projectSettingsChanged();
     void aiTimelinePlanChanged();
     void aiBusyChanged();
 
@@ -367,12 +335,14 @@ private:
     }
     void setStyle(const Options &options, const std::optional<TitleTemplate> &look, const QString &title);
     void setMessage(const QString &message, const QString &detail);
+    void withdrawOffers();
     void step(void (EditedSession::*direction)(), const QString &message);
 
     // Import and export
     void importFrom(const QString &what, std::function<Imports::Imported(Job &)> read, std::function<void()> then);
     void takeImported(const Imports::Imported &imported);
     void takeCues(const Imports::ImportedCues &imported);
+    Options forThese(const Options &options) const;
     void receiveFCP(const Imports::ImportedTimeline &timeline);
     void loadSubtitles(const QString &path);
     void offerRepair(const QString &path);
@@ -423,11 +393,7 @@ private:
     Saving m_saving = Saving::done;
     std::optional<QString> m_quitQuestion;
 
-    QStringList m_fillerWords;
-    std::optional<FCPProject> m_project;
-    std::optional<Options> m_projectSettings;
-    std::optional<CueRestore> m_replacement; ///< Of the last replacement.
-    QString m_openFile;                      ///< The file that was taken in last; empty while none is known.
+    QString m_openFile; ///< The file that was taken in last; empty while none is known.
 
     CueOwnership m_owner{m_session};
     WindowState m_window{m_preferences, m_owner};
@@ -440,8 +406,11 @@ private:
     GlossaryTerms m_glossary{Locations::glossary()};
     Translation m_translation{m_session, m_owner, m_aiSettings, m_glossary};
     Review m_review{m_session, m_owner, m_aiSettings};
+    TextTools m_textTools{m_session, m_owner, m_preferences};
     CueTools m_cueTools{m_session, m_owner, m_preferences};
     FileRepairing m_fileRepairing;
+    KeptProject m_keptProject;
+    TitleWriting m_titleWriting;
     OwnTitles m_ownTitles;
     Options m_pictured;
 
@@ -450,8 +419,15 @@ private:
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_tidying{BackgroundTask::Order::oneAfterAnother};
-    const std::array<BackgroundTask *, 9> m_tasks = {
-        &m_import,           &m_export,           &m_scriptMatching.task(),
-        &m_cueTools.task(),  &m_cueTools.files(), &m_fileRepairing.task(),
-        &m_ownTitles.task(), &m_owner.task(),     &m_modelDownloads.task()}; ///< Those that are shown.
+    const std::array<BackgroundTask *, 11> m_tasks = {&m_import,
+                                                      &m_export,
+                                                      &m_scriptMatching.task(),
+                                                      &m_cueTools.task(),
+                                                      &m_cueTools.files(),
+                                                      &m_fileRepairing.task(),
+                                                      &m_titleWriting.task(),
+                                                      &m_titleWriting.files(),
+                                                      &m_ownTitles.task(),
+                                                      &m_owner.task(),
+                                                      &m_modelDownloads.task()}; ///< Those that are shown.
 };

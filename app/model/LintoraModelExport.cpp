@@ -100,8 +100,8 @@ void LintoraModel::exportIntoProject(Exported which)
     // Undoing the import of a project, or opening another session, may leave one that these titles do not fit.
     const QList<SubtitleTrack> tracks = exportedTracks(which);
     const Options first = tracks.isEmpty() ? options() : tracks.first().options;
-    if (m_project && m_project->rate == first.rate) {
-        exportTitles(which, m_project);
+    if (const auto &project = m_keptProject.project(); project && project->rate == first.rate) {
+        exportTitles(which, project);
         return;
     }
     if (m_owner.refuses(u"任务处理中，请先取消再导入"_s))
@@ -110,10 +110,34 @@ void LintoraModel::exportIntoProject(Exported which)
         {.title = u"选择要写入字幕的 FCP 项目"_s, .extensions = {u"fcpxml"_s, u"fcpxmld"_s}, .beside = m_openFile},
         [this, which](const QString &path) {
             loadProject(path, [this, which] {
-                if (m_project)
-                    exportTitles(which, m_project);
+                if (m_keptProject.project())
+                    exportTitles(which, m_keptProject.project());
             });
         });
+}
+
+void LintoraModel::showTitleWriting()
+{
+    const QList<SubtitleTrack> tracks = exportedTracks(Exported::selectedTrack);
+    if (m_owner.refuses(u"任务处理中，请先取消再导出"_s) || tracks.isEmpty())
+        return;
+    if (const auto &project = m_keptProject.project()) {
+        m_titleWriting.show(*project, tracks.first());
+        return;
+    }
+    m_dialogs.open(
+        {.title = u"选择标题所在的 FCP 项目"_s, .extensions = {u"fcpxml"_s, u"fcpxmld"_s}, .beside = m_openFile},
+        [this](const QString &path) {
+            loadProject(path, [this] {
+                if (m_keptProject.project())
+                    showTitleWriting();
+            });
+        });
+}
+
+QString LintoraModel::titleWritingName() const
+{
+    return Exports::fileName(m_titleWriting.name()) + u"_字幕.fcpxml"_s;
 }
 
 void LintoraModel::exportTitles(Exported which, const std::optional<FCPProject> &project)

@@ -223,17 +223,41 @@ void LintoraModel::takeImported(const Imports::Imported &imported)
 void LintoraModel::takeCues(const Imports::ImportedCues &imported)
 {
     LintoraSession next = m_session.state();
-    next.options = forAnother(next.options, m_project && m_project->rate == next.options.rate);
+    next.options = forThese(next.options);
     m_session.replace(SessionTracks::importing(std::move(next), imported.cues, imported.source), u"载入字幕"_s,
                       EditStep::load);
     m_openFile = imported.file;
     report(u"已载入"_s);
 }
 
+/// A project gives its name to what is brought in to go into it.
+Options LintoraModel::forThese(const Options &options) const
+{
+    const auto &project = m_keptProject.project();
+    return forAnother(options, project && project->rate == options.rate);
+}
+
+void LintoraModel::readProjectTitles()
+{
+    const QList<SubtitleTrack> titles = m_keptProject.titles();
+    if (titles.isEmpty() || m_owner.refuses(u"任务处理中，请先取消再导入"_s))
+        return;
+    LintoraSession next = m_session.state();
+    next.options = forThese(next.options);
+    const auto &project = m_keptProject.project();
+    m_session.replace(SessionTracks::importing(std::move(next), titles, project ? project->name : QString()),
+                      u"读取项目字幕"_s, EditStep::load);
+    m_openFile.clear();
+    qsizetype cues = 0;
+    for (const SubtitleTrack &track : titles)
+        cues += track.items.size();
+    report(titles.size() > 1 ? u"已读取 %1 条字幕，分为 %2 组"_s.arg(cues).arg(titles.size())
+                             : u"已读取 %1 条字幕"_s.arg(cues));
+}
+
 void LintoraModel::releaseProject()
 {
-    publish(m_project, std::optional<FCPProject>(), &LintoraModel::projectChanged);
-    publish(m_projectSettings, std::optional<Options>(), &LintoraModel::projectSettingsChanged);
+    m_keptProject.release();
     report(u"已放开项目，字幕和样式不变"_s);
 }
 
@@ -245,10 +269,8 @@ void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
         m_recognition.offer(timeline.readable);
         return;
     }
-    if (timeline.project)
-        publish(m_project, timeline.project, &LintoraModel::projectChanged);
+    m_keptProject.take(timeline);
     if (timeline.settings) {
-        publish(m_projectSettings, timeline.settings, &LintoraModel::projectSettingsChanged);
         LintoraSession next = m_session.state();
         next.options = Imports::matching(next.options, *timeline.settings);
         for (SubtitleTrack &track : *next.tracks)
@@ -263,4 +285,5 @@ void LintoraModel::receiveFCP(const Imports::ImportedTimeline &timeline)
     if (timeline.failure)
         reportFailure(*timeline.failure);
     m_recognition.offer(timeline.readable);
+    m_keptProject.offer();
 }

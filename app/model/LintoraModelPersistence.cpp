@@ -39,7 +39,7 @@ void LintoraModel::openSession(const QUrl &link)
             m_link.open(found);
             m_openFile.clear();
             // A project that was kept for another session is not this one's.
-            publish(m_project, std::optional<FCPProject>(), &LintoraModel::projectChanged);
+            m_keptProject.forget();
             m_window.setPinned(true);
         },
         [this](const Failure &failure) { reportFailure(failure); });

@@ -40,8 +40,8 @@ void LintoraModel::setLook(const std::optional<TitleTemplate> &look)
 
 void LintoraModel::showOwnTitles()
 {
-    if (m_project)
-        m_ownTitles.show(*m_project);
+    if (const auto &project = m_keptProject.project())
+        m_ownTitles.show(*project);
     else
         m_ownTitles.close();
 }
@@ -61,8 +61,8 @@ void LintoraModel::setCanvasHeight(qint64 pixels)
 
 void LintoraModel::matchProject()
 {
-    if (m_projectSettings)
-        setOptions(Imports::matching(options(), *m_projectSettings));
+    if (const auto &settings = m_keptProject.settings())
+        setOptions(Imports::matching(options(), *settings));
 }
 
 bool LintoraModel::areTracksOnTop() const

@@ -171,11 +171,21 @@ QString label(const QList<Subtitle> &cues)
 
 LintoraSession importing(LintoraSession session, const QList<Subtitle> &cues, const QString &source)
 {
-    const SubtitleTrack track = newTrack(session, cues);
+    return importing(std::move(session), {{.label = label(cues), .items = cues}}, source);
+}
+
+LintoraSession importing(LintoraSession session, const QList<SubtitleTrack> &tracks, const QString &source)
+{
+    QList<SubtitleTrack> imported;
+    for (const SubtitleTrack &track : tracks) {
+        imported += newTrack(session, track.items);
+        imported.last().label = track.label;
+        imported.last().origins = track.origins;
+    }
     session.source = source;
     session.splitOriginal.reset();
-    session.tracks = QList<SubtitleTrack>{track};
-    select(session, track.id);
+    session.tracks = imported;
+    select(session, imported.first().id);
     return session;
 }
 

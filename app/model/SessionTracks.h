@@ -48,6 +48,10 @@ QString label(const QList<Subtitle> &cues);
 /// The session with `cues` as its only track, from `source`.
 LintoraSession importing(LintoraSession session, const QList<Subtitle> &cues, const QString &source);
 
+/// The session with `tracks`, at least one, as its only ones, from `source`. Of each the label, the cues and where they
+/// came from are taken; all else is the session's.
+LintoraSession importing(LintoraSession session, const QList<SubtitleTrack> &tracks, const QString &source);
+
 /// The session with a track of `cues` behind the others, selected. It is called `label`, or by its language where that
 /// is empty, with a number where another is called so. Where it is the first one, `source` is the session's.
 LintoraSession adding(LintoraSession session, const QList<Subtitle> &cues, const QString &source,

@@ -261,6 +261,7 @@ void LintoraApplicationDelegate::addExports(QMenu &application)
     add(u"导出全部 SRT…"_s, {}, &LintoraModel::exportAllSRT);
     add(u"导出 FCPXML…"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_E, &LintoraModel::exportFCPXML);
     add(u"写入项目…"_s, {}, &LintoraModel::exportToProject);
+    add(u"写回项目标题…"_s, {}, &LintoraModel::showTitleWriting);
 }
 
 /// Brings what is being typed into the cues, so that it goes along. False when it was refused.

@@ -1,7 +1,12 @@
 #include "app/Lintora/controls/Controls.h"
 
+#include "app/Lintora/controls/ElidedLabel.h"
+
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QStyle>
+
+using namespace Qt::StringLiterals;
 
 namespace Controls {
 
@@ -93,6 +98,21 @@ QWidget *rule(QWidget *parent)
     auto *const line = new QFrame(parent);
     line->setProperty("rule", true);
     return line;
+}
+
+QWidget *statusRow(ElidedLabel *status, std::initializer_list<QPushButton *> buttons, QWidget *parent)
+{
+    auto *const row = new QWidget(parent);
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, VELTheme::step, 0, 0);
+    layout->setSpacing(VELTheme::gap);
+    status->setFont(VELTheme::smallFont());
+    status->setProperty("secondary", true);
+    status->setAccessibleName(u"状态"_s);
+    layout->addWidget(status, 1);
+    for (QPushButton *const button : buttons)
+        layout->addWidget(button);
+    return row;
 }
 
 QScrollArea *scrolling(QWidget *page, QWidget *parent)

@@ -8,6 +8,10 @@
 #include <QTabBar>
 #include <QToolButton>
 
+#include <initializer_list>
+
+class ElidedLabel;
+
 /// The controls that the window is made of, with what all of them share: a name for who cannot see them, a help text,
 /// and the keyboard's way to them.
 namespace Controls {
@@ -27,6 +31,9 @@ void showAsFailure(QLabel *note, bool isFailure);   ///< In the colour of failur
 QTabBar *tabs(const QString &name, const QStringList &titles, QWidget *parent);
 
 QWidget *rule(QWidget *parent); ///< A line across.
+
+/// The last row of a sheet: what has become of what it does, and its buttons.
+QWidget *statusRow(ElidedLabel *status, std::initializer_list<QPushButton *> buttons, QWidget *parent);
 
 /// `page`, which scrolls up and down where there is too little room for it.
 QScrollArea *scrolling(QWidget *page, QWidget *parent);

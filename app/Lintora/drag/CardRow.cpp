@@ -53,6 +53,7 @@ void CardRow::offerExports()
     auto *const menu = new QMenu(m_exportFCPXML);
     menu->addAction(u"独立文档"_s, this, perform(&LintoraModel::exportFCPXML));
     menu->addAction(u"写入项目…"_s, this, perform(&LintoraModel::exportToProject));
+    menu->addAction(u"写回项目标题…"_s, this, perform(&LintoraModel::showTitleWriting));
     m_ofAll = {menu->addSeparator(),
                menu->addAction(u"独立文档（全部语言）"_s, this, perform(&LintoraModel::exportAllFCPXML)),
                menu->addAction(u"写入项目（全部语言）…"_s, this, perform(&LintoraModel::exportAllToProject))};

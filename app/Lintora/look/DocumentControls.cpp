@@ -58,7 +58,7 @@ DocumentControls::DocumentControls(LintoraModel &model, QWidget *parent)
     addHeading(u"写入文档"_s);
     addShift();
     addNames();
-    connect(&model, &LintoraModel::projectSettingsChanged, this, [this] {
+    connect(&model.keptProject(), &KeptProject::settingsChanged, this, [this] {
         followFrameSize(this->model().options());
         followFrameRate(this->model().options());
         followProject();
@@ -82,7 +82,7 @@ void DocumentControls::addProject()
 
 void DocumentControls::followProject()
 {
-    const auto &settings = model().projectSettings();
+    const auto &settings = model().keptProject().settings();
     m_project->setVisible(settings.has_value());
     if (!settings)
         return;
@@ -141,7 +141,7 @@ void DocumentControls::followFrameSize(const Options &options)
     m_size->clear();
     for (const FrameSizes::Choice &choice : FrameSizes::choices())
         m_size->addItem(choice.caption, choice.size);
-    if (const auto &settings = model().projectSettings()) {
+    if (const auto &settings = model().keptProject().settings()) {
         const QSize size(int(settings->width), int(settings->height));
         m_size->addItem(u"项目自己的尺寸 %1"_s.arg(FrameSizes::write(settings->width, settings->height)), size);
     }
@@ -180,7 +180,7 @@ void DocumentControls::followFrameRate(const Options &options)
     };
     for (const FrameRate &rate : FrameRate::all())
         add(u"%1 帧/秒"_s, rate);
-    if (const auto &settings = model().projectSettings())
+    if (const auto &settings = model().keptProject().settings())
         add(u"项目 · %1 帧/秒"_s, settings->rate);
     if (!m_rates.contains(options.rate))
         add(u"%1 帧/秒"_s, options.rate);

@@ -48,7 +48,7 @@ void CleanupWorkspace::present()
     if (isVisible())
         return;
     // What was typed and not saved is still there; a list changed elsewhere is shown when nothing was.
-    const QString kept = m_model.fillerWords().join(u'\n');
+    const QString kept = m_model.textTools().fillerWords().join(u'\n');
     if (m_text->toPlainText() == m_kept)
         m_text->setPlainText(kept);
     m_kept = kept;
@@ -86,7 +86,7 @@ void CleanupWorkspace::restoreDefaults()
 void CleanupWorkspace::save()
 {
     try {
-        m_model.saveFillerWords(m_text->toPlainText());
+        m_model.textTools().saveFillerWords(m_text->toPlainText());
         m_kept = m_text->toPlainText();
         setNote(u"已保存，下次打开会继续保留"_s, false);
     } catch (const std::exception &error) { // which carries the sentence

@@ -193,19 +193,9 @@ QWidget *CueToolWorkspace::makeList()
 
 QWidget *CueToolWorkspace::makeButtons()
 {
-    auto *const row = new QWidget(this);
-    auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, VELTheme::step, 0, 0);
-    layout->setSpacing(VELTheme::gap);
-    m_status->setFont(VELTheme::smallFont());
-    m_status->setProperty("secondary", true);
-    m_status->setAccessibleName(u"状态"_s);
-    layout->addWidget(m_status, 1);
-    layout->addWidget(m_all);
-    layout->addWidget(m_apply);
     connect(m_all, &QPushButton::clicked, this, [this] { m_tools.selectAll(m_tools.selectedCount() == 0); });
     connect(m_apply, &QPushButton::clicked, &m_tools, &CueTools::apply);
-    return row;
+    return Controls::statusRow(m_status, {m_all, m_apply}, this);
 }
 
 void CueToolWorkspace::present()

@@ -125,7 +125,7 @@ void FindReplaceWorkspace::preview()
 
 void FindReplaceWorkspace::replace()
 {
-    const auto replaced = m_model.replaceKeywords(m_query->text(), m_replacement->text());
+    const auto replaced = m_model.textTools().replaceKeywords(m_query->text(), m_replacement->text());
     if (!replaced)
         setNote(m_model.failure().value_or(QString()), true);
     else
@@ -135,7 +135,7 @@ void FindReplaceWorkspace::replace()
 
 void FindReplaceWorkspace::undoReplacement()
 {
-    m_model.undoReplacement();
+    m_model.textTools().undoReplacement();
     setNote(u"已撤销，字幕恢复为替换前内容"_s, false);
     followUndo();
     m_query->setFocus();
@@ -143,7 +143,7 @@ void FindReplaceWorkspace::undoReplacement()
 
 void FindReplaceWorkspace::followUndo()
 {
-    m_undo->setVisible(m_model.canUndoReplacement());
+    m_undo->setVisible(m_model.textTools().canUndoReplacement());
 }
 
 void FindReplaceWorkspace::setNote(const QString &note, bool isFailure)

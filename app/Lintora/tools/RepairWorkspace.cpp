@@ -50,17 +50,8 @@ RepairWorkspace::RepairWorkspace(LintoraModel &model, QWidget *content)
 
 QWidget *RepairWorkspace::makeButtons()
 {
-    auto *const row = new QWidget(this);
-    auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, VELTheme::step, 0, 0);
-    layout->setSpacing(VELTheme::gap);
-    m_status->setFont(VELTheme::smallFont());
-    m_status->setProperty("secondary", true);
-    m_status->setAccessibleName(u"状态"_s);
-    layout->addWidget(m_status, 1);
-    layout->addWidget(m_open);
     connect(m_open, &QPushButton::clicked, &m_repairing, &FileRepairing::accept);
-    return row;
+    return Controls::statusRow(m_status, {m_open}, this);
 }
 
 void RepairWorkspace::present()

@@ -82,21 +82,10 @@ QWidget *ScriptMatchWorkspace::makeChoices()
 
 QWidget *ScriptMatchWorkspace::makeButtons()
 {
-    auto *const row = new QWidget(this);
-    auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, VELTheme::step, 0, 0);
-    layout->setSpacing(VELTheme::gap);
-    m_status->setFont(VELTheme::smallFont());
-    m_status->setProperty("secondary", true);
-    m_status->setAccessibleName(u"状态"_s);
-    layout->addWidget(m_status, 1);
-    layout->addWidget(m_undo);
-    layout->addWidget(m_match);
-    layout->addWidget(m_apply);
     connect(m_undo, &QPushButton::clicked, &m_matching, &ScriptMatching::undo);
     connect(m_match, &QPushButton::clicked, &m_matching, &ScriptMatching::match);
     connect(m_apply, &QPushButton::clicked, &m_matching, &ScriptMatching::apply);
-    return row;
+    return Controls::statusRow(m_status, {m_undo, m_match, m_apply}, this);
 }
 
 void ScriptMatchWorkspace::present()

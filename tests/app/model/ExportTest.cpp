@@ -69,7 +69,7 @@ TEST_F(ExportTest, dialogs_begin_beside_the_file_that_is_open)
 TEST_F(ExportTest, names_files_after_the_track_where_there_are_several_and_writes_each_that_was_asked_for)
 {
     loadCues({{.id = 1, .start = 0, .end = 900, .text = u"你好\nHello"_s}}, u"访谈.srt"_s);
-    model->separateLanguages();
+    model->textTools().separateLanguages();
     const QList<SubtitleTrack> tracks = model->visibleTracks();
     for (const SubtitleTrack &track : tracks) {
         model->selectTrack(track.id);
@@ -103,12 +103,12 @@ TEST_F(ExportTest, asks_for_the_project_again_after_a_restart)
     loadCues(Generator(2).cues(5));
     load(write(u"rough.fcpxml"_s, project()));
     restart();
-    EXPECT_FALSE(model->project());
+    EXPECT_FALSE(model->keptProject().project());
     EXPECT_EQ(model->items().size(), 5);
     // One answer serves both dialogs: the project is read, and then replaced.
     exported(&LintoraModel::exportToProject, u"rough.fcpxml"_s);
     EXPECT_TRUE(model->message().startsWith(u"已写入并核对 5 条字幕，逐帧一致"_s)) << qPrintable(failure());
-    EXPECT_TRUE(model->project());
+    EXPECT_TRUE(model->keptProject().project());
 }
 
 TEST_F(ExportTest, asks_for_another_project_when_the_kept_one_does_not_fit)
@@ -154,7 +154,7 @@ TEST_F(ExportTest, a_dragged_card_carries_its_own_track)
     EXPECT_EQ(model->payload(std::nullopt), std::nullopt);
     EXPECT_EQ(failure(), u"请先打开 SRT。"_s);
     loadCues({{.id = 1, .start = 0, .end = 900, .text = u"你好\nHello"_s}});
-    model->separateLanguages();
+    model->textTools().separateLanguages();
     const SubtitleTrack english = model->visibleTracks()[1];
     EXPECT_EQ(model->payload(english.id), SubtitleTransfer::clip(english.items, english.options));
     EXPECT_EQ(model->payload(std::nullopt), SubtitleTransfer::clip(model->items(), model->options()));
@@ -163,7 +163,7 @@ TEST_F(ExportTest, a_dragged_card_carries_its_own_track)
 TEST_F(ExportTest, every_track_is_written_into_a_folder_beside_what_is_there)
 {
     loadCues({{.id = 1, .start = 0, .end = 900, .text = u"你好\nHello"_s}}, u"访谈.srt"_s);
-    model->separateLanguages();
+    model->textTools().separateLanguages();
     answer = home(u"全部"_s);
     ASSERT_TRUE(QDir().mkpath(answer));
     write(u"全部/访谈_中文.srt"_s, "mine");

@@ -201,7 +201,7 @@ TEST_F(ImportTest, a_project_is_matched_and_kept_before_its_sound_is_judged)
         model->setOptions(options);
         model->report({});
         load(write(u"p.fcpxml"_s, row.document));
-        EXPECT_EQ(model->project().has_value(), row.hasProject) << row.name;
+        EXPECT_EQ(model->keptProject().project().has_value(), row.hasProject) << row.name;
         EXPECT_EQ(model->aiTimelinePlan().has_value(), row.hasPlan) << row.name;
         if (row.failure.isEmpty()) {
             EXPECT_EQ(model->message(), row.message) << row.name;
@@ -217,7 +217,7 @@ TEST_F(ImportTest, a_project_is_matched_and_kept_before_its_sound_is_judged)
 TEST_F(ImportTest, a_project_matches_every_track)
 {
     loadCues({{.id = 1, .start = 0, .end = 900, .text = u"你好\nHello"_s}});
-    model->separateLanguages();
+    model->textTools().separateLanguages();
     load(write(u"p.fcpxml"_s, talk()));
     ASSERT_EQ(model->tracks().size(), 3);
     for (const SubtitleTrack &track : model->tracks()) {
@@ -242,7 +242,8 @@ TEST_F(ImportTest, a_refused_timeline_can_be_taken_without_the_clips_that_cannot
         const bool isProject = document.contains("<project");
         load(write(u"p.fcpxml"_s, document));
         EXPECT_EQ(failure(), u"多机位片段请先在 FCP 导出音频，再生成字幕。"_s);
-        EXPECT_EQ(model->project().has_value(), isProject) << "titles can be written into a project all the same";
+        EXPECT_EQ(model->keptProject().project().has_value(), isProject)
+            << "titles can be written into a project all the same";
         EXPECT_EQ(model->aiTimelinePlan(), std::nullopt) << "nobody has asked for the rest";
         model->recognition().takeOffered();
         EXPECT_EQ(failure(), QString());
@@ -278,13 +279,14 @@ TEST_F(ImportTest, refuses_everything_while_a_job_owns_the_cues)
     refusedWith(switching, [&] { model->load(file); });
     refusedWith(importing, [&] { EXPECT_FALSE(dropFiles({file.toLocalFile()})); });
     refusedWith(importing, [&] { model->exportToProject(); });
-    refusedWith(u"请等待当前任务完成后再替换。"_s, [&] { EXPECT_FALSE(model->replaceKeywords(u"a"_s, u"b"_s)); });
-    refusedWith(u"请等待当前任务完成后再清理。"_s, [&] { model->clean(); });
-    refusedWith(u"请等待当前任务完成后再分离。"_s, [&] { model->separateLanguages(); });
+    refusedWith(u"请等待当前任务完成后再替换。"_s,
+                [&] { EXPECT_FALSE(model->textTools().replaceKeywords(u"a"_s, u"b"_s)); });
+    refusedWith(u"请等待当前任务完成后再清理。"_s, [&] { model->textTools().clean(); });
+    refusedWith(u"请等待当前任务完成后再分离。"_s, [&] { model->textTools().separateLanguages(); });
     refusedWith(u"请等待当前任务完成后再匹配。"_s, [&] { model->scriptMatching().match(); });
     refusedWith(editing, [&] { EXPECT_FALSE(model->setText(0, u"x"_s)); });
     refusedWith(editing, [&] { EXPECT_FALSE(model->insertCue(0)); });
-    refusedWith(editing, [&] { model->setRemoveFillers(true); });
+    refusedWith(editing, [&] { model->textTools().setRemoveFillers(true); });
     refusedWith(editing, [&] { model->setCanvasHeight(7); });
     refusedWith(switching, [&] { model->apply({}); });
     refusedWith(QString(), [&] { model->undo(); });
@@ -315,7 +317,7 @@ TEST_F(ImportTest, what_was_read_too_late_changes_nothing)
     model->load(QUrl::fromLocalFile(write(u"talk.fcpxml"_s, talk())));
     settle();
     EXPECT_EQ(model->source(), u"first.srt"_s);
-    EXPECT_TRUE(model->project());
+    EXPECT_TRUE(model->keptProject().project());
     model->load(QUrl::fromLocalFile(write(u"second.srt"_s, oneCue)));
     settle();
     EXPECT_EQ(model->source(), u"second.srt"_s);

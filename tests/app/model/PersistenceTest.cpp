@@ -55,9 +55,9 @@ TEST_F(PersistenceTest, the_job_outlives_a_restart_whole)
 {
     loadCues({{.id = 1, .start = 0, .end = 900, .text = u"嗯，你好\nHello"_s},
               {.id = 2, .start = 900, .end = 1'800, .text = u"x"_s}});
-    model->setRemoveFillers(true);
-    model->clean();
-    model->separateLanguages();
+    model->textTools().setRemoveFillers(true);
+    model->textTools().clean();
+    model->textTools().separateLanguages();
     model->selectTrack(model->visibleTracks()[1].id);
     model->setText(0, u"改"_s);
     const LintoraSession job = model->snapshot();
@@ -200,13 +200,13 @@ TEST_F(PersistenceTest, what_can_be_restored_keeps_the_job_in_use)
 {
     EXPECT_FALSE(model->isInUse());
     loadCues({{.id = 1, .start = 0, .end = 900, .text = u"嗯"_s}});
-    model->setRemoveFillers(true);
-    model->clean();
+    model->textTools().setRemoveFillers(true);
+    model->textTools().clean();
     ASSERT_TRUE(model->items().isEmpty());
     EXPECT_TRUE(model->isInUse());
     restart();
     EXPECT_TRUE(model->isInUse());
-    model->undoCleanup();
+    model->textTools().undoCleanup();
     EXPECT_EQ(texts(), QStringList{u"嗯"_s});
     model->deleteCues({0});
     EXPECT_TRUE(model->isInUse()) << "undoing brings it back";
@@ -240,7 +240,7 @@ TEST_F(PersistenceTest, a_record_of_any_shape_becomes_a_job_in_order)
     ASSERT_EQ(model->tracks().size(), 1);
     EXPECT_EQ(model->tracks().first().items, cues);
     EXPECT_EQ(model->snapshot().schema, 2);
-    model->undoCleanup();
+    model->textTools().undoCleanup();
     EXPECT_FALSE(model->cleaned());
 
     LintoraSession stray = Sessions::full();

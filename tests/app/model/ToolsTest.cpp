@@ -27,17 +27,17 @@ protected:
 TEST_F(ToolsTest, cleaning_can_be_restored_by_its_own_command_and_by_the_history)
 {
     loadTexts({u"嗯，大家好"_s, u"啊"_s, u"今天聊调色"_s});
-    model->clean();
+    model->textTools().clean();
     EXPECT_EQ(model->message(), u"没有需要清理的内容"_s);
-    model->setRemoveFillers(true);
+    model->textTools().setRemoveFillers(true);
     const LintoraSession before = model->snapshot();
-    model->clean();
+    model->textTools().clean();
     EXPECT_EQ(model->message(), u"已清理"_s);
     EXPECT_EQ(texts(), (QStringList{u"大家好"_s, u"今天聊调色"_s}));
     EXPECT_TRUE(model->cleaned());
     const LintoraSession cleaned = model->snapshot();
 
-    model->clean();
+    model->textTools().clean();
     EXPECT_EQ(model->message(), u"没有需要清理的内容"_s);
     EXPECT_EQ(model->snapshot(), cleaned);
 
@@ -48,7 +48,7 @@ TEST_F(ToolsTest, cleaning_can_be_restored_by_its_own_command_and_by_the_history
     model->redo();
     EXPECT_EQ(model->snapshot(), cleaned);
 
-    model->undoCleanup();
+    model->textTools().undoCleanup();
     EXPECT_EQ(model->message(), u"已撤销"_s);
     EXPECT_EQ(model->snapshot(), before);
     model->undo();
@@ -59,21 +59,21 @@ TEST_F(ToolsTest, replacing_counts_and_is_restored_only_while_nothing_else_was_d
 {
     loadTexts({u"color color"_s, u"调色"_s, u"color"_s});
     bool couldUndo = false;
-    const auto ear =
-        QObject::connect(model.get(), &LintoraModel::historyChanged, [&] { couldUndo = model->canUndoReplacement(); });
-    EXPECT_EQ(model->replaceKeywords(u"color"_s, u"色彩"_s), 3);
+    const auto ear = QObject::connect(model.get(), &LintoraModel::historyChanged,
+                                      [&] { couldUndo = model->textTools().canUndoReplacement(); });
+    EXPECT_EQ(model->textTools().replaceKeywords(u"color"_s, u"色彩"_s), 3);
     QObject::disconnect(ear);
     EXPECT_TRUE(couldUndo) << "who hears of the replacement can offer to undo it";
     EXPECT_EQ(model->message(), u"已替换 3 处 · 2 条字幕，可撤销修改"_s);
-    EXPECT_TRUE(model->canUndoReplacement());
+    EXPECT_TRUE(model->textTools().canUndoReplacement());
 
     model->setText(1, u"打字"_s);
-    EXPECT_FALSE(model->canUndoReplacement());
-    model->undoReplacement();
+    EXPECT_FALSE(model->textTools().canUndoReplacement());
+    model->textTools().undoReplacement();
     EXPECT_EQ(texts().at(1), u"打字"_s);
     model->undo();
-    EXPECT_TRUE(model->canUndoReplacement());
-    model->undoReplacement();
+    EXPECT_TRUE(model->textTools().canUndoReplacement());
+    model->textTools().undoReplacement();
     EXPECT_EQ(texts(), (QStringList{u"color color"_s, u"调色"_s, u"color"_s}));
     EXPECT_EQ(model->message(), u"已撤销，字幕恢复为替换前内容"_s);
     model->undo();
@@ -81,28 +81,28 @@ TEST_F(ToolsTest, replacing_counts_and_is_restored_only_while_nothing_else_was_d
 
     // The kept original is changed by nothing, and the tracks made of it are others.
     loadTexts({u"调色\ncolor"_s});
-    EXPECT_EQ(model->replaceKeywords(u"color"_s, u"colour"_s), 1);
-    model->separateLanguages();
-    EXPECT_FALSE(model->canUndoReplacement());
-    model->undoReplacement();
+    EXPECT_EQ(model->textTools().replaceKeywords(u"color"_s, u"colour"_s), 1);
+    model->textTools().separateLanguages();
+    EXPECT_FALSE(model->textTools().canUndoReplacement());
+    model->textTools().undoReplacement();
     EXPECT_EQ(texts(), QStringList{u"调色"_s});
-    model->restoreOriginal();
+    model->textTools().restoreOriginal();
 
-    EXPECT_EQ(model->replaceKeywords(u"没有"_s, {}), 0);
+    EXPECT_EQ(model->textTools().replaceKeywords(u"没有"_s, {}), 0);
     EXPECT_EQ(model->message(), u"没有需要替换的内容"_s);
-    EXPECT_EQ(model->replaceKeywords({}, {}), std::nullopt);
+    EXPECT_EQ(model->textTools().replaceKeywords({}, {}), std::nullopt);
     EXPECT_EQ(failure(), u"请输入要查找的关键词。"_s);
 }
 
 TEST_F(ToolsTest, separating_keeps_the_original_aside_until_it_is_restored)
 {
     loadTexts({u"只有中文"_s});
-    model->separateLanguages();
+    model->textTools().separateLanguages();
     EXPECT_EQ(failure(), u"未发现可分离的中英字幕，请确认中文和英文分别占行"_s);
 
     loadTexts({u"你好\nHello"_s, u"再见\nBye"_s, u"Привет"_s});
     const QList<Subtitle> original = model->items();
-    model->separateLanguages();
+    model->textTools().separateLanguages();
     EXPECT_EQ(model->message(), u"已分离，未识别文字保留在“待归类”中"_s);
     QStringList labels;
     for (const SubtitleTrack &track : model->visibleTracks())
@@ -112,7 +112,7 @@ TEST_F(ToolsTest, separating_keeps_the_original_aside_until_it_is_restored)
     const LintoraSession separated = model->snapshot();
 
     model->setText(0, u"您好"_s);
-    model->restoreOriginal();
+    model->textTools().restoreOriginal();
     EXPECT_EQ(model->message(), u"已恢复分离前原稿"_s);
     EXPECT_EQ(model->items(), original);
     EXPECT_EQ(model->tracks().size(), 1);
@@ -126,7 +126,7 @@ TEST_F(ToolsTest, separating_keeps_the_original_aside_until_it_is_restored)
 TEST_F(ToolsTest, edits_stay_with_their_track_and_a_moved_cue_finds_its_place)
 {
     loadTexts({u"你好\nHello"_s, u"再见\nBye"_s, u"Привет"_s, u"完"_s});
-    model->separateLanguages();
+    model->textTools().separateLanguages();
     const QList<SubtitleTrack> tracks = model->visibleTracks();
     model->selectTrack(tracks[1].id);
     model->setText(0, u"Hi"_s);
@@ -191,10 +191,10 @@ TEST_F(ToolsTest, an_edit_is_heard_only_by_those_whom_it_concerns_and_no_edit_by
               (QStringList{u"messageChanged"_s, u"itemsChanged"_s, u"tracksChanged"_s, u"historyChanged"_s}));
     EXPECT_EQ(model->message(), QString()) << "what was said of the step before is over";
     model->setText(0, u"你好"_s);
-    model->setRemoveFillers(false);
+    model->textTools().setRemoveFillers(false);
     model->selectTrack(*model->selectedTrackID());
     EXPECT_EQ(published.take(), QStringList());
-    model->setRemoveFillers(true);
+    model->textTools().setRemoveFillers(true);
     EXPECT_EQ(published.take(), (QStringList{u"removeFillersChanged"_s, u"tracksChanged"_s, u"historyChanged"_s}));
 }
 
@@ -205,11 +205,11 @@ TEST_F(ToolsTest, filler_words_that_cannot_be_kept_are_refused_until_they_can)
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
     const auto settings = std::make_shared<QSettings>(folder + u"/a.ini"_s, QSettings::IniFormat);
     LintoraModel other({.draftURL = home(u"other.json"_s), .settings = settings});
-    EXPECT_THROW(other.saveFillerWords(u"嗯"_s), PlatformError);
-    EXPECT_EQ(other.fillerWords(), SubtitleCleanup::defaultFillerWords());
+    EXPECT_THROW(other.textTools().saveFillerWords(u"嗯"_s), PlatformError);
+    EXPECT_EQ(other.textTools().fillerWords(), SubtitleCleanup::defaultFillerWords());
     ASSERT_TRUE(inTheWay.remove());
-    other.saveFillerWords(u"嗯"_s);
-    EXPECT_EQ(other.fillerWords(), QStringList{u"嗯"_s});
+    other.textTools().saveFillerWords(u"嗯"_s);
+    EXPECT_EQ(other.textTools().fillerWords(), QStringList{u"嗯"_s});
     EXPECT_TRUE(QFileInfo(settings->fileName()).isFile());
 }
 
@@ -229,16 +229,16 @@ TEST_F(ToolsTest, a_first_job_begins_with_the_font_that_it_is_given)
 
 TEST_F(ToolsTest, filler_words_are_kept_for_the_next_run_unless_they_are_too_many)
 {
-    EXPECT_EQ(model->fillerWords(), SubtitleCleanup::defaultFillerWords());
-    model->saveFillerWords(u"嗯\n那个，就是"_s);
+    EXPECT_EQ(model->textTools().fillerWords(), SubtitleCleanup::defaultFillerWords());
+    model->textTools().saveFillerWords(u"嗯\n那个，就是"_s);
     restart();
-    EXPECT_EQ(model->fillerWords(), (QStringList{u"嗯"_s, u"那个"_s, u"就是"_s}));
-    EXPECT_THROW(model->saveFillerWords(QString(61, u'啊')), ConversionError);
-    EXPECT_EQ(model->fillerWords().size(), 3);
-    model->saveFillerWords(u"嗯"_s);
-    EXPECT_EQ(restart().fillerWords(), QStringList{u"嗯"_s});
-    model->saveFillerWords({});
-    EXPECT_EQ(restart().fillerWords(), QStringList());
+    EXPECT_EQ(model->textTools().fillerWords(), (QStringList{u"嗯"_s, u"那个"_s, u"就是"_s}));
+    EXPECT_THROW(model->textTools().saveFillerWords(QString(61, u'啊')), ConversionError);
+    EXPECT_EQ(model->textTools().fillerWords().size(), 3);
+    model->textTools().saveFillerWords(u"嗯"_s);
+    EXPECT_EQ(restart().textTools().fillerWords(), QStringList{u"嗯"_s});
+    model->textTools().saveFillerWords({});
+    EXPECT_EQ(restart().textTools().fillerWords(), QStringList());
 }
 
 TEST_F(ToolsTest, a_gesture_is_one_step_however_many_values_it_went_through)
@@ -311,16 +311,16 @@ TEST_F(ToolsTest, five_thousand_operations_are_undone_to_the_first_state_and_red
             model->splitCue(at, generator.number(0, model->items().at(at).text.size()));
         },
         [&] { model->joinWithNext(index()); },
-        [&] { model->setRemoveFillers(generator.chance(50)); },
-        [&] { model->setRemovePunctuation(generator.chance(50)); },
-        [&] { model->clean(); },
-        [&] { model->undoCleanup(); },
-        [&] { model->replaceKeywords(u"的"_s, generator.chance(50) ? u"之"_s : QString()); },
-        [&] { model->undoReplacement(); },
-        [&] { model->separateLanguages(); },
+        [&] { model->textTools().setRemoveFillers(generator.chance(50)); },
+        [&] { model->textTools().setRemovePunctuation(generator.chance(50)); },
+        [&] { model->textTools().clean(); },
+        [&] { model->textTools().undoCleanup(); },
+        [&] { model->textTools().replaceKeywords(u"的"_s, generator.chance(50) ? u"之"_s : QString()); },
+        [&] { model->textTools().undoReplacement(); },
+        [&] { model->textTools().separateLanguages(); },
         [&] {
             if (generator.chance(20))
-                model->restoreOriginal();
+                model->textTools().restoreOriginal();
         },
         [&] { model->selectTrack(generator.pick(model->visibleTracks()).id); },
         [&] { model->moveCue(index(), generator.pick(model->visibleTracks()).id); },

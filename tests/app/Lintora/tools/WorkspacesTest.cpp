@@ -137,27 +137,27 @@ TEST_F(Workspaces, filler_words_are_edited_and_kept)
     words->setPlainText(u"就是说，然后"_s);
     click(u"保存"_s);
     EXPECT_EQ(note(), u"已保存，下次打开会继续保留"_s);
-    EXPECT_EQ(model.fillerWords(), (QStringList{u"就是说"_s, u"然后"_s}));
+    EXPECT_EQ(model.textTools().fillerWords(), (QStringList{u"就是说"_s, u"然后"_s}));
 }
 
 TEST_F(Workspaces, the_default_words_come_back_only_when_saved_and_a_refused_list_says_why)
 {
     load({u"一"_s});
-    model.saveFillerWords({});
+    model.textTools().saveFillerWords({});
     model.window().setCleanupSettingsVisible(true);
     auto *const words = find<QPlainTextEdit>(u"语气词"_s);
     click(u"恢复默认词表"_s);
     EXPECT_EQ(note(), u"点击保存后生效"_s);
     EXPECT_EQ(words->toPlainText(), SubtitleCleanup::defaultFillerWords().join(u'\n'));
     press(Qt::Key_Escape);
-    EXPECT_EQ(model.fillerWords(), QStringList());
+    EXPECT_EQ(model.textTools().fillerWords(), QStringList());
     model.window().setCleanupSettingsVisible(true);
     click(u"保存"_s); // what was put in is still there
-    EXPECT_EQ(model.fillerWords(), SubtitleCleanup::defaultFillerWords());
+    EXPECT_EQ(model.textTools().fillerWords(), SubtitleCleanup::defaultFillerWords());
     words->setPlainText(QString(61, u'嗯'));
     click(u"保存"_s);
     EXPECT_EQ(note(), u"最多 100 个词，每个词不超过 60 字。"_s);
-    EXPECT_EQ(model.fillerWords(), SubtitleCleanup::defaultFillerWords());
+    EXPECT_EQ(model.textTools().fillerWords(), SubtitleCleanup::defaultFillerWords());
 }
 
 // Find and replace

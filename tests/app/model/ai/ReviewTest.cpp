@@ -135,7 +135,7 @@ TEST_F(ReviewTest, is_about_its_track_whichever_is_looked_at)
     loadTexts({u"你好条色\nhello"_s, u"再见\nbye"_s});
     service.corrections = {{u"你好条色"_s, u"你好调色"_s}};
     useService();
-    model->separateLanguages();
+    model->textTools().separateLanguages();
     run();
     const QUuid chinese = *model->selectedTrackID();
     EXPECT_EQ(review().aiReviewTrackID(), chinese);
@@ -149,7 +149,7 @@ TEST_F(ReviewTest, is_about_its_track_whichever_is_looked_at)
     model->selectTrack(english);
     EXPECT_EQ(texts(), untouched);
     // The kept original is changed by nothing.
-    model->restoreOriginal();
+    model->textTools().restoreOriginal();
     EXPECT_TRUE(review().isOutdated());
 }
 
@@ -158,7 +158,7 @@ TEST_F(ReviewTest, sends_the_original_along_when_that_is_wanted)
     loadTexts({u"你好\nhelo"_s, u"再见\nbye"_s});
     useService();
     EXPECT_EQ(review().reference(), std::nullopt);
-    model->separateLanguages();
+    model->textTools().separateLanguages();
     EXPECT_EQ(review().reference(), u"English"_s);
     run();
     EXPECT_FALSE(service.requests().last().contains("helo"));
