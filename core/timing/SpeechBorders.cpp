@@ -55,6 +55,12 @@ SpeechBorders::SpeechBorders(const QList<quint16> &peaks)
     }
 }
 
+bool SpeechBorders::isSpeech(qint64 startMS, qint64 endMS) const
+{
+    const auto end = std::ranges::upper_bound(m_ends, startMS);
+    return end != m_ends.end() && m_onsets[size_t(end - m_ends.begin())] < endMS;
+}
+
 std::optional<qint64> SpeechBorders::nearest(const std::vector<qint64> &sorted, qint64 nearMS, qint64 withinMS)
 {
     const auto above = std::ranges::lower_bound(sorted, nearMS);

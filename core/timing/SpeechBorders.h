@@ -17,12 +17,17 @@ class SpeechBorders
 public:
     static constexpr qint64 frameMS = 10;
 
+    SpeechBorders() = default; ///< Of a recording that nobody has heard: none.
+
     /// `peaks` are those of the recording, one for each frame of frameMS, the last one may be of less.
     explicit SpeechBorders(const QList<quint16> &peaks);
 
     /// The onset, or the end, of speech that is nearest to a time, no further than `withinMS`. Milliseconds.
     std::optional<qint64> onset(qint64 nearMS, qint64 withinMS) const { return nearest(m_onsets, nearMS, withinMS); }
     std::optional<qint64> end(qint64 nearMS, qint64 withinMS) const { return nearest(m_ends, nearMS, withinMS); }
+
+    bool isEmpty() const { return m_onsets.empty(); }
+    bool isSpeech(qint64 startMS, qint64 endMS) const; ///< Whether some of [startMS, endMS) is speech.
 
 private:
     static std::optional<qint64> nearest(const std::vector<qint64> &sorted, qint64 nearMS, qint64 withinMS);
