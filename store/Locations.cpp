@@ -35,6 +35,11 @@ QString fontIndex()
     return belowHome(u"Library/Application Support/Lintora/FontIndex.json"_s);
 }
 
+QString waveforms()
+{
+    return belowHome(u"Library/Caches/Lintora/Waveforms"_s);
+}
+
 QString sessions()
 {
     return belowHome(u"Library/Containers/local.lintora.workflow.extension/Data/Library/Application Support/"

@@ -4,6 +4,8 @@
 //   flood output|errors BYTES       so many bytes on one of them
 //   result TEXT                     writes TEXT where -of says, with .json behind; "result-size BYTES" blanks
 //   wav SECONDS [HUM]               writes that much silence, and so many seconds of a hum, to the last argument
+//   sound SILENT_MS LOUD_MS         so much of it as samples on standard output; loud is half of full scale
+//   pause                           waits until a file "go-on" is there
 //   ignore                          ignores SIGTERM from now on
 //   child [away]                    starts a child that ignores SIGTERM and waits; away: in a session of its own
 //   wait                            waits for a signal
@@ -84,6 +86,14 @@ void writeSound(double silence, double hum)
     append(arguments.last(), "RIFF" + number(36 + bytes, 4) + "WAVEfmt " + number(16, 4) + number(1, 2) + number(1, 2) +
                                  number(16'000, 4) + number(32'000, 4) + number(2, 2) + number(16, 2) + "data" +
                                  number(bytes, 4) + QByteArray(silent, '\0') + QByteArray(bytes - silent, '\1'));
+}
+
+void writeSamples(qint64 silentMS, qint64 loudMS)
+{
+    QByteArray bytes(silentMS * 32, '\0');
+    for (qint64 i = 0; i < loudMS * 16; ++i)
+        bytes.append(i % 2 == 0 ? QByteArray("\x00\x40", 2) : QByteArray("\x00\xc0", 2));
+    append(u"/dev/stdout"_s, bytes);
 }
 
 void startChild(bool isAway)
@@ -231,6 +241,11 @@ void play(const QString &line)
         append(valueOf(u"-of"_s) + u".json"_s, QByteArray(rest.toInt(), ' '));
     else if (command == u"wav")
         writeSound(rest.section(u' ', 0, 0).toDouble(), rest.section(u' ', 1).toDouble());
+    else if (command == u"sound")
+        writeSamples(rest.section(u' ', 0, 0).toLongLong(), rest.section(u' ', 1).toLongLong());
+    else if (command == u"pause")
+        while (!QFile::exists(besides(u"go-on"_s)))
+            usleep(1'000);
     else if (command == u"ignore")
         std::signal(SIGTERM, SIG_IGN);
     else if (command == u"child")
