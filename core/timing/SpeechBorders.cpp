@@ -1,6 +1,8 @@
 #include "core/timing/SpeechBorders.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <numeric>
 
 namespace {
 
@@ -55,6 +57,11 @@ SpeechBorders::SpeechBorders(const QList<quint16> &peaks)
     }
 }
 
+qint64 SpeechBorders::totalMS() const
+{
+    return std::reduce(m_ends.begin(), m_ends.end()) - std::reduce(m_onsets.begin(), m_onsets.end());
+}
+
 bool SpeechBorders::isSpeech(qint64 startMS, qint64 endMS) const
 {
     const auto end = std::ranges::upper_bound(m_ends, startMS);
@@ -71,6 +78,17 @@ std::optional<qint64> SpeechBorders::nearest(const std::vector<qint64> &sorted, 
         (!best || nearMS - *(above - 1) < *best - nearMS))
         best = *(above - 1);
     return best;
+}
+
+std::optional<qint64> SpeechBorders::clear(const std::vector<qint64> &sorted, qint64 nearMS, qint64 withinMS)
+{
+    const auto found = nearest(sorted, nearMS, withinMS);
+    if (!found)
+        return std::nullopt;
+    const qint64 reach = 2 * std::abs(*found - nearMS);
+    const auto first = std::ranges::lower_bound(sorted, nearMS - reach);
+    const auto last = std::ranges::upper_bound(sorted, nearMS + reach);
+    return last - first == 1 ? found : std::nullopt;
 }
 
 namespace TimedCues {

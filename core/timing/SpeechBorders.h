@@ -26,11 +26,18 @@ public:
     std::optional<qint64> onset(qint64 nearMS, qint64 withinMS) const { return nearest(m_onsets, nearMS, withinMS); }
     std::optional<qint64> end(qint64 nearMS, qint64 withinMS) const { return nearest(m_ends, nearMS, withinMS); }
 
+    /// The same where there is no doubt: no other one is nearer than twice as far away.
+    std::optional<qint64> clearOnset(qint64 nearMS, qint64 withinMS) const { return clear(m_onsets, nearMS, withinMS); }
+    std::optional<qint64> clearEnd(qint64 nearMS, qint64 withinMS) const { return clear(m_ends, nearMS, withinMS); }
+
     bool isEmpty() const { return m_onsets.empty(); }
-    bool isSpeech(qint64 startMS, qint64 endMS) const; ///< Whether some of [startMS, endMS) is speech.
+    qsizetype count() const { return qsizetype(m_onsets.size()); } ///< Stretches of speech ...
+    qint64 totalMS() const;                                        ///< ... and how long they are together.
+    bool isSpeech(qint64 startMS, qint64 endMS) const;             ///< Whether some of [startMS, endMS) is speech.
 
 private:
     static std::optional<qint64> nearest(const std::vector<qint64> &sorted, qint64 nearMS, qint64 withinMS);
+    static std::optional<qint64> clear(const std::vector<qint64> &sorted, qint64 nearMS, qint64 withinMS);
 
     std::vector<qint64> m_onsets; ///< Milliseconds, ascending.
     std::vector<qint64> m_ends;
