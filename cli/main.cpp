@@ -57,6 +57,8 @@ void addCommands(CLI::App &app, Commands::Work &run, Common &common)
     Commands::addMerge(app, run);
     Commands::addAlign(app, run);
     Commands::addTime(app, run);
+    Commands::addPeaks(app, run);
+    Commands::addSnap(app, run);
     Commands::addBreak(app, run);
     Commands::addCheck(app, run);
     Commands::addConvertScript(app, run);
