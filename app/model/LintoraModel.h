@@ -8,6 +8,7 @@
 #include "app/model/Preferences.h"
 #include "app/model/ScriptMatching.h"
 #include "app/model/SessionLink.h"
+#include "app/model/Sound.h"
 #include "app/model/StylePresets.h"
 #include "app/model/TextTools.h"
 #include "app/model/TitleWriting.h"
@@ -237,6 +238,7 @@ public:
     ModelDownloads &modelDownloads() { return m_modelDownloads; }
     ScriptMatching &scriptMatching() { return m_scriptMatching; }
     Recognition &recognition() { return m_recognition; }
+    Sound &sound() { return m_sound; }
     ScriptSpeech &scriptSpeech() { return m_scriptSpeech; }
     Translation &translation() { return m_translation; }
     Review &review() { return m_review; }
@@ -403,6 +405,7 @@ private:
     SuspectMarks m_suspects{m_session, m_owner};
     Recognition m_recognition{m_session, m_owner, m_suspects, m_aiSettings};
     ScriptSpeech m_scriptSpeech{m_session, m_owner, m_suspects, m_aiSettings, m_recognition, m_scriptMatching};
+    Sound m_sound{m_recognition};
     GlossaryTerms m_glossary{Locations::glossary()};
     Translation m_translation{m_session, m_owner, m_aiSettings, m_glossary};
     Review m_review{m_session, m_owner, m_aiSettings};

@@ -102,6 +102,7 @@ void LintoraModel::shutdownAI()
     m_owner.task().finish(deadline);                         // first, so that what is being typed can still be kept
     m_modelDownloads.task().finish(deadline);
     m_aiServices.task().finish(deadline);
+    m_sound.task().finish(deadline);
     m_import.finish(deadline);
     m_scriptMatching.task().finish(deadline);
     m_stylePresets.wait();

@@ -3,16 +3,14 @@
 //   print TEXT | complain TEXT      a line on standard output, on standard error
 //   flood output|errors BYTES       so many bytes on one of them
 //   result TEXT                     writes TEXT where -of says, with .json behind; "result-size BYTES" blanks
-//   wav SECONDS [HUM]               writes that much silence, and so many seconds of a hum, to the last argument
-//   sound SILENT_MS LOUD_MS         so much of it as samples on standard output; loud is half of full scale
-//   pause                           waits until a file "go-on" is there
-//   ignore                          ignores SIGTERM from now on
-//   child [away]                    starts a child that ignores SIGTERM and waits; away: in a session of its own
-//   wait                            waits for a signal
-//   exit STATUS
-//   health STATUS|hang …            what /health answers, in turn, the last one again and again; hang: nothing
-//   completion echo|crash|hang|status N|answer JSON   the same for /completion, one a line; answer: the content's text
-//   serve                           serves on --port, as llama-server does
+//   wav SECONDS [HUM]               writes that much silence, and so many seconds of a hum, to the last argument, if
+//   that is a file sound SILENT_MS LOUD_MS         so much of it as samples on standard output; loud is half of full
+//   scale pause                           waits until a file "go-on" is there ignore                          ignores
+//   SIGTERM from now on child [away]                    starts a child that ignores SIGTERM and waits; away: in a
+//   session of its own wait                            waits for a signal exit STATUS health STATUS|hang … what /health
+//   answers, in turn, the last one again and again; hang: nothing completion echo|crash|hang|status N|answer JSON   the
+//   same for /completion, one a line; answer: the content's text serve                           serves on --port, as
+//   llama-server does
 //
 // Its arguments go to NAME.arguments, request bodies to NAME.requests, the process ids of all it starts to "processes".
 
@@ -78,6 +76,8 @@ QString valueOf(const QString &option)
 
 void writeSound(double silence, double hum)
 {
+    if (arguments.last().startsWith(u"pipe:"))
+        return;
     const auto silent = quint32(silence * 16'000) * 2;
     const auto bytes = silent + quint32(hum * 16'000) * 2;
     const auto number = [](quint32 value, int size) {

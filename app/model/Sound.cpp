@@ -1,0 +1,175 @@
+#include "app/model/Sound.h"
+
+#include "ai/LocalAIJob.h"
+#include "ai/Workspace.h"
+#include "ai/sound/MediaWaveform.h"
+#include "app/model/ai/Recognition.h"
+#include "core/sound/WaveformCache.h"
+#include "fcp/render/FCPAudioRenderer.h"
+#include "fcp/render/MissingMedia.h"
+#include "store/Locations.h"
+
+#include <mutex>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+/// The waveform that a worker has come to last, until it is shown.
+class Sound::Newest
+{
+public:
+    void put(const Waveform &waveform)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_waveform = waveform;
+    }
+
+    std::optional<Waveform> take()
+    {
+        const std::lock_guard lock(m_mutex);
+        return std::exchange(m_waveform, std::nullopt);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::optional<Waveform> m_waveform;
+};
+
+Sound::Sound(const Recognition &source)
+    : m_source(source)
+{
+    connect(&source, &Recognition::sourceChanged, this, &Sound::follow);
+    connect(&m_task, &BackgroundTask::progressChanged, this, &Sound::takeNewest);
+}
+
+Sound::~Sound() = default;
+
+Sound::Medium Sound::medium() const
+{
+    if (m_source.source() == Recognition::Source::media)
+        return m_source.aiMedia()->toLocalFile();
+    if (m_source.source() == Recognition::Source::timeline)
+        return *m_source.aiTimelinePlan();
+    return {};
+}
+
+bool Sound::hasMedium() const
+{
+    return !std::holds_alternative<std::monostate>(m_medium);
+}
+
+QString Sound::title() const
+{
+    return m_source.title(m_source.source());
+}
+
+std::optional<double> Sound::share() const
+{
+    const auto progress = m_task.progress();
+    return progress ? progress->share : std::nullopt;
+}
+
+void Sound::setShown(bool isShown)
+{
+    if (std::exchange(m_isShown, isShown) == isShown || !isShown)
+        return;
+    const bool isWhole = m_rendered != nullptr; // what was rendered stays as it is
+    if (!isWhole && !isReading())
+        read();
+}
+
+void Sound::readAgain()
+{
+    read();
+}
+
+void Sound::follow()
+{
+    const Medium now = medium();
+    if (std::exchange(m_medium, now) == now)
+        return;
+    m_task.cancel();
+    m_newest.reset();
+    m_rendered.reset();
+    m_waveform = {};
+    m_trouble.clear();
+    const auto *const recording = std::get_if<QString>(&m_medium);
+    m_file = recording ? *recording : QString();
+    Q_EMIT mediumChanged();
+    Q_EMIT fileChanged();
+    Q_EMIT waveformChanged();
+    Q_EMIT troubleChanged();
+    if (m_isShown)
+        read();
+}
+
+Sound::Outcome Sound::hear(const Medium &medium, LocalAIJob &job, const ProgressReport &report,
+                           const std::shared_ptr<Newest> &newest)
+{
+    Outcome outcome;
+    const auto *const plan = std::get_if<FCPAudioPlan>(&medium);
+    if (plan) {
+        const auto missing = MissingMedia::find(*plan).size();
+        if (missing > 0)
+            outcome.notice = u"%1 个媒体文件找不到，对应部分没有声音。"_s.arg(missing);
+        outcome.rendered = std::make_shared<const Workspace>();
+        outcome.file = FCPAudioRenderer::render(missing > 0 ? MissingMedia::leaveOut(*plan) : *plan, job,
+                                                outcome.rendered->path(), report);
+    } else {
+        outcome.file = std::get<QString>(medium);
+    }
+    const auto grow = [&](const Waveform &waveform, std::optional<double> share) {
+        newest->put(waveform);
+        report({.what = u"已读取声音 %1 秒"_s.arg(waveform.lengthMS() / 1'000), .share = share});
+    };
+    const WaveformCache cache(Locations::waveforms());
+    const MediaWaveform heard = MediaWaveform::read(outcome.file, plan ? nullptr : &cache, job, grow);
+    outcome.waveform = heard.waveform;
+    outcome.notice += heard.notice;
+    return outcome;
+}
+
+void Sound::read()
+{
+    if (!hasMedium())
+        return;
+    m_newest = std::make_shared<Newest>();
+    m_task.run<LocalAIJob>(
+        u"正在读取声音…"_s,
+        [medium = m_medium, newest = m_newest](LocalAIJob &job, const ProgressReport &report) {
+            return hear(medium, job, report, newest);
+        },
+        [this](const Outcome &outcome) { take(outcome); },
+        [this](const Failure &failure) { setTrouble(failure.sentence); });
+}
+
+void Sound::takeNewest()
+{
+    if (const auto waveform = m_newest ? m_newest->take() : std::nullopt) {
+        m_waveform = *waveform;
+        Q_EMIT waveformChanged();
+    }
+    Q_EMIT readingChanged();
+}
+
+void Sound::take(const Outcome &outcome)
+{
+    m_newest->take(); // which is less
+    m_waveform = outcome.waveform;
+    m_rendered = outcome.rendered;
+    Q_EMIT waveformChanged();
+    setFile(outcome.file);
+    setTrouble(outcome.notice);
+}
+
+void Sound::setFile(const QString &file)
+{
+    if (std::exchange(m_file, file) != file)
+        Q_EMIT fileChanged();
+}
+
+void Sound::setTrouble(const QString &trouble)
+{
+    if (std::exchange(m_trouble, trouble) != trouble)
+        Q_EMIT troubleChanged();
+}
