@@ -73,6 +73,9 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_modelDownloads, &ModelDownloads::refused, this, refuse);
     connect(&m_textTools, &TextTools::done, this, &LintoraModel::report);
     connect(&m_textTools, &TextTools::refused, this, refuse);
+    connect(&m_cueTiming, &CueTiming::refused, this, refuse);
+    connect(&m_cueTiming, &CueTiming::done, this,
+            [this] { publish(m_failure, std::optional<Failure>(), &LintoraModel::failureChanged); });
     connect(&m_cueTools, &CueTools::done, this, &LintoraModel::report);
     connect(&m_titleWriting, &TitleWriting::done, this, &LintoraModel::report);
     connect(&m_titleWriting, &TitleWriting::refused, this, refuse);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/model/CueTiming.h"
 #include "app/model/CueTools.h"
 #include "app/model/FileDialogs.h"
 #include "app/model/FileRepairing.h"
@@ -246,6 +247,7 @@ public:
     SuspectMarks &suspects() { return m_suspects; }
     const AIWork &aiWork() const { return m_aiWork; }
     TextTools &textTools() { return m_textTools; }
+    CueTiming &cueTiming() { return m_cueTiming; }
     CueTools &cueTools() { return m_cueTools; }
     FileRepairing &fileRepairing() { return m_fileRepairing; }
     const FileRepairing &fileRepairing() const { return m_fileRepairing; }
@@ -411,6 +413,7 @@ private:
     Review m_review{m_session, m_owner, m_aiSettings};
     TextTools m_textTools{m_session, m_owner, m_preferences};
     CueTools m_cueTools{m_session, m_owner, m_preferences};
+    CueTiming m_cueTiming{m_session, m_owner};
     FileRepairing m_fileRepairing;
     KeptProject m_keptProject;
     TitleWriting m_titleWriting;
