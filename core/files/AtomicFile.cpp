@@ -1,6 +1,7 @@
 #include "core/files/AtomicFile.h"
 
 #include "core/PlatformError.h"
+#include "core/files/DiskSync.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -8,9 +9,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSaveFile>
-#include <QScopeGuard>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,29 +24,6 @@ bool isReplaceable(const QString &path)
 {
     const QFileInfo target(path);
     return !target.exists() || target.isFile() || target.isDir();
-}
-
-/// Brings what was written to an open file or folder to the disk. Where the file system has no such thing, nothing can
-/// be done.
-void syncDescriptor(int descriptor, const QString &path)
-{
-#ifdef F_FULLFSYNC
-    // Here fsync leaves the data in the disk's own cache.
-    if (fcntl(descriptor, F_FULLFSYNC) == 0)
-        return;
-#endif
-    if (fsync(descriptor) != 0 && errno != EINVAL && errno != ENOTSUP)
-        throw PlatformError::aboutFile(path, qt_error_string(errno));
-}
-
-/// Brings the names in a folder to the disk. A folder that we may write to but not read cannot be opened for that.
-void syncFolder(const QString &folder)
-{
-    const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    const auto close = qScopeGuard([=] { ::close(descriptor); });
-    syncDescriptor(descriptor, folder);
 }
 
 } // namespace
@@ -79,7 +55,7 @@ void AtomicFile::sync()
 {
     // The replacement syncs its content too, but keeps to itself when that fails.
     if (qobject_cast<QSaveFile *>(m_file.get()) != nullptr)
-        syncDescriptor(m_file->handle(), m_file->fileName());
+        DiskSync::descriptor(m_file->handle(), m_file->fileName());
 }
 
 QByteArray AtomicFile::readBack(const Check &check) const
@@ -122,7 +98,7 @@ void AtomicFile::commit(Durability durability)
     if (!replacement->commit())
         throw PlatformError::aboutFile(replacement->fileName(), replacement->errorString());
     if (durability == Durability::powerCut)
-        syncFolder(QFileInfo(QFileInfo(replacement->fileName()).canonicalFilePath()).path());
+        DiskSync::folder(QFileInfo(QFileInfo(replacement->fileName()).canonicalFilePath()).path());
 }
 
 void AtomicFile::removeLeftovers(const QString &path)
