@@ -24,9 +24,10 @@ bool isThere(const QFileInfo &file)
 
 } // namespace
 
-DraftFile::DraftFile(QString path, QObject *parent)
+DraftFile::DraftFile(QString path, Witness witness, QObject *parent)
     : QObject(parent)
     , m_path(std::move(path))
+    , m_witness(std::move(witness))
     , m_outcome(
           this, [this](const QString &description) { Q_EMIT failed(description); }, [this] { Q_EMIT recovered(); })
     , m_thread([this] { return round(); })
@@ -55,11 +56,11 @@ std::optional<LintoraSession> DraftFile::load()
     }
 }
 
-void DraftFile::save(const LintoraSession &state)
+void DraftFile::save(const LintoraSession &state, quint64 number)
 {
     {
         const std::lock_guard lock(m_mutex);
-        m_waiting = state;
+        m_waiting = Kept{.state = state, .number = number};
         ++m_keptCount;
     }
     m_thread.wake();
@@ -81,15 +82,17 @@ bool DraftFile::isSaved() const
 RoundThread::Pause DraftFile::round()
 {
     std::unique_lock lock(m_mutex);
-    const std::optional<LintoraSession> state = std::exchange(m_waiting, std::nullopt);
+    const std::optional<Kept> kept = std::exchange(m_waiting, std::nullopt);
     const std::optional<LintoraSession> saved = m_saved;
     const quint64 count = m_keptCount;
     lock.unlock();
-    if (!state)
+    if (!kept)
         return std::nullopt;
     try {
-        if (state != saved || !QFileInfo::exists(m_path))
-            replaceFile(*state);
+        if (kept->state != saved || !QFileInfo::exists(m_path))
+            replaceFile(*kept);
+        else
+            tellWitness(kept->number, [] {});
         m_outcome.noteSuccess();
         noteSaved(count);
         return std::nullopt;
@@ -98,7 +101,7 @@ RoundThread::Pause DraftFile::round()
     }
     lock.lock();
     if (!m_waiting)
-        m_waiting = state;
+        m_waiting = kept;
     return pauseAfterFailure;
 }
 
@@ -115,9 +118,9 @@ void DraftFile::noteSaved(quint64 count)
     QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
-void DraftFile::replaceFile(const LintoraSession &state)
+void DraftFile::replaceFile(const Kept &kept)
 {
-    const QByteArray bytes = state.encoded();
+    const QByteArray bytes = kept.state.encoded();
     if (bytes.size() > LintoraSession::sizeLimit)
         throw ConversionError(u"字幕草稿过大，请导出 SRT 后分批处理"_s);
     const QFileInfo file(m_path);
@@ -136,10 +139,21 @@ void DraftFile::replaceFile(const LintoraSession &state)
     target.sync();
     if (isForeign && !isInTheWay)
         setAside();
-    target.commit(AtomicFile::Durability::powerCut);
+    tellWitness(kept.number, [&] { target.commit(AtomicFile::Durability::powerCut); });
     lock.lock();
     m_isOurs = true;
-    m_saved = state;
+    m_saved = kept.state;
+}
+
+/// Calls `replace` between the two that the witness hears of.
+template <class Replace>
+void DraftFile::tellWitness(quint64 number, const Replace &replace) const
+{
+    if (m_witness.aboutToReplace)
+        m_witness.aboutToReplace(number);
+    replace();
+    if (m_witness.replaced)
+        m_witness.replaced(number);
 }
 
 void DraftFile::setAside() const

@@ -6,6 +6,7 @@
 
 #include <QObject>
 
+#include <functional>
 #include <mutex>
 
 /// The file that brings a session back after a crash, a power cut or a full disk.
@@ -23,7 +24,15 @@ class DraftFile : public QObject
     Q_OBJECT
 
 public:
-    explicit DraftFile(QString path, QObject *parent = nullptr);
+    /// Whoever must know which state the file holds. Both are called on the saving thread, with the state's number,
+    /// also for a state that the file holds already.
+    struct Witness
+    {
+        std::function<void(quint64 number)> aboutToReplace; ///< All is ready but the renaming.
+        std::function<void(quint64 number)> replaced;       ///< The file holds that state for good.
+    };
+
+    explicit DraftFile(QString path, Witness witness = {}, QObject *parent = nullptr);
 
     /// Saves what still waits. Nobody is told when that fails: call flush() before.
     ~DraftFile() override;
@@ -31,8 +40,9 @@ public:
     /// The state that the last run left; absent when there is no file or it cannot be read, which is no error.
     std::optional<LintoraSession> load();
 
-    /// Keeps `state` for saving, and returns at once. A state that equals the saved one costs no write.
-    void save(const LintoraSession &state);
+    /// Keeps `state` for saving, and returns at once. A state that equals the saved one costs no write. `number` is
+    /// what the witness knows it by.
+    void save(const LintoraSession &state, quint64 number = 0);
 
     /// Saves what still waits, before it returns.
     /// @throws ConversionError "字幕草稿过大，请导出 SRT 后分批处理", PlatformError when the newest state could not be
@@ -53,17 +63,26 @@ Q_SIGNALS:
 private:
     RoundThread::Pause round();
     void noteSaved(quint64 count);
-    void replaceFile(const LintoraSession &state);
+    struct Kept
+    {
+        LintoraSession state;
+        quint64 number;
+    };
+
+    void replaceFile(const Kept &kept);
+    template <class Replace>
+    void tellWitness(quint64 number, const Replace &replace) const;
     void setAside() const;
 
     const QString m_path;
+    const Witness m_witness;
 
-    mutable std::mutex m_mutex;              ///< Guards what follows. Not held while files are touched.
-    std::optional<LintoraSession> m_waiting; ///< The newest state that is not saved.
-    std::optional<LintoraSession> m_saved;   ///< What the file holds, as far as we know.
-    quint64 m_keptCount = 0;                 ///< Of states that were kept for saving.
-    quint64 m_savedCount = 0;                ///< Of those up to the newest that has reached the disk.
-    bool m_isOurs = false;                   ///< Whether the file was read or written here.
+    mutable std::mutex m_mutex;            ///< Guards what follows. Not held while files are touched.
+    std::optional<Kept> m_waiting;         ///< The newest state that is not saved.
+    std::optional<LintoraSession> m_saved; ///< What the file holds, as far as we know.
+    quint64 m_keptCount = 0;               ///< Of states that were kept for saving.
+    quint64 m_savedCount = 0;              ///< Of those up to the newest that has reached the disk.
+    bool m_isOurs = false;                 ///< Whether the file was read or written here.
 
     SaveOutcome m_outcome;
 

@@ -70,9 +70,7 @@ LintoraSession LintoraSession::decode(QByteArrayView data, const Check &check)
     if (data.size() > sizeLimit)
         throwTooLarge();
     JsonReader json(data, check);
-    LintoraSession session;
-    json.readObject({"schema", "items", "source", "options", "removeFillers", "removePunctuation", "cleaned"},
-                    [&](QByteArrayView key) { readField(json, key, session); });
+    LintoraSession session = readLintoraSession(json);
     json.finish();
     if (session.schema != 1 && session.schema != currentSchema)
         throw ConversionError(u"字幕会话版本不支持。"_s);
@@ -91,6 +89,14 @@ LintoraSession LintoraSession::read(const QString &path, const Check &check)
             throwTooLarge();
         return decode(*bytes, check);
     });
+}
+
+LintoraSession readLintoraSession(JsonReader &json)
+{
+    LintoraSession session;
+    json.readObject({"schema", "items", "source", "options", "removeFillers", "removePunctuation", "cleaned"},
+                    [&](QByteArrayView key) { readField(json, key, session); });
+    return session;
 }
 
 void writeLintoraSession(JsonWriter &json, const LintoraSession &session)

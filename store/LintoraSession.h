@@ -42,5 +42,9 @@ struct LintoraSession
     friend bool operator==(const LintoraSession &, const LintoraSession &) = default;
 };
 
+/// Reads the object that writeLintoraSession writes, of any schema.
+/// @throws PlatformError naming the key path that is missing or of another type.
+LintoraSession readLintoraSession(JsonReader &json);
+
 /// Writes the object that LintoraSession::decode reads.
 void writeLintoraSession(JsonWriter &json, const LintoraSession &session);
