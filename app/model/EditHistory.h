@@ -8,6 +8,16 @@
 #include <optional>
 #include <vector>
 
+/// How a history goes on, by the operation that does it.
+enum class HistoryMove
+{
+    record,
+    amend,
+    insertBefore,
+    undo,
+    redo
+};
+
 /// The states that a session went through, to go back and forth between. Without a limit.
 ///
 /// ```

@@ -8,9 +8,9 @@
 
 using namespace Qt::StringLiterals;
 
-EditedSession::EditedSession(const LintoraSession &first)
-    : m_state(SessionTracks::normalized(first))
-    , m_history(m_state)
+EditedSession::EditedSession(EditHistory history)
+    : m_state(history.current())
+    , m_history(std::move(history))
 {}
 
 void EditedSession::replace(LintoraSession next, const QString &title, EditStep step)
@@ -21,10 +21,22 @@ void EditedSession::replace(LintoraSession next, const QString &title, EditStep 
         Q_EMIT aboutToLoad(next);
     const LintoraSession before = std::exchange(m_state, std::move(next));
     if (m_grouping.joinsLast(step))
-        m_history.amend(m_state, step == EditStep::amend ? QString() : title);
+        amend(step == EditStep::amend ? QString() : title);
     else
-        m_history.record(m_state, title);
+        record(title);
     Q_EMIT changed(before, step == EditStep::load);
+}
+
+void EditedSession::record(const QString &title)
+{
+    m_history.record(m_state, title);
+    Q_EMIT moved(HistoryMove::record, title, m_state);
+}
+
+void EditedSession::amend(const QString &title)
+{
+    m_history.amend(m_state, title);
+    Q_EMIT moved(HistoryMove::amend, title, m_state);
 }
 
 void EditedSession::replaceItems(const QList<Subtitle> &items, const QString &title)
@@ -43,29 +55,33 @@ void EditedSession::asOneStep(const std::function<void()> &changes)
 
 void EditedSession::undo()
 {
-    step(&EditHistory::undo);
+    step(&EditHistory::undo, HistoryMove::undo);
 }
 
 void EditedSession::redo()
 {
-    step(&EditHistory::redo);
+    step(&EditHistory::redo, HistoryMove::redo);
 }
 
-void EditedSession::step(const LintoraSession &(EditHistory::*direction)())
+void EditedSession::step(const LintoraSession &(EditHistory::*direction)(), HistoryMove move)
 {
     endGesture();
     const LintoraSession before = std::exchange(m_state, (m_history.*direction)());
+    const QString title = move == HistoryMove::undo ? m_history.redoTitle() : m_history.undoTitle();
+    Q_EMIT moved(move, title, m_state);
     // What changed is to be seen, also when another track was selected in the meantime.
     if (const auto track = SessionTracks::changedTrack(before, m_state)) {
         m_state = SessionTracks::selecting(std::move(m_state), *track);
-        m_history.amend(m_state);
+        amend({});
     }
     Q_EMIT changed(before, false);
 }
 
 void EditedSession::insertBefore(const LintoraSession &state, const QString &title)
 {
-    m_history.insertBefore(SessionTracks::normalized(state), title);
+    const LintoraSession inserted = SessionTracks::normalized(state);
+    m_history.insertBefore(inserted, title);
+    Q_EMIT moved(HistoryMove::insertBefore, title, inserted);
     Q_EMIT historyChanged();
 }
 

@@ -24,7 +24,7 @@ class EditedSession : public QObject
     Q_OBJECT
 
 public:
-    explicit EditedSession(const LintoraSession &first);
+    explicit EditedSession(EditHistory history); ///< Goes on where `history` stands.
 
     const LintoraSession &state() const { return m_state; } ///< In the order of SessionTracks. Shares its data.
     const EditHistory &history() const { return m_history; }
@@ -65,8 +65,14 @@ Q_SIGNALS:
     void changed(const LintoraSession &before, bool isLoaded); ///< `isLoaded`: another session was brought in.
     void historyChanged();                                     ///< Steps have come or gone, without a change.
 
+    /// The history has gone on, with `state`, and `title` where the move takes one. Comes before what it changes is
+    /// told.
+    void moved(HistoryMove move, const QString &title, const LintoraSession &state);
+
 private:
-    void step(const LintoraSession &(EditHistory::*direction)());
+    void record(const QString &title);
+    void amend(const QString &title);
+    void step(const LintoraSession &(EditHistory::*direction)(), HistoryMove move);
 
     LintoraSession m_state;
     EditHistory m_history;

@@ -37,7 +37,7 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     , m_keeper(surroundings.draftURL.value_or(Locations::draft()))
     , m_recent(QFileInfo(m_keeper.draftURL()).path() + u"/Recent"_s)
     , m_recentSessions(m_recent.list())
-    , m_session(m_keeper.loadDraft().value_or(firstSession(surroundings.font)))
+    , m_session(m_keeper.takeUp(firstSession(surroundings.font)))
     , m_pictured(picture(m_session.state()))
 {
     try {
@@ -50,6 +50,7 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
         connect(task, &BackgroundTask::progressChanged, this, &LintoraModel::activityChanged);
     connect(&m_stylePresets, &StylePresets::done, this, &LintoraModel::report);
     connect(&m_stylePresets, &StylePresets::refused, this, refuse);
+    m_keeper.follow(m_session);
     connect(&m_session, &EditedSession::aboutToLoad, this, &LintoraModel::makeRoomFor);
     connect(&m_session, &EditedSession::changed, this, &LintoraModel::tell);
     connect(&m_session, &EditedSession::historyChanged, this, &LintoraModel::historyChanged);

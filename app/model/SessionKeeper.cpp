@@ -1,9 +1,27 @@
 #include "app/model/SessionKeeper.h"
 
+#include "app/model/SessionTracks.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString journalBeside(const QString &draft)
+{
+    const QFileInfo file(draft);
+    return file.path() + u'/' + file.completeBaseName() + u".steps"_s;
+}
+
+} // namespace
+
 SessionKeeper::SessionKeeper(const QString &draftURL, QObject *parent)
     : QObject(parent)
     , m_draftURL(draftURL)
-    , m_draft(draftURL)
+    , m_journal(journalBeside(draftURL))
+    , m_draft(draftURL, {.aboutToReplace = [this](quint64 point) { m_journal.aboutToSave(point); },
+                         .replaced = [this](quint64 point) { m_journal.saved(point); }})
 {
     connect(&m_draft, &DraftFile::failed, this,
             [this](const QString &description) { note(m_draftFailure, description); });
@@ -18,9 +36,22 @@ std::optional<QString> SessionKeeper::sessionURL() const
     return m_session ? std::optional(m_session->path()) : std::nullopt;
 }
 
-std::optional<LintoraSession> SessionKeeper::loadDraft()
+EditHistory SessionKeeper::takeUp(const LintoraSession &first)
 {
-    return m_draft.load();
+    const std::optional<LintoraSession> draft = m_draft.load();
+    const LintoraSession state = SessionTracks::normalized(draft.value_or(first));
+    EditHistory history = m_journal.takeUp(state, draft.has_value());
+    if (history.current() != state) // The last run ended before its newest state had reached the draft.
+        saveDraft(history.current());
+    return history;
+}
+
+void SessionKeeper::follow(const EditedSession &session)
+{
+    connect(&session, &EditedSession::moved, this,
+            [this](HistoryMove move, const QString &title, const LintoraSession &state) {
+                m_journal.note(move, title, state);
+            });
 }
 
 void SessionKeeper::watchSession(const QString &file)
@@ -58,7 +89,7 @@ void SessionKeeper::note(std::optional<QString> &failure, const std::optional<QS
 
 void SessionKeeper::saveDraft(const LintoraSession &session)
 {
-    m_draft.save(session);
+    m_draft.save(session, m_journal.point());
 }
 
 void SessionKeeper::saveSession(const LintoraSession &session)

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "app/model/EditedSession.h"
+#include "app/model/StepJournal.h"
 #include "store/DraftFile.h"
 #include "store/SessionFile.h"
 
-/// Keeps a session in its draft, and in a file of its own once it is shared with the workflow extension.
+/// Keeps a session in its draft, with its history in a journal beside it, and in a file of its own once it is shared
+/// with the workflow extension.
 ///
 /// Nothing goes into a session file before the version in it has arrived: a link opens what the extension wrote.
 class SessionKeeper : public QObject
@@ -24,14 +27,18 @@ public:
 
     bool isDraftSaved() const { return m_draft.isSaved(); } ///< Whether the newest state is in the draft.
 
-    std::optional<LintoraSession> loadDraft(); ///< Absent when there is none that can be read.
+    /// The session that the last run left, with its history as far as it is known; `first` when there is none that can
+    /// be read.
+    EditHistory takeUp(const LintoraSession &first);
+
+    void follow(const EditedSession &session); ///< Its history goes into the journal from now on.
 
     /// Watches that file in place of any other. Its version arrives soon, also when it is the one last seen.
     void watchSession(const QString &file);
 
     void announceChange();                           ///< The session has changed, and save() follows.
     void retractChange();                            ///< No saveSession() follows after all.
-    void saveDraft(const LintoraSession &session);   ///< Returns at once.
+    void saveDraft(const LintoraSession &session);   ///< Returns at once. As the history stands.
     void saveSession(const LintoraSession &session); ///< Returns at once.
     void adopt(const LintoraSession &session);       ///< What became of the version that has just arrived.
     void refreshSession();                           ///< Delivers a new version, if there is one, before it returns.
@@ -53,7 +60,8 @@ private:
     QString m_draftURL;
     std::optional<QString> m_draftFailure;
     std::optional<QString> m_sessionFailure;
-    DraftFile m_draft;
+    StepJournal m_journal;
+    DraftFile m_draft;                      ///< Behind the journal, which it speaks to until its end.
     std::unique_ptr<SessionFile> m_session; ///< Null while none is watched.
     bool m_hasArrived = false;              ///< Whether the watched session's first version has come.
 };

@@ -28,27 +28,46 @@ void printNumber(qint64 number)
     std::fflush(stdout);
 }
 
+/// Whether the last changes can be undone one by one, and done again.
+bool isHistoryWhole(LintoraModel &model)
+{
+    const qint64 newest = newestChange(model.snapshot());
+    const qint64 steps = std::min<qint64>(newest, 100);
+    for (qint64 i = 1; i <= steps; ++i) {
+        if (!model.canUndo())
+            return false;
+        model.undo();
+        if (newestChange(model.snapshot()) != newest - i)
+            return false;
+    }
+    for (qint64 i = 0; i < steps; ++i)
+        model.redo();
+    model.saveDraft();
+    return newestChange(model.snapshot()) == newest;
+}
+
 } // namespace
 
 /// model_editor DRAFT types into a session without end, like an editor in a hurry: the text of change N is N. Each line
 /// of its output is a number N: "the changes up to N have been saved". Ends only by a signal, or with 1 when the draft
-/// that is there was not taken up. model_editor --read DRAFT prints the newest change in a draft.
+/// that is there was not taken up with its history. model_editor --read DRAFT prints the newest change that a start of
+/// the program finds, or ends with 1 as well.
 int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
-    if (argc == 3) {
-        printNumber(newestChange(LintoraSession::read(QFile::decodeName(argv[2]))));
-        return 0;
-    }
-    if (argc != 2)
+    if (argc != 2 && argc != 3)
         return 2;
-    const QString draft = QFile::decodeName(argv[1]);
+    const QString draft = QFile::decodeName(argv[argc - 1]);
     const bool isThere = QFile::exists(draft);
     LintoraModel model({.draftURL = draft,
                         .stylePresetsURL = draft + u".presets"_s,
                         .settings = std::make_shared<QSettings>(draft + u".ini"_s, QSettings::IniFormat)});
-    if (isThere && model.items().isEmpty())
+    if (isThere && (model.items().isEmpty() || !isHistoryWhole(model)))
         return 1;
+    if (argc == 3) {
+        printNumber(newestChange(model.snapshot()));
+        return 0;
+    }
     if (!isThere)
         model.apply({.items = Generator(1).cues(2'000)});
     for (qint64 change = newestChange(model.snapshot()) + 1;; ++change) {

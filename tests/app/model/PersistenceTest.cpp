@@ -63,8 +63,17 @@ TEST_F(PersistenceTest, the_job_outlives_a_restart_whole)
     const LintoraSession job = model->snapshot();
     restart();
     EXPECT_EQ(model->snapshot(), job);
-    EXPECT_FALSE(model->canUndo());
     EXPECT_EQ(failure(), QString());
+    EXPECT_EQ(model->undoTitle(), u"修改文字"_s);
+    model->undo();
+    EXPECT_EQ(texts(), QStringList({u"Hello"_s, u"x"_s}));
+    restart();
+    EXPECT_EQ(model->redoTitle(), u"修改文字"_s);
+    model->redo();
+    EXPECT_EQ(model->snapshot(), job);
+    while (model->canUndo())
+        model->undo();
+    EXPECT_TRUE(model->items().isEmpty()) << "back to the first start";
 }
 
 TEST_F(PersistenceTest, what_is_typed_is_saved_without_a_quit)
@@ -210,6 +219,9 @@ TEST_F(PersistenceTest, what_can_be_restored_keeps_the_job_in_use)
     EXPECT_EQ(texts(), QStringList{u"嗯"_s});
     model->deleteCues({0});
     EXPECT_TRUE(model->isInUse()) << "undoing brings it back";
+    restart();
+    EXPECT_TRUE(model->isInUse());
+    ASSERT_TRUE(QFile::remove(QFileInfo(model->draftURL()).path() + u"/Draft.steps"_s));
     restart();
     EXPECT_FALSE(model->isInUse()) << "nothing does any more";
 }

@@ -1,0 +1,253 @@
+#include "app/model/SessionChange.h"
+
+#include "app/model/SessionTracks.h"
+#include "core/json/JsonReader.h"
+#include "core/json/JsonWriter.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace SessionChange {
+
+namespace {
+
+// Clearing a shared list would give it as much room of its own as it had.
+
+LintoraSession restOf(LintoraSession session)
+{
+    session.items = {};
+    session.previousItems.reset();
+    session.tracks.reset();
+    return session;
+}
+
+SubtitleTrack restOf(SubtitleTrack track)
+{
+    track.items = {};
+    track.previousItems.reset();
+    return track;
+}
+
+/// Some cues of a list, and those that come in their place.
+struct Edit
+{
+    qsizetype at = 0;
+    qsizetype cut = 0;
+    QList<Subtitle> put = {};
+};
+
+/// The lists of cues of a session, by the numbers that a change knows them by.
+class CueLists
+{
+public:
+    explicit CueLists(const LintoraSession &session)
+        : m_tracks(*session.tracks)
+    {}
+
+    /// Null when there is none of that number.
+    const QList<Subtitle> *find(qint64 number) const
+    {
+        static const QList<Subtitle> none;
+        if (number == -1)
+            return &none;
+        if (number < 0 || number / 2 >= m_tracks.size())
+            return nullptr;
+        const SubtitleTrack &track = m_tracks.at(number / 2);
+        if (number % 2 == 0)
+            return &track.items;
+        return track.previousItems ? &*track.previousItems : nullptr;
+    }
+
+    /// The number of the list that shares its data with `cues`; absent when none does.
+    std::optional<qint64> numberOf(const QList<Subtitle> &cues) const
+    {
+        for (qint64 number = -1; number < 2 * m_tracks.size(); ++number) {
+            const QList<Subtitle> *const list = find(number);
+            if (list && list->constData() == cues.constData() && list->size() == cues.size())
+                return number;
+        }
+        return std::nullopt;
+    }
+
+private:
+    const QList<SubtitleTrack> m_tracks;
+};
+
+std::vector<Edit> editsBetween(const QList<Subtitle> &before, const QList<Subtitle> &after)
+{
+    const auto front = std::mismatch(after.begin(), after.end(), before.begin(), before.end());
+    const auto back = std::mismatch(after.rbegin(), std::make_reverse_iterator(front.first), before.rbegin(),
+                                    std::make_reverse_iterator(front.second));
+    auto at = front.second;
+    auto put = front.first;
+    const auto end = back.second.base();
+    const auto putEnd = back.first.base();
+    std::vector<Edit> edits;
+    if (end - at != putEnd - put) {
+        edits.push_back({at - before.begin(), end - at, QList<Subtitle>(put, putEnd)});
+        return edits;
+    }
+    // As many as before: changed in some places, perhaps far from each other.
+    while (at != end) {
+        auto stop = at;
+        auto putStop = put;
+        for (; stop != end && *stop != *putStop; ++stop)
+            ++putStop;
+        edits.push_back({at - before.begin(), stop - at, QList<Subtitle>(put, putStop)});
+        std::tie(at, put) = std::mismatch(stop, end, putStop, putEnd);
+    }
+    return edits;
+}
+
+void writeCues(JsonWriter &json, const CueLists &lists, qint64 likely, const QList<Subtitle> &cues)
+{
+    json.beginObject();
+    const std::optional<qint64> same = lists.numberOf(cues);
+    if (!same) {
+        json.key("edits");
+        json.beginArray();
+        for (const Edit &edit : editsBetween(*lists.find(likely), cues)) {
+            json.beginObject();
+            json.key("at").integer(edit.at);
+            json.key("cut").integer(edit.cut);
+            json.key("put");
+            writeSubtitles(json, edit.put);
+            json.endObject();
+        }
+        json.endArray();
+    }
+    json.key("of").integer(same.value_or(likely));
+    json.endObject();
+}
+
+void writeTrack(JsonWriter &json, const LintoraSession &before, const CueLists &lists, const SubtitleTrack &track)
+{
+    const auto from = SessionTracks::indexOf(before, track.id);
+    const SubtitleTrack former = from ? before.tracks->at(*from) : SubtitleTrack();
+    json.beginObject();
+    if (from)
+        json.key("from").integer(*from);
+    if (track.items != former.items) {
+        json.key("items");
+        writeCues(json, lists, from ? 2 * *from : -1, track.items);
+    }
+    if (!track.previousItems) {
+        if (former.previousItems)
+            json.key("noPreviousItems").boolean(true);
+    } else if (track.previousItems != former.previousItems) {
+        json.key("previousItems");
+        writeCues(json, lists, from ? 2 * *from : -1, *track.previousItems);
+    }
+    if (const SubtitleTrack rest = restOf(track); rest != restOf(former)) {
+        json.key("rest");
+        writeSubtitleTrack(json, rest);
+    }
+    json.endObject();
+}
+
+Edit readEdit(JsonReader &json)
+{
+    Edit edit;
+    json.readObject({"at", "cut", "put"}, [&](QByteArrayView key) {
+        if (key == "at")
+            edit.at = json.readInteger();
+        else if (key == "cut")
+            edit.cut = json.readInteger();
+        else if (key == "put")
+            edit.put = readSubtitles(json);
+    });
+    return edit;
+}
+
+QList<Subtitle> readCues(JsonReader &json, const CueLists &lists)
+{
+    std::vector<Edit> edits;
+    const QList<Subtitle> *source = nullptr;
+    json.readObject({"of"}, [&](QByteArrayView key) {
+        if (key == "edits")
+            json.readArray([&] { edits.push_back(readEdit(json)); });
+        else if (key == "of" && !(source = lists.find(json.readInteger())))
+            json.refuse(u"字幕列表");
+    });
+    if (edits.empty())
+        return *source;
+    QList<Subtitle> cues;
+    qsizetype done = 0; // of the source
+    for (const Edit &edit : edits) {
+        if (edit.at < done || edit.at > source->size() || edit.cut < 0 || edit.cut > source->size() - edit.at)
+            json.refuse(u"字幕位置");
+        cues.append(source->sliced(done, edit.at - done));
+        cues.append(edit.put);
+        done = edit.at + edit.cut;
+    }
+    cues.append(source->sliced(done));
+    return cues;
+}
+
+SubtitleTrack readTrack(JsonReader &json, const LintoraSession &before, const CueLists &lists)
+{
+    std::optional<SubtitleTrack> rest;
+    SubtitleTrack track;
+    // "from" comes first, for the keys are sorted.
+    json.readObject({}, [&](QByteArrayView key) {
+        if (key == "from") {
+            const qint64 from = json.readInteger();
+            if (from < 0 || from >= before.tracks->size())
+                json.refuse(u"字幕轨");
+            track = before.tracks->at(from);
+        } else if (key == "items") {
+            track.items = readCues(json, lists);
+        } else if (key == "previousItems") {
+            track.previousItems = readCues(json, lists);
+        } else if (key == "noPreviousItems") {
+            track.previousItems.reset();
+        } else if (key == "rest") {
+            rest = readSubtitleTrack(json);
+        }
+    });
+    if (rest) {
+        rest->items = track.items;
+        rest->previousItems = track.previousItems;
+    }
+    return rest.value_or(track);
+}
+
+} // namespace
+
+void write(JsonWriter &json, const LintoraSession &before, const LintoraSession &after)
+{
+    const CueLists lists(before);
+    json.beginObject();
+    if (const LintoraSession rest = restOf(after); rest != restOf(before)) {
+        json.key("rest");
+        writeLintoraSession(json, rest);
+    }
+    if (before.tracks != after.tracks) {
+        json.key("tracks");
+        json.beginArray();
+        for (const SubtitleTrack &track : *after.tracks)
+            writeTrack(json, before, lists, track);
+        json.endArray();
+    }
+    json.endObject();
+}
+
+LintoraSession read(JsonReader &json, const LintoraSession &before)
+{
+    const CueLists lists(before);
+    LintoraSession after = restOf(before);
+    QList<SubtitleTrack> tracks = *before.tracks;
+    json.readObject({}, [&](QByteArrayView key) {
+        if (key == "rest") {
+            after = restOf(readLintoraSession(json));
+        } else if (key == "tracks") {
+            tracks.clear();
+            json.readArray([&] { tracks.append(readTrack(json, before, lists)); });
+        }
+    });
+    after.tracks = tracks;
+    return SessionTracks::activated(std::move(after));
+}
+
+} // namespace SessionChange
