@@ -3,6 +3,9 @@
 #include "core/PlatformError.h"
 #include "core/text/Characters.h"
 
+#include <QCoreApplication>
+#include <QFile>
+
 #include <SimpleConverter.hpp>
 
 #include <algorithm>
@@ -41,14 +44,22 @@ QStringList byLength(QStringList names)
     return names;
 }
 
+/// The dictionaries of a conversion: those in the application's bundle, or what the library finds where it was
+/// installed.
+std::string conversion(const QString &name)
+{
+    const QString own = QCoreApplication::applicationDirPath() + u"/../Resources/opencc/"_s + name;
+    return (QFile::exists(own) ? QFile::encodeName(own) : name.toLatin1()).toStdString();
+}
+
 const opencc::SimpleConverter &converter(Target to)
 {
     try {
         if (to == Target::simplified) {
-            static const opencc::SimpleConverter simplifier("t2s.json");
+            static const opencc::SimpleConverter simplifier(conversion(u"t2s.json"_s));
             return simplifier;
         }
-        static const opencc::SimpleConverter traditionalizer("s2t.json");
+        static const opencc::SimpleConverter traditionalizer(conversion(u"s2t.json"_s));
         return traditionalizer;
     } catch (const std::exception &error) {
         throw PlatformError(u"繁简转换词典无法读取：%1"_s.arg(QString::fromUtf8(error.what())));

@@ -1,6 +1,9 @@
 #include "core/files/FileReader.h"
 #include "tests/support/CommandTest.h"
 
+#include <QDir>
+#include <QFile>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -23,6 +26,19 @@ TEST_F(ReadingToolsTest, convert_script_converts_all_but_the_names_kept)
                   "[{\"end\":2000,\"id\":1,\"start\":1000,\"text\":\"張國榮的頭髮\"}]\n", {});
     EXPECT_EQ(CommandLine::run({u"convert-script"_s, in, u"--to"_s, u"taiwan"_s}).status, 2);
     EXPECT_EQ(CommandLine::run({u"convert-script"_s, in}).status, 2);
+}
+
+TEST_F(ReadingToolsTest, dictionaries_that_lie_with_the_program_are_taken)
+{
+    const QString in = file(u"in.srt"_s, "1\n00:00:00,000 --> 00:00:01,000\n漢字\n");
+    ASSERT_TRUE(QDir(path(u"."_s)).mkpath(u"Resources/opencc"_s) && QDir(path(u"."_s)).mkdir(u"MacOS"_s));
+    file(u"Resources/opencc/own.txt"_s, "漢字\t自带\n");
+    const QByteArray dictionary = R"({"type":"text","file":"own.txt"})";
+    file(u"Resources/opencc/t2s.json"_s, R"({"name":"own","segmentation":{"type":"mmseg","dict":)" + dictionary +
+                                             R"(},"conversion_chain":[{"dict":)" + dictionary + "}]}");
+    ASSERT_TRUE(QFile::copy(CommandLine::program(), path(u"MacOS/lintora-cli"_s)));
+    expectOutcome(CommandLine::shell(path(u"MacOS/lintora-cli"_s) + u" convert-script --to simplified "_s + in), 0,
+                  "1\n00:00:00,000 --> 00:00:01,000\n自带\n", {});
 }
 
 TEST_F(ReadingToolsTest, break_makes_cues_or_lines_of_long_cues)
