@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -25,6 +26,7 @@ QStringList folders()
                                u"../../AI"_s,           // build/release/cli beside build/AI
                                u"../../../../../AI"_s}) // build/release/app/lintora.app/Contents/MacOS
         result.append(QDir::cleanPath(own.filePath(way)));
+    result.append(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/lintora/AI"_s);
     return result;
 }
 

@@ -1,13 +1,17 @@
 #!/usr/bin/env bash
-# Brings the three helper programs (ffmpeg-audio, whisper-cli, llama-server) into build/AI, where the program looks for
-# them after ./run. Does nothing, quickly, when they are there. Needs ffmpeg, which scripts/setup.sh engines brings.
+# Brings the three helper programs (ffmpeg-audio, whisper-cli, llama-server) to where the program looks for them: from a
+# checkout into build/AI, installed into the user's own folder. Does nothing, quickly, when they are there.
+#
+#   engines.sh [FOLDER]    needs ffmpeg, which scripts/setup.sh engines brings, and, to unpack others, gcc and binutils
 #
 # Debian releases that package the recogniser and the language model's server have them installed. Older ones get them
-# unpacked from Debian's unstable suite into build/AI/engines, beside the libraries and the loader that they need: the
+# unpacked from Debian's unstable suite into FOLDER/engines, beside the libraries and the loader that they need: the
 # system's own packages and package lists are left alone. VERSIONS tells what was unpacked.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-folder=$PWD/build/AI
+cd "$(dirname "$(readlink -f "$0")")/.."
+folder=${XDG_DATA_HOME:-$HOME/.local/share}/lintora/AI
+[ ! -f CMakeLists.txt ] || folder=$PWD/build/AI
+folder=${1:-$folder}
 own=$folder/engines
 
 programs=(whisper-cli llama-server)

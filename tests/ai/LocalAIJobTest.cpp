@@ -126,6 +126,15 @@ TEST_F(Helpers, what_is_missing_is_named)
     EXPECT_THROW(job.run(helpers.file(u"gone"_s), {}, helpers.file(u"tmp"_s)), PlatformError);
 }
 
+TEST_F(Helpers, those_in_the_users_own_folder_are_found_too)
+{
+    qunsetenv("VELMORA_SUBTITLE_HELPERS");
+    const QDir own(QDir::homePath() + u"/.local/share/lintora/AI"_s);
+    ASSERT_TRUE(own.mkpath(u"."_s));
+    ASSERT_TRUE(QFile::link(u"/bin/sh"_s, own.filePath(u"a-helper"_s)));
+    EXPECT_EQ(LocalModels::helper(u"a-helper"_s), own.filePath(u"a-helper"_s));
+}
+
 TEST_F(Helpers, a_cancelled_job_starts_nothing)
 {
     job.cancel();
