@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Brings in what is missing to build Lintora, and says so. Does nothing, quickly, when all is there.
 #
-#   scripts/setup.sh build|test|ci|bench|fuzz|engines …
+#   scripts/setup.sh build|test|ci|package|bench|fuzz|engines …
 set -euo pipefail
 
 debian_packages() {
@@ -10,6 +10,7 @@ debian_packages() {
     test) echo python3 libgtest-dev dbus-daemon fonts-noto-color-emoji gnome-keyring libgmock-dev locales openssl xauth xdotool xvfb xz-utils ;;
     engines) echo ffmpeg ;;
     ci) echo git clang clang-format clang-tidy ccache desktop-file-utils libgnustep-gui-dev libobjc-12-dev ;;
+    package) echo appstream debootstrap desktop-file-utils dpkg-dev fakeroot imagemagick librsvg2-bin lintian openbox xdotool xvfb ;;
     bench) echo libbenchmark-dev ;;
     fuzz) echo clang libclang-rt-14-dev ;;
     *) echo "setup: 不认识的用途：$1" >&2 && return 2 ;;
@@ -22,6 +23,7 @@ brew_packages() {
     test) echo python googletest xz ;;
     engines) echo ffmpeg whisper-cpp llama.cpp ;;
     ci) echo clang-format llvm ccache ;;
+    package) ;; # CPack and Qt's own tool do it
     bench) echo google-benchmark ;;
     fuzz) echo llvm ;;
     *) echo "setup: 不认识的用途：$1" >&2 && return 2 ;;
