@@ -117,7 +117,7 @@ say "removing"
 inside apt-get -qq purge --yes lintora >>"$evidence/apt.log" 2>&1
 [ -z "$(list_files | grep -i lintora)" ] || fail "left behind: $(list_files | grep -i lintora)"
 ! grep -rIl lintora "$tree"/usr/share/applications "$tree"/usr/share/mime "$tree"/var/lib/dpkg/info || fail "still registered"
-inside apt-get -qq autoremove --purge --yes >>"$evidence/apt.log" 2>&1
+inside apt-get -qq -o APT::AutoRemove::SuggestsImportant=false autoremove --purge --yes >>"$evidence/apt.log" 2>&1
 inside dpkg-query -W -f '${Package}\n' | sort | diff "$evidence/packages-before.txt" - || fail "packages stayed"
 list_files | diff "$evidence/before.txt" - >"$evidence/left.txt" || true
 say "done; what its libraries left behind: $(grep -c '^>' "$evidence/left.txt" || true) files, $evidence/left.txt"
