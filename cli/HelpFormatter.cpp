@@ -27,7 +27,8 @@ HelpFormatter::HelpFormatter()
 {
     for (const auto &[english, chinese] :
          {std::pair("Usage", "用法"), std::pair("OPTIONS", "选项"), std::pair("SUBCOMMAND", "命令"),
-          std::pair("Positionals", "参数"), std::pair("REQUIRED", "（必需）"), std::pair("TEXT", "文字")})
+          std::pair("Positionals", "参数"), std::pair("REQUIRED", "（必需）"), std::pair("TEXT", "文字"),
+          std::pair("Needs", "须同时有"), std::pair("Excludes", "不能同时有")})
         label(english, chinese);
 }
 

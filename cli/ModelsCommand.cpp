@@ -154,7 +154,7 @@ void addModels(CLI::App &app, Work &run)
 
     const auto action = [&](const char *name, const char *description, void (*work)(const ModelsArguments &)) {
         auto *const added = command->add_subcommand(name, description);
-        added->get_option("--help")->description("显示帮助");
+        added->group("命令")->get_option("--help")->description("显示帮助");
         added->final_callback([&run, arguments, work] { run = [arguments, work] { work(*arguments); }; });
         return added;
     };

@@ -24,7 +24,7 @@ void SpeechArguments::add(CLI::App &command)
         {"auto", SpeechLanguage::automatic}, {"zh", SpeechLanguage::chinese}, {"en", SpeechLanguage::english}};
     command.add_option("--language", language, "说的是哪种语言：auto（缺省）、zh 或 en")
         ->type_name("语言")
-        ->transform(CLI::CheckedTransformer(languages, CLI::ignore_case));
+        ->transform(CLI::CheckedTransformer(languages, CLI::ignore_case).description({}));
     auto *const id = command.add_option("--model", model, "语音模型（缺省为 speech；见 models）")
                          ->type_name("ID")
                          ->check(CLI::IsMember(modelIds()));

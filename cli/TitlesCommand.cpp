@@ -250,13 +250,13 @@ void addTitles(CLI::App &app, Work &run)
     addMany("--track-preset", arguments->trackPresets, "名称", "依次为各条 --track 的样式预设；缺省与第一条相同");
     command->add_option("--captions", arguments->captions, "生成 Final Cut Pro 的说明字幕而不是标题：itt 或 srt")
         ->type_name("itt|srt")
-        ->check(CLI::IsMember({"itt", "srt"}))
+        ->check(CLI::IsMember({"itt", "srt"}).description({}))
         ->take_last();
     addMany("--language", arguments->languages, "标签", "说明字幕的语言，例如 zh-Hans、en；每条字幕轨一个");
     command->add_flag("--skip-retimed", arguments->skipRetimed, "跳过位于变速片段上的字幕");
     command->add_option("--past-end", arguments->pastEnd, "超出项目时长的字幕：cut 截短，drop 跳过")
         ->type_name("cut|drop")
-        ->check(CLI::IsMember({"cut", "drop"}))
+        ->check(CLI::IsMember({"cut", "drop"}).description({}))
         ->take_last();
     arguments->output.addProgress(*command);
     arguments->style.add(*command);

@@ -91,7 +91,7 @@ void addTranslate(CLI::App &app, Work &run)
     command->add_option("--to", arguments->direction, "译为 en 或 zh")
         ->required()
         ->type_name("语言")
-        ->transform(CLI::CheckedTransformer(targets, CLI::ignore_case));
+        ->transform(CLI::CheckedTransformer(targets, CLI::ignore_case).description({}));
     addText(*command, arguments, run);
     command->footer("示例：\n  lintora-cli translate 访谈.srt --to en -o 访谈-英文.srt\n\n"
                     "中断后再次运行同一命令，只翻译尚未完成的部分。");

@@ -3,7 +3,8 @@
 
 Every block "```sh run" of a page is run, in a folder of the page's own with the sample; "```sh run=1" ends with that
 status. A block "```text shown" behind it is what it prints; a line "…" in it stands for any lines. What is set in bold
-stands in the window's sources, and on the list for a Mac what is quoted. Every command on the page of commands exists.
+stands in the window's sources, and on the list for a Mac what is quoted. Every command on the page of commands exists,
+and its help is Chinese.
 """
 import pathlib
 import re
@@ -64,6 +65,10 @@ def check_names(page, literals):
 def check_commands():
     help_text = subprocess.run([cli, "--help"], text=True, capture_output=True, check=True).stdout
     commands = set(re.findall(r"^  ([a-z-]+) {2,}", help_text.split("\n命令:\n")[1], re.MULTILINE))
+    for command in commands:
+        said = subprocess.run([cli, command, "--help"], text=True, capture_output=True, check=True).stdout
+        if foreign := re.findall(r"Needs|Excludes|Subcommands|Positionals|REQUIRED|->| in \[", said):
+            failures.append(f"{command} --help: {foreign}")
     page = docs / "guide" / "command-line.md"
     rows = [line.split("|")[1] for line in page.read_text().splitlines() if line.startswith("| `")]
     told = set(re.findall(r"`([a-z-]+)`", "".join(rows)))
