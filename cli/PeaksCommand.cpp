@@ -73,7 +73,7 @@ void addPeaks(CLI::App &app, Work &run)
     const auto arguments = std::make_shared<PeaksArguments>();
     arguments->sound.add(*command);
     command->add_option("--per-second", arguments->perSecond, "每秒几段（缺省 20，最多 200）")
-        ->check(CLI::Range(1, finest))
+        ->check(CLI::Range(1, finest).description("1-200"))
         ->type_name("N");
     arguments->output.addJson(*command);
     arguments->output.addProgress(*command);

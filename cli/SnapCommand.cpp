@@ -72,7 +72,7 @@ void addSnap(CLI::App &app, Work &run)
     arguments->sound.add(*command);
     arguments->output.addPath(*command);
     command->add_option("--within", arguments->withinMS, "最多移动多少毫秒（缺省 200，最多 1000）")
-        ->check(CLI::Range(qint64(1), CueSnapping::furthestMS))
+        ->check(CLI::Range(qint64(1), CueSnapping::furthestMS).description("1-1000"))
         ->type_name("MS");
     command->add_option("--rate", arguments->rate, "帧率：新的时间落在整帧上（缺省 30）")->type_name("帧率");
     arguments->output.addJson(*command);

@@ -111,6 +111,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     connect(&model, &LintoraModel::previousItemsChanged, this, &LintoraPanel::followCues);
     connect(&model.cueTools(), &CueTools::toolChanged, this, &LintoraPanel::followTools);
     connect(&model.fileRepairing(), &FileRepairing::shownChanged, this, &LintoraPanel::followTools);
+    connect(&model.titleWriting(), &TitleWriting::shownChanged, this, &LintoraPanel::followTools);
     connect(&model.scriptSpeech(), &ScriptSpeech::done, this, [this] {
         // What is to be looked at now are the cues, the unsure ones first.
         bringCue(m_model.suspects().next(-1).value_or(0));

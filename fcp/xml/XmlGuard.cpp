@@ -97,6 +97,24 @@ private:
     int m_attributes = 0;
 };
 
+/// The same of a text of one byte a character: only where two "<" lie far apart is there anything to be counted.
+bool hasOverlongTagOfBytes(QByteArrayView bytes)
+{
+    constexpr qsizetype shortest = mostAttributes * 4; // a='' each
+    for (qsizetype begin = 0, next = 0; begin < bytes.size(); begin = next) {
+        next = bytes.indexOf('<', begin + 1);
+        if (next < 0)
+            next = bytes.size();
+        if (next - begin <= shortest)
+            continue;
+        TagScanner scanner;
+        const QByteArrayView between = bytes.sliced(begin, next - begin);
+        if (!std::all_of(between.begin(), between.end(), [&](char c) { return scanner.take(c); }))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 bool mentionsEntity(QByteArrayView bytes)
@@ -118,13 +136,14 @@ bool hasOverlongTag(QByteArrayView bytes)
         constexpr qsizetype harmless = 64 * 1024;
         return bytes.size() > harmless;
     }
+    if (encoding.width == 1)
+        return hasOverlongTagOfBytes(bytes);
     TagScanner scanner;
     const auto isZero = [](char c) { return c == '\0'; };
     for (qsizetype i = 0; i + encoding.width <= bytes.size(); i += encoding.width) {
         const QByteArrayView unit = bytes.sliced(i, encoding.width);
         const char low = unit[encoding.position];
-        const bool isPlain = encoding.width == 1 ||
-                             std::count_if(unit.begin(), unit.end(), isZero) == encoding.width - (low == '\0' ? 0 : 1);
+        const bool isPlain = std::count_if(unit.begin(), unit.end(), isZero) == encoding.width - (low == '\0' ? 0 : 1);
         if (!scanner.take(isPlain ? low : 'x'))
             return true;
     }

@@ -27,8 +27,8 @@ TEST(MediaFiles, are_known_by_their_extension_in_any_case)
 
 TEST(MediaFiles, are_what_the_system_is_told_that_the_program_opens)
 {
-    const QString bundle = packaged(u"Info.plist.in"_s);
-    const QStringList entry = packaged(u"local.lintora.workflow.desktop"_s).split(u'\n').filter(u"MimeType="_s);
+    const QString bundle = packaged(u"macos/Info.plist.in"_s);
+    const QStringList entry = packaged(u"linux/local.lintora.workflow.desktop"_s).split(u'\n').filter(u"MimeType="_s);
     ASSERT_EQ(entry.size(), 1);
     const QStringList types = entry.first().sliced(9).split(u';');
     for (const QString &extension : MediaFiles::extensions()) {
@@ -36,7 +36,7 @@ TEST(MediaFiles, are_what_the_system_is_told_that_the_program_opens)
         const QMimeType type = QMimeDatabase().mimeTypeForFile(u"a."_s + extension, QMimeDatabase::MatchExtension);
         const QStringList names = QStringList{type.name()} + type.aliases();
         // What the system has no type for has one of ours.
-        if (packaged(u"local.lintora.workflow.xml"_s).contains(u"\"*.%1\""_s.arg(extension)))
+        if (packaged(u"linux/local.lintora.workflow.xml"_s).contains(u"\"*.%1\""_s.arg(extension)))
             continue;
         EXPECT_TRUE(std::ranges::any_of(names, [&](const QString &name) { return types.contains(name); }))
             << extension.toStdString() << " is " << names.join(u' ').toStdString();

@@ -40,7 +40,7 @@ protected:
     using SmallModel::test;
 
     const AISettingsSheet *sheet() const { return panel->findChild<AISettingsSheet *>(); }
-    const AIChoices &choices() const { return model.aiSettings().choices(); }
+    const AIChoices &choices() { return model.aiSettings().choices(); }
     QLineEdit *field(const QString &name) const { return find<QLineEdit>(name); }
 
     void open(Tab tab)

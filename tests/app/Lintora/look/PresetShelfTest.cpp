@@ -60,7 +60,7 @@ protected:
         return model.failure().value_or(model.message());
     } ///< As the window's status line has it.
 
-    QStringList names() const
+    QStringList names()
     {
         QStringList names;
         for (const SubtitleStylePreset &each : model.stylePresets().all())
