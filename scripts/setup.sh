@@ -6,8 +6,8 @@ set -euo pipefail
 
 debian_packages() {
     case $1 in
-    build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-translations-l10n libxml2-dev libicu-dev libopencc-dev libcli11-dev libssl-dev qtkeychain-qt6-dev libsecret-1-0 fonts-noto-cjk ;;
-    test) echo python3 libgtest-dev dbus-daemon fonts-noto-color-emoji gnome-keyring libgmock-dev locales openssl xauth xdotool xvfb xz-utils ;;
+    build) echo g++ cmake ninja-build pkg-config qt6-base-dev qt6-multimedia-dev qt6-translations-l10n libxml2-dev libicu-dev libopencc-dev libcli11-dev libssl-dev qtkeychain-qt6-dev libsecret-1-0 gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav fonts-noto-cjk ;;
+    test) echo python3 libgtest-dev dbus-daemon pulseaudio fonts-noto-color-emoji gnome-keyring libgmock-dev locales openssl xauth xdotool xvfb xz-utils ;;
     engines) echo ffmpeg ;;
     ci) echo git clang clang-format clang-tidy ccache desktop-file-utils libgnustep-gui-dev libobjc-12-dev ;;
     package) echo appstream debootstrap desktop-file-utils dpkg-dev fakeroot imagemagick librsvg2-bin lintian openbox xdotool xvfb ;;

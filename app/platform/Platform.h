@@ -79,6 +79,9 @@ bool offersAppearance();
 /// The user's settings. Sees no keys but its own.
 std::unique_ptr<QSettings> settings();
 
+/// Chooses what media are played by, where there is a choice and the user has not made it. Before there are threads.
+void chooseMediaFramework();
+
 /// Logs what is worth a line in the system's log even when nobody looks for errors. Every word of it can be read by
 /// others: no text of the user's.
 void log(const QLoggingCategory &category, const QString &line);

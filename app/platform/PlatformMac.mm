@@ -167,6 +167,11 @@ std::unique_ptr<QSettings> settings()
     return settings;
 }
 
+void chooseMediaFramework()
+{
+    // The system's own is the one that there is.
+}
+
 void log(const QLoggingCategory &category, const QString &line)
 {
     // Qt hands warnings to the unified log at its default level, and notes at one that is not kept. The subsystem is

@@ -99,6 +99,14 @@ std::unique_ptr<QSettings> settings()
                                        QSettings::IniFormat);
 }
 
+void chooseMediaFramework()
+{
+    // The other one shows no picture where there is no audio device.
+    constexpr auto variable = "QT_MEDIA_BACKEND";
+    if (!qEnvironmentVariableIsSet(variable))
+        qputenv(variable, "gstreamer");
+}
+
 void log(const QLoggingCategory &category, const QString &line)
 {
     qCInfo(category).noquote() << line;

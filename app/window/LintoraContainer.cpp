@@ -1,5 +1,6 @@
 #include "app/window/LintoraContainer.h"
 
+#include "app/platform/Platform.h"
 #include "app/window/SingleInstance.h"
 #include "core/ConversionError.h"
 #include "core/Translations.h"
@@ -83,6 +84,7 @@ int main(int argc, char **argv, LintoraApplicationDelegate::PanelFactory panel)
     describeProgram();
     if (isQuestion(argc, argv))
         answer(argc, argv);
+    Platform::chooseMediaFramework();
     const QApplication application(argc, argv);
     describeApplication();
     QTranslator translator;

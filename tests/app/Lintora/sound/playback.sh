@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Playback without an audio device, then with one that nobody hears.
+#
+#   playback.sh PLAYBACK_TESTS
+set -euo pipefail
+for program in ffmpeg pulseaudio; do
+    command -v "$program" >/dev/null || { echo "$program 未安装，跳过" && exit 77; }
+done
+gst=$(find /usr/lib -name libgstlibav.so -print -quit)
+[ -n "$gst" ] || { echo "gstreamer1.0-libav 未安装，跳过" && exit 77; }
+
+home=$(mktemp -d)
+trap 'rm -rf "$home"' EXIT
+export HOME=$home XDG_RUNTIME_DIR=$home/run QT_QPA_PLATFORM=offscreen
+unset PULSE_SERVER DBUS_SESSION_BUS_ADDRESS
+mkdir -m 700 "$XDG_RUNTIME_DIR"
+"$1"
+
+trap 'pulseaudio --kill || true; rm -rf "$home"' EXIT
+pulseaudio --daemonize=yes --exit-idle-time=-1 -n -L "module-null-sink sink_name=null" -L "module-native-protocol-unix" 2>/dev/null
+LINTORA_NULL_SINK=1 "$1"
