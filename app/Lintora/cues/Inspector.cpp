@@ -103,13 +103,35 @@ void Inspector::resizeEvent(QResizeEvent * /*event*/)
     shapePreview();
 }
 
+void Inspector::showPicture(const QImage &picture, qint64 ms)
+{
+    m_picture = picture;
+    m_pictureMS = ms;
+    const bool isCue = m_cue && *m_cue < m_cues.rowCount();
+    updatePreview(isCue ? &m_cues.cue(*m_cue) : nullptr);
+}
+
+void Inspector::setPlaying(bool isPlaying)
+{
+    m_isPlaying = isPlaying;
+    showPicture(m_picture, m_pictureMS);
+}
+
+void Inspector::updatePreview(const Subtitle *cue)
+{
+    const bool isThen = cue && cue->start <= m_pictureMS && m_pictureMS < cue->end;
+    const bool hasPicture = !m_picture.isNull() && (isThen || m_isPlaying || !cue);
+    m_preview->setBackdrop(hasPicture ? m_picture : QImage());
+    m_preview->show(cue && (isThen || !hasPicture) ? cue->text : QString(), m_model.pictured());
+}
+
 void Inspector::update()
 {
     if (!m_cue || *m_cue >= m_cues.rowCount()) {
         m_numbers->setText(u"选中一条字幕，查看时长与画面"_s);
         m_gap->clear();
         m_warnings->clear();
-        m_preview->show({}, m_model.pictured());
+        updatePreview(nullptr);
         return;
     }
     const Subtitle &cue = m_cues.cue(*m_cue);
@@ -121,5 +143,5 @@ void Inspector::update()
     QPalette palette = m_warnings->palette();
     palette.setColor(QPalette::WindowText, VELTheme::colors(*this).warning);
     m_warnings->setPalette(palette);
-    m_preview->show(cue.text, m_model.pictured());
+    updatePreview(&cue);
 }

@@ -18,16 +18,26 @@ public:
 
     void show(std::optional<int> cue); ///< Absent: none.
 
+    /// What is to be seen of the medium at that time; null: nothing. The cue's title lies over it where the cue is
+    /// shown then. Where it is not, the picture is seen alone while the medium plays, and the title alone while it
+    /// stands.
+    void showPicture(const QImage &picture, qint64 ms);
+    void setPlaying(bool isPlaying);
+
 protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     void update();
+    void updatePreview(const Subtitle *cue);
     void shapePreview();
 
     LintoraModel &m_model;
     CueTableModel &m_cues;
     std::optional<int> m_cue;
+    QImage m_picture; ///< Of the medium at ...
+    qint64 m_pictureMS = 0;
+    bool m_isPlaying = false;
     TitlePreview *m_preview;
     ElidedLabel *m_numbers;
     ElidedLabel *m_gap;

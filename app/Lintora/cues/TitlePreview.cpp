@@ -43,8 +43,23 @@ Options TitlePreview::shownPart()
     return part;
 }
 
+void TitlePreview::setBackdrop(const QImage &picture)
+{
+    if (picture.isNull() && m_backdrop.isNull())
+        return;
+    m_backdrop = picture;
+    drawSoon();
+}
+
 void TitlePreview::draw()
 {
+    if (!m_backdrop.isNull()) {
+        TitlePicture::drawInto(picture(), text(), options(), size() * devicePixelRatio(),
+                               {.kind = TitleBackdrop::Kind::still, .still = m_backdrop}, TitlePicture::Guides::none,
+                               measure());
+        picture().setDevicePixelRatio(devicePixelRatio());
+        return;
+    }
     // The measure is the document's: lines break as they do there, whatever part of the frame is shown.
     TitlePicture::drawInto(picture(), text(), shownPart(), size() * devicePixelRatio(), {}, TitlePicture::Guides::none,
                            measure());
