@@ -84,11 +84,15 @@ describe_engines() {
 }
 
 describe_data() {
-    local data="$HOME/Library/Application Support/Lintora" file
-    for file in Draft.json StylePresets.json Glossary.csv FontIndex.json; do
-        [ ! -f "$data/$file" ] || echo "$file $(wc -c <"$data/$file") 字节"
-    done
-    echo "最近的字幕 $(find "$data/Recent" -type f 2>/dev/null | wc -l) 份，无法读取而移开的草稿 $(find "$data" -maxdepth 1 -name 'Draft-unreadable*' 2>/dev/null | wc -l) 份"
+    local data="$HOME/Library/Application Support/Lintora" entry
+    # The program's own names; what lies inside the folders is named by the user.
+    for entry in "$data"/*; do
+        if [ -d "$entry" ]; then
+            echo "${entry##*/}/ $(find "$entry" -type f | wc -l) 个文件，$(du -sk "$entry" | cut -f 1) KB"
+        elif [ -f "$entry" ]; then
+            echo "${entry##*/} $(wc -c <"$entry") 字节"
+        fi
+    done | sed -n '/^[A-Za-z0-9.-]*\/\{0,1\} /p'
     df -k "$HOME" | awk 'NR == 2 { print "可用空间 " $4 " KB" }'
 }
 

@@ -20,6 +20,8 @@ END
 cat >"$HOME/Library/Application Support/Lintora/Draft.json" <<'END'
 {"items":[{"id":1,"start":40,"end":900,"text":"绝密 \"Zebra\":台词"}],"source":"Zebra.srt","options":{"font":"Zebra"}}
 END
+mkdir "$HOME/Library/Application Support/Lintora/Recent"
+echo 台词 >"$HOME/Library/Application Support/Lintora/Recent/20261122 绝密.json"
 "$folder/scripts/report.sh" -o "$folder/report" 台词.srt 项目.fcpxml 有错.fcpxml 坏的.fcpxml 没有.srt >/dev/null
 
 failures=0
@@ -27,7 +29,7 @@ for secret in 绝密 Zebra 13800138000 机密 王小明 台词 欢迎 助手 落
     ! grep -nF "$secret" "$folder/report" || { echo "failed: tells $secret"; failures=1; }
 done
 for told in "$("$2" --version)" '00:00:06,000 --> 00:00:08,960' '<title name=' 'offset="13/25s"' 'duration="10/25s"' '{"items":[{"id":1,"start":40' \
-    '"rule":"dtd.required"' '字字 xxxxx' 00000000000 读不到; do
+    '"rule":"dtd.required"' '字字 xxxxx' 00000000000 'Recent/ 1 个文件' 读不到; do
     grep -qF -- "$told" "$folder/report" || { echo "failed: does not tell $told"; failures=1; }
 done
 exit $failures
