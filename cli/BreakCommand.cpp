@@ -80,10 +80,10 @@ void addBreak(CLI::App &app, Work &run)
     Arguments::addCues(*command, arguments->input);
     arguments->output.addPath(*command);
     command->add_option("--width", arguments->columns, "每行宽度，以全角字计，半角算半个（缺省 16；竖屏宜用 10）")
-        ->check(CLI::Range(1, 1'000).description("1-1000"))
+        ->check(CLI::Range(1, 1'000))
         ->type_name("列");
     command->add_option("--lines", arguments->lines, "每条字幕的行数（缺省 1）；与 --inside 一起时指出放不下的字幕")
-        ->check(CLI::Range(1, 100).description("1-100"))
+        ->check(CLI::Range(1, 100))
         ->type_name("行");
     command->add_option("--rate", arguments->rate, "帧率：新的时间落在整帧上（缺省 30）")->type_name("帧率");
     command->add_flag("--inside", arguments->inside, "不拆成几条，只在字幕内换行");

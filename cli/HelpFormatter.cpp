@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <regex>
 
 namespace {
 
@@ -36,7 +37,9 @@ std::string HelpFormatter::make_option(const CLI::Option *option, bool isPositio
 {
     // The library marks the negative form of a switch with the value it sets.
     const std::string name = CLI::detail::find_and_replace(make_option_name(option, isPositional), "{false}", "");
-    return line(name + make_option_opts(option), make_option_desc(option));
+    // And a range as "INT in [1 - 100]".
+    static const std::regex range(R"([A-Z]+ in \[(\S+) - (\S+)\])");
+    return line(name + std::regex_replace(make_option_opts(option), range, "$1-$2"), make_option_desc(option));
 }
 
 std::string HelpFormatter::make_subcommand(const CLI::App *command) const

@@ -152,7 +152,7 @@ void addTime(CLI::App &app, Work &run)
         ->check(Arguments::notEmpty);
     arguments->output.addPath(*command);
     command->add_option("--width", arguments->columns, "每条宽度，以全角字计，半角算半个（缺省 16；竖屏宜用 10）")
-        ->check(CLI::Range(1, 1'000).description("1-1000"))
+        ->check(CLI::Range(1, 1'000))
         ->type_name("列");
     command->add_option("--rate", arguments->rate, "帧率：时间落在整帧上（缺省为项目的帧率，否则 30）")
         ->type_name("帧率");
