@@ -1,28 +1,31 @@
 #include "fcp/Rational.h"
 
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace {
 
 __extension__ using Wide = __int128;
 
+/// Whether a number that is not negative fits the processor's own arithmetic, which is many times as fast.
+bool isNarrow(Wide number)
+{
+    return number <= std::numeric_limits<quint64>::max();
+}
+
 /// Of two numbers that are not negative.
 Wide greatestCommonDivisor(Wide a, Wide b)
 {
-    // Most values fit the processor's own division, which is several times as fast.
-    constexpr Wide narrow = std::numeric_limits<quint64>::max();
-    while (b != 0) {
-        if (a <= narrow && b <= narrow) {
-            auto x = static_cast<quint64>(a);
-            auto y = static_cast<quint64>(b);
-            while (y != 0)
-                x = std::exchange(y, x % y);
-            return x;
-        }
+    while (b != 0 && !(isNarrow(a) && isNarrow(b)))
         a = std::exchange(b, a % b);
-    }
-    return a;
+    return b == 0 ? a : Wide(std::gcd(static_cast<quint64>(a), static_cast<quint64>(b)));
+}
+
+/// Of two numbers that are not negative, the second above 0.
+Wide quotient(Wide a, Wide b)
+{
+    return isNarrow(a) && isNarrow(b) ? Wide(static_cast<quint64>(a) / static_cast<quint64>(b)) : a / b;
 }
 
 struct Digits
@@ -109,6 +112,8 @@ Rational Rational::operator-() const
 
 Rational operator+(const Rational &a, const Rational &b)
 {
+    if (a.m_denominator == b.m_denominator) // as on one grid
+        return Rational::reduce(Wide(a.m_numerator) + b.m_numerator, a.m_denominator);
     return Rational::reduce(Wide(a.m_numerator) * b.m_denominator + Wide(b.m_numerator) * a.m_denominator,
                             Wide(a.m_denominator) * b.m_denominator);
 }
@@ -139,15 +144,17 @@ Rational Rational::reduce(Wide numerator, Wide denominator)
         numerator = -numerator;
         denominator = -denominator;
     }
-    const Wide divisor = greatestCommonDivisor(numerator < 0 ? -numerator : numerator, denominator);
-    numerator /= divisor;
-    denominator /= divisor;
+    const bool isNegative = numerator < 0;
+    Wide size = isNegative ? -numerator : numerator;
+    const Wide divisor = greatestCommonDivisor(size, denominator);
+    size = quotient(size, divisor);
+    denominator = quotient(denominator, divisor);
     // The smallest 64-bit number has no positive counterpart and is left out.
     constexpr Wide largest = std::numeric_limits<qint64>::max();
-    if (numerator > largest || numerator < -largest || denominator > largest)
+    if (size > largest || denominator > largest)
         throw RationalOverflow();
     Rational result;
-    result.m_numerator = static_cast<qint64>(numerator);
+    result.m_numerator = static_cast<qint64>(isNegative ? -size : size);
     result.m_denominator = static_cast<qint64>(denominator);
     return result;
 }

@@ -57,7 +57,7 @@ qint64 laneOf(const xmlNode *element)
 
 std::optional<Rational> readTime(const xmlNode *element, QByteArrayView attribute, Rational absent)
 {
-    const auto text = Xml::attribute(element, attribute);
+    const auto text = Xml::attributeView(element, attribute);
     return text ? Rational::parseTime(*text) : std::optional(absent);
 }
 
@@ -103,7 +103,7 @@ std::optional<Rational> TextWalk::length(const xmlNode *element)
         const xmlNode *const picked = Xml::firstElement(element->children);
         return picked ? length(picked) : std::nullopt;
     }
-    if (const auto text = Xml::attribute(element, "duration"))
+    if (const auto text = Xml::attributeView(element, "duration"))
         return Rational::parseTime(*text);
     const xmlNode *const resource = m_resources.find(element, "ref");
     if (!resource)
@@ -127,7 +127,7 @@ void TextWalk::visitItems(const xmlNode *parent, const Rational &begin, const Pl
         if (kindOf(item) == Kind::other)
             continue;
         Place here = place;
-        if (const auto text = Xml::attribute(item, "offset")) {
+        if (const auto text = Xml::attributeView(item, "offset")) {
             const auto stated = Rational::parseTime(*text);
             known = stated.has_value();
             offset = stated.value_or(0);
@@ -148,7 +148,7 @@ void TextWalk::visit(const xmlNode *element, const Rational &offset, Place place
     if (++m_visits > mostVisits || ++place.nesting > deepestNesting)
         throw ConversionError(u"项目中的复合片段展开后过多，无法读取其中的字幕。"_s);
     const Kind kind = kindOf(element);
-    if (Xml::attribute(element, "enabled") == "0")
+    if (Xml::attributeView(element, "enabled") == "0")
         hide(place.obstacle, kind == Kind::text ? u"已停用" : u"所在片段已停用");
     if (const qint64 lane = laneOf(element))
         place.lane = lane;
@@ -207,7 +207,7 @@ void TextWalk::visitContent(const xmlNode *element, const TimeMap &own, const Pl
 {
     const Kind kind = kindOf(element);
     Place content = inside(element, own, place);
-    if (Xml::attribute(element, "srcEnable") == "audio")
+    if (Xml::attributeView(element, "srcEnable") == "audio")
         hide(content.obstacle, u"所在片段的画面已关闭");
     if (kind == Kind::compound)
         visitCompound(element, content);

@@ -305,25 +305,30 @@ QByteArrayView elementName(const xmlNode *node)
     return node->type == XML_ELEMENT_NODE && !node->ns ? QByteArrayView(plainChars(node->name)) : QByteArrayView();
 }
 
-std::optional<QByteArray> attribute(const xmlNode *element, QByteArrayView name)
+std::optional<QByteArrayView> attributeView(const xmlNode *element, QByteArrayView name)
 {
     for (const xmlAttr *each = element->properties; each; each = each->next) {
         if (each->ns || QByteArrayView(plainChars(each->name)) != name)
             continue;
         // One text node, for documents that refer to entities are refused.
-        return each->children ? QByteArray(plainChars(each->children->content)) : QByteArray("");
+        return each->children ? QByteArrayView(plainChars(each->children->content)) : QByteArrayView("");
     }
     return std::nullopt;
 }
 
+std::optional<QByteArray> attribute(const xmlNode *element, QByteArrayView name)
+{
+    const auto view = attributeView(element, name);
+    return view ? std::optional(view->toByteArray()) : std::nullopt;
+}
+
 std::optional<qint64> integerAttribute(const xmlNode *element, QByteArrayView name)
 {
-    const auto text = attribute(element, name);
+    const auto text = attributeView(element, name);
     if (!text)
         return std::nullopt;
     // from_chars takes neither blanks nor a plus, which the form allows once.
-    const QByteArrayView digits =
-        text->startsWith('+') && !text->startsWith("+-") ? QByteArrayView(*text).sliced(1) : *text;
+    const QByteArrayView digits = text->startsWith('+') && !text->startsWith("+-") ? text->sliced(1) : *text;
     qint64 value = 0;
     const auto [stop, error] = std::from_chars(digits.begin(), digits.end(), value);
     return error == std::errc() && stop == digits.end() ? std::optional(value) : std::nullopt;

@@ -85,6 +85,9 @@ QByteArrayView elementName(const xmlNode *node);
 
 std::optional<QByteArray> attribute(const xmlNode *element, QByteArrayView name);
 
+/// The same without a copy: valid as long as the attribute stays as it is.
+std::optional<QByteArrayView> attributeView(const xmlNode *element, QByteArrayView name);
+
 /// The attribute as a decimal integer: an optional sign and digits, within 64 bits. Absent when it is missing or
 /// anything else.
 std::optional<qint64> integerAttribute(const xmlNode *element, QByteArrayView name);
