@@ -1,5 +1,7 @@
 #include "app/Lintora/sound/device/QtMediaDevice.h"
 
+#include "app/Lintora/sound/device/FramePicture.h"
+
 #include <QAudioDevice>
 #include <QMediaDevices>
 #include <QUrl>
@@ -180,5 +182,5 @@ void QtMediaDevice::showNewest()
 {
     const QVideoFrame frame = std::exchange(m_newest, {});
     if (frame.isValid())
-        m_listener.framed(frame.toImage(), frame.startTime() / microsecondsOfMS);
+        m_listener.framed(FramePicture::of(frame), frame.startTime() / microsecondsOfMS);
 }
