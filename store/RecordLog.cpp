@@ -10,6 +10,8 @@
 #include <QFileInfo>
 #include <QtEndian>
 
+#include <sys/file.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -31,9 +33,7 @@ QByteArray checkOf(QByteArrayView before, QByteArrayView content)
 RecordLog::RecordLog(const QString &path)
     : m_file(path)
     , m_lock(path + u".lock"_s)
-{
-    m_lock.setStaleLockTime(0); // not by age: as long as its owner runs
-}
+{}
 
 QList<QByteArray> RecordLog::open()
 {
@@ -101,13 +101,21 @@ void RecordLog::sync()
 void RecordLog::discard()
 {
     m_file.close();
-    if (m_lock.isLocked() && m_file.exists() && !m_file.remove())
+    if (m_lock.isOpen() && m_file.exists() && !m_file.remove())
         QFile::resize(m_file.fileName(), 0);
 }
 
 bool RecordLog::takeLock()
 {
-    return m_lock.isLocked() || m_lock.tryLock(0);
+    if (m_lock.isOpen())
+        return true;
+    // Opening what is no regular file, a pipe for instance, might wait forever.
+    const QFileInfo file(m_lock.fileName());
+    if ((file.exists() && !file.isFile()) || !m_lock.open(QIODevice::ReadWrite))
+        return false;
+    if (flock(m_lock.handle(), LOCK_EX | LOCK_NB) != 0)
+        m_lock.close();
+    return m_lock.isOpen();
 }
 
 void RecordLog::reopen()

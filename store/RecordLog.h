@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QFile>
 #include <QList>
-#include <QLockFile>
 
 /// A file of records that grows at its end, and tells after any crash which of them are whole.
 ///
@@ -17,7 +16,8 @@
 /// A record that is cut off, damaged, or not behind the one it was written behind ends the file: it and all that
 /// follows are cut off. So what is read is always a beginning of what was written.
 ///
-/// One program at a time has the file, by a lock beside it (".lock") that is void once its owner is gone.
+/// One program at a time has the file, by the kernel's lock on an empty file beside it (".lock"), which goes with its
+/// owner. On a file system without such locks nobody has it.
 ///
 /// Used by one thread at a time. A failed call leaves the object fit for discard() and begin() only.
 class RecordLog
@@ -52,7 +52,7 @@ private:
     QByteArray framed(const QList<QByteArray> &records);
 
     QFile m_file;
-    QLockFile m_lock;
+    QFile m_lock; ///< Open while the lock is ours.
     QByteArray m_check; ///< Of the last record.
     qint64 m_size = 0;
 };

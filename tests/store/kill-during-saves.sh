@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Kills a program that saves its draft without pause at random moments. Each time a complete draft must be there that
 # holds every change whose saving was reported as finished.
-# Usage: kill-during-saves.sh WRITER [MOMENTS]; WRITER DRAFT writes, WRITER --read DRAFT prints the newest change in it.
+# Usage: kill-during-saves.sh WRITER [MOMENTS [--typing]]; WRITER DRAFT writes, WRITER --read DRAFT prints the newest change
+# in it. WRITER --typing DRAFT reports every change when it is made, and the last but one must be there.
 set -euo pipefail
-writer=$1 moments=${2:-200}
+writer=$1 moments=${2:-200} typing=${3:-}
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 draft=$folder/Draft.json
@@ -11,9 +12,9 @@ present=0
 
 for ((moment = 1; moment <= moments; moment++)); do
     : >"$folder/saved"
-    "$writer" "$draft" >"$folder/saved" 2>"$folder/errors" &
+    "$writer" $typing "$draft" >"$folder/saved" 2>"$folder/errors" &
     pid=$!
-    sleep "0.$(printf '%03d' $((RANDOM % 120)))"
+    sleep "0.$(printf '%03d' $((RANDOM % (${typing:+300}+120))))"
     if ! kill -KILL "$pid" 2>/dev/null; then
         echo "moment $moment: the writer had ended: $(cat "$folder/errors")"
         exit 1
@@ -30,6 +31,7 @@ for ((moment = 1; moment <= moments; moment++)); do
         echo "moment $moment: the draft cannot be read"
         exit 1
     fi
+    [[ -n $saved && -n $typing ]] && saved=$((saved - 1))
     if ((found < ${saved:-0} || found < present)); then
         echo "moment $moment: the draft holds change $found, but change ${saved:-$present} was saved"
         exit 1

@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QThread>
 
 #include <cstdio>
 
@@ -50,26 +51,31 @@ bool isHistoryWhole(LintoraModel &model)
 
 /// model_editor DRAFT types into a session without end, like an editor in a hurry: the text of change N is N. Each line
 /// of its output is a number N: "the changes up to N have been saved". Ends only by a signal, or with 1 when the draft
-/// that is there was not taken up with its history. model_editor --read DRAFT prints the newest change that a start of
-/// the program finds, or ends with 1 as well.
+/// that is there was not taken up with its history.
+///
+/// model_editor --typing DRAFT does the same at the pace of a person, and says of every change that it was made.
+/// model_editor --read DRAFT prints the newest change that a start of the program finds, or ends with 1 as well.
 int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
     if (argc != 2 && argc != 3)
         return 2;
-    const QString draft = QFile::decodeName(argv[argc - 1]);
+    const QString &draft = arguments.last();
+    const bool isTyping = arguments.contains(u"--typing"_s);
     const bool isThere = QFile::exists(draft);
     LintoraModel model({.draftURL = draft,
                         .stylePresetsURL = draft + u".presets"_s,
                         .settings = std::make_shared<QSettings>(draft + u".ini"_s, QSettings::IniFormat)});
     if (isThere && (model.items().isEmpty() || !isHistoryWhole(model)))
         return 1;
-    if (argc == 3) {
+    if (arguments.contains(u"--read"_s)) {
         printNumber(newestChange(model.snapshot()));
         return 0;
     }
     if (!isThere)
         model.apply({.items = Generator(1).cues(2'000)});
+    model.saveDraft();
     for (qint64 change = newestChange(model.snapshot()) + 1;; ++change) {
         const qsizetype index = change % model.items().size();
         model.setText(index, QString::number(change));
@@ -79,9 +85,12 @@ int main(int argc, char **argv)
             model.redo();
         // Most changes come while a save is under way.
         Events::handle();
-        if (change % 20 != 0)
-            continue;
-        model.saveDraft();
-        printNumber(change);
+        if (isTyping) {
+            printNumber(change);
+            QThread::msleep(20);
+        } else if (change % 20 == 0) {
+            model.saveDraft();
+            printNumber(change);
+        }
     }
 }
