@@ -31,6 +31,7 @@
 #include "app/Lintora/tools/ScriptMatchWorkspace.h"
 #include "app/Lintora/tools/TimeShiftSheet.h"
 #include "app/Lintora/tools/TitleWritingSheet.h"
+#include "app/Lintora/tools/VersionsWorkspace.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -112,6 +113,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     connect(&model.cueTools(), &CueTools::toolChanged, this, &LintoraPanel::followTools);
     connect(&model.fileRepairing(), &FileRepairing::shownChanged, this, &LintoraPanel::followTools);
     connect(&model.titleWriting(), &TitleWriting::shownChanged, this, &LintoraPanel::followTools);
+    connect(&model.versions(), &Versions::shownChanged, this, &LintoraPanel::followTools);
     connect(&model.scriptSpeech(), &ScriptSpeech::done, this, [this] {
         // What is to be looked at now are the cues, the unsure ones first.
         bringCue(m_model.suspects().next(-1).value_or(0));
@@ -272,6 +274,7 @@ void LintoraPanel::followTools()
     showTool(m_script, CueTools::Tool::script);
     showSheet(m_repair, m_model.fileRepairing().isShown());
     showSheet(m_titleWriting, m_model.titleWriting().isShown());
+    showSheet(m_versions, m_model.versions().isShown());
 }
 
 /// A style is decided on the cue that is looked at.

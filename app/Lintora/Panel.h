@@ -22,6 +22,7 @@ class SpeechSheet;
 class StyleWorkspace;
 class TableHeading;
 class TimeShiftSheet;
+class VersionsWorkspace;
 class TranslateSheet;
 class UnifiedImportArea;
 
@@ -81,6 +82,7 @@ private:
     TitleWritingSheet *m_titleWriting = nullptr;
     TimeShiftSheet *m_times = nullptr;
     KeysSheet *m_keys = nullptr;
+    VersionsWorkspace *m_versions = nullptr;
     StyleWorkspace *m_style = nullptr;
     SpeechSheet *m_speech = nullptr;
     TranslateSheet *m_translate = nullptr;

@@ -81,6 +81,8 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     connect(&m_titleWriting, &TitleWriting::done, this, &LintoraModel::report);
     connect(&m_titleWriting, &TitleWriting::refused, this, refuse);
     connect(&m_session, &EditedSession::changed, &m_titleWriting, &TitleWriting::close);
+    connect(&m_versions, &Versions::done, this, &LintoraModel::report);
+    connect(&m_versions, &Versions::refused, this, refuse);
     connect(&m_fileRepairing, &FileRepairing::accepted, this, &LintoraModel::takeRepaired);
     connect(this, &LintoraModel::failureChanged, &m_fileRepairing, &FileRepairing::withdraw);
     connect(&m_link, &SessionLink::opened, this, [this] { report(source().isEmpty() ? QString() : u"已载入"_s); });

@@ -13,6 +13,7 @@
 #include "app/model/StylePresets.h"
 #include "app/model/TextTools.h"
 #include "app/model/TitleWriting.h"
+#include "app/model/Versions.h"
 #include "app/model/WindowState.h"
 #include "app/model/ai/AIServices.h"
 #include "app/model/ai/AISettings.h"
@@ -252,6 +253,7 @@ public:
     FileRepairing &fileRepairing() { return m_fileRepairing; }
     const FileRepairing &fileRepairing() const { return m_fileRepairing; }
     TitleWriting &titleWriting() { return m_titleWriting; }
+    Versions &versions() { return m_versions; }
     WindowState &window() { return m_window; }
     const WindowState &window() const { return m_window; }
     void showScriptMatch();
@@ -418,6 +420,7 @@ private:
     KeptProject m_keptProject;
     TitleWriting m_titleWriting;
     OwnTitles m_ownTitles;
+    Versions m_versions{m_session, m_owner, m_keeper.beside(QStringLiteral("Versions"))};
     Options m_pictured;
 
     // The tasks come last, so that they end first.
@@ -425,7 +428,7 @@ private:
     BackgroundTask m_export{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_keeping{BackgroundTask::Order::oneAfterAnother, BackgroundTask::Effect::writes};
     BackgroundTask m_tidying{BackgroundTask::Order::oneAfterAnother};
-    const std::array<BackgroundTask *, 11> m_tasks = {&m_import,
+    const std::array<BackgroundTask *, 12> m_tasks = {&m_import,
                                                       &m_export,
                                                       &m_scriptMatching.task(),
                                                       &m_cueTools.task(),
@@ -434,6 +437,7 @@ private:
                                                       &m_titleWriting.task(),
                                                       &m_titleWriting.files(),
                                                       &m_ownTitles.task(),
+                                                      &m_versions.task(),
                                                       &m_owner.task(),
                                                       &m_modelDownloads.task()}; ///< Those that are shown.
 };

@@ -31,6 +31,11 @@ SessionKeeper::SessionKeeper(const QString &draftURL, QObject *parent)
 
 SessionKeeper::~SessionKeeper() = default;
 
+QString SessionKeeper::beside(const QString &name) const
+{
+    return QFileInfo(m_draftURL).path() + u'/' + name;
+}
+
 std::optional<QString> SessionKeeper::sessionURL() const
 {
     return m_session ? std::optional(m_session->path()) : std::nullopt;

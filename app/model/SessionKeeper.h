@@ -18,6 +18,7 @@ public:
     ~SessionKeeper() override;
 
     const QString &draftURL() const { return m_draftURL; }
+    QString beside(const QString &name) const; ///< The path of that name in the draft's folder.
     std::optional<QString> sessionURL() const; ///< The file that is watched; absent while none is.
 
     /// Why the newest state is not in the draft, or not in the shared file; absent while all is well. In the platform's

@@ -167,6 +167,8 @@ void LintoraApplicationDelegate::buildMenus()
     recent->menuAction()->setMenuRole(QAction::ApplicationSpecificRole);
     connect(m_model.get(), &LintoraModel::recentSessionsChanged, recent, [this, recent] { followRecent(*recent); });
     followRecent(*recent);
+    addCommand(*application, u"历史版本…"_s, &LintoraApplicationDelegate::openVersions,
+               Qt::CTRL | Qt::SHIFT | Qt::Key_H);
     addExports(*application);
     addCommand(*application, u"翻译…"_s, &LintoraApplicationDelegate::openTranslation);
     addCommand(*application, u"AI 校对…"_s, &LintoraApplicationDelegate::openReview);
@@ -322,6 +324,12 @@ QAction *LintoraApplicationDelegate::addCommand(QMenu &menu, const QString &titl
 void LintoraApplicationDelegate::openSRT()
 {
     m_model->choose();
+}
+
+void LintoraApplicationDelegate::openVersions()
+{
+    if (keepTyped())
+        m_model->versions().show();
 }
 
 void LintoraApplicationDelegate::openFCP()

@@ -46,6 +46,7 @@ public:
 
     // Menu commands
     void openSRT();
+    void openVersions();
     void openFCP();
     void openSpeech();
     void openScriptMatch();

@@ -1,4 +1,4 @@
-#include "store/RecentSessions.h"
+#include "store/KeptSessions.h"
 
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
@@ -19,7 +19,7 @@ namespace {
 
 const QString timeForm = u"yyyyMMdd-HHmmsszzz"_s; // in UTC, so that names are in the order of time
 
-std::optional<RecentSessions::Entry> entryFor(const QString &folder, const QString &name)
+std::optional<KeptSessions::Entry> entryFor(const QString &folder, const QString &name)
 {
     static const QRegularExpression form(u"\\A([0-9]{8}-[0-9]{9}) (.+)\\.json\\z"_s);
     const QRegularExpressionMatch match = form.match(name);
@@ -27,7 +27,7 @@ std::optional<RecentSessions::Entry> entryFor(const QString &folder, const QStri
     if (!match.hasMatch() || !kept.isValid())
         return std::nullopt;
     kept.setTimeSpec(Qt::UTC);
-    return RecentSessions::Entry{.file = folder + u'/' + name, .title = match.captured(2), .kept = kept.toLocalTime()};
+    return KeptSessions::Entry{.file = folder + u'/' + name, .title = match.captured(2), .kept = kept.toLocalTime()};
 }
 
 bool holds(const QString &file, const QByteArray &bytes)
@@ -41,11 +41,12 @@ bool holds(const QString &file, const QByteArray &bytes)
 
 } // namespace
 
-RecentSessions::RecentSessions(QString folder)
+KeptSessions::KeptSessions(QString folder, Limits limits)
     : m_folder(std::move(folder))
+    , m_limits(limits)
 {}
 
-QList<RecentSessions::Entry> RecentSessions::list() const
+QList<KeptSessions::Entry> KeptSessions::list() const
 {
     QList<Entry> entries;
     const QStringList names = QDir(m_folder).entryList({u"*.json"_s}, QDir::Files, QDir::Name | QDir::Reversed);
@@ -56,7 +57,7 @@ QList<RecentSessions::Entry> RecentSessions::list() const
     return entries;
 }
 
-void RecentSessions::keep(const LintoraSession &session, const QString &title) const
+void KeptSessions::keep(const LintoraSession &session, const QString &title, const QDateTime &at) const
 {
     const QByteArray bytes = session.encoded();
     if (bytes.size() > LintoraSession::sizeLimit)
@@ -64,7 +65,7 @@ void RecentSessions::keep(const LintoraSession &session, const QString &title) c
     QDir().mkpath(m_folder);
     const QList<Entry> before = list();
     // After every other one, also when the clock was set back or two come in one millisecond.
-    QDateTime now = QDateTime::currentDateTimeUtc();
+    QDateTime now = at.toUTC();
     if (!before.isEmpty())
         now = std::max(now, before.first().kept.toUTC().addMSecs(1));
     // Names take 255 bytes; three for a Chinese character.
@@ -77,11 +78,16 @@ void RecentSessions::keep(const LintoraSession &session, const QString &title) c
     file.sync();
     file.commit(AtomicFile::Durability::powerCut);
 
-    qsizetype others = 0;
+    // Once one must go, all older ones do: what is left has no gap.
+    qsizetype count = 1;
+    qint64 size = bytes.size();
     for (const Entry &entry : before) {
-        const bool isSame = holds(entry.file, bytes);
-        others += isSame ? 0 : 1;
-        if (isSame || others >= most)
+        if (holds(entry.file, bytes)) {
+            QFile::remove(entry.file);
+            continue;
+        }
+        size += QFileInfo(entry.file).size();
+        if (++count > m_limits.count || size > m_limits.bytes)
             QFile::remove(entry.file);
     }
 }
