@@ -4,6 +4,7 @@
 #include "core/PlatformError.h"
 #include "core/text/SubtitleCleanup.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -14,6 +15,8 @@ const QString fillerWordsKey = u"fillerWords"_s;
 const QString pinnedKey = u"floatingPinned"_s;
 const QString expandedKey = u"expandedActionsLayout"_s;
 const QString inspectorKey = u"inspectorShown"_s;
+const QString stripShownKey = u"timingStripShown"_s;
+const QString stripHeightKey = u"timingStripHeight"_s;
 const QString appearanceKey = u"appearance"_s;
 const QString favoritesKey = u"favoriteFonts"_s;
 const QString recentKey = u"recentFonts"_s;
@@ -88,6 +91,26 @@ bool Preferences::inspectorShown() const
 void Preferences::setInspectorShown(bool shown)
 {
     m_settings->setValue(inspectorKey, shown);
+}
+
+bool Preferences::stripShown() const
+{
+    return SettingsValues::boolean(m_settings->value(stripShownKey)).value_or(false);
+}
+
+void Preferences::setStripShown(bool shown)
+{
+    m_settings->setValue(stripShownKey, shown);
+}
+
+int Preferences::stripHeight() const
+{
+    return std::max(0, m_settings->value(stripHeightKey).toInt());
+}
+
+void Preferences::setStripHeight(int points)
+{
+    m_settings->setValue(stripHeightKey, points);
 }
 
 QString Preferences::appearance() const

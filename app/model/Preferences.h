@@ -29,6 +29,12 @@ public:
     bool inspectorShown() const; ///< True when absent.
     void setInspectorShown(bool shown);
 
+    bool stripShown() const; ///< Whether the timing strip is unfolded. False when absent.
+    void setStripShown(bool shown);
+
+    int stripHeight() const; ///< Of the timing strip, in points; 0 when absent.
+    void setStripHeight(int points);
+
     QString appearance() const; ///< "light" or "dark", as it was chosen; empty when absent: the system's.
     void setAppearance(const QString &appearance);
 

@@ -23,6 +23,7 @@ WindowState::WindowState(Preferences &preferences, const CueOwnership &owner)
     , m_owner(owner)
     , m_pinned(preferences.floatingPinned())
     , m_inspectorShown(preferences.inspectorShown())
+    , m_stripShown(preferences.stripShown())
     , m_appearance(appearanceOf(preferences.appearance()))
 {
     connect(&owner, &CueOwnership::busyChanged, this, [this] {
@@ -47,6 +48,12 @@ void WindowState::setInspectorShown(bool shown)
 {
     m_preferences.setInspectorShown(shown);
     set(m_inspectorShown, shown, &WindowState::inspectorShownChanged);
+}
+
+void WindowState::setStripShown(bool shown)
+{
+    m_preferences.setStripShown(shown);
+    set(m_stripShown, shown, &WindowState::stripShownChanged);
 }
 
 void WindowState::setAppearance(Appearance appearance)

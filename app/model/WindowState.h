@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/model/PlayCommand.h"
 #include "app/model/Preferences.h"
 #include "app/model/ai/CueOwnership.h"
 
@@ -49,6 +50,9 @@ public:
     bool inspectorShown() const { return m_inspectorShown; } ///< Whether a cue's picture is shown. Kept between runs.
     void setInspectorShown(bool shown);
 
+    bool stripShown() const { return m_stripShown; } ///< Whether the timing strip is unfolded. Kept between runs.
+    void setStripShown(bool shown);
+
     Appearance appearance() const { return m_appearance; } ///< Kept between runs.
     void setAppearance(Appearance appearance);
 
@@ -81,6 +85,8 @@ public:
         QString keys; ///< As the system writes them.
     };
 
+    void play(PlayCommand command) { Q_EMIT playRequested(command); } ///< Asks for it, while the strip is shown.
+
     bool keysVisible() const { return m_keysVisible; } ///< The page that lists what every key does.
     void setKeysVisible(bool visible);
 
@@ -94,6 +100,8 @@ public:
 Q_SIGNALS:
     void pinnedChanged();
     void inspectorShownChanged();
+    void stripShownChanged();
+    void playRequested(PlayCommand command);
     void appearanceChanged();
     void fcpImportVisibleChanged();
     void settingsVisibleChanged();
@@ -112,6 +120,7 @@ private:
     const CueOwnership &m_owner;
     bool m_pinned;
     bool m_inspectorShown;
+    bool m_stripShown;
     Appearance m_appearance;
     bool m_fcpImportVisible = false;
     bool m_settingsVisible = false;

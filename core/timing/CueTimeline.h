@@ -28,6 +28,8 @@ public:
 
     const QList<Subtitle> &items() const { return m_items; }
 
+    qint64 end() const { return m_latestEnds.empty() ? 0 : m_latestEnds.back(); } ///< Of the last one. Milliseconds.
+
     /// Positions in the list of the cues that show at some time from `startMS` up to, not with, `endMS`; by start.
     QList<qsizetype> between(qint64 startMS, qint64 endMS) const;
 

@@ -83,6 +83,18 @@ QPainterPath star()
     return path;
 }
 
+/// A round that ends in an arrow.
+QPainterPath loop()
+{
+    QPainterPath path;
+    path.arcMoveTo(3, 3, 10, 10, 30);
+    path.arcTo(3, 3, 10, 10, 30, 300);
+    path.moveTo(12.6, 2.2);
+    path.lineTo(12.6, 5.6);
+    path.lineTo(9.2, 5.6);
+    return path;
+}
+
 QPainterPath pathOf(Glyph glyph)
 {
     QPainterPath path;
@@ -138,6 +150,26 @@ QPainterPath pathOf(Glyph glyph)
         path.addRoundedRect(2.5, 3, 11, 10, 1.5, 1.5);
         path.moveTo(2.5, 9.5);
         path.lineTo(13.5, 9.5);
+        return path;
+    case Glyph::play:
+        path.moveTo(5, 3);
+        path.lineTo(13, 8);
+        path.lineTo(5, 13);
+        path.closeSubpath();
+        return path;
+    case Glyph::stop:
+        for (const double x : {5.5, 10.5}) {
+            path.moveTo(x, 3.5);
+            path.lineTo(x, 12.5);
+        }
+        return path;
+    case Glyph::loop:
+        return loop();
+    case Glyph::sound:
+        for (const auto &[x, reach] : {std::pair(2.5, 1.5), {5.25, 4.0}, {8.0, 5.5}, {10.75, 3.0}, {13.5, 1.0}}) {
+            path.moveTo(x, 8 - reach);
+            path.lineTo(x, 8 + reach);
+        }
         return path;
     case Glyph::alert:
         path.moveTo(8, 3);

@@ -91,6 +91,10 @@ enum class Glyph
     waiting,   ///< Three dots.
     alert,     ///< An exclamation mark.
     inspector, ///< A window with its lower part marked.
+    play,
+    stop, ///< Two bars: it goes on from there.
+    loop,
+    sound, ///< Bars of different heights.
 };
 
 /// The sign in the colours of `widget`, whatever becomes of its appearance.
