@@ -2,6 +2,7 @@
 
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/cues/CueTable.h"
+#include "app/Lintora/sound/TransportKeys.h"
 
 #include <QGridLayout>
 #include <QScrollArea>
@@ -92,6 +93,9 @@ void KeysSheet::list()
     KeyGrid grid(*page);
     grid.addGroup(u"字幕列表"_s);
     for (const CueTable::Key &key : CueTable::keys())
+        grid.add(key.keys, key.what);
+    grid.addGroup(u"时间条显示时，在列表或时间条里"_s);
+    for (const TransportKeys::Key &key : TransportKeys::keys())
         grid.add(key.keys, key.what);
     QString menu;
     const auto &ask = m_model.window().menuKeys;

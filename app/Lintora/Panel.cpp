@@ -7,6 +7,7 @@
 #include "app/Lintora/ProjectTag.h"
 #include "app/Lintora/QuitQuestion.h"
 #include "app/Lintora/RecentList.h"
+#include "app/Lintora/SoundDesk.h"
 #include "app/Lintora/StatusLine.h"
 #include "app/Lintora/ai/AISettingsSheet.h"
 #include "app/Lintora/ai/ReviewSheet.h"
@@ -24,6 +25,7 @@
 #include "app/Lintora/drag/UnifiedImportArea.h"
 #include "app/Lintora/drag/WindowDrop.h"
 #include "app/Lintora/look/StyleWorkspace.h"
+#include "app/Lintora/sound/TimingStrip.h"
 #include "app/Lintora/tools/CleanupWorkspace.h"
 #include "app/Lintora/tools/CueToolWorkspace.h"
 #include "app/Lintora/tools/FindReplaceWorkspace.h"
@@ -124,6 +126,7 @@ LintoraPanel::LintoraPanel(LintoraModel &model, QWidget *parent)
     connect(&model.window(), &WindowState::appearanceChanged, this, &LintoraPanel::dress);
     if (model.window().appearance() != WindowState::Appearance::system)
         dress();
+    foldInspector();
     followCues();
     followSheets();
 }
@@ -149,9 +152,8 @@ QWidget *LintoraPanel::makeWorkspace()
     connect(editing, &EditingActions::restoreRequested, this, &LintoraPanel::confirmRestore);
     m_table = new CueTable(m_model, workspace);
     m_heading = new TableHeading(m_model, *m_table, workspace);
-    auto *const inspector = new Inspector(m_model, m_table->cues(), workspace);
-    connect(m_table, &CueTable::currentCueChanged, inspector,
-            [this, inspector] { inspector->show(m_table->currentCue()); });
+    m_inspector = new Inspector(m_model, m_table->cues(), workspace);
+    connect(m_table, &CueTable::currentCueChanged, m_inspector, [this] { m_inspector->show(m_table->currentCue()); });
     connect(m_table, &CueTable::currentCueChanged, this, &LintoraPanel::showStyle);
     connect(m_table, &CueTable::timesRequested, this, &LintoraPanel::askForTimes);
 
@@ -167,12 +169,32 @@ QWidget *LintoraPanel::makeWorkspace()
     connect(heights, &HeightBar::keyboardFreed, this, &LintoraPanel::returnKeyboard);
     layout->addWidget(heights);
     layout->addWidget(m_table, 3);
-    layout->addWidget(inspector, 1);
-    const auto fold = [this, inspector] { inspector->setVisible(m_model.window().inspectorShown()); };
-    connect(&m_model.window(), &WindowState::inspectorShownChanged, inspector, fold);
-    fold();
+    m_sound = new SoundDesk(m_model, *m_table, workspace);
+    layout->addWidget(&m_sound->strip());
+    connect(m_sound, &SoundDesk::cueRequested, this, &LintoraPanel::bringCue);
+    connect(m_sound, &SoundDesk::keyboardFreed, this, &LintoraPanel::returnKeyboard);
+    layout->addWidget(m_inspector, 1);
+    connect(&m_model.window(), &WindowState::inspectorShownChanged, this, &LintoraPanel::foldInspector);
     layout->addWidget(new CardRow(m_model, mayAct, workspace));
     return workspace;
+}
+
+/// In a low window the picture makes room for the strip, and comes back when that is folded.
+void LintoraPanel::foldInspector()
+{
+    const bool isWanted = m_model.window().inspectorShown();
+    const int folded = m_inspector->isHidden() ? m_inspector->minimumHeight() + VELTheme::gap : 0;
+    const bool hasRoom = !m_model.window().stripShown() || layout()->minimumSize().height() + folded <= height();
+    m_inspector->setVisible(isWanted && hasRoom);
+}
+
+bool LintoraPanel::event(QEvent *event)
+{
+    const bool isHandled = QWidget::event(event);
+    const bool isMeasured = event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize;
+    if (isMeasured && m_inspector)
+        foldInspector();
+    return isHandled;
 }
 
 void LintoraPanel::followCues()

@@ -9,6 +9,7 @@ class CleanupWorkspace;
 class CueTable;
 class CueToolWorkspace;
 class FindReplaceWorkspace;
+class Inspector;
 class KeysSheet;
 class QuestionSheet;
 class QBoxLayout;
@@ -18,6 +19,7 @@ class TitleWritingSheet;
 class ReviewSheet;
 class ScriptMatchWorkspace;
 class Sheet;
+class SoundDesk;
 class SpeechSheet;
 class StyleWorkspace;
 class TableHeading;
@@ -40,6 +42,7 @@ public:
     CueTable &table() { return *m_table; }
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
@@ -50,6 +53,7 @@ private:
     void giveKeyboard(QWidget *widget);
     void returnKeyboard();
     void followSheets();
+    void foldInspector();
     void showStyle();
     void showFCPImport(bool visible);
     void bringCue(qsizetype cue);
@@ -70,6 +74,8 @@ private:
     bool m_isInUse = false;
     CueTable *m_table = nullptr;
     TableHeading *m_heading = nullptr;
+    SoundDesk *m_sound = nullptr;
+    Inspector *m_inspector = nullptr;
     Sheet *m_fcpImport = nullptr; ///< Made when it is needed first, as are the following.
     QuestionSheet *m_confirmation = nullptr;
     CleanupWorkspace *m_cleanup = nullptr;

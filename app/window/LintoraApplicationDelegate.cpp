@@ -2,6 +2,7 @@
 
 #include "app/fonts/FontCatalogue.h"
 #include "app/model/FCPPasteboard.h"
+#include "app/window/PlayMenu.h"
 #include "app/window/SystemFileDialogs.h"
 
 #include <QActionGroup>
@@ -194,6 +195,7 @@ void LintoraApplicationDelegate::buildMenus()
     const auto enableFind = [this, find] { find->setEnabled(!m_model->aiBusy()); };
     connect(m_model.get(), &LintoraModel::aiBusyChanged, find, enableFind);
     enableFind();
+    m_menuBar->addMenu(new PlayMenu(*m_model, m_menuBar));
 }
 
 /// A menu of what is done to the cues, while there are some.

@@ -340,5 +340,11 @@ void CueGrid::hideEvent(QHideEvent *event)
 
 void CueGrid::keyboardSearch(const QString & /*text*/)
 {
-    // Letters are no commands here, nor do they jump: the field above the table filters.
+    // Letters do not jump here: the field above the table filters.
+}
+
+QVariant CueGrid::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    // Nothing can be typed into the rows themselves: letters come as they are, whichever input method is on.
+    return query == Qt::ImEnabled ? QVariant(false) : QTableView::inputMethodQuery(query);
 }

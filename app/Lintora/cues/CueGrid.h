@@ -52,6 +52,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void keyboardSearch(const QString &text) override;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     void rowsAboutToBeRemoved(const QModelIndex &parent, int first, int last) override;
     void reset() override;

@@ -15,6 +15,7 @@ TableHeading::TableHeading(LintoraModel &model, CueTable &table, QWidget *parent
     , m_count(new QLabel(this))
     , m_warnings(Controls::quietButton(u"只看提醒"_s, this))
     , m_filter(new FilterField(this))
+    , m_strip(Controls::signButton(VELTheme::Glyph::sound, u"时间条"_s, this))
     , m_fold(Controls::signButton(VELTheme::Glyph::inspector, u"预览"_s, this))
 {
     constexpr int filterWidth = 36 * VELTheme::step;
@@ -35,13 +36,16 @@ TableHeading::TableHeading(LintoraModel &model, CueTable &table, QWidget *parent
     row->addWidget(m_count);
     row->addWidget(m_warnings);
     row->addWidget(m_filter);
+    row->addWidget(m_strip);
     row->addWidget(m_fold);
+    m_strip->setCheckable(true);
     m_fold->setCheckable(true);
 
     // As the eye goes: what the heading is about comes behind it, though it is there first.
     setTabOrder(tabs, m_warnings);
     setTabOrder(m_warnings, m_filter);
-    setTabOrder(m_filter, m_fold);
+    setTabOrder(m_filter, m_strip);
+    setTabOrder(m_strip, m_fold);
     setTabOrder(m_fold, &table);
 
     connect(m_warnings, &QPushButton::toggled, &table, &CueTable::setOnlyWarnings);
@@ -59,6 +63,13 @@ TableHeading::TableHeading(LintoraModel &model, CueTable &table, QWidget *parent
     };
     connect(&window, &WindowState::inspectorShownChanged, this, followFold);
     followFold();
+    connect(m_strip, &QToolButton::clicked, &window, &WindowState::setStripShown);
+    const auto followStrip = [this, &window] {
+        m_strip->setChecked(window.stripShown());
+        m_strip->setToolTip(window.stripShown() ? u"收起时间条（⌘T）"_s : u"展开时间条：波形与播放（⌘T）"_s);
+    };
+    connect(&window, &WindowState::stripShownChanged, this, followStrip);
+    followStrip();
     connect(&table, &CueTable::shownCuesChanged, this, &TableHeading::follow);
     connect(&model, &LintoraModel::loaded, this, &TableHeading::showAll); // what was looked for is of another session
     follow();

@@ -28,5 +28,6 @@ private:
     QLabel *m_count;
     QPushButton *m_warnings;
     FilterField *m_filter;
-    QToolButton *m_fold;
+    QToolButton *m_strip; ///< Unfolds the timing strip.
+    QToolButton *m_fold;  ///< Folds the picture.
 };

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/Lintora/sound/Player.h"
+#include "app/model/LintoraModel.h"
+
+class CueTable;
+class TimingStrip;
+
+/// What plays the sound, and how the table and the strip follow it and each other.
+class SoundDesk : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Both must live as long as this. The strip is made in `place`, where it is shown while the window is to show it;
+    /// the table then keeps room for some rows.
+    SoundDesk(LintoraModel &model, CueTable &table, QWidget *place);
+
+    TimingStrip &strip() { return *m_strip; }
+    Player &player() { return m_player; }
+
+Q_SIGNALS:
+    void cueRequested(qsizetype cue); ///< To be the current one, wherever it is.
+    void keyboardFreed();             ///< The strip has the keyboard and is about to go.
+
+private:
+    void followWindow();
+
+    LintoraModel &m_model;
+    CueTable &m_table;
+    Player m_player{this};
+    TimingStrip *m_strip;
+};
