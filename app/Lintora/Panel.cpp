@@ -169,7 +169,7 @@ QWidget *LintoraPanel::makeWorkspace()
     connect(heights, &HeightBar::keyboardFreed, this, &LintoraPanel::returnKeyboard);
     layout->addWidget(heights);
     layout->addWidget(m_table, 3);
-    m_sound = new SoundDesk(m_model, *m_table, workspace);
+    m_sound = new SoundDesk(m_model, *m_table, *m_inspector, workspace);
     layout->addWidget(&m_sound->strip());
     connect(m_sound, &SoundDesk::cueRequested, this, &LintoraPanel::bringCue);
     connect(m_sound, &SoundDesk::keyboardFreed, this, &LintoraPanel::returnKeyboard);

@@ -2,6 +2,7 @@
 
 #include "app/Lintora/controls/Theme.h"
 #include "app/Lintora/cues/CueTable.h"
+#include "app/Lintora/cues/Inspector.h"
 #include "app/Lintora/sound/StripView.h"
 #include "app/Lintora/sound/TimingStrip.h"
 #include "app/Lintora/sound/TransportKeys.h"
@@ -15,7 +16,7 @@ constexpr int fewestRows = 6; // of the table, beside the strip
 
 } // namespace
 
-SoundDesk::SoundDesk(LintoraModel &model, CueTable &table, QWidget *place)
+SoundDesk::SoundDesk(LintoraModel &model, CueTable &table, Inspector &inspector, QWidget *place)
     : QObject(place)
     , m_model(model)
     , m_table(table)
@@ -38,9 +39,31 @@ SoundDesk::SoundDesk(LintoraModel &model, CueTable &table, QWidget *place)
     auto *const keys = new TransportKeys(m_strip->transport(), this);
     keys->giveTo(m_strip->view());
     keys->giveTo(table, [this] { return m_strip->isVisible() && !m_table.isEditing(); });
+    showMedium(inspector);
     connect(&model.window(), &WindowState::stripShownChanged, this, &SoundDesk::followWindow);
     followWindow();
     showCurrent();
+}
+
+void SoundDesk::showMedium(Inspector &inspector)
+{
+    for (const auto signal : {&Sound::mediumChanged, &Sound::fileChanged, &Sound::readingChanged})
+        connect(&m_model.sound(), signal, this, &SoundDesk::followSound);
+    connect(&m_player, &Player::framed, &inspector,
+            [this, &inspector](const QImage &frame) { inspector.showPicture(frame, m_player.positionMS()); });
+    connect(&m_player, &Player::playingChanged, &inspector,
+            [this, &inspector] { inspector.setPlaying(m_player.isPlaying()); });
+    connect(&m_player, &Player::unavailable, &m_model, &LintoraModel::report);
+    followSound();
+}
+
+/// What plays it may know less of its length than who has read it.
+void SoundDesk::followSound()
+{
+    const Sound &sound = m_model.sound();
+    m_player.setFile(sound.file());
+    if (!sound.isReading())
+        m_player.setLength(sound.waveform().lengthMS());
 }
 
 void SoundDesk::followWindow()

@@ -4,17 +4,18 @@
 #include "app/model/LintoraModel.h"
 
 class CueTable;
+class Inspector;
 class TimingStrip;
 
-/// What plays the sound, and how the table and the strip follow it and each other.
+/// What plays the sound, and how the table, the strip and the picture follow it and each other.
 class SoundDesk : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Both must live as long as this. The strip is made in `place`, where it is shown while the window is to show it;
+    /// All must live as long as this. The strip is made in `place`, where it is shown while the window is to show it;
     /// the table then keeps room for some rows.
-    SoundDesk(LintoraModel &model, CueTable &table, QWidget *place);
+    SoundDesk(LintoraModel &model, CueTable &table, Inspector &inspector, QWidget *place);
 
     TimingStrip &strip() { return *m_strip; }
     Player &player() { return m_player; }
@@ -25,6 +26,8 @@ Q_SIGNALS:
 
 private:
     void followWindow();
+    void followSound();
+    void showMedium(Inspector &inspector);
 
     LintoraModel &m_model;
     CueTable &m_table;
