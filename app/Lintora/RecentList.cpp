@@ -18,7 +18,7 @@ RecentList::RecentList(LintoraModel &model, QWidget *parent)
     layout->addWidget(Controls::note(u"最近的字幕"_s, this));
     layout->addLayout(m_rows);
     m_rows->setSpacing(0);
-    connect(&model, &LintoraModel::recentSessionsChanged, this, &RecentList::follow);
+    connect(&model, &LintoraModel::recentWorkChanged, this, &RecentList::follow);
     follow();
 }
 
@@ -29,16 +29,16 @@ void RecentList::follow()
         item->widget()->hide();
         delete item;
     }
-    for (const RecentSessions::Entry &entry : m_model.recentSessions()) {
-        const QString kept = entry.kept.toString(u"M月d日 HH:mm"_s);
+    for (const RecentWork::Entry &entry : m_model.recentWork()) {
+        const QString kept = RecentWork::nameOf(entry.kind) + u" · "_s + entry.kept.toString(u"M月d日 HH:mm"_s);
         auto *const row = Controls::quietButton({}, this);
         const int room = 90 * VELTheme::step;
         QString title = row->fontMetrics().elidedText(entry.title, Qt::ElideMiddle, room);
         row->setText(u"%1   %2"_s.arg(title.replace(u'&', u"&&"_s), kept));
-        row->setToolTip(entry.title);
+        row->setToolTip(entry.kind == RecentWork::Kind::session ? entry.title : entry.file);
         row->setAccessibleName(u"%1，%2"_s.arg(entry.title, kept));
-        connect(row, &QPushButton::clicked, this, [this, file = entry.file] { m_model.openRecent(file); });
+        connect(row, &QPushButton::clicked, this, [this, entry] { m_model.openRecent(entry); });
         m_rows->addWidget(row, 0, Qt::AlignLeft);
     }
-    setVisible(!m_model.recentSessions().isEmpty());
+    setVisible(!m_model.recentWork().isEmpty());
 }

@@ -6,7 +6,8 @@
 
 class QVBoxLayout;
 
-/// The subtitles whose place others have taken, to be brought back by a click. Hidden while there are none.
+/// The files that were opened of late and the subtitles whose place others have taken, to be brought back by a click.
+/// Hidden while there are none.
 class RecentList : public QWidget
 {
     Q_OBJECT

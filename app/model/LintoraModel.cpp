@@ -3,8 +3,6 @@
 #include "app/model/SessionTracks.h"
 #include "store/Locations.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <utility>
 
@@ -35,8 +33,8 @@ LintoraModel::LintoraModel(Surroundings surroundings, QObject *parent)
     , m_stylePresets(surroundings.stylePresetsURL ? StylePresetStore(*surroundings.stylePresetsURL)
                                                   : StylePresetStore())
     , m_keeper(surroundings.draftURL.value_or(Locations::draft()))
-    , m_recent(QFileInfo(m_keeper.draftURL()).path() + u"/Recent"_s)
-    , m_recentSessions(m_recent.list())
+    , m_recent(m_keeper.beside(u"Recent"_s))
+    , m_recentWork(m_recent.list())
     , m_session(m_keeper.takeUp(firstSession(surroundings.font)))
     , m_pictured(picture(m_session.state()))
 {

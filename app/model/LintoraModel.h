@@ -7,6 +7,7 @@
 #include "app/model/KeptProject.h"
 #include "app/model/OwnTitles.h"
 #include "app/model/Preferences.h"
+#include "app/model/RecentWork.h"
 #include "app/model/ScriptMatching.h"
 #include "app/model/SessionLink.h"
 #include "app/model/Sound.h"
@@ -26,7 +27,6 @@
 #include "core/CueShift.h"
 #include "fcp/validation/Problem.h"
 #include "store/Locations.h"
-#include "store/RecentSessions.h"
 
 #include <QMimeData>
 #include <QObject>
@@ -190,9 +190,10 @@ public:
     void chooseMedia(); ///< What speech is to be recognised in.
     void showFCPImport();
 
-    /// The sessions that were edited when another took their place, newest first.
-    const QList<RecentSessions::Entry> &recentSessions() const { return m_recentSessions; }
-    void openRecent(const QString &file); ///< Brings one of them back.
+    /// The files that were opened of late, and the sessions that were edited when another took their place, newest
+    /// first.
+    const QList<RecentWork::Entry> &recentWork() const { return m_recentWork; }
+    void openRecent(const RecentWork::Entry &entry); ///< Brings one of them back. A file that is gone is forgotten.
 
     const KeptProject &keptProject() const { return m_keptProject; }
     void releaseProject();    ///< Nothing goes into it any more. Cues and styles stay.
@@ -314,7 +315,7 @@ Q_SIGNALS:
     void failureChanged();
     void activityChanged();
     void historyChanged();
-    void recentSessionsChanged();
+    void recentWorkChanged();
     void savingChanged();
     void quitQuestionChanged();
     void quitConfirmed(); ///< The program is to end, whatever is lost.
@@ -351,6 +352,8 @@ private:
     Options forThese(const Options &options) const;
     void receiveFCP(const Imports::ImportedTimeline &timeline);
     void loadSubtitles(const QString &path);
+    void noteOpened(const QString &path);
+    void openKept(const QString &file);
     void offerRepair(const QString &path);
     void takeRepaired(const Imports::ImportedCues &cues, qsizetype repairs);
     void loadProject(const QString &path, std::function<void()> then);
@@ -386,8 +389,8 @@ private:
     StylePresets m_stylePresets;
     SessionKeeper m_keeper;
 
-    RecentSessions m_recent;
-    QList<RecentSessions::Entry> m_recentSessions;
+    RecentWork m_recent;
+    QList<RecentWork::Entry> m_recentWork;
 
     EditedSession m_session;
     std::optional<LintoraSession> m_sessionAsLoaded; ///< As it was brought in; absent: in an earlier run.

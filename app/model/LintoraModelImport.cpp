@@ -69,7 +69,7 @@ void LintoraModel::load(const QUrl &file)
         loadProject(path, [] {});
     } else if (*kind == Imports::Kind::media) {
         m_recognition.setMedia(file);
-        m_openFile = path;
+        noteOpened(path);
         showAI(WindowState::AIMode::speech);
     } else {
         loadSubtitles(path);
@@ -115,7 +115,7 @@ void LintoraModel::loadProject(const QString &path, std::function<void()> then)
     importFrom(
         u"正在读取项目…"_s, [path](Job &job) { return Imports::readTimeline(path, job); },
         [this, path, then = std::move(then)] {
-            m_openFile = path;
+            noteOpened(path);
             then();
         });
 }
@@ -146,10 +146,48 @@ bool LintoraModel::receive(const QMimeData &pasteboard)
     return true;
 }
 
-void LintoraModel::openRecent(const QString &file)
+/// `path` was taken in: it is among the recent ones, and dialogs begin beside it.
+void LintoraModel::noteOpened(const QString &path)
+{
+    m_openFile = path;
+    m_keeping.run(
+        u"正在记录最近的文件…"_s,
+        [recent = m_recent, path](Job & /*job*/, const ProgressReport & /*report*/) {
+            recent.note(path);
+            return recent.list();
+        },
+        [this](const QList<RecentWork::Entry> &entries) {
+            publish(m_recentWork, entries, &LintoraModel::recentWorkChanged);
+        },
+        [](const Failure & /*failure*/) {}); // The file is open all the same: a list that lacks it is no news.
+}
+
+void LintoraModel::openRecent(const RecentWork::Entry &entry)
 {
     if (m_owner.refuses(u"任务处理中，请先取消再切换文件"_s))
         return;
+    m_import.run(
+        u"正在打开字幕…"_s,
+        [recent = m_recent, entry](Job & /*job*/, const ProgressReport & /*report*/) {
+            recent.require(entry);
+            return entry;
+        },
+        [this](const RecentWork::Entry &found) {
+            if (found.kind == RecentWork::Kind::session)
+                openKept(found.file);
+            else
+                load(QUrl::fromLocalFile(found.file));
+        },
+        [this, entry](const Failure &failure) {
+            QList<RecentWork::Entry> left = m_recentWork;
+            left.removeAll(entry);
+            publish(m_recentWork, left, &LintoraModel::recentWorkChanged);
+            reportFailure(failure);
+        });
+}
+
+void LintoraModel::openKept(const QString &file)
+{
     m_import.run(
         u"正在打开字幕…"_s,
         [file](Job &job, const ProgressReport & /*report*/) {
@@ -226,7 +264,7 @@ void LintoraModel::takeCues(const Imports::ImportedCues &imported)
     next.options = forThese(next.options);
     m_session.replace(SessionTracks::importing(std::move(next), imported.cues, imported.source), u"载入字幕"_s,
                       EditStep::load);
-    m_openFile = imported.file;
+    noteOpened(imported.file);
     report(u"已载入"_s);
 }
 

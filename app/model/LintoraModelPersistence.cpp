@@ -185,8 +185,8 @@ void LintoraModel::keepSession(const QString &prefix)
             recent.keep(session, title);
             return recent.list();
         },
-        [this](const QList<RecentSessions::Entry> &entries) {
-            publish(m_recentSessions, entries, &LintoraModel::recentSessionsChanged);
+        [this](const QList<RecentWork::Entry> &entries) {
+            publish(m_recentWork, entries, &LintoraModel::recentWorkChanged);
         },
         [this](const Failure &failure) {
             reportFailure(Failure{.sentence = u"无法保留之前的字幕："_s + failure.sentence, .detail = failure.detail});

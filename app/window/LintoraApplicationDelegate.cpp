@@ -166,7 +166,7 @@ void LintoraApplicationDelegate::buildMenus()
                Qt::CTRL | Qt::SHIFT | Qt::Key_O);
     QMenu *const recent = application->addMenu(u"最近的字幕"_s);
     recent->menuAction()->setMenuRole(QAction::ApplicationSpecificRole);
-    connect(m_model.get(), &LintoraModel::recentSessionsChanged, recent, [this, recent] { followRecent(*recent); });
+    connect(m_model.get(), &LintoraModel::recentWorkChanged, recent, [this, recent] { followRecent(*recent); });
     followRecent(*recent);
     addCommand(*application, u"历史版本…"_s, &LintoraApplicationDelegate::openVersions,
                Qt::CTRL | Qt::SHIFT | Qt::Key_H);
@@ -298,11 +298,12 @@ QList<WindowState::MenuKey> LintoraApplicationDelegate::menuKeys() const
 void LintoraApplicationDelegate::followRecent(QMenu &menu)
 {
     menu.clear();
-    for (const RecentSessions::Entry &entry : m_model->recentSessions()) {
-        QString title = u"%1   %2"_s.arg(entry.title, entry.kept.toString(u"M月d日 HH:mm"_s));
-        menu.addAction(title.replace(u'&', u"&&"_s), this, [this, file = entry.file] {
+    for (const RecentWork::Entry &entry : m_model->recentWork()) {
+        QString title =
+            u"%1   %2 · %3"_s.arg(entry.title, RecentWork::nameOf(entry.kind), entry.kept.toString(u"M月d日 HH:mm"_s));
+        menu.addAction(title.replace(u'&', u"&&"_s), this, [this, entry] {
             showWindow();
-            m_model->openRecent(file);
+            m_model->openRecent(entry);
         });
     }
     menu.setEnabled(!menu.isEmpty());

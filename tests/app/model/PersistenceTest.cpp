@@ -179,8 +179,10 @@ TEST_F(PersistenceTest, an_edited_job_can_be_had_back_after_an_import_and_a_rest
 {
     const auto titles = [&] {
         QStringList result;
-        for (const RecentSessions::Entry &entry : model->recentSessions())
-            result += entry.title;
+        for (const RecentWork::Entry &entry : model->recentWork()) {
+            if (entry.kind == RecentWork::Kind::session)
+                result += entry.title;
+        }
         return result;
     };
     loadCues(Generator(1).cues(3), u"甲.srt"_s);
@@ -192,7 +194,7 @@ TEST_F(PersistenceTest, an_edited_job_can_be_had_back_after_an_import_and_a_rest
     loadCues(Generator(3).cues(2), u"丙.srt"_s);
     restart();
     ASSERT_EQ(titles(), QStringList{u"乙.srt"_s});
-    model->openRecent(model->recentSessions().first().file);
+    model->openRecent(*std::ranges::find(model->recentWork(), u"乙.srt"_s, &RecentWork::Entry::title));
     ASSERT_TRUE(waitForSource(u"乙.srt"_s));
     EXPECT_EQ(model->snapshot(), edited);
     restart();
@@ -203,6 +205,43 @@ TEST_F(PersistenceTest, an_edited_job_can_be_had_back_after_an_import_and_a_rest
     }
     EXPECT_TRUE(Events::waitFor([&] { return titles().first() == u"10.srt"_s; }));
     EXPECT_EQ(titles().size(), 10);
+}
+
+TEST_F(PersistenceTest, files_opened_of_late_are_among_the_recent_ones)
+{
+    const auto listed = [&] {
+        QStringList result;
+        for (const RecentWork::Entry &entry : model->recentWork())
+            result += RecentWork::nameOf(entry.kind) + u' ' + entry.title;
+        return result;
+    };
+    loadCues(Generator(1).cues(3), u"甲.srt"_s);
+    loadCues(Generator(2).cues(4), u"乙.srt"_s);
+    load(write(u"丙.mp4"_s, "x"));
+    loadCues(Generator(1).cues(3), u"甲.srt"_s);
+    load(write(u"丁.srt"_s, "not cues"));
+    const QStringList expected{u"字幕文件 甲.srt"_s, u"音视频 丙.mp4"_s, u"字幕文件 乙.srt"_s};
+    EXPECT_TRUE(Events::waitFor([&] { return listed() == expected; }))
+        << "each once, and none that could not be opened";
+    restart();
+    EXPECT_EQ(listed(), expected);
+    const RecentWork::Entry second = model->recentWork().at(2);
+    model->openRecent(second);
+    EXPECT_TRUE(Events::waitFor([&] { return model->items().size() == 4; }));
+    EXPECT_TRUE(Events::waitFor([&] { return listed().first() == u"字幕文件 乙.srt"_s; }));
+
+    ASSERT_TRUE(QFile::remove(second.file));
+    model->openRecent(model->recentWork().first());
+    settle();
+    EXPECT_EQ(failure(), qt_error_string(ENOENT));
+    EXPECT_EQ(model->items().size(), 4);
+    EXPECT_FALSE(listed().contains(u"字幕文件 乙.srt"_s));
+    restart();
+    EXPECT_FALSE(listed().contains(u"字幕文件 乙.srt"_s));
+    for (int i = 0; i < 9; ++i)
+        loadCues(Generator(4).cues(2), u"%1.srt"_s.arg(i));
+    ASSERT_TRUE(Events::waitFor([&] { return listed().contains(u"字幕文件 8.srt"_s); }));
+    EXPECT_EQ(listed().filter(u"字幕文件"_s).size(), RecentFiles::most);
 }
 
 TEST_F(PersistenceTest, what_can_be_restored_keeps_the_job_in_use)

@@ -34,9 +34,10 @@ TEST_F(ScriptMatchingTest, a_transcript_is_matched_reviewed_applied_and_taken_ba
     EXPECT_EQ(texts(), (QStringList{u"今天我们聊聊调色，"_s, u"先说白平衡"_s, u"谢谢大家"_s}));
     EXPECT_EQ(model->scriptMatching().status(), u"已按文稿修改 1 条字幕，可撤销修改"_s);
     EXPECT_TRUE(model->scriptMatching().canUndo());
-    ASSERT_TRUE(Events::waitFor([&] { return model->recentSessions().size() == 1; })) << "outlasts the program";
-    EXPECT_TRUE(model->recentSessions().first().title.startsWith(u"文稿匹配前_"));
-    EXPECT_EQ(LintoraSession::decode(FileReader::readAll(model->recentSessions().first().file)), before);
+    ASSERT_TRUE(Events::waitFor([&] { return model->recentWork().first().kind == RecentWork::Kind::session; }))
+        << "outlasts the program";
+    EXPECT_TRUE(model->recentWork().first().title.startsWith(u"文稿匹配前_"));
+    EXPECT_EQ(LintoraSession::decode(FileReader::readAll(model->recentWork().first().file)), before);
     model->scriptMatching().undo();
     EXPECT_EQ(model->snapshot(), before);
     model->undo();
