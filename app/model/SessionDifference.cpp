@@ -63,6 +63,18 @@ public:
     {
         if (now.constData() == then.constData() && now.size() == then.size())
             return;
+        // Most differ in a few places, or in one.
+        const auto front = std::ranges::mismatch(now, then);
+        const auto back = std::mismatch(now.rbegin(), std::make_reverse_iterator(front.in1), then.rbegin(),
+                                        std::make_reverse_iterator(front.in2));
+        compareMiddle(label, now.sliced(front.in1 - now.begin(), back.first.base() - front.in1),
+                      then.sliced(front.in2 - then.begin(), back.second.base() - front.in2), front.in1 - now.begin());
+    }
+
+private:
+    /// `first`: how many cues stand before the lists.
+    void compareMiddle(const QString &label, const QList<Subtitle> &now, const QList<Subtitle> &then, qsizetype first)
+    {
         std::vector<std::pair<qint64, CueProposal::Row>> rows; // with the time
         const QList<qsizetype> fresh = withoutMatch(then, now, m_goOn);
         // What has the same begin or the same number is the same cue, changed.
@@ -80,16 +92,17 @@ public:
                 other = byID.value(now[i].id, -1);
             if (open.erase(other) > 0) {
                 ++m_result.changed;
-                rows.push_back({now[i].start,
-                                {.cue = i, .before = shown(now[i], then[other]), .after = shown(then[other], now[i])}});
+                rows.push_back(
+                    {now[i].start,
+                     {.cue = first + i, .before = shown(now[i], then[other]), .after = shown(then[other], now[i])}});
             } else {
                 ++m_result.removed;
-                rows.push_back({now[i].start, {.cue = i, .before = now[i].text, .after = absentThen}});
+                rows.push_back({now[i].start, {.cue = first + i, .before = now[i].text, .after = absentThen}});
             }
         }
         for (const qsizetype i : open) {
             ++m_result.added;
-            rows.push_back({then[i].start, {.cue = i, .before = absentNow, .after = then[i].text}});
+            rows.push_back({then[i].start, {.cue = first + i, .before = absentNow, .after = then[i].text}});
         }
         if (rows.empty())
             return;
@@ -100,7 +113,6 @@ public:
         m_result.tracks.append(std::move(track));
     }
 
-private:
     SessionDifference &m_result;
     SparseCheck m_goOn;
 };

@@ -67,7 +67,7 @@ void Versions::follow(HistoryMove move, const QString &title, const LintoraSessi
     const bool isStep = (move == HistoryMove::record || move == HistoryMove::amend) && !title.isEmpty();
     if (isStep && before.tracks != state.tracks)
         consider({.before = before, .after = state, .title = title + u'前', .at = now});
-    if (!m_since)
+    if (!m_since || now < *m_since) // the clock was set back
         m_since = now;
     if (now - *m_since < interval)
         return;
