@@ -51,6 +51,26 @@ private:
 
 } // namespace
 
+TEST_F(DraftFileTest, the_witness_hears_of_a_state_before_and_after_the_file_holds_it)
+{
+    QStringList heard;
+    const auto hear = [&](const QString &what) {
+        return [&heard, this, what](quint64 number) {
+            const QString held = QFile::exists(path()) ? LintoraSession::read(path()).source : u"nothing"_s;
+            heard += u"%1 %2, holds %3"_s.arg(what).arg(number).arg(held);
+        };
+    };
+    DraftFile draft(path(), {.aboutToReplace = hear(u"about"_s), .replaced = hear(u"done"_s)});
+    draft.save(Sessions::uniform(u"a"_s), 1);
+    draft.flush();
+    draft.save(Sessions::uniform(u"b"_s), 2);
+    draft.flush();
+    draft.save(Sessions::uniform(u"b"_s), 3);
+    draft.flush();
+    EXPECT_EQ(heard, QStringList({u"about 1, holds nothing"_s, u"done 1, holds a"_s, u"about 2, holds a"_s,
+                                  u"done 2, holds b"_s, u"about 3, holds b"_s, u"done 3, holds b"_s}));
+}
+
 TEST_F(DraftFileTest, the_newest_state_is_there_after_flush)
 {
     DraftFile draft(path());

@@ -75,9 +75,10 @@ TEST_F(Application, has_its_commands_in_two_menus)
 {
     launch();
     EXPECT_EQ(lines(0), QStringList({u"打开 SRT… Ctrl+O"_s, u"从 FCP 导入…"_s, u"从音视频生成字幕… Ctrl+Shift+O"_s,
-                                     u"最近的字幕"_s, u"导出"_s, u"翻译…"_s, u"AI 校对…"_s, u"文稿匹配…"_s, u"整理"_s,
-                                     u"字幕样式… Ctrl+,"_s, u"清理设置…"_s, u"AI 设置…"_s, u"画面预览 Ctrl+I"_s,
-                                     u"外观"_s, u"键盘操作 Ctrl+/"_s, u"-"_s, u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
+                                     u"最近的字幕"_s, u"历史版本… Ctrl+Shift+H"_s, u"导出"_s, u"翻译…"_s, u"AI 校对…"_s,
+                                     u"文稿匹配…"_s, u"整理"_s, u"字幕样式… Ctrl+,"_s, u"清理设置…"_s, u"AI 设置…"_s,
+                                     u"画面预览 Ctrl+I"_s, u"外观"_s, u"键盘操作 Ctrl+/"_s, u"-"_s,
+                                     u"退出 VELMORA 字幕助手 Ctrl+Q"_s}));
     EXPECT_EQ(menu(1)->title(), u"编辑"_s);
     EXPECT_EQ(lines(1),
               QStringList({u"撤销 Ctrl+Z"_s, u"重做 Ctrl+Shift+Z"_s, u"剪切 Ctrl+X"_s, u"复制 Ctrl+C"_s,
