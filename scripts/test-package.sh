@@ -109,7 +109,9 @@ within 30 says 由链接打开
 picture link
 
 say "its end"
-DISPLAY=$display xdotool search --onlyvisible --name 'VELMORA 字幕助手' windowactivate key ctrl+q
+DISPLAY=$display xdotool search --onlyvisible --name 'VELMORA 字幕助手' windowactivate
+# From the keyboard, not to the window, which may be gone before the keys are let go.
+DISPLAY=$display xdotool key --delay 100 ctrl+q
 ended() { [ -z "$(running)" ]; }
 within 30 ended
 
