@@ -160,6 +160,7 @@ void Sound::take(const Outcome &outcome)
     Q_EMIT waveformChanged();
     setFile(outcome.file);
     setTrouble(outcome.notice);
+    Q_EMIT readingChanged(); // whoever waits for the end finds all of it
 }
 
 void Sound::setFile(const QString &file)

@@ -60,10 +60,16 @@ TEST_F(SoundTest, is_read_once_somebody_shows_it)
     EXPECT_EQ(sound().file(), path);
     EXPECT_FALSE(sound().isReading());
     EXPECT_EQ(runs(), 0);
+    qint64 lengthAtEnd = 0;
+    QObject::connect(&sound(), &Sound::readingChanged, [&] {
+        if (!sound().isReading())
+            lengthAtEnd = sound().waveform().lengthMS();
+    });
     sound().setShown(true);
     EXPECT_TRUE(sound().isReading());
     finish();
     EXPECT_EQ(sound().waveform().lengthMS(), 2'000);
+    EXPECT_EQ(lengthAtEnd, 2'000);
     EXPECT_EQ(sound().waveform().speech().onset(1'000, 50), 1'000);
     EXPECT_EQ(sound().trouble(), QString());
 }
