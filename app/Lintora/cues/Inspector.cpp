@@ -119,7 +119,8 @@ void Inspector::setPlaying(bool isPlaying)
 
 void Inspector::updatePreview(const Subtitle *cue)
 {
-    const bool isThen = cue && cue->start <= m_pictureMS && m_pictureMS < cue->end;
+    // Where a cue was played to its end, it stays in sight.
+    const bool isThen = cue && cue->start <= m_pictureMS && m_pictureMS <= cue->end;
     const bool hasPicture = !m_picture.isNull() && (isThen || m_isPlaying || !cue);
     m_preview->setBackdrop(hasPicture ? m_picture : QImage());
     m_preview->show(cue && (isThen || !hasPicture) ? cue->text : QString(), m_model.pictured());
