@@ -20,14 +20,20 @@ using namespace Qt::StringLiterals;
 
 constexpr qsizetype cueCount = 10'000;
 
+LintoraModel::Surroundings surroundingsIn(const QTemporaryDir &folder)
+{
+    return {.draftURL = folder.filePath(u"Draft.json"_s),
+            .stylePresetsURL = folder.filePath(u"Presets.json"_s),
+            .settings = std::make_shared<QSettings>(folder.filePath(u"settings.ini"_s), QSettings::IniFormat)};
+}
+
 /// A model of three tracks, with an observer that reads every list it hears of, as a window does.
 class Job
 {
 public:
-    Job()
-        : m_model({.draftURL = m_folder.filePath(u"Draft.json"_s),
-                   .stylePresetsURL = m_folder.filePath(u"Presets.json"_s),
-                   .settings = std::make_shared<QSettings>(m_folder.filePath(u"settings.ini"_s), QSettings::IniFormat)})
+    explicit Job(const QTemporaryDir &folder)
+        : m_folder(folder)
+        , m_model(surroundingsIn(folder))
     {
         LintoraSession job;
         QList<SubtitleTrack> tracks;
@@ -52,7 +58,7 @@ public:
     }
 
 private:
-    QTemporaryDir m_folder;
+    const QTemporaryDir &m_folder;
     LintoraModel m_model;
     qint64 m_edits = 0;
     qint64 m_seen = 0;
@@ -60,7 +66,8 @@ private:
 
 void edit(benchmark::State &state)
 {
-    Job job;
+    const QTemporaryDir folder;
+    Job job(folder);
     for (auto _ : state)
         job.edit();
 }
@@ -68,7 +75,8 @@ void edit(benchmark::State &state)
 /// The edit and what the main thread does for its save: the turn of the event loop that hands the state over.
 void editAndHandOver(benchmark::State &state)
 {
-    Job job;
+    const QTemporaryDir folder;
+    Job job(folder);
     for (auto _ : state) {
         job.edit();
         QCoreApplication::sendPostedEvents();
@@ -77,7 +85,8 @@ void editAndHandOver(benchmark::State &state)
 
 void undoAndRedo(benchmark::State &state)
 {
-    Job job;
+    const QTemporaryDir folder;
+    Job job(folder);
     for (int i = 0; i < 100; ++i)
         job.edit();
     for (auto _ : state) {
@@ -88,7 +97,8 @@ void undoAndRedo(benchmark::State &state)
 
 void editUntilOnDisk(benchmark::State &state)
 {
-    Job job;
+    const QTemporaryDir folder;
+    Job job(folder);
     for (auto _ : state) {
         job.edit();
         job.model().saveDraft();
@@ -98,7 +108,8 @@ void editUntilOnDisk(benchmark::State &state)
 /// The reference: encoding the same session once, and its bytes written, synced and renamed.
 void encodeAndRawWrite(benchmark::State &state)
 {
-    Job job;
+    const QTemporaryDir folder;
+    Job job(folder);
     const QString path = job.folder() + u"/raw.json"_s;
     for (auto _ : state) {
         const QByteArray bytes = job.model().snapshot().encoded();
@@ -111,14 +122,35 @@ void encodeAndRawWrite(benchmark::State &state)
 void thousandEditsInHistory(benchmark::State &state)
 {
     for (auto _ : state) {
-        Job job;
+        const QTemporaryDir folder;
+        Job job(folder);
         for (int i = 0; i < 1'000; ++i)
             job.edit();
     }
 }
 
+/// A start of the program that takes up the draft and as many steps as the argument says.
+void start(benchmark::State &state)
+{
+    const QTemporaryDir folder;
+    {
+        Job job(folder);
+        for (int64_t i = 0; i < state.range(0); ++i) {
+            job.edit();
+            QCoreApplication::sendPostedEvents();
+        }
+        job.model().saveDraft();
+    }
+    for (auto _ : state) {
+        const LintoraModel model(surroundingsIn(folder));
+        if (state.range(0) > 0 && !model.canUndo())
+            state.SkipWithError("the history is not there");
+    }
+}
+
 } // namespace
 
+BENCHMARK(start)->Unit(benchmark::kMillisecond)->Arg(0)->Arg(100)->Arg(1'000)->Arg(2'000);
 BENCHMARK(edit)->Unit(benchmark::kMicrosecond);
 BENCHMARK(editAndHandOver)->Unit(benchmark::kMicrosecond);
 BENCHMARK(undoAndRedo)->Unit(benchmark::kMicrosecond);
