@@ -21,7 +21,7 @@ struct Piece
     QByteArray text;
 };
 
-struct Segment
+struct HeardSegment
 {
     Piece whole;
     std::vector<Piece> pieces;
@@ -37,9 +37,9 @@ public:
         , m_json(m_isWhole ? data : QByteArrayView(m_widened))
     {}
 
-    std::vector<Segment> segments()
+    std::vector<HeardSegment> segments()
     {
-        std::vector<Segment> found;
+        std::vector<HeardSegment> found;
         m_json.readObject({"transcription"}, [&](QByteArrayView key) {
             if (key == "transcription")
                 m_json.readArray([&] { found.push_back(segment()); });
@@ -65,9 +65,9 @@ private:
         return true;
     }
 
-    Segment segment()
+    HeardSegment segment()
     {
-        Segment found;
+        HeardSegment found;
         m_json.readObject({"offsets", "text"}, [&](QByteArrayView key) {
             if (!readField(key, found.whole) && key == "tokens")
                 m_json.readArray([&] {
@@ -89,7 +89,7 @@ bool isWord(const Piece &piece)
 }
 
 /// Puts the words of a segment behind `words`.
-void append(QList<HeardWord> &words, const Segment &segment)
+void append(QList<HeardWord> &words, const HeardSegment &segment)
 {
     std::vector<Piece> pieces;
     std::ranges::copy_if(segment.pieces, std::back_inserter(pieces), isWord);
@@ -119,14 +119,14 @@ QStringList wordTimeArguments(const QString &model, const QString &pcm, const QS
 
 QList<HeardWord> parseWordTimes(QByteArrayView data, std::optional<qint64> maximumEndMS)
 {
-    std::vector<Segment> segments;
+    std::vector<HeardSegment> segments;
     try {
         segments = Reading(data).segments();
     } catch (const PlatformError &error) {
         throw ConversionError(u"语音引擎返回了无法读取的结果。"_s, error.description());
     }
     QList<HeardWord> words;
-    for (const Segment &segment : segments)
+    for (const HeardSegment &segment : segments)
         append(words, segment);
     words.removeIf([](const HeardWord &word) { return word.text.trimmed().isEmpty(); });
     if (maximumEndMS) {

@@ -141,10 +141,13 @@ void TimingStrip::followSound()
     const Sound &sound = m_model.sound();
     const bool isMissing = !sound.hasMedium();
     const bool isRefused = !isMissing && !sound.trouble().isEmpty();
-    m_note->setVisible(sound.waveform().isEmpty() && (isMissing || isRefused || sound.isReading()));
     m_noteText->setText(isMissing ? u"还没有可以对照的声音"_s : isRefused ? sound.trouble() : u"正在读取声音…"_s);
+    const QWidget *const focused = window()->focusWidget();
+    if (focused && m_note->isAncestorOf(focused) && !isMissing && !isRefused)
+        m_view->setFocus(); // before it goes by itself to whatever comes next
     m_choose->setVisible(isMissing || isRefused);
     m_again->setVisible(isRefused);
+    m_note->setVisible(sound.waveform().isEmpty() && (isMissing || isRefused || sound.isReading()));
     resizeEvent(nullptr);
 }
 

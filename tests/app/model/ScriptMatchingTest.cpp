@@ -34,8 +34,11 @@ TEST_F(ScriptMatchingTest, a_transcript_is_matched_reviewed_applied_and_taken_ba
     EXPECT_EQ(texts(), (QStringList{u"今天我们聊聊调色，"_s, u"先说白平衡"_s, u"谢谢大家"_s}));
     EXPECT_EQ(model->scriptMatching().status(), u"已按文稿修改 1 条字幕，可撤销修改"_s);
     EXPECT_TRUE(model->scriptMatching().canUndo());
-    ASSERT_TRUE(Events::waitFor([&] { return model->recentWork().first().kind == RecentWork::Kind::session; }))
-        << "outlasts the program";
+    const auto isKept = [&] {
+        const QList<RecentWork::Entry> &recent = model->recentWork();
+        return !recent.isEmpty() && recent.first().kind == RecentWork::Kind::session;
+    };
+    ASSERT_TRUE(Events::waitFor(isKept)) << "outlasts the program";
     EXPECT_TRUE(model->recentWork().first().title.startsWith(u"文稿匹配前_"));
     EXPECT_EQ(LintoraSession::decode(FileReader::readAll(model->recentWork().first().file)), before);
     model->scriptMatching().undo();
