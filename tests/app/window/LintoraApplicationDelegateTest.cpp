@@ -43,7 +43,7 @@ protected:
     /// The entry that bears this text.
     QAction *entry(const QString &text) const
     {
-        for (const int index : {0, 1}) {
+        for (const int index : {0, 1, 2}) {
             for (QAction *const action : menu(index)->actions()) {
                 if (action->text() == text)
                     return action;
@@ -71,7 +71,7 @@ private:
     std::unique_ptr<LintoraApplicationDelegate> m_delegate;
 };
 
-TEST_F(Application, has_its_commands_in_two_menus)
+TEST_F(Application, has_its_commands_in_three_menus)
 {
     launch();
     EXPECT_EQ(lines(0), QStringList({u"打开 SRT… Ctrl+O"_s, u"从 FCP 导入…"_s, u"从音视频生成字幕… Ctrl+Shift+O"_s,
@@ -86,6 +86,29 @@ TEST_F(Application, has_its_commands_in_two_menus)
                            u"与下一条合并 Ctrl+J"_s, u"删除字幕 Ctrl+Backspace"_s, u"移动时间… Ctrl+Shift+T"_s, u"-"_s,
                            u"查找下一处 Ctrl+G"_s, u"查找上一处 Ctrl+Shift+G"_s, u"下一处提醒 Ctrl+;"_s,
                            u"下一处可疑 Ctrl+'"_s, u"-"_s, u"查找与替换… Ctrl+F"_s}));
+    EXPECT_EQ(menu(2)->title(), u"播放"_s);
+    EXPECT_EQ(lines(2), QStringList({u"时间条 Ctrl+T"_s, u"-"_s, u"播放或停止"_s, u"播放这一条 Ctrl+P"_s,
+                                     u"播放开头半秒"_s, u"播放结尾半秒"_s, u"循环播放 Ctrl+L"_s,
+                                     u"逐条播放 Ctrl+Shift+P"_s, u"-"_s, u"开始时间设为播放头 Ctrl+["_s,
+                                     u"结束时间设为播放头 Ctrl+]"_s, u"在播放头拆分 Ctrl+Shift+K"_s}));
+}
+
+TEST_F(Application, playing_is_offered_while_the_strip_is_shown_and_there_are_cues)
+{
+    LintoraModel &model = launch().model();
+    QList<PlayCommand> asked;
+    QObject::connect(&model.window(), &WindowState::playRequested, &model, [&](PlayCommand each) { asked += each; });
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_T, Qt::ControlModifier);
+    EXPECT_TRUE(model.window().stripShown());
+    EXPECT_TRUE(entry(u"时间条"_s)->isChecked());
+    EXPECT_FALSE(entry(u"播放这一条"_s)->isEnabled()) << "there is nothing yet";
+    model.insertCue(-1);
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_P, Qt::ControlModifier);
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_BracketLeft, Qt::ControlModifier);
+    EXPECT_EQ(asked, (QList{PlayCommand::playCue, PlayCommand::startHere}));
+    QTest::keyClick(qApp->focusWindow(), Qt::Key_T, Qt::ControlModifier);
+    EXPECT_FALSE(model.window().stripShown());
+    EXPECT_FALSE(entry(u"播放这一条"_s)->isEnabled());
 }
 
 TEST_F(Application, menus_keep_what_is_typed_before_cues_go_and_list_their_keys)
