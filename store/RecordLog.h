@@ -52,7 +52,7 @@ private:
     QByteArray framed(const QList<QByteArray> &records);
 
     QFile m_file;
-    QFile m_lock; ///< Open while the lock is ours.
+    QFile m_lock;       ///< Open while the lock is ours.
     QByteArray m_check; ///< Of the last record.
     qint64 m_size = 0;
 };
