@@ -14,6 +14,11 @@ for ((moment = 1; moment <= moments; moment++)); do
     : >"$folder/saved"
     "$writer" $typing "$draft" >"$folder/saved" 2>"$folder/errors" &
     pid=$!
+    # The first time as long as it takes, for slow builds start slowly.
+    for ((wait = 0; moment == 1 && wait < 400; wait++)); do
+        [[ $(wc -l <"$folder/saved") -gt 1 ]] && break
+        sleep 0.05
+    done
     sleep "0.$(printf '%03d' $((RANDOM % (${typing:+300}+120))))"
     if ! kill -KILL "$pid" 2>/dev/null; then
         echo "moment $moment: the writer had ended: $(cat "$folder/errors")"

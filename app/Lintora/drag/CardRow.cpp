@@ -43,24 +43,28 @@ CardRow::CardRow(LintoraModel &model, std::function<bool()> mayAct, QWidget *par
 
 void CardRow::offerExports()
 {
-    const auto perform = [this](void (LintoraModel::*action)()) {
-        return [this, action] {
-            if (m_mayAct())
-                (m_model.*action)();
-        };
-    };
-    connect(m_exportSRT, &QPushButton::clicked, this, perform(&LintoraModel::exportSRT));
+    connect(m_exportSRT, &QPushButton::clicked, this, [this] { perform(&LintoraModel::exportSRT); });
     auto *const menu = new QMenu(m_exportFCPXML);
-    menu->addAction(u"独立文档"_s, this, perform(&LintoraModel::exportFCPXML));
-    menu->addAction(u"写入项目…"_s, this, perform(&LintoraModel::exportToProject));
-    menu->addAction(u"写回项目标题…"_s, this, perform(&LintoraModel::showTitleWriting));
-    m_ofAll = {menu->addSeparator(),
-               menu->addAction(u"独立文档（全部语言）"_s, this, perform(&LintoraModel::exportAllFCPXML)),
-               menu->addAction(u"写入项目（全部语言）…"_s, this, perform(&LintoraModel::exportAllToProject))};
+    const auto add = [this, menu](const QString &title, void (LintoraModel::*action)()) {
+        QAction *const entry = menu->addAction(title);
+        connect(entry, &QAction::triggered, this, [this, action] { perform(action); });
+        return entry;
+    };
+    add(u"独立文档"_s, &LintoraModel::exportFCPXML);
+    add(u"写入项目…"_s, &LintoraModel::exportToProject);
+    add(u"写回项目标题…"_s, &LintoraModel::showTitleWriting);
+    m_ofAll = {menu->addSeparator(), add(u"独立文档（全部语言）"_s, &LintoraModel::exportAllFCPXML),
+               add(u"写入项目（全部语言）…"_s, &LintoraModel::exportAllToProject)};
     m_exportFCPXML->setMenu(menu);
     m_exportFCPXML->setIcon(VELTheme::icon(VELTheme::Glyph::more, *m_exportFCPXML));
     m_exportFCPXML->setLayoutDirection(Qt::RightToLeft); // The sign stands behind the words.
     menu->setLayoutDirection(Qt::LeftToRight);
+}
+
+void CardRow::perform(void (LintoraModel::*action)())
+{
+    if (m_mayAct())
+        (m_model.*action)();
 }
 
 void CardRow::addCard(DragSubtitleCard *card)

@@ -25,6 +25,7 @@ protected:
 
 private:
     void offerExports();
+    void perform(void (LintoraModel::*action)());
     void follow();
     void addCard(DragSubtitleCard *card);
 
