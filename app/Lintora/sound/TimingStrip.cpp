@@ -148,11 +148,16 @@ void TimingStrip::followSound()
     m_choose->setVisible(isMissing || isRefused);
     m_again->setVisible(isRefused);
     m_note->setVisible(sound.waveform().isEmpty() && (isMissing || isRefused || sound.isReading()));
-    resizeEvent(nullptr);
+    placeNote();
 }
 
-/// The note stands in the middle of where the sound would be.
 void TimingStrip::resizeEvent(QResizeEvent * /*event*/)
+{
+    placeNote();
+}
+
+/// In the middle of where the sound would be.
+void TimingStrip::placeNote()
 {
     layout()->activate();
     m_note->adjustSize();

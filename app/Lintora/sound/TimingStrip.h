@@ -51,6 +51,7 @@ private:
     };
 
     void makeNote();
+    void placeNote();
     void followPlayhead(qint64 ms);
     void followSound();
     void request(qsizetype cue, void (TimingStrip::*signal)(qsizetype cue));
