@@ -33,7 +33,7 @@ CheckLimits limitsOf(const CheckArguments &arguments)
         if (name == set.name)
             return set;
     }
-    return CheckLimits::read(Arguments::readInput(arguments.limits));
+    return CheckLimits::read(Arguments::readInput(arguments.limits, CheckLimits::largestDocument));
 }
 
 /// The rules named, one by one or with commas; "all" for every one.

@@ -1,5 +1,6 @@
 #include "app/model/CueTools.h"
 
+#include "core/PlatformError.h"
 #include "core/files/AtomicFile.h"
 #include "core/files/FileReader.h"
 
@@ -64,7 +65,10 @@ void CueTools::readLimits(const QString &file)
     m_files.run(
         u"正在读取规则…"_s,
         [file](Job & /*job*/, const ProgressReport & /*report*/) {
-            return CheckLimits::read(FileReader::readAll(file));
+            const auto document = FileReader::readUpTo(file, CheckLimits::largestDocument);
+            if (!document)
+                throw PlatformError(u"文件过大：%1"_s.arg(file));
+            return CheckLimits::read(*document);
         },
         [this](const CheckLimits &limits) {
             Settings settings = m_settings;

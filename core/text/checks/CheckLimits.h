@@ -27,6 +27,8 @@ struct CheckLimits
     /// The sets that come with the program: "chinese", the default, and "english".
     static const QList<CheckLimits> &builtIn();
 
+    static constexpr qint64 largestDocument = 1'048'576; ///< Bytes of one that is worth being read; ours are some 500.
+
     /// The document that written() returns; what is missing in it is as in the Chinese set.
     /// @throws PlatformError naming the key path of a limit that cannot be, or of a rule that there is not
     static CheckLimits read(const QByteArray &document);

@@ -136,6 +136,9 @@ TEST_F(CueToolsTest, limits_outlast_the_program_and_go_through_files)
     EXPECT_TRUE(tools().isRefused());
     EXPECT_TRUE(tools().status().startsWith(u"规则未能载入："_s));
     EXPECT_TRUE(tools().status().contains(u"lines"_s));
+    tools().readLimits(write(u"大.json"_s, QByteArray(CheckLimits::largestDocument + 1, ' ')));
+    settle();
+    EXPECT_TRUE(tools().status().startsWith(u"规则未能载入：文件过大："_s));
 }
 
 TEST_F(CueToolsTest, the_script_is_converted_but_for_names)
