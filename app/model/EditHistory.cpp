@@ -7,23 +7,6 @@
 
 namespace {
 
-// Clearing a shared list would give it as much room of its own as it had.
-
-LintoraSession withoutCues(LintoraSession state)
-{
-    state.items = {};
-    state.previousItems.reset();
-    state.tracks.reset();
-    return state;
-}
-
-SubtitleTrack withoutCues(SubtitleTrack track)
-{
-    track.items = {};
-    track.previousItems.reset();
-    return track;
-}
-
 bool isShared(const QList<Subtitle> &a, const QList<Subtitle> &b)
 {
     return a.constData() == b.constData() && a.size() == b.size();
@@ -95,7 +78,7 @@ void EditHistory::makeCurrent(FrozenSession frozen, const LintoraSession &state)
 
 EditHistory::FrozenSession EditHistory::freeze(const LintoraSession &state) const
 {
-    FrozenSession session{.rest = withoutCues(state), .title = {}, .tracks = {}};
+    FrozenSession session{.rest = SessionTracks::withoutCues(state), .title = {}, .tracks = {}};
     for (const SubtitleTrack &track : state.tracks.value_or(QList<SubtitleTrack>()))
         session.tracks.push_back(freeze(track));
     return session;
@@ -115,7 +98,7 @@ std::shared_ptr<const EditHistory::FrozenTrack> EditHistory::freeze(const Subtit
             return m_frozen.tracks[i];
     }
     auto frozen = std::make_shared<FrozenTrack>();
-    frozen->rest = withoutCues(track);
+    frozen->rest = SessionTracks::withoutCues(track);
     frozen->items = freeze(track.items, before, original);
     if (track.previousItems)
         frozen->previousItems = freeze(*track.previousItems, before, original);

@@ -12,23 +12,6 @@ namespace SessionChange {
 
 namespace {
 
-// Clearing a shared list would give it as much room of its own as it had.
-
-LintoraSession restOf(LintoraSession session)
-{
-    session.items = {};
-    session.previousItems.reset();
-    session.tracks.reset();
-    return session;
-}
-
-SubtitleTrack restOf(SubtitleTrack track)
-{
-    track.items = {};
-    track.previousItems.reset();
-    return track;
-}
-
 /// Some cues of a list, and those that come in their place.
 struct Edit
 {
@@ -139,7 +122,7 @@ void writeTrack(JsonWriter &json, const LintoraSession &before, const CueLists &
         json.key("previousItems");
         writeCues(json, lists, from ? 2 * *from : -1, *track.previousItems);
     }
-    if (const SubtitleTrack rest = restOf(track); rest != restOf(former)) {
+    if (const SubtitleTrack rest = SessionTracks::withoutCues(track); rest != SessionTracks::withoutCues(former)) {
         json.key("rest");
         writeSubtitleTrack(json, rest);
     }
@@ -219,7 +202,7 @@ void write(JsonWriter &json, const LintoraSession &before, const LintoraSession 
 {
     const CueLists lists(before);
     json.beginObject();
-    if (const LintoraSession rest = restOf(after); rest != restOf(before)) {
+    if (const LintoraSession rest = SessionTracks::withoutCues(after); rest != SessionTracks::withoutCues(before)) {
         json.key("rest");
         writeLintoraSession(json, rest);
     }
@@ -236,11 +219,11 @@ void write(JsonWriter &json, const LintoraSession &before, const LintoraSession 
 LintoraSession read(JsonReader &json, const LintoraSession &before)
 {
     const CueLists lists(before);
-    LintoraSession after = restOf(before);
+    LintoraSession after = SessionTracks::withoutCues(before);
     QList<SubtitleTrack> tracks = *before.tracks;
     json.readObject({}, [&](QByteArrayView key) {
         if (key == "rest") {
-            after = restOf(readLintoraSession(json));
+            after = SessionTracks::withoutCues(readLintoraSession(json));
         } else if (key == "tracks") {
             tracks.clear();
             json.readArray([&] { tracks.append(readTrack(json, before, lists)); });

@@ -144,6 +144,23 @@ std::optional<qsizetype> changedCue(const LintoraSession &before, const LintoraS
     return std::min(place, now.size() - 1);
 }
 
+// Clearing a shared list would give it as much room of its own as it had.
+
+LintoraSession withoutCues(LintoraSession session)
+{
+    session.items = {};
+    session.previousItems.reset();
+    session.tracks.reset();
+    return session;
+}
+
+SubtitleTrack withoutCues(SubtitleTrack track)
+{
+    track.items = {};
+    track.previousItems.reset();
+    return track;
+}
+
 SubtitleTrack newTrack(const LintoraSession &session, const QList<Subtitle> &cues)
 {
     return {.id = newID(),

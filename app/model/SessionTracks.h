@@ -39,6 +39,10 @@ std::optional<QUuid> changedTrack(const LintoraSession &before, const LintoraSes
 /// when they are the same, when none is left, and for a track that `before` has not.
 std::optional<qsizetype> changedCue(const LintoraSession &before, const LintoraSession &after);
 
+/// All of a session or a track but the cues: what is small, and compared or written on its own.
+LintoraSession withoutCues(LintoraSession session);
+SubtitleTrack withoutCues(SubtitleTrack track);
+
 /// A track of `cues` with the session's options, look and switches, labelled by their language.
 SubtitleTrack newTrack(const LintoraSession &session, const QList<Subtitle> &cues);
 
