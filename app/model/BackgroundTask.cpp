@@ -39,6 +39,14 @@ std::unique_ptr<QThreadPool> makePool(BackgroundTask::Order order)
     return pool;
 }
 
+/// Leaves a pool to its worker, which keeps what it needs: the destructor would wait for it, perhaps for ever. What can
+/// be reached is no leak.
+void giveUp(std::unique_ptr<QThreadPool> pool)
+{
+    static auto *const givenUp = new std::vector<std::unique_ptr<QThreadPool>>;
+    givenUp->push_back(std::move(pool));
+}
+
 } // namespace
 
 /// What workers say arrives as long as the task is there.
@@ -81,11 +89,10 @@ BackgroundTask::~BackgroundTask()
     cancelRuns();
     waitUntil(m_isGivenUp ? QDeadlineTimer() : QDeadlineTimer(patience));
     m_line->cut();
-    // Its destructor would wait for ever. The worker keeps what it needs.
     if (m_isGivenUp) {
-        static_cast<void>(m_pool.release());
+        giveUp(std::move(m_pool));
         for (std::unique_ptr<QThreadPool> &pool : m_left)
-            static_cast<void>(pool.release());
+            giveUp(std::move(pool));
     }
 }
 
