@@ -1,6 +1,7 @@
 #include "app/Lintora/ai/GlossarySheet.h"
 
 #include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/TextEdit.h"
 
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
@@ -10,7 +11,7 @@ using namespace Qt::StringLiterals;
 GlossarySheet::GlossarySheet(LintoraModel &model, QWidget *content)
     : Sheet(Extent::whole, content)
     , m_model(model)
-    , m_text(new QPlainTextEdit(this))
+    , m_text(new TextEdit(this))
     , m_note(Controls::note({}, this))
 {
     addHeading(u"术语表"_s);

@@ -1,6 +1,7 @@
 #include "app/Lintora/ai/KeyField.h"
 
 #include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/LineEdit.h"
 
 #include <QLineEdit>
 
@@ -10,7 +11,7 @@ KeyField::KeyField(AISettings &settings, AISettings::Service service, QWidget *p
     : FieldRow(u"API 密钥"_s, parent)
     , m_settings(settings)
     , m_service(service)
-    , m_edit(new QLineEdit(this))
+    , m_edit(new LineEdit(this))
     , m_save(Controls::button({}, this))
 {
     m_edit->setAccessibleName(u"API 密钥"_s);

@@ -1,6 +1,7 @@
 #include "app/Lintora/controls/QuestionSheet.h"
 
 #include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/LineEdit.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -11,7 +12,7 @@ QuestionSheet::QuestionSheet(QWidget *content)
     : Sheet(Extent::compact, content)
     , m_title(Controls::heading({}, this))
     , m_text(Controls::note({}, this))
-    , m_name(new QLineEdit(this))
+    , m_name(new LineEdit(this))
     , m_wrong(Controls::note({}, this))
     , m_cancel(Controls::button(u"取消"_s, this))
     , m_answer(Controls::primaryButton({}, this))

@@ -1,5 +1,7 @@
 #include "app/Lintora/controls/TextField.h"
 
+#include "app/Lintora/controls/LineEdit.h"
+
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -8,7 +10,7 @@
 TextField::TextField(const QString &name, std::function<QString(const QString &)> judge, QWidget *parent)
     : FieldRow(name, parent)
     , m_judge(std::move(judge))
-    , m_edit(new QLineEdit(this))
+    , m_edit(new LineEdit(this))
 {
     m_edit->setAccessibleName(name);
     m_edit->installEventFilter(this);

@@ -12,7 +12,7 @@
 using namespace Qt::StringLiterals;
 
 ValueEdit::ValueEdit(Kind kind, QWidget *parent)
-    : QLineEdit(parent)
+    : LineEdit(parent)
     , m_kind(std::move(kind))
 {
     setAccessibleName(m_kind.name);
@@ -132,7 +132,7 @@ void ValueEdit::keyPressEvent(QKeyEvent *event)
         event->ignore(); // With nothing typed here, it is the last change of the value that is meant.
     } else {
         const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-        QLineEdit::keyPressEvent(event);
+        LineEdit::keyPressEvent(event);
         if (isReturn)
             selectAll();
     }
@@ -142,13 +142,13 @@ void ValueEdit::keyReleaseEvent(QKeyEvent *event)
 {
     if (!event->isAutoRepeat())
         endGesture();
-    QLineEdit::keyReleaseEvent(event);
+    LineEdit::keyReleaseEvent(event);
 }
 
 void ValueEdit::focusOutEvent(QFocusEvent *event)
 {
     endGesture();
-    QLineEdit::focusOutEvent(event);
+    LineEdit::focusOutEvent(event);
 }
 
 void ValueEdit::endGesture()

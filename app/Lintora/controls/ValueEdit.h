@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QLineEdit>
+#include "app/Lintora/controls/LineEdit.h"
 
 #include <functional>
 #include <optional>
@@ -8,7 +8,7 @@
 /// A field for a number that is typed. What is typed counts once the field is left, or at Return, and only when it is a
 /// value; until then it stays as typed, and the field tells what is wrong with it. Escape takes it back. The arrow keys
 /// up and down step, with Shift by ten.
-class ValueEdit : public QLineEdit
+class ValueEdit : public LineEdit
 {
     Q_OBJECT
 

@@ -5,7 +5,6 @@
 
 #include <QFocusEvent>
 #include <QKeyEvent>
-#include <QMimeData>
 
 #include <algorithm>
 #include <cmath>
@@ -27,7 +26,7 @@ int lineCount(const CueTextEditor &editor)
 } // namespace
 
 CueTextEditor::CueTextEditor(const QModelIndex &cue, QWidget *parent)
-    : QPlainTextEdit(parent)
+    : TextEdit(parent)
     , m_cue(cue)
 {
     setProperty("cell", true);
@@ -68,7 +67,7 @@ QSize CueTextEditor::sizeHint() const
 
 void CueTextEditor::resizeEvent(QResizeEvent *event)
 {
-    QPlainTextEdit::resizeEvent(event);
+    TextEdit::resizeEvent(event);
     if (event->size().width() != event->oldSize().width())
         Q_EMIT rewrapped();
 }
@@ -80,18 +79,13 @@ bool CueTextEditor::event(QEvent *event)
         event->accept();
         return true;
     }
-    return QPlainTextEdit::event(event);
-}
-
-bool CueTextEditor::canInsertFromMimeData(const QMimeData *source) const
-{
-    return !source->hasUrls() && QPlainTextEdit::canInsertFromMimeData(source);
+    return TextEdit::event(event);
 }
 
 void CueTextEditor::inputMethodEvent(QInputMethodEvent *event)
 {
     m_isComposing = !event->preeditString().isEmpty();
-    QPlainTextEdit::inputMethodEvent(event);
+    TextEdit::inputMethodEvent(event);
 }
 
 void CueTextEditor::keyPressEvent(QKeyEvent *event)
@@ -117,12 +111,12 @@ void CueTextEditor::keyPressEvent(QKeyEvent *event)
     else if (isCommand && event->key() == Qt::Key_J)
         Q_EMIT joinRequested();
     else
-        QPlainTextEdit::keyPressEvent(event);
+        TextEdit::keyPressEvent(event);
 }
 
 void CueTextEditor::focusOutEvent(QFocusEvent *event)
 {
-    QPlainTextEdit::focusOutEvent(event);
+    TextEdit::focusOutEvent(event);
     m_isComposing = false;
     if (m_isOver)
         return;

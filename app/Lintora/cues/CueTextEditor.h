@@ -1,13 +1,14 @@
 #pragma once
 
+#include "app/Lintora/controls/TextEdit.h"
+
 #include <QPersistentModelIndex>
-#include <QPlainTextEdit>
 
 /// The field in which the text of a cue is edited in its place.
 ///
 /// Return, Tab and Escape end the editing; Shift or Option with Return breaks the line. No key is a command while an
 /// input method composes.
-class CueTextEditor : public QPlainTextEdit
+class CueTextEditor : public TextEdit
 {
     Q_OBJECT
 
@@ -49,7 +50,6 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     bool event(QEvent *event) override;
-    bool canInsertFromMimeData(const QMimeData *source) const override; ///< No names of files: these are the window's.
 
 private:
     void showScrollBar();

@@ -1,6 +1,7 @@
 #include "app/Lintora/cues/CueTimeDelegate.h"
 
 #include "app/Lintora/controls/CueTime.h"
+#include "app/Lintora/controls/LineEdit.h"
 #include "app/Lintora/cues/CueTableModel.h"
 #include "core/CueEditing.h"
 #include "core/SRT.h"
@@ -15,11 +16,11 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The field in which a time is edited.
-class TimeEditor : public QLineEdit
+class TimeEditor : public LineEdit
 {
 public:
     TimeEditor(const QModelIndex &cue, QWidget *parent)
-        : QLineEdit(parent)
+        : LineEdit(parent)
         , m_cue(cue)
     {}
 

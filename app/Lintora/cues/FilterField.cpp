@@ -1,31 +1,21 @@
 #include "app/Lintora/cues/FilterField.h"
 
-#include <QDragEnterEvent>
 #include <QKeyEvent>
-#include <QMimeData>
 
 using namespace Qt::StringLiterals;
 
 FilterField::FilterField(QWidget *parent)
-    : QLineEdit(parent)
+    : LineEdit(parent)
 {
     setPlaceholderText(u"筛选…"_s);
     setAccessibleName(u"筛选字幕"_s);
     setClearButtonEnabled(true);
 }
 
-void FilterField::dragEnterEvent(QDragEnterEvent *event)
-{
-    if (event->mimeData()->hasUrls())
-        event->ignore();
-    else
-        QLineEdit::dragEnterEvent(event);
-}
-
 void FilterField::inputMethodEvent(QInputMethodEvent *event)
 {
     m_isComposing = !event->preeditString().isEmpty();
-    QLineEdit::inputMethodEvent(event);
+    LineEdit::inputMethodEvent(event);
 }
 
 void FilterField::keyPressEvent(QKeyEvent *event)
@@ -41,6 +31,6 @@ void FilterField::keyPressEvent(QKeyEvent *event)
         Q_EMIT left();
         break;
     default:
-        QLineEdit::keyPressEvent(event);
+        LineEdit::keyPressEvent(event);
     }
 }

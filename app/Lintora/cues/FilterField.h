@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QLineEdit>
+#include "app/Lintora/controls/LineEdit.h"
 
 /// Where it is typed which cues are shown. Down and Return go on to them, Escape shows all of them again; none of that
 /// while an input method composes.
-class FilterField : public QLineEdit
+class FilterField : public LineEdit
 {
     Q_OBJECT
 
@@ -22,7 +22,6 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
-    void dragEnterEvent(QDragEnterEvent *event) override; ///< Files are the window's.
     void inputMethodEvent(QInputMethodEvent *event) override;
 
 private:

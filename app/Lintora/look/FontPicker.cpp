@@ -2,6 +2,7 @@
 
 #include "app/Lintora/controls/ChoiceBox.h"
 #include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/LineEdit.h"
 #include "app/Lintora/look/FontFaces.h"
 #include "app/Lintora/look/FontRowDelegate.h"
 
@@ -21,7 +22,7 @@ FontPicker::FontPicker(FontCatalogue &catalogue, Preferences &preferences, QWidg
     : QWidget(parent)
     , m_catalogue(catalogue)
     , m_fonts(catalogue, preferences)
-    , m_query(new QLineEdit(this))
+    , m_query(new LineEdit(this))
     , m_list(new QListView(this))
     , m_rows(new FontRowDelegate(m_list))
     , m_count(Controls::note({}, this))

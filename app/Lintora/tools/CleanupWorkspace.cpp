@@ -1,6 +1,7 @@
 #include "app/Lintora/tools/CleanupWorkspace.h"
 
 #include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/TextEdit.h"
 #include "core/text/SubtitleCleanup.h"
 
 #include <QHBoxLayout>
@@ -13,7 +14,7 @@ using namespace Qt::StringLiterals;
 CleanupWorkspace::CleanupWorkspace(LintoraModel &model, QWidget *content)
     : Sheet(Extent::whole, content)
     , m_model(model)
-    , m_text(new QPlainTextEdit(this))
+    , m_text(new TextEdit(this))
     , m_note(Controls::note({}, this))
 {
     addHeading(u"VELMORA  /  CLEANUP"_s);

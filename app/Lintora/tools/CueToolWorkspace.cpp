@@ -3,6 +3,7 @@
 #include "app/Lintora/controls/ChoiceBox.h"
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/ElidedLabel.h"
+#include "app/Lintora/controls/LineEdit.h"
 #include "app/Lintora/controls/MarkedTextDelegate.h"
 #include "app/Lintora/controls/ValueField.h"
 #include "app/Lintora/tools/CheckingForm.h"
@@ -164,7 +165,7 @@ void CueToolWorkspace::addScript(QWidget *controls)
     auto *const target = addChoice(form, u"转换为"_s, {u"简体"_s, u"繁体"_s},
                                    now.script == ChineseScript::Target::simplified ? 0 : 1, controls);
     auto *const row = new FieldRow(u"保留"_s, controls);
-    auto *const kept = new QLineEdit(now.kept.join(u'，'), row);
+    auto *const kept = new LineEdit(now.kept.join(u'，'), row);
     kept->setPlaceholderText(u"不转换的人名、地名，用逗号分隔"_s);
     kept->setAccessibleName(u"保留的专名"_s);
     row->controls()->addWidget(kept, 1);

@@ -1,6 +1,7 @@
 #include "app/Lintora/tools/FindReplaceWorkspace.h"
 
 #include "app/Lintora/controls/Controls.h"
+#include "app/Lintora/controls/LineEdit.h"
 #include "app/Lintora/controls/MarkedTextDelegate.h"
 
 #include <QGridLayout>
@@ -16,8 +17,8 @@ using namespace Qt::StringLiterals;
 FindReplaceWorkspace::FindReplaceWorkspace(LintoraModel &model, QWidget *content)
     : Sheet(Extent::whole, content)
     , m_model(model)
-    , m_query(new QLineEdit(this))
-    , m_replacement(new QLineEdit(this))
+    , m_query(new LineEdit(this))
+    , m_replacement(new LineEdit(this))
     , m_note(Controls::note({}, this))
     , m_placeholder(Controls::note({}, this))
     , m_list(new QListView(this))

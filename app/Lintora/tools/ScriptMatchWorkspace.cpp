@@ -4,6 +4,7 @@
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/ElidedLabel.h"
 #include "app/Lintora/controls/MarkedTextDelegate.h"
+#include "app/Lintora/controls/TextEdit.h"
 
 #include <QHBoxLayout>
 #include <QListView>
@@ -21,7 +22,7 @@ ScriptMatchWorkspace::ScriptMatchWorkspace(LintoraModel &model, QWidget *content
     , m_rows(m_matching)
     , m_ways(Controls::tabs(u"方式"_s, {u"校正现有字幕"_s, u"按文稿生成字幕"_s}, this))
     , m_note(Controls::note({}, this))
-    , m_text(new QPlainTextEdit(this))
+    , m_text(new TextEdit(this))
     , m_list(new QListView(this))
     , m_all(Controls::button(u"全选"_s, this, u"勾选全部改动，或全部不选"_s))
     , m_status(new ElidedLabel(this))

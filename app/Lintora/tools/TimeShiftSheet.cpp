@@ -4,6 +4,7 @@
 #include "app/Lintora/controls/Controls.h"
 #include "app/Lintora/controls/CueTime.h"
 #include "app/Lintora/controls/FieldRow.h"
+#include "app/Lintora/controls/LineEdit.h"
 #include "core/SRT.h"
 
 #include <QHBoxLayout>
@@ -18,7 +19,7 @@ TimeShiftSheet::TimeShiftSheet(LintoraModel &model, QWidget *content)
     : Sheet(Extent::compact, content)
     , m_model(model)
     , m_row(new FieldRow(u"移动"_s, this))
-    , m_distance(new QLineEdit(this))
+    , m_distance(new LineEdit(this))
     , m_unit(new ChoiceBox(u"单位"_s, this))
     , m_scope(new ChoiceBox(u"范围"_s, this))
     , m_example(Controls::note({}, this))

@@ -9,9 +9,11 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTest>
 
@@ -81,6 +83,30 @@ TEST_F(Workspaces, escape_closes_a_sheet_and_the_keyboard_goes_back)
     EXPECT_FALSE(model.window().findReplaceVisible());
     EXPECT_TRUE(table().hasFocus());
     EXPECT_EQ(table().currentCue(), 1);
+}
+
+TEST_F(Workspaces, a_file_dropped_on_a_field_is_not_typed_into_it)
+{
+    load({u"一"_s});
+    model.window().setFindReplaceVisible(true);
+    model.window().setScriptMatchPresented(true);
+    QMimeData file;
+    file.setUrls({QUrl(u"file:///新.srt"_s)});
+    file.setText(u"file:///新.srt"_s); // as file managers offer it too
+    QMimeData text;
+    text.setText(u"字"_s);
+    const auto *const script = find<QPlainTextEdit>(u"文稿正文"_s);
+    QWidget *const fields[] = {field(u"关键词"_s), script->viewport()};
+    for (QWidget *const each : fields) {
+        for (const QMimeData *const data : {&file, &text}) {
+            QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(each, &enter);
+            QDropEvent drop(QPointF(1, 1), Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(each, &drop); // Whoever took what was dragged in gets it.
+        }
+    }
+    EXPECT_EQ(field(u"关键词"_s)->text(), u"字"_s);
+    EXPECT_EQ(script->toPlainText(), u"字"_s);
 }
 
 TEST_F(Workspaces, the_keyboard_goes_back_to_what_is_still_there)
