@@ -1,12 +1,8 @@
 #pragma once
 
-#include "app/model/FrozenCues.h"
-#include "store/LintoraSession.h"
+#include "app/model/FrozenSession.h"
 
-#include <deque>
-#include <memory>
 #include <optional>
-#include <vector>
 
 /// How a history goes on, by the operation that does it.
 enum class HistoryMove
@@ -32,14 +28,18 @@ class EditHistory
 {
 public:
     explicit EditHistory(const LintoraSession &first);
+    explicit EditHistory(FrozenHistory states);
 
     const LintoraSession &current() const { return m_current; }
-    bool canUndo() const { return !m_past.empty(); }
-    bool canRedo() const { return !m_future.empty(); }
-    size_t pastCount() const { return m_past.size(); } ///< How often undo() can be called.
+    bool canUndo() const { return !m_states.past.empty(); }
+    bool canRedo() const { return !m_states.future.empty(); }
+    size_t pastCount() const { return m_states.past.size(); } ///< How often undo() can be called.
 
-    const QString &undoTitle() const { return m_frozen.title; } ///< What undo() takes back; empty when it cannot.
-    QString redoTitle() const;                                  ///< What redo() does again; empty when it cannot.
+    const QString &undoTitle() const
+    {
+        return m_states.current.title;
+    }                          ///< What undo() takes back; empty when it cannot.
+    QString redoTitle() const; ///< What redo() does again; empty when it cannot.
 
     /// `state` follows the current one; `title` says what was done.
     void record(const LintoraSession &state, const QString &title = {});
@@ -53,28 +53,14 @@ public:
 
     /// The current state, and those that follow it, are beyond the mark. It is gone when no undo() and redo() leads to
     /// the marked state any more.
-    void mark() { m_mark = m_past.size(); }
-    bool isBeyondMark() const { return m_mark && m_past.size() >= *m_mark; }
+    void mark() { m_mark = m_states.past.size(); }
+    bool isBeyondMark() const { return m_mark && m_states.past.size() >= *m_mark; }
 
     const LintoraSession &undo(); ///< Goes back and returns the state. There must be one.
     const LintoraSession &redo(); ///< Goes forth and returns the state. There must be one.
 
 private:
     using Cues = std::shared_ptr<const FrozenCues>;
-
-    struct FrozenTrack
-    {
-        SubtitleTrack rest; ///< Without cues.
-        Cues items;
-        Cues previousItems; ///< Null when absent.
-    };
-
-    struct FrozenSession
-    {
-        LintoraSession rest; ///< Without tracks and cues.
-        QString title;       ///< What led to it; empty for the first.
-        std::vector<std::shared_ptr<const FrozenTrack>> tracks;
-    };
 
     FrozenSession freeze(const LintoraSession &state) const;
     std::shared_ptr<const FrozenTrack> freeze(const SubtitleTrack &track) const;
@@ -83,9 +69,7 @@ private:
     QList<Subtitle> thaw(const Cues &cues) const;
     void makeCurrent(FrozenSession frozen, const LintoraSession &state);
 
-    std::deque<FrozenSession> m_past;   ///< Oldest first.
-    std::deque<FrozenSession> m_future; ///< The next one to be redone last.
-    FrozenSession m_frozen;             ///< The current state, put away.
+    FrozenHistory m_states;
     LintoraSession m_current;
     std::optional<size_t> m_mark; ///< Of past states at the marked one.
 };

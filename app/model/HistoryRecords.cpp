@@ -1,6 +1,6 @@
 #include "app/model/HistoryRecords.h"
 
-#include "app/model/SessionChange.h"
+#include "app/model/HistoryReplay.h"
 #include "core/PlatformError.h"
 #include "core/json/JsonReader.h"
 #include "core/json/JsonWriter.h"
@@ -68,7 +68,7 @@ std::optional<quint64> pointOf(QByteArrayView record)
     return point;
 }
 
-EditHistory historyOf(QByteArrayView record)
+HistoryReplay replayFrom(QByteArrayView record)
 {
     if (!isBegin(record))
         throwSenseless();
@@ -77,40 +77,40 @@ EditHistory historyOf(QByteArrayView record)
     json.finish();
     if (!first.tracks)
         throwSenseless();
-    return EditHistory(first);
+    return HistoryReplay(first);
 }
 
-void replayChange(HistoryMove move, QByteArrayView record, EditHistory &history)
+void replayChange(HistoryMove move, QByteArrayView record, HistoryReplay &replay)
 {
-    std::optional<LintoraSession> state;
+    SessionChange::Change change;
     QString title;
     JsonReader json(contentOf(record));
     json.readObject({"change", "title"}, [&](QByteArrayView key) {
         if (key == "change")
-            state = SessionChange::read(json, history.current());
+            change = SessionChange::read(json);
         else if (key == "title")
             title = json.readText();
     });
     json.finish();
     if (move == HistoryMove::record)
-        history.record(*state, title);
+        replay.record(change, title);
     else if (move == HistoryMove::amend)
-        history.amend(*state, title);
+        replay.amend(change, title);
     else
-        history.insertBefore(*state, title);
+        replay.insertBefore(change, title);
 }
 
-void replayStep(QByteArrayView record, EditHistory &history)
+void replayStep(QByteArrayView record, HistoryReplay &replay)
 {
     const std::optional<HistoryMove> move = moveOf(record);
-    if (!move || (move == HistoryMove::undo && !history.canUndo()) || (move == HistoryMove::redo && !history.canRedo()))
+    if (!move)
         throwSenseless();
     if (move == HistoryMove::undo)
-        history.undo();
+        replay.undo();
     else if (move == HistoryMove::redo)
-        history.redo();
+        replay.redo();
     else
-        replayChange(*move, record, history);
+        replayChange(*move, record, replay);
 }
 
 /// Goes back from the current state of `history` as far as the limits let it. The records that lead forth again.
@@ -188,31 +188,34 @@ Replayed replay(const QList<QByteArray> &records, const LintoraSession &draft)
     const auto saving = std::ranges::find(records.rbegin(), records.rend(), draftLetter,
                                           [](const QByteArray &record) { return record.front(); });
     const Saving told = saving == records.rend() ? Saving() : readSaving(*saving); // points begin with 1
-    Replayed result{.history = historyOf(records.first()), .saved = {}};
+    HistoryReplay replay = replayFrom(records.first());
+    quint64 point = 0;
+    std::optional<quint64> saved;
     for (const QByteArray &record : records.sliced(1)) {
         if (record.front() == draftLetter)
             continue;
         const std::optional<quint64> number = pointOf(record);
         if (!number) {
-            replayStep(record, result.history);
+            replayStep(record, replay);
             continue;
         }
-        const bool isFirst = std::exchange(result.point, *number) == 0;
+        const bool isFirst = std::exchange(point, *number) == 0;
         const bool isMeant = told.saving == 0 ? isFirst : *number == told.saved || *number == told.saving;
-        if (isMeant && result.history.current() == draft)
-            result.saved = *number;
+        if (isMeant && replay.current() == draft)
+            saved = *number;
     }
-    return result;
+    return {.history = replay.history(), .point = point, .saved = saved};
 }
 
 QList<QByteArray> compacted(const QList<QByteArray> &records, quint64 saved, const Limits &limits)
 {
     qsizetype end = 1;
-    EditHistory history = historyOf(records.first());
+    HistoryReplay replay = replayFrom(records.first());
     for (; end < records.size() && pointOf(records.at(end)) != saved; ++end) {
         if (moveOf(records.at(end)))
-            replayStep(records.at(end), history);
+            replayStep(records.at(end), replay);
     }
+    EditHistory history = replay.history();
     qsizetype undone = 0;
     for (; history.canRedo(); ++undone)
         history.redo();

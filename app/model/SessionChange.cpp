@@ -12,14 +12,6 @@ namespace SessionChange {
 
 namespace {
 
-/// Some cues of a list, and those that come in their place.
-struct Edit
-{
-    qsizetype at = 0;
-    qsizetype cut = 0;
-    QList<Subtitle> put = {};
-};
-
 /// The lists of cues of a session, by the numbers that a change knows them by.
 class CueLists
 {
@@ -57,7 +49,7 @@ private:
     const QList<SubtitleTrack> m_tracks;
 };
 
-std::vector<Edit> editsBetween(const QList<Subtitle> &before, const QList<Subtitle> &after)
+std::vector<CueEdit> editsBetween(const QList<Subtitle> &before, const QList<Subtitle> &after)
 {
     const auto front = std::mismatch(after.begin(), after.end(), before.begin(), before.end());
     const auto back = std::mismatch(after.rbegin(), std::make_reverse_iterator(front.first), before.rbegin(),
@@ -66,7 +58,7 @@ std::vector<Edit> editsBetween(const QList<Subtitle> &before, const QList<Subtit
     auto put = front.first;
     const auto end = back.second.base();
     const auto putEnd = back.first.base();
-    std::vector<Edit> edits;
+    std::vector<CueEdit> edits;
     if (end - at != putEnd - put) {
         edits.push_back({at - before.begin(), end - at, QList<Subtitle>(put, putEnd)});
         return edits;
@@ -90,7 +82,7 @@ void writeCues(JsonWriter &json, const CueLists &lists, qint64 likely, const QLi
     if (!same) {
         json.key("edits");
         json.beginArray();
-        for (const Edit &edit : editsBetween(*lists.find(likely), cues)) {
+        for (const CueEdit &edit : editsBetween(*lists.find(likely), cues)) {
             json.beginObject();
             json.key("at").integer(edit.at);
             json.key("cut").integer(edit.cut);
@@ -129,9 +121,9 @@ void writeTrack(JsonWriter &json, const LintoraSession &before, const CueLists &
     json.endObject();
 }
 
-Edit readEdit(JsonReader &json)
+CueEdit readEdit(JsonReader &json)
 {
-    Edit edit;
+    CueEdit edit;
     json.readObject({"at", "cut", "put"}, [&](QByteArrayView key) {
         if (key == "at")
             edit.at = json.readInteger();
@@ -143,57 +135,34 @@ Edit readEdit(JsonReader &json)
     return edit;
 }
 
-QList<Subtitle> readCues(JsonReader &json, const CueLists &lists)
+Cues readCues(JsonReader &json)
 {
-    std::vector<Edit> edits;
-    const QList<Subtitle> *source = nullptr;
+    Cues cues;
     json.readObject({"of"}, [&](QByteArrayView key) {
         if (key == "edits")
-            json.readArray([&] { edits.push_back(readEdit(json)); });
-        else if (key == "of" && !(source = lists.find(json.readInteger())))
-            json.refuse(u"字幕列表");
+            json.readArray([&] { cues.edits.push_back(readEdit(json)); });
+        else if (key == "of")
+            cues.of = json.readInteger();
     });
-    if (edits.empty())
-        return *source;
-    QList<Subtitle> cues;
-    qsizetype done = 0; // of the source
-    for (const Edit &edit : edits) {
-        if (edit.at < done || edit.at > source->size() || edit.cut < 0 || edit.cut > source->size() - edit.at)
-            json.refuse(u"字幕位置");
-        cues.append(source->sliced(done, edit.at - done));
-        cues.append(edit.put);
-        done = edit.at + edit.cut;
-    }
-    cues.append(source->sliced(done));
     return cues;
 }
 
-SubtitleTrack readTrack(JsonReader &json, const LintoraSession &before, const CueLists &lists)
+Track readTrack(JsonReader &json)
 {
-    std::optional<SubtitleTrack> rest;
-    SubtitleTrack track;
-    // "from" comes first, for the keys are sorted.
+    Track track;
     json.readObject({}, [&](QByteArrayView key) {
-        if (key == "from") {
-            const qint64 from = json.readInteger();
-            if (from < 0 || from >= before.tracks->size())
-                json.refuse(u"字幕轨");
-            track = before.tracks->at(from);
-        } else if (key == "items") {
-            track.items = readCues(json, lists);
-        } else if (key == "previousItems") {
-            track.previousItems = readCues(json, lists);
-        } else if (key == "noPreviousItems") {
-            track.previousItems.reset();
-        } else if (key == "rest") {
-            rest = readSubtitleTrack(json);
-        }
+        if (key == "from")
+            track.from = json.readInteger();
+        else if (key == "items")
+            track.items = readCues(json);
+        else if (key == "previousItems")
+            track.previousItems = readCues(json);
+        else if (key == "noPreviousItems")
+            track.hasNoPreviousItems = json.readBoolean();
+        else if (key == "rest")
+            track.rest = readSubtitleTrack(json);
     });
-    if (rest) {
-        rest->items = track.items;
-        rest->previousItems = track.previousItems;
-    }
-    return rest.value_or(track);
+    return track;
 }
 
 } // namespace
@@ -216,21 +185,16 @@ void write(JsonWriter &json, const LintoraSession &before, const LintoraSession 
     json.endObject();
 }
 
-LintoraSession read(JsonReader &json, const LintoraSession &before)
+Change read(JsonReader &json)
 {
-    const CueLists lists(before);
-    LintoraSession after = SessionTracks::withoutCues(before);
-    QList<SubtitleTrack> tracks = *before.tracks;
+    Change change;
     json.readObject({}, [&](QByteArrayView key) {
-        if (key == "rest") {
-            after = SessionTracks::withoutCues(readLintoraSession(json));
-        } else if (key == "tracks") {
-            tracks.clear();
-            json.readArray([&] { tracks.append(readTrack(json, before, lists)); });
-        }
+        if (key == "rest")
+            change.rest = readLintoraSession(json);
+        else if (key == "tracks")
+            json.readArray([&, &tracks = change.tracks.emplace()] { tracks.push_back(readTrack(json)); });
     });
-    after.tracks = tracks;
-    return SessionTracks::activated(std::move(after));
+    return change;
 }
 
 } // namespace SessionChange

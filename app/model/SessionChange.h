@@ -1,6 +1,10 @@
 #pragma once
 
+#include "app/model/FrozenCues.h"
 #include "store/LintoraSession.h"
+
+#include <optional>
+#include <vector>
 
 /// What makes one session out of another, written down: only what differs.
 ///
@@ -25,8 +29,30 @@ namespace SessionChange {
 /// Writes what makes `after` out of `before`.
 void write(JsonWriter &json, const LintoraSession &before, const LintoraSession &after);
 
-/// `before` with the change made that is read.
-/// @throws PlatformError naming the key path of what is missing, of another type, or names what `before` has not.
-LintoraSession read(JsonReader &json, const LintoraSession &before);
+/// What became of a list of cues.
+struct Cues
+{
+    qint64 of = -1;
+    std::vector<CueEdit> edits;
+};
+
+struct Track
+{
+    std::optional<qint64> from;
+    std::optional<Cues> items;
+    bool hasNoPreviousItems = false;
+    std::optional<Cues> previousItems;
+    std::optional<SubtitleTrack> rest;
+};
+
+/// What is written of a change; whether the session before has what it names is for who makes it.
+struct Change
+{
+    std::optional<LintoraSession> rest;
+    std::optional<std::vector<Track>> tracks;
+};
+
+/// @throws PlatformError naming the key path of what is missing or of another type.
+Change read(JsonReader &json);
 
 } // namespace SessionChange
