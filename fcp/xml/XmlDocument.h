@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+class XmlListener;
+
 /// One XML document in memory, the owner of its nodes. Moved, never copied.
 class XmlDocument
 {
@@ -55,6 +57,10 @@ public:
     static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction &extraction,
                              const Check &check = {});
 
+    /// The same of what `listener`, which hears of everything, wants in the tree.
+    static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, XmlListener &listener,
+                             const Check &check = {});
+
     xmlDoc *get() const { return m_document.get(); }
     xmlNode *root() const { return xmlDocGetRootElement(m_document.get()); }
 
@@ -65,7 +71,7 @@ private:
     };
 
     static XmlDocument parse(QByteArrayView bytes, QStringView entityRefusal, const Extraction *extraction,
-                             const Check &check);
+                             XmlListener *listener, const Check &check);
 
     explicit XmlDocument(xmlDoc *document)
         : m_document(document)

@@ -3,6 +3,7 @@
 #include "core/ConversionError.h"
 #include "core/PlatformError.h"
 #include "core/files/Utf8Writer.h"
+#include "fcp/xml/XmlListener.h"
 #include "fcp/xml/XmlWriter.h"
 #include "tests/fcp/xml/CanonicalXml.h"
 
@@ -28,14 +29,18 @@ std::string outcome(const QByteArray &bytes)
     }
 }
 
-QByteArray rewritten(const QByteArray &bytes)
+QByteArray written(const XmlDocument &document)
 {
-    const XmlDocument document = XmlDocument::parse(bytes, refusal);
     QByteArray result;
     Utf8Writer out([&](QByteArrayView block) { result.append(block); });
     XmlWriter(out).write(document);
     out.finish();
     return result;
+}
+
+QByteArray rewritten(const QByteArray &bytes)
+{
+    return written(XmlDocument::parse(bytes, refusal));
 }
 
 QByteArray encoded(const QString &text, QStringConverter::Encoding encoding)
@@ -114,6 +119,32 @@ TEST(XmlDocument, takes_any_number_of_blanks_behind_the_root)
     EXPECT_EQ(outcome(padded.toUtf8()), "accepted");
     EXPECT_EQ(outcome(encoded(padded, QStringConverter::Utf16BE)), "accepted");
     EXPECT_EQ(outcome("<x>" + padded.toUtf8()), "not well-formed");
+}
+
+TEST(XmlDocument, tells_of_everything_and_keeps_what_is_wanted)
+{
+    class Heard final : public XmlListener
+    {
+    public:
+        bool begin(const XmlTag &tag, const xmlNode *parent, int line) override
+        {
+            words += QByteArray::number(line) + tag.shownName();
+            for (int i = 0; i < tag.count(); ++i)
+                words += ' ' + tag.attribute(i).value();
+            words += parent ? "<" : "(";
+            return !tag.isNamed("out");
+        }
+        void text(QByteArrayView text, bool section) override { words += (section ? "!" : "") + text.toByteArray(); }
+        void end() override { words += ")"; }
+
+        QByteArray words;
+    };
+    Heard heard;
+    const XmlDocument document = XmlDocument::parse("<out>a<out b='1&amp;2'>c<!--x--><in/><?y?></out>\n<q:in/>"
+                                                    "<out xmlns='urn:z'><![CDATA[d]]></out></out>",
+                                                    refusal, heard);
+    EXPECT_EQ(heard.words.toStdString(), "1out(a1out 1&2<c1in())\n2q:in<)2out<!d))");
+    EXPECT_EQ(written(document), rewritten("<out>a\n<q:in/><out xmlns='urn:z'><![CDATA[d]]></out></out>"));
 }
 
 TEST(XmlDocument, never_reads_another_file)
