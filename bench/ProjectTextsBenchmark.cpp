@@ -37,7 +37,7 @@ void reading(benchmark::State &state)
 void extract(benchmark::State &state)
 {
     for (auto _ : state) {
-        const XmlDocument document = FCPXML::document(project(), QStringLiteral("/"));
+        const XmlDocument document = ProjectTexts::document(project());
         const auto tracks = ProjectTexts::read(document, FCPXML::project(document));
         state.counters["cues"] = double(tracks.at(0).items.size());
     }

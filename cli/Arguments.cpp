@@ -1,10 +1,13 @@
 #include "cli/Arguments.h"
 
+#include "cli/Interrupt.h"
 #include "cli/StandardStreams.h"
 #include "core/ConversionError.h"
+#include "core/Failure.h"
 #include "core/PlatformError.h"
 #include "core/files/FileReader.h"
 #include "fcp/FCPXML.h"
+#include "fcp/texts/ProjectTexts.h"
 
 #include <QDir>
 #include <QFile>
@@ -93,6 +96,13 @@ XmlDocument readProject(const std::string &argument)
     if (!isStream(argument))
         return FCPXML::document(toPath(argument));
     return FCPXML::document(readProjectBytes(argument), QDir::currentPath());
+}
+
+XmlDocument readProjectTexts(const std::string &argument)
+{
+    const QByteArray bytes = readProjectBytes(argument);
+    const auto read = [&] { return ProjectTexts::document(bytes, Interrupt::check); };
+    return isStream(argument) ? read() : Failure::naming(FCPXML::fileOf(toPath(argument)), read);
 }
 
 QString readText(const std::string &argument)

@@ -38,6 +38,9 @@ QByteArray readInput(const std::string &argument, qint64 limit);
 /// current one for standard input and pipes. @throws PlatformError, ConversionError, Cancelled
 XmlDocument readProject(const std::string &argument);
 
+/// As much of such a document as its texts are read from. @throws PlatformError, ConversionError, Cancelled
+XmlDocument readProjectTexts(const std::string &argument);
+
 /// The bytes of such an input, as they stand. @throws PlatformError, ConversionError, Cancelled
 QByteArray readProjectBytes(const std::string &argument);
 

@@ -54,7 +54,7 @@ void writeTracks(JsonWriter &json, const std::vector<Track> &tracks)
 
 std::vector<Track> readTracks(const ExtractArguments &arguments)
 {
-    const XmlDocument document = Arguments::readProject(arguments.input);
+    const XmlDocument document = Arguments::readProjectTexts(arguments.input);
     const QString name = Arguments::toText(arguments.project);
     const bool holdsClipsOnly = name.isEmpty() && FCPXML::projects(document).empty();
     return ProjectTexts::read(document, holdsClipsOnly ? nullptr : FCPXML::project(document, name));

@@ -4,6 +4,7 @@
 #include "fcp/audio/DraggedTimeline.h"
 #include "fcp/texts/CaptionRole.h"
 #include "fcp/texts/TextFields.h"
+#include "fcp/xml/XmlListener.h"
 
 #include <algorithm>
 #include <limits>
@@ -190,7 +191,24 @@ private:
     std::map<std::tuple<bool, QByteArray, qint64>, size_t> m_index;
 };
 
+/// Keeps what tells where texts stand and what they say out of all that a document holds.
+class TextsOnly final : public XmlListener
+{
+public:
+    bool begin(const XmlTag &tag, const xmlNode *parent, int /*line*/) override
+    {
+        return !parent || !tag.isPlain() ||
+               !TextWalk::passesOver(parent, QByteArrayView(reinterpret_cast<const char *>(tag.name())));
+    }
+};
+
 } // namespace
+
+XmlDocument document(QByteArrayView bytes, const Check &check)
+{
+    TextsOnly texts;
+    return XmlDocument::parse(bytes, u"不支持含外部实体的 XML。", texts, check);
+}
 
 std::vector<Track> read(const XmlDocument &document, const xmlNode *project)
 {

@@ -74,6 +74,15 @@ TextWalk::TextWalk(MediaResources &resources)
     : m_resources(resources)
 {}
 
+bool TextWalk::passesOver(const xmlNode *parent, QByteArrayView name)
+{
+    if (name != "param" && name != "text-style-def" && !name.startsWith("adjust-") && !name.startsWith("filter-"))
+        return false;
+    // Elsewhere an element may count whatever its name: as the pick of an audition, or as a resource.
+    const Kind kind = kindOf(parent);
+    return kind == Kind::text || kind == Kind::clip || kind == Kind::compound || kind == Kind::multicam;
+}
+
 void TextWalk::walkSequence(const StorySequence &sequence)
 {
     Place place{.times = {.local = sequence.start}, .frameDuration = sequence.frameDuration};

@@ -33,6 +33,10 @@ public:
 
     explicit TextWalk(MediaResources &resources);
 
+    /// Whether no walk looks at an element of that name in `parent`, nor at what stands in it: the looks of titles, and
+    /// what was done to clips. That is most of a document.
+    static bool passesOver(const xmlNode *parent, QByteArrayView name);
+
     /// Walks the storyline of a sequence, whose beginning is the timeline's 0.
     /// @throws ConversionError when compound clips show more than can be walked.
     void walkSequence(const StorySequence &sequence);

@@ -26,10 +26,8 @@ Tag clip(const QByteArray &attributes, const QList<Tag> &children)
     return tag("asset-clip ref=talk " + attributes, children);
 }
 
-/// Every text with its milliseconds or, in brackets, why it is none.
-std::string places(const QByteArray &document)
+std::string placesIn(const XmlDocument &tree)
 {
-    const XmlDocument tree = FCPXML::document(document, u"/"_s);
     const bool hasProject = !FCPXML::projects(tree).empty();
     QStringList words;
     for (const auto &track : ProjectTexts::read(tree, hasProject ? FCPXML::project(tree) : nullptr)) {
@@ -39,6 +37,14 @@ std::string places(const QByteArray &document)
             words.append(u"[%1]"_s.arg(skipped.reason));
     }
     return words.join(u", "_s).toStdString();
+}
+
+/// Every text with its milliseconds or, in brackets, why it is none.
+std::string places(const QByteArray &document)
+{
+    std::string found = placesIn(FCPXML::document(document, u"/"_s));
+    EXPECT_EQ(placesIn(ProjectTexts::document(document)), found) << "read from what is kept for it";
+    return found;
 }
 
 std::string inProject(const QList<Tag> &items, const QList<Tag> &more = {})
@@ -103,6 +109,14 @@ const QList<Placement> placements{
     {"in_an_audition",
      {tag("audition offset=4s", {title("duration=2s"), title("duration=3s")})},
      "字 4000-6000, [是试演中未选用的备选]"},
+    {"beside_looks",
+     {clip("offset=0s duration=9s",
+           {tag("adjust-transform", {title("lane=1 offset=1s duration=1s")}),
+            title("lane=1 offset=2s duration=2s", {tag("param name=Opacity")}), tag("filter-video")})},
+     "字 2000-4000"},
+    {"behind_an_audition_of_no_known_length",
+     {tag("audition", {tag("param"), title("duration=2s")}), title("duration=1s")},
+     "字 0-2000, [时间无法读取]"},
     {"over_a_conformed_clip",
      {clip("offset=10s start=0s duration=25s",
            {tag("conform-rate srcFrameRate=24"), title("lane=1 offset=25s duration=2s")})},
