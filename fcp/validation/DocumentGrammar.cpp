@@ -78,7 +78,10 @@ DocumentGrammar::DocumentGrammar(int minor)
             if (!name.name.isEmpty() && name.isIn(minor))
                 m_elements[i].attributes.push_back(std::move(attribute));
         }
+        m_elements[i].required =
+            int(std::ranges::count_if(m_elements[i].attributes, &DocumentGrammar::Attribute::required));
     }
+    m_knownAttributes.resize(m_elements.size());
 }
 
 void DocumentGrammar::readContent(Element &element, QByteArrayView content)
@@ -120,4 +123,19 @@ int DocumentGrammar::number(const xmlChar *name) const
     const int number = m_numbers.value(QByteArray(reinterpret_cast<const char *>(name)), -1);
     m_known.emplace(name, number);
     return number;
+}
+
+const DocumentGrammar::Attribute *DocumentGrammar::attribute(int number, const xmlChar *name) const
+{
+    auto &known = m_knownAttributes[size_t(number)];
+    const auto seen = std::ranges::find(known, name, &std::pair<const xmlChar *, const Attribute *>::first);
+    if (seen != known.end())
+        return seen->second;
+    const auto &attributes = element(number).attributes;
+    const auto found =
+        std::ranges::find(attributes, QByteArrayView(reinterpret_cast<const char *>(name)), &Attribute::name);
+    if (found == attributes.end())
+        return nullptr; // not kept: a document may have any number of them
+    known.emplace_back(name, &*found);
+    return &*found;
 }

@@ -3,32 +3,13 @@
 #include "fcp/xml/XmlSource.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The lines of all elements in which a problem was found. The parser counts no further than 65,535.
-std::unordered_map<const xmlNode *, qint64> lines(QByteArrayView bytes, const XmlDocument &document,
-                                                  std::unordered_map<const xmlNode *, qint64> wanted)
-{
-    const XmlSource source(bytes.toByteArray());
-    size_t number = 0;
-    qsizetype at = 0;
-    qint64 line = 1;
-    for (const xmlNode *element = document.root(); element && number < source.count();
-         element = Xml::nextElement(element, document.root()), ++number) {
-        const auto found = wanted.find(element);
-        if (found == wanted.end())
-            continue;
-        const qsizetype begin = source.element(number).begin;
-        line += std::count(bytes.begin() + at, bytes.begin() + begin, '\n');
-        at = begin;
-        found->second = line;
-    }
-    return wanted;
-}
+/// Where lines cannot be looked up, they are told no further than trees count them.
+constexpr int lastLine = 65'535;
 
 bool isUtf8(const XmlDocument &document)
 {
@@ -38,30 +19,49 @@ bool isUtf8(const XmlDocument &document)
 
 } // namespace
 
-void Findings::add(const xmlNode *element, const QString &rule, Problem::Severity severity, const QString &message,
+Findings::Place Findings::placeOf(const DocumentSketch::Element &element)
+{
+    return {.number = element.number(), .name = element.name().toByteArray(), .line = element.line()};
+}
+
+void Findings::add(const Place &place, const QString &rule, Problem::Severity severity, const QString &message,
                    const QString &fix)
 {
     if (qsizetype(m_found.size()) > DocumentCheck::mostProblems)
         return;
-    m_found.push_back({.element = element,
-                       .problem = {.line = xmlGetLineNo(element),
-                                   .element = QString::fromUtf8(reinterpret_cast<const char *>(element->name)),
+    m_found.push_back({.number = place.number,
+                       .problem = {.line = std::min(place.line, lastLine),
+                                   .element = QString::fromUtf8(place.name),
                                    .rule = rule,
                                    .severity = severity,
                                    .message = message,
                                    .fix = fix}});
 }
 
+/// The parser tells the line on which a tag ends; what people look for is the one on which it begins.
+void Findings::findLines(QByteArrayView bytes)
+{
+    std::vector<Found *> order;
+    for (Found &each : m_found)
+        order.push_back(&each);
+    std::ranges::sort(order, {}, &Found::number);
+    const XmlSource source(bytes.toByteArray());
+    qsizetype at = 0;
+    qint64 line = 1;
+    for (Found *const each : order) {
+        if (each->number >= source.count())
+            return;
+        const qsizetype begin = source.element(each->number).begin;
+        line += std::count(bytes.begin() + at, bytes.begin() + begin, '\n');
+        at = begin;
+        each->problem.line = line;
+    }
+}
+
 QList<Problem> Findings::finish(QByteArrayView bytes, const XmlDocument &document)
 {
-    if (!m_found.empty() && isUtf8(document)) {
-        std::unordered_map<const xmlNode *, qint64> wanted;
-        for (const Found &each : m_found)
-            wanted.emplace(each.element, each.problem.line);
-        wanted = lines(bytes, document, std::move(wanted));
-        for (Found &each : m_found)
-            each.problem.line = wanted.at(each.element);
-    }
+    if (!m_found.empty() && isUtf8(document))
+        findLines(bytes);
     QList<Problem> problems;
     for (const Found &each : m_found)
         problems.append(each.problem);

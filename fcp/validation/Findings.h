@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fcp/validation/DocumentCheck.h"
+#include "fcp/validation/DocumentSketch.h"
 #include "fcp/xml/XmlDocument.h"
 
 #include <vector>
@@ -9,7 +10,16 @@
 class Findings
 {
 public:
-    void add(const xmlNode *element, const QString &rule, Problem::Severity severity, const QString &message,
+    struct Place
+    {
+        size_t number = 0;    ///< Among the document's elements, from 0.
+        QByteArray name = {}; ///< As a tree would have it.
+        int line = 0;         ///< On which its tag ends, as the parser counts, from 1.
+    };
+
+    static Place placeOf(const DocumentSketch::Element &element);
+
+    void add(const Place &place, const QString &rule, Problem::Severity severity, const QString &message,
              const QString &fix = {});
 
     /// The problems by line, whose numbers are looked up in `bytes` if these are UTF-8.
@@ -18,9 +28,11 @@ public:
 private:
     struct Found
     {
-        const xmlNode *element;
+        size_t number;
         Problem problem;
     };
+
+    void findLines(QByteArrayView bytes);
 
     std::vector<Found> m_found;
 };

@@ -2,7 +2,9 @@
 
 #include "core/Check.h"
 #include "fcp/Rational.h"
+#include "fcp/validation/DocumentSketch.h"
 #include "fcp/validation/Findings.h"
+#include "fcp/xml/XmlDocument.h"
 
 #include <QHash>
 
@@ -11,11 +13,14 @@ class KnownTroubles
 {
 public:
     /// Calls `check` every few milliseconds while it runs.
-    KnownTroubles(const XmlDocument &document, Findings &findings, const Check &check = {});
+    KnownTroubles(const XmlDocument &document, const DocumentSketch &sketch, Findings &findings,
+                  const Check &check = {});
 
     void run();
 
 private:
+    using Element = DocumentSketch::Element;
+
     /// What holds for the children of an element.
     struct Timeline
     {
@@ -34,22 +39,27 @@ private:
         Rational end;
     };
 
-    void visit(const xmlNode *element, const Timeline &around);
-    Timeline inside(const xmlNode *element, const Timeline &around) const;
-    void checkResource(const xmlNode *element);
-    void checkTimes(const xmlNode *element, const Timeline &around);
-    void checkGrid(const xmlNode *element, QByteArrayView attribute, const Rational &base, const Timeline &around);
-    void checkLane(const xmlNode *element, const Timeline &around);
-    void checkReference(const xmlNode *element);
-    void checkRange(const xmlNode *clip, const xmlNode *asset);
-    void checkCaption(const xmlNode *caption);
-    void checkCaptionsOf(const xmlNode *parent);
+    /// What an attribute of `element` refers to, null when that is nothing.
+    const Element *resource(const Element *element, QByteArrayView attribute) const;
 
-    void error(const xmlNode *element, const QString &rule, const QString &message, const QString &fix = {});
-    void warning(const xmlNode *element, const QString &rule, const QString &message, const QString &fix = {});
+    void visit(const Element *element, const Timeline &around);
+    Timeline inside(const Element *element, const Timeline &around) const;
+    void checkResource(const Element *element);
+    void checkTimes(const Element *element, const Timeline &around);
+    void checkGrid(const Element *element, QByteArrayView attribute, const std::optional<Rational> &time,
+                   const Rational &base, const Timeline &around);
+    void checkLane(const Element *element, const Timeline &around);
+    void checkReference(const Element *element);
+    void checkRange(const Element *clip, const Element *asset);
+    void checkCaption(const Element *caption);
+    void checkCaptionsOf(const Element *parent);
+
+    void error(const Element *element, const QString &rule, const QString &message, const QString &fix = {});
+    void warning(const Element *element, const QString &rule, const QString &message, const QString &fix = {});
 
     const XmlDocument &m_document;
+    const DocumentSketch &m_sketch;
     Findings &m_findings;
     SparseCheck m_check;
-    QHash<QByteArray, const xmlNode *> m_resources;
+    QHash<QByteArray, const Element *> m_resources;
 };

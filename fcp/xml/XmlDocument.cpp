@@ -22,6 +22,12 @@ const char *plainChars(const xmlChar *text)
     return reinterpret_cast<const char *>(text);
 }
 
+/// Names differ in their first letters mostly.
+bool isSame(const xmlChar *text, QByteArrayView name)
+{
+    return !name.isEmpty() && plainChars(text)[0] == name.front() && QByteArrayView(plainChars(text)) == name;
+}
+
 } // namespace
 
 XmlDocument XmlDocument::parse(QByteArrayView bytes, QStringView entityRefusal, const Check &check)
@@ -66,7 +72,7 @@ namespace Xml {
 
 bool isElement(const xmlNode *node, QByteArrayView name)
 {
-    return elementName(node) == name;
+    return node->type == XML_ELEMENT_NODE && !node->ns && isSame(node->name, name);
 }
 
 QByteArrayView elementName(const xmlNode *node)
@@ -77,7 +83,7 @@ QByteArrayView elementName(const xmlNode *node)
 std::optional<QByteArrayView> attributeView(const xmlNode *element, QByteArrayView name)
 {
     for (const xmlAttr *each = element->properties; each; each = each->next) {
-        if (each->ns || QByteArrayView(plainChars(each->name)) != name)
+        if (each->ns || !isSame(each->name, name))
             continue;
         // One text node, for documents that refer to entities are refused.
         return each->children ? QByteArrayView(plainChars(each->children->content)) : QByteArrayView("");
@@ -94,10 +100,13 @@ std::optional<QByteArray> attribute(const xmlNode *element, QByteArrayView name)
 std::optional<qint64> integerAttribute(const xmlNode *element, QByteArrayView name)
 {
     const auto text = attributeView(element, name);
-    if (!text)
-        return std::nullopt;
+    return text ? integer(*text) : std::nullopt;
+}
+
+std::optional<qint64> integer(QByteArrayView text)
+{
     // from_chars takes neither blanks nor a plus, which the form allows once.
-    const QByteArrayView digits = text->startsWith('+') && !text->startsWith("+-") ? text->sliced(1) : *text;
+    const QByteArrayView digits = text.startsWith('+') && !text.startsWith("+-") ? text.sliced(1) : text;
     qint64 value = 0;
     const auto [stop, error] = std::from_chars(digits.begin(), digits.end(), value);
     return error == std::errc() && stop == digits.end() ? std::optional(value) : std::nullopt;

@@ -97,6 +97,7 @@ std::optional<QByteArrayView> attributeView(const xmlNode *element, QByteArrayVi
 /// The attribute as a decimal integer: an optional sign and digits, within 64 bits. Absent when it is missing or
 /// anything else.
 std::optional<qint64> integerAttribute(const xmlNode *element, QByteArrayView name);
+std::optional<qint64> integer(QByteArrayView text); ///< The same of a text.
 
 void setAttribute(xmlNode *element, const char *name, const QByteArray &value);
 void removeAttribute(xmlNode *element, const char *name);

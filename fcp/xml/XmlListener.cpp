@@ -37,3 +37,12 @@ XmlTag::Attribute XmlTag::attribute(int index) const
     const xmlChar **const each = m_attributes + ptrdiff_t(index) * 5;
     return {.name = each[0], .prefix = each[1], .raw = QByteArrayView(chars(each[3]), each[4] - each[3])};
 }
+
+std::optional<QByteArray> XmlTag::value(QByteArrayView wanted) const
+{
+    for (int i = 0; i < m_count; ++i) {
+        if (const Attribute each = attribute(i); each.isNamed(wanted))
+            return each.value();
+    }
+    return std::nullopt;
+}

@@ -4,6 +4,8 @@
 
 #include <libxml/tree.h>
 
+#include <optional>
+
 /// A start tag as the parser hands it over; all of it is gone when the call ends. Text is UTF-8.
 class XmlTag
 {
@@ -34,6 +36,7 @@ public:
 
     int count() const { return m_count; } ///< Of the attributes.
     Attribute attribute(int index) const;
+    std::optional<QByteArray> value(QByteArrayView wanted) const; ///< Of the attribute of that name without a prefix.
 
 private:
     const xmlChar *m_name;

@@ -174,6 +174,12 @@ void extractFrom(xmlSAXHandler &handler)
     handler.processingInstruction = takeInstruction;
 }
 
+/// Behind a mistake the parser is silent but for character data, which may stand outside all elements then.
+bool isOver(void *context)
+{
+    return static_cast<xmlParserCtxt *>(context)->disableSAX != 0;
+}
+
 void hearStart(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *uri, int namespaceCount,
                const xmlChar **namespaces, int attributeCount, int defaultCount, const xmlChar **attributes)
 {
@@ -202,6 +208,8 @@ void hearEnd(void *context, const xmlChar *name, const xmlChar *prefix, const xm
 
 void hearCharacters(void *context, const xmlChar *text, int length)
 {
+    if (isOver(context))
+        return;
     Parsing &parsing = parsingOf(context);
     parsing.listener->text(QByteArrayView(plainChars(text), length), false);
     if (parsing.outside == 0)
@@ -210,6 +218,8 @@ void hearCharacters(void *context, const xmlChar *text, int length)
 
 void hearSection(void *context, const xmlChar *text, int length)
 {
+    if (isOver(context))
+        return;
     Parsing &parsing = parsingOf(context);
     parsing.listener->text(QByteArrayView(plainChars(text), length), true);
     if (parsing.outside == 0)

@@ -85,6 +85,11 @@ const QList<Fault> faults{
      "14 param dtd.attribute"},
     {"missing_attribute", "uid=\".../Basic Title.moti\"", "", "7 effect dtd.required"},
     {"value_out_of_range", "srcEnable=\"video\"", "srcEnable=\"picture\"", "18 mc-source dtd.value"},
+    {"attribute_of_another_namespace", "name=\"x\"", "xml:name=\"x\"", "14 title dtd.attribute"},
+    {"element_of_another_namespace", "<gap offset=\"0s\" duration=\"1s\"/>",
+     "<x:gap xmlns:x=\"urn:x\" offset=\"1/7s\" duration=\"1s\"/>", "20 gap dtd.element"},
+    {"on_the_line_where_the_tag_begins", "<title ref=\"e1\" lane=\"1\" offset=\"26/25s\"",
+     "<title ref=\"e1\"\nlane=\"1\" offset=\"26/24s\"", "14 title time.grid"},
     {"duplicate_id", "id=\"ts1\"", "id=\"e1\"", "15 text-style-def dtd.duplicate-id, 15 text-style dtd.reference"},
     {"events_beside_a_library", "</fcpxml>", "<event/></fcpxml>", "22 event dtd.order"},
     {"two_libraries", "</fcpxml>", "<library/></fcpxml>", "22 library dtd.order"},
@@ -119,6 +124,9 @@ const QList<Fault> faults{
     {"caption_role", "iTT?captionFormat=ITT.cmn-Hans", "subtitles", "16 caption caption.role"},
     {"caption_language", "ITT.cmn-Hans", "ITT.zh-CN", "16 caption caption.language"},
     {"caption_lines", "<text>字</text>", "<text>一\n二\n三</text>", "16 caption caption.lines"},
+    {"caption_lines_of_runs", "<text>字</text>",
+     "<text>\n\n<text-style ref=\"ts1\">一\n</text-style><text-style ref=\"ts1\">二&#10;三</text-style></text>",
+     "16 caption caption.lines"},
     {"captions_overlap", "<marker",
      "<caption lane=\"2\" offset=\"51/25s\" duration=\"1s\" role=\"iTT?captionFormat=ITT.cmn-Hans\"/><marker",
      "17 caption caption.overlap"},
@@ -161,11 +169,38 @@ TEST(DocumentCheck, what_is_no_document_is_refused)
 {
     EXPECT_THROW(DocumentCheck::problems("<fcpxml>"), PlatformError);
     EXPECT_THROW(DocumentCheck::problems("<!DOCTYPE a [<!ENTITY x 'y'>]><a>&x;</a>"), ConversionError);
+    EXPECT_THROW(DocumentCheck::problems("<?xml version='1.0'encoding='UTF-8'?><a>text</a>"), PlatformError);
+    EXPECT_THROW(DocumentCheck::problems("<a b='1' b='2'>text</a>"), PlatformError);
     EXPECT_EQ(findings("<svg/>"), "1 svg document.root");
+    EXPECT_EQ(findings("<title lane='1'/>"), "1 title document.root");
     // No more are told than anybody reads.
     EXPECT_EQ(
         DocumentCheck::problems("<fcpxml version='1.10'>" + QByteArray("<a/>").repeated(5000) + "</fcpxml>").size(),
         DocumentCheck::mostProblems + 1);
+}
+
+TEST(DocumentCheck, an_old_version_is_taken_and_an_unknown_one_is_not)
+{
+    using Severity = Problem::Severity;
+    for (const auto &[version, severity] :
+         {std::pair("1.0", Severity::warning), std::pair("1.7", Severity::warning), std::pair("1.-1", Severity::error),
+          std::pair("1.x", Severity::error), std::pair("2.10", Severity::error), std::pair("", Severity::error)}) {
+        const auto problems = DocumentCheck::problems(QByteArray("<fcpxml version='") + version + "'/>");
+        ASSERT_EQ(problems.size(), 1) << version;
+        EXPECT_EQ(problems[0].severity, severity) << version;
+    }
+}
+
+/// However much is wrong, what is told is what comes first.
+TEST(DocumentCheck, tells_of_the_first_of_very_many_problems)
+{
+    const QByteArray many =
+        "<fcpxml version='1.10'><resources>" + QByteArray("<a/>\n").repeated(20'000) + "<format/></resources></fcpxml>";
+    const QList<Problem> problems = DocumentCheck::problems("<fcpxml version='1.10' x='1'>\n" + many.sliced(23));
+    ASSERT_EQ(problems.size(), DocumentCheck::mostProblems + 1);
+    EXPECT_EQ(problems[0].rule, u"dtd.attribute"_s);
+    for (qsizetype i = 1; i < problems.size(); ++i)
+        ASSERT_EQ(problems[i].line, i + 1);
 }
 
 /// Something about a document changed at random: an element gone, doubled or elsewhere, an attribute gone or moved.
