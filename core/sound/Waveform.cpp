@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr qsizetype foldedStretches = 4; ///< That are one of the next level.
+constexpr qsizetype foldedStretches = 16; ///< That are one of the next level.
 constexpr qsizetype stretchesOfFrame = SpeechBorders::frameMS / Waveform::peakMS;
 
 /// How many stretches there are on all levels of a part.
@@ -15,11 +15,12 @@ constexpr qsizetype swingsOfPart(qsizetype stretches)
     return stretches == 1 ? 1 : stretches + swingsOfPart(stretches / foldedStretches);
 }
 
-constexpr qsizetype frameCount(qint64 stretches)
+constexpr qsizetype frameCount(qsizetype stretches)
 {
-    return qsizetype((stretches + stretchesOfFrame - 1) / stretchesOfFrame);
+    return (stretches + stretchesOfFrame - 1) / stretchesOfFrame;
 }
 
+constexpr qsizetype swingSize = 2; ///< Bytes.
 constexpr qsizetype loudnessSize = sizeof(quint16);
 
 } // namespace
@@ -61,6 +62,45 @@ void Waveform::Part::join(Swing &into, qsizetype begin, qsizetype end) const
     }
 }
 
+std::span<const quint16> Waveform::Part::loudness(qsizetype stretches) const
+{
+    return std::span(m_loudness).first(size_t(frameCount(stretches)));
+}
+
+qsizetype Waveform::Part::byteCount(qsizetype stretches)
+{
+    return stretches * swingSize + frameCount(stretches) * loudnessSize;
+}
+
+QByteArray Waveform::Part::toBytes(qsizetype stretches) const
+{
+    QByteArray bytes;
+    bytes.reserve(byteCount(stretches));
+    for (const Swing swing : std::span(m_swings).first(size_t(stretches))) {
+        bytes.append(char(swing.low));
+        bytes.append(char(swing.high));
+    }
+    for (const quint16 loudest : loudness(stretches)) {
+        const quint16 little = qToLittleEndian(loudest);
+        bytes.append(reinterpret_cast<const char *>(&little), loudnessSize);
+    }
+    return bytes;
+}
+
+bool Waveform::Part::take(std::span<const char> bytes, qsizetype stretches)
+{
+    const char *const loudness = bytes.data() + stretches * swingSize;
+    for (qsizetype i = 0; i < stretches; ++i) {
+        const auto *const swings = bytes.data() + i * swingSize;
+        const Swing swing{.low = qint8(swings[0]), .high = qint8(swings[1])};
+        if (swing.low > swing.high)
+            return false;
+        set(i, swing, qFromLittleEndian<quint16>(loudness + i / stretchesOfFrame * loudnessSize));
+    }
+    fold();
+    return true;
+}
+
 void Waveform::join(Swing &into, Swing other)
 {
     into.low = std::min(into.low, other.low);
@@ -92,66 +132,56 @@ const SpeechBorders &Waveform::speech() const
     return m_speech ? *m_speech : none;
 }
 
-QList<quint16> Waveform::loudness() const
+qsizetype Waveform::stretchesIn(qsizetype part) const
 {
-    constexpr qsizetype framesOfPart = Part::capacity / stretchesOfFrame;
-    const qsizetype count = frameCount(m_peaks);
-    QList<quint16> result;
-    result.reserve(count);
-    for (qsizetype i = 0; i < count; ++i)
-        result.append(m_parts[i / framesOfPart]->loudness(i % framesOfPart));
-    return result;
+    return qsizetype(std::min<qint64>(Part::capacity, m_peaks - qint64(part) * Part::capacity));
 }
 
 void Waveform::findSpeech()
 {
-    m_speech = std::make_shared<const SpeechBorders>(loudness());
+    std::vector<std::span<const quint16>> loudness;
+    for (qsizetype i = 0; i < m_parts.size(); ++i)
+        loudness.push_back(m_parts[i]->loudness(stretchesIn(i)));
+    m_speech = std::make_shared<const SpeechBorders>(loudness);
 }
 
-QByteArray Waveform::toBytes() const
+void Waveform::write(const std::function<void(QByteArrayView)> &take) const
 {
-    QByteArray bytes;
-    bytes.reserve(qsizetype(m_peaks) * 2 + frameCount(m_peaks) * loudnessSize);
-    for (qint64 i = 0; i < m_peaks; ++i) {
-        const Swing swing = m_parts[qsizetype(i / Part::capacity)]->at(qsizetype(i % Part::capacity));
-        bytes.append(char(swing.low));
-        bytes.append(char(swing.high));
-    }
-    for (const quint16 loudest : loudness()) {
-        const quint16 little = qToLittleEndian(loudest);
-        bytes.append(reinterpret_cast<const char *>(&little), loudnessSize);
-    }
-    return bytes;
+    for (qsizetype i = 0; i < m_parts.size(); ++i)
+        take(m_parts[i]->toBytes(stretchesIn(i)));
 }
 
-std::optional<Waveform> Waveform::fromBytes(QByteArrayView bytes)
+qint64 Waveform::byteCount() const
+{
+    qint64 count = 0;
+    for (qsizetype i = 0; i < m_parts.size(); ++i)
+        count += Part::byteCount(stretchesIn(i));
+    return count;
+}
+
+std::optional<Waveform> Waveform::read(qint64 size, const std::function<bool(std::span<char>)> &fill)
 {
     // A frame of two stretches takes six bytes, and one of the last stretch alone takes four.
-    constexpr qsizetype frameSize = stretchesOfFrame * 2 + loudnessSize;
-    const qint64 stretches = bytes.size() / frameSize * stretchesOfFrame + (bytes.size() % frameSize == 0 ? 0 : 1);
-    if (stretches * 2 + frameCount(stretches) * loudnessSize != bytes.size())
-        return std::nullopt;
-    const QByteArrayView loudness = bytes.sliced(qsizetype(stretches) * 2);
+    const qint64 frameSize = Part::byteCount(stretchesOfFrame);
     Waveform result;
-    for (qint64 begin = 0; begin < stretches; begin += Part::capacity) {
+    result.m_peaks = size / frameSize * stretchesOfFrame + (size % frameSize == 0 ? 0 : 1);
+    std::vector<char> bytes(size_t(Part::byteCount(Part::capacity)));
+    while (qint64(result.m_parts.size()) * Part::capacity < result.m_peaks) {
+        const qsizetype stretches = result.stretchesIn(result.m_parts.size());
+        const auto piece = std::span(bytes).first(size_t(Part::byteCount(stretches)));
         const auto part = std::make_shared<Part>();
-        const qint64 end = std::min<qint64>(begin + Part::capacity, stretches);
-        for (qint64 i = begin; i < end; ++i) {
-            const Swing swing{.low = qint8(bytes[qsizetype(i) * 2]), .high = qint8(bytes[qsizetype(i) * 2 + 1])};
-            if (swing.low > swing.high)
-                return std::nullopt;
-            const auto *const loudest = loudness.data() + i / stretchesOfFrame * loudnessSize;
-            part->set(qsizetype(i - begin), swing, qFromLittleEndian<quint16>(loudest));
-        }
-        part->fold();
+        if (!fill(piece) || !part->take(piece, stretches))
+            return std::nullopt;
         result.m_parts.append(part);
     }
-    result.m_peaks = stretches;
+    if (result.byteCount() != size)
+        return std::nullopt;
     result.findSpeech();
     return result;
 }
 
 bool operator==(const Waveform &a, const Waveform &b)
 {
-    return a.m_peaks == b.m_peaks && a.toBytes() == b.toBytes();
+    const auto isSame = [](const auto &one, const auto &other) { return one == other || *one == *other; };
+    return a.m_peaks == b.m_peaks && std::ranges::equal(a.m_parts, b.m_parts, isSame);
 }

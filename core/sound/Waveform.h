@@ -5,8 +5,10 @@
 #include <QByteArray>
 #include <QList>
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 /// How far a stretch of sound swings both ways, and whether anybody speaks in it.
@@ -22,7 +24,7 @@ struct Peak
 /// The shape of a recording as it is drawn, from single pixels of a few milliseconds to all of it in one.
 ///
 /// A value: copies share what they hold, and one that is made while the recording is still being read
-/// (WaveformMaker) costs no more than what came since. Three hours take some 9 MB.
+/// (WaveformMaker) costs no more than what came since. Three hours take some 7 MB.
 class Waveform
 {
 public:
@@ -42,9 +44,13 @@ public:
     /// Where speech begins and ends. None where nothing is known, or where it is never quiet.
     const SpeechBorders &speech() const;
 
-    /// The waveform as bytes that fromBytes() takes back. What speech is, is worked out anew there.
-    QByteArray toBytes() const;
-    static std::optional<Waveform> fromBytes(QByteArrayView bytes); ///< Absent when they are not such bytes.
+    /// Hands out the waveform as bytes, some KiB at a time, byteCount() in all. `take` may throw.
+    void write(const std::function<void(QByteArrayView)> &take) const;
+    qint64 byteCount() const;
+
+    /// Takes back what write() has handed out, `size` bytes of it. `fill` is asked for them in order and says whether
+    /// it had that many. Absent when they are not such bytes. What speech is, is worked out anew.
+    static std::optional<Waveform> read(qint64 size, const std::function<bool(std::span<char>)> &fill);
 
     friend bool operator==(const Waveform &a, const Waveform &b); ///< Whether they look alike.
 
@@ -64,7 +70,7 @@ private:
     class Part
     {
     public:
-        static constexpr qsizetype capacity = 4'096; ///< Stretches: 4^6, some twenty seconds.
+        static constexpr qsizetype capacity = 4'096; ///< Stretches: 16^3, some twenty seconds.
 
         Part();
 
@@ -73,16 +79,24 @@ private:
         void fold(); ///< Works out what stretches are together, once they are all set.
 
         Swing at(qsizetype index) const { return m_swings[size_t(index)]; }
-        quint16 loudness(qsizetype frame) const { return m_loudness[size_t(frame)]; }
         void join(Swing &into, qsizetype begin, qsizetype end) const; ///< The stretches [begin, end).
 
+        /// How loud the frames are that the first `stretches` lie in.
+        std::span<const quint16> loudness(qsizetype stretches) const;
+
+        QByteArray toBytes(qsizetype stretches) const;               ///< The first ones.
+        static qsizetype byteCount(qsizetype stretches);             ///< Of these bytes.
+        bool take(std::span<const char> bytes, qsizetype stretches); ///< What toBytes gave; whether it may be that.
+
+        friend bool operator==(const Part &, const Part &) = default;
+
     private:
-        std::vector<Swing> m_swings;     ///< Of each stretch, then of each four of them, and so on to one of all.
+        std::vector<Swing> m_swings;     ///< Of each stretch, then of each sixteen of them, and so on to one of all.
         std::vector<quint16> m_loudness; ///< The largest sample, by its size, of each SpeechBorders::frameMS.
     };
 
     static void join(Swing &into, Swing other);
-    QList<quint16> loudness() const;
+    qsizetype stretchesIn(qsizetype part) const;
     void findSpeech();
 
     QList<std::shared_ptr<const Part>> m_parts;    ///< All full but the last.

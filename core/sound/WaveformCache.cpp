@@ -1,8 +1,6 @@
 #include "core/sound/WaveformCache.h"
 
-#include "core/PlatformError.h"
 #include "core/files/AtomicFile.h"
-#include "core/files/FileReader.h"
 #include "core/files/Folder.h"
 
 #include <QCryptographicHash>
@@ -17,16 +15,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QByteArrayView form = "Lintora waveform 1\n";
+constexpr QByteArrayView form = "Lintora waveform 2\n";
+constexpr auto digestMethod = QCryptographicHash::Blake2b_256;
 constexpr qint64 largestEntry = 32 * 1024 * 1024; ///< Bytes: fifteen hours.
 
-QByteArray digestOf(const WaveformCache::Key &key, QByteArrayView bytes)
+QByteArray bytesOf(const WaveformCache::Key &key)
 {
-    QCryptographicHash hash(QCryptographicHash::Blake2b_256);
-    hash.addData(key.path.toUtf8() + '\0' + QByteArray::number(key.size) + '\0' + QByteArray::number(key.modifiedMS) +
-                 '\0');
-    hash.addData(bytes);
-    return hash.result();
+    return key.path.toUtf8() + '\0' + QByteArray::number(key.size) + '\0' + QByteArray::number(key.modifiedMS) + '\0';
 }
 
 } // namespace
@@ -48,43 +43,49 @@ WaveformCache::WaveformCache(QString folder, qint64 largestSize)
 QString WaveformCache::file(const Key &key) const
 {
     constexpr qsizetype length = 32; // hexadecimal digits
-    const QByteArray name = digestOf({.path = key.path}, {}).toHex().first(length);
+    const QByteArray name = QCryptographicHash::hash(bytesOf({.path = key.path}), digestMethod).toHex().first(length);
     return m_folder + u'/' + QString::fromLatin1(name) + u".waveform"_s;
 }
 
 std::optional<Waveform> WaveformCache::find(const Key &key) const
 {
-    std::optional<QByteArray> entry;
-    try {
-        entry = FileReader::readUpTo(file(key), largestEntry);
-    } catch (const PlatformError &) {
+    QFile entry(file(key));
+    const qint64 head = form.size() + QCryptographicHash::hashLength(digestMethod);
+    if (!QFileInfo(entry).isFile() || !entry.open(QIODevice::ReadOnly) || entry.size() < head ||
+        entry.size() > largestEntry || entry.read(form.size()) != form)
         return std::nullopt; // is read again
-    }
-    const qsizetype head = form.size() + QCryptographicHash::hashLength(QCryptographicHash::Blake2b_256);
-    if (!entry || entry->size() < head || !entry->startsWith(form))
+    const QByteArray digest = entry.read(head - form.size());
+    QCryptographicHash hash(digestMethod);
+    hash.addData(bytesOf(key));
+    const auto waveform = Waveform::read(entry.size() - head, [&](std::span<char> bytes) {
+        if (entry.read(bytes.data(), qint64(bytes.size())) != qint64(bytes.size()))
+            return false;
+        hash.addData(QByteArrayView(bytes.data(), qsizetype(bytes.size())));
+        return true;
+    });
+    if (!waveform || hash.result() != digest)
         return std::nullopt;
-    const QByteArrayView bytes = QByteArrayView(*entry).sliced(head);
-    if (QByteArrayView(*entry).first(head).sliced(form.size()) != digestOf(key, bytes))
-        return std::nullopt;
-    QFile looked(file(key));
+    QFile looked(entry.fileName());
     if (looked.open(QIODevice::ReadWrite))
         looked.setFileTime(QDateTime::currentDateTime(), QFileDevice::FileModificationTime);
-    return Waveform::fromBytes(bytes);
+    return waveform;
 }
 
 void WaveformCache::keep(const Key &key, const Waveform &waveform) const
 {
-    const QByteArray bytes = waveform.toBytes();
-    if (bytes.size() + form.size() > largestEntry)
+    if (waveform.byteCount() + form.size() + QCryptographicHash::hashLength(digestMethod) > largestEntry)
         return;
     const bool isNew = !QFileInfo::exists(m_folder);
     Folder::make(m_folder);
     if (isNew)
         QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QCryptographicHash hash(digestMethod);
+    hash.addData(bytesOf(key));
+    waveform.write([&](QByteArrayView bytes) { hash.addData(bytes); });
     AtomicFile entry(file(key));
     entry.write(form);
-    entry.write(digestOf(key, bytes));
-    entry.write(bytes);
+    entry.write(hash.result());
+    waveform.write([&](QByteArrayView bytes) { entry.write(bytes); });
     entry.commit();
     bound();
 }

@@ -7,6 +7,25 @@ namespace {
 
 constexpr int samplesOfStretch = WaveformMaker::samplesPerMS * int(Waveform::peakMS);
 
+/// How far samples swing. Plain loops over samples of one size are what a compiler makes eight at a time of.
+struct Reach
+{
+    qint16 low;
+    qint16 high;
+};
+
+/// Of one sample at least.
+Reach reachOf(std::span<const qint16> samples)
+{
+    qint16 low = samples.front();
+    qint16 high = samples.front();
+    for (const qint16 sample : samples) {
+        low = std::min(low, sample);
+        high = std::max(high, sample);
+    }
+    return {.low = low, .high = high};
+}
+
 /// A sample in 1/127 of full scale, rounded outwards: what is not silent is seen.
 qint8 scaled(int sample)
 {
@@ -22,7 +41,7 @@ void WaveformMaker::add(std::span<const qint16> samples)
 {
     while (!samples.empty()) {
         const auto count = std::min(samples.size(), size_t(samplesOfStretch - m_samples));
-        const auto [low, high] = std::ranges::minmax(samples.first(count));
+        const auto [low, high] = reachOf(samples.first(count));
         m_low = m_samples == 0 ? low : std::min<int>(m_low, low);
         m_high = m_samples == 0 ? high : std::max<int>(m_high, high);
         m_samples += int(count);

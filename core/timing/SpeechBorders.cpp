@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <numeric>
 
 namespace {
@@ -11,18 +12,47 @@ constexpr qsizetype shortestSpeech = 5; ///< Frames; a click is shorter.
 constexpr quint16 leastLoud = 64;       ///< 54 dB below full scale.
 constexpr int leastContrast = 4;        ///< Between loud and quiet, at least: 12 dB.
 
-/// The peak above which a recording is loud; absent when it is not quiet anywhere, or silent throughout.
-std::optional<quint16> threshold(QList<quint16> peaks)
+using Pieces = std::vector<std::span<const quint16>>;
+
+/// How often there is each peak. Of a day as of a minute it takes the same memory.
+class PeakCounts
 {
-    if (peaks.isEmpty())
+public:
+    explicit PeakCounts(const Pieces &peaks)
+    {
+        for (const auto &piece : peaks) {
+            m_total += piece.size();
+            for (const quint16 peak : piece)
+                ++m_counts[peak];
+        }
+    }
+
+    bool isEmpty() const { return m_total == 0; }
+
+    /// The peak that `percent` of all, less than 100, stand before in their order by size.
+    int quantile(size_t percent) const
+    {
+        const size_t place = m_total * percent / 100;
+        size_t before = 0;
+        size_t peak = 0;
+        while (before + m_counts[peak] <= place)
+            before += m_counts[peak++];
+        return int(peak);
+    }
+
+private:
+    size_t m_total = 0;
+    std::vector<quint32> m_counts = std::vector<quint32>(size_t(std::numeric_limits<quint16>::max()) + 1);
+};
+
+/// The peak above which a recording is loud; absent when it is not quiet anywhere, or silent throughout.
+std::optional<quint16> threshold(const Pieces &peaks)
+{
+    const PeakCounts counts(peaks);
+    if (counts.isEmpty())
         return std::nullopt;
-    const auto quantile = [&](qsizetype percent) {
-        const auto place = peaks.begin() + peaks.size() * percent / 100;
-        std::nth_element(peaks.begin(), place, peaks.end());
-        return int(*place);
-    };
-    const int quiet = quantile(10);
-    const int loud = quantile(95);
+    const int quiet = counts.quantile(10);
+    const int loud = counts.quantile(95);
     if (loud < leastLoud || loud < quiet * leastContrast)
         return std::nullopt;
     return std::max(leastLoud, quint16(quiet + (loud - quiet) / 10));
@@ -38,23 +68,35 @@ struct Stretch
 } // namespace
 
 SpeechBorders::SpeechBorders(const QList<quint16> &peaks)
+    : SpeechBorders(Pieces{std::span(peaks)})
+{}
+
+SpeechBorders::SpeechBorders(const Pieces &peaks)
 {
     const auto loud = threshold(peaks);
     if (!loud)
         return;
-    std::vector<Stretch> speech;
-    for (qsizetype i = 0; i < peaks.size(); ++i) {
-        if (peaks[i] < *loud)
-            continue;
-        if (speech.empty() || i - speech.back().end >= shortestPause)
-            speech.push_back({.begin = i, .end = i});
-        speech.back().end = i + 1;
+    Stretch last = {.begin = 0, .end = 0};
+    const auto end = [&] {
+        if (last.end - last.begin < shortestSpeech)
+            return;
+        m_onsets.push_back(last.begin * frameMS);
+        m_ends.push_back(last.end * frameMS);
+    };
+    qsizetype frame = 0;
+    for (const auto &piece : peaks) {
+        for (const quint16 peak : piece) {
+            const qsizetype place = frame++;
+            if (peak < *loud)
+                continue;
+            if (last.end == last.begin || place - last.end >= shortestPause) {
+                end();
+                last.begin = place;
+            }
+            last.end = place + 1;
+        }
     }
-    std::erase_if(speech, [](const Stretch &each) { return each.end - each.begin < shortestSpeech; });
-    for (const Stretch &each : speech) {
-        m_onsets.push_back(each.begin * frameMS);
-        m_ends.push_back(each.end * frameMS);
-    }
+    end();
 }
 
 qint64 SpeechBorders::totalMS() const

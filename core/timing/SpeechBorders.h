@@ -6,6 +6,7 @@
 #include <QList>
 
 #include <optional>
+#include <span>
 #include <vector>
 
 /// Where speech begins and ends in a recording, by how loud it is.
@@ -21,6 +22,9 @@ public:
 
     /// `peaks` are those of the recording, one for each frame of frameMS, the last one may be of less.
     explicit SpeechBorders(const QList<quint16> &peaks);
+
+    /// The same where they lie in pieces, one after the other. Memory does not grow with them, but for the borders.
+    explicit SpeechBorders(const std::vector<std::span<const quint16>> &peaks);
 
     /// The onset, or the end, of speech that is nearest to a time, no further than `withinMS`. Milliseconds.
     std::optional<qint64> onset(qint64 nearMS, qint64 withinMS) const { return nearest(m_onsets, nearMS, withinMS); }

@@ -90,7 +90,7 @@ TEST_F(WaveformCaching, takes_what_is_damaged_for_missing)
 
 TEST_F(WaveformCaching, drops_what_was_not_looked_at_for_longest)
 {
-    const WaveformCache small(kept, 3 * waveform(1).toBytes().size() + 500);
+    const WaveformCache small(kept, 3 * waveform(1).byteCount() + 500);
     QList<WaveformCache::Key> keys;
     for (const QString &name : {u"a.wav"_s, u"b.wav"_s, u"c.wav"_s, u"d.wav"_s})
         keys.append(WaveformCache::Key::of(recording(name)).value());
