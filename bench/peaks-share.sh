@@ -33,6 +33,8 @@ from_cache() { program "$cli" peaks "$work/1.m4a"; }
 
 in_turn "peaks of one hour: helper by hand" by_hand "program" by_program
 in_turn "helper by hand" by_hand "kept" from_cache
+program "$cli" --help
+echo "doing nothing: $(tell_peak)"
 for hours in 1 3; do
     peak=0
     rm -rf "$work/Library"
