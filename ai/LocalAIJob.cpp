@@ -104,7 +104,7 @@ void LocalAIJob::stop()
 }
 
 QByteArray LocalAIJob::run(const QString &executable, const QStringList &arguments, const QString &directory,
-                           const Output &output)
+                           const Output &output, const Check &meanwhile)
 {
     constexpr std::chrono::milliseconds poll(50);
     Sink out(directory, u".out"_s);
@@ -115,6 +115,8 @@ QByteArray LocalAIJob::run(const QString &executable, const QStringList &argumen
     const auto listen = [&] {
         if (const QByteArray news = output ? out.readOn() : QByteArray(); !news.isEmpty())
             output(news);
+        if (meanwhile)
+            meanwhile();
     };
     while (!process.waitForEnd(poll)) {
         check();

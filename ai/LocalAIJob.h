@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "core/Job.h"
 
 #include <QByteArray>
@@ -40,11 +41,13 @@ public:
 
     /// Runs a helper to its end and returns what it has printed on standard output, 32 MiB at most.
     ///
+    /// `meanwhile` is called some times a second while it runs, and once it has ended well.
+    ///
     /// Its two streams go into files in `directory`, which are gone when this returns or throws; so is the helper.
     /// @throws Cancelled; ConversionError when it does not end with status 0, with the last line of its standard error
     /// as the detail, or prints too much; PlatformError when it cannot be started
     QByteArray run(const QString &executable, const QStringList &arguments, const QString &directory,
-                   const Output &output = {});
+                   const Output &output = {}, const Check &meanwhile = {});
 
     /// The last line that the helper of the latest run wrote on standard error; empty when there was none.
     const QString &lastWords() const { return m_lastWords; }

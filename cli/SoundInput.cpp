@@ -2,10 +2,11 @@
 
 #include "ai/LocalAIJob.h"
 #include "ai/Workspace.h"
+#include "ai/sound/MediaWaveform.h"
 #include "cli/CancelOnInterrupt.h"
 #include "cli/ProgressLines.h"
 #include "core/sound/WaveformCache.h"
-#include "fcp/render/FCPAudioRenderer.h"
+#include "fcp/render/TimelineWaveform.h"
 #include "store/Locations.h"
 
 using namespace Qt::StringLiterals;
@@ -26,18 +27,19 @@ Waveform SoundInput::waveform(const Arguments::Output &output) const
     const CancelOnInterrupt cancelling(job);
     ProgressLines lines(output);
     const WaveformCache cache(Locations::waveforms());
-    const Workspace workspace;
-    QString path = Arguments::toPath(input);
-    const bool isProject = ProjectAudio::isProject(input);
-    if (isProject) {
+    const auto show = [&](const Progress &now) { lines.show(now); };
+    const auto tell = [&](const WaveformTeller::News &news) {
+        lines.show({.what = u"正在读取声音…"_s, .share = news.share});
+    };
+    if (ProjectAudio::isProject(input)) {
         const FCPAudioPlan plan = audio.plan(input);
         ProjectAudio::tellNotices(plan, output);
-        path = FCPAudioRenderer::render(plan, job, workspace.path(), [&](const Progress &now) { lines.show(now); });
+        if (const auto known = cache.find(TimelineWaveform::key(plan)))
+            return *known;
+        const Workspace workspace;
+        return TimelineWaveform::render(plan, cache, job, workspace.path(), show, tell).waveform;
     }
-    const auto tell = [&](const Waveform & /*waveform*/, std::optional<double> share) {
-        lines.show({.what = u"正在读取声音…"_s, .share = share});
-    };
-    const MediaWaveform read = MediaWaveform::read(path, isProject ? nullptr : &cache, job, tell);
+    const MediaWaveform read = MediaWaveform::read(Arguments::toPath(input), &cache, job, tell);
     if (!read.notice.isEmpty())
         output.report(read.notice);
     return read.waveform;

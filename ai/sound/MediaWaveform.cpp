@@ -3,12 +3,9 @@
 #include "ai/LocalAIJob.h"
 #include "ai/Workspace.h"
 #include "ai/sound/MediaSamples.h"
-#include "core/PlatformError.h"
 #include "core/SRT.h"
 #include "core/sound/WaveformCache.h"
 #include "core/sound/WaveformMaker.h"
-
-#include <QElapsedTimer>
 
 #include <algorithm>
 
@@ -18,38 +15,13 @@ namespace {
 
 static_assert(MediaSamples::samplesPerMS == WaveformMaker::samplesPerMS);
 
-/// Tells of a waveform as it grows, often, but not so often that the reading would take longer by it.
-class GrowthTeller
+WaveformTeller::News newsOf(const WaveformMaker &maker, qint64 mediaMS)
 {
-public:
-    explicit GrowthTeller(const MediaWaveform::Growth &growth)
-        : m_growth(growth)
-    {
-        m_clock.start();
-    }
-
-    void tell(const WaveformMaker &maker, qint64 mediaMS)
-    {
-        if (m_clock.elapsed() < m_nextMS)
-            return;
-        const qint64 begin = m_clock.elapsed();
-        const Waveform waveform = maker.waveform();
-        std::optional<double> share;
-        if (mediaMS > 0)
-            share = std::min(1.0, double(waveform.lengthMS()) / double(mediaMS));
-        m_growth(waveform, share);
-        const qint64 end = m_clock.elapsed();
-        m_nextMS = end + std::max(shortestMS, (end - begin) * restShare);
-    }
-
-private:
-    static constexpr qint64 shortestMS = 100;
-    static constexpr qint64 restShare = 20; ///< Times as long as telling took it rests.
-
-    const MediaWaveform::Growth &m_growth;
-    QElapsedTimer m_clock;
-    qint64 m_nextMS = 0;
-};
+    WaveformTeller::News news{.waveform = maker.waveform(), .share = {}};
+    if (mediaMS > 0)
+        news.share = std::min(1.0, double(news.waveform.lengthMS()) / double(mediaMS));
+    return news;
+}
 
 QString noticeOf(qint64 soundMS, qint64 mediaMS)
 {
@@ -60,19 +32,10 @@ QString noticeOf(qint64 soundMS, qint64 mediaMS)
     return u"声音只到 %1，媒体全长 %2。"_s.arg(stamp(soundMS), stamp(mediaMS));
 }
 
-void keepWithin(const WaveformCache &cache, const WaveformCache::Key &key, const Waveform &waveform)
-{
-    try {
-        cache.keep(key, waveform);
-    } catch (const PlatformError &) { // NOLINT(bugprone-empty-catch)
-        // It is read again the next time.
-    }
-}
-
 } // namespace
 
 MediaWaveform MediaWaveform::read(const QString &path, const WaveformCache *cache, LocalAIJob &job,
-                                  const Growth &growth)
+                                  const WaveformTeller::Growth &growth)
 {
     const auto key = cache ? WaveformCache::Key::of(path) : std::nullopt;
     if (key) {
@@ -81,17 +44,17 @@ MediaWaveform MediaWaveform::read(const QString &path, const WaveformCache *cach
     }
     const Workspace workspace;
     WaveformMaker maker;
-    GrowthTeller teller(growth);
+    WaveformTeller teller(growth);
     qint64 wholeMS = 0;
     MediaSamples::read(path, job, workspace, [&](std::span<const qint16> samples, qint64 mediaMS) {
         maker.add(samples);
         wholeMS = mediaMS;
-        teller.tell(maker, mediaMS);
+        teller.tell([&] { return newsOf(maker, mediaMS); });
     });
     MediaWaveform result{.waveform = maker.waveform()};
     result.notice = noticeOf(result.waveform.lengthMS(), wholeMS);
     // What was still being written, or broke off, is read anew the next time.
     if (key && result.notice.isEmpty() && WaveformCache::Key::of(path) == key)
-        keepWithin(*cache, *key, result.waveform);
+        cache->keepWhereItMay(*key, result.waveform);
     return result;
 }

@@ -7,12 +7,29 @@
 #include "core/sound/WaveformCache.h"
 #include "fcp/render/FCPAudioRenderer.h"
 #include "fcp/render/MissingMedia.h"
+#include "fcp/render/TimelineWaveform.h"
 #include "store/Locations.h"
 
 #include <mutex>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// One whose waveform is known is seen at once, and rendered all the same: it is to be heard too.
+TimelineWaveform hearTimeline(const FCPAudioPlan &plan, LocalAIJob &job, const QString &folder,
+                              const ProgressReport &report, const WaveformTeller::Growth &grow)
+{
+    const WaveformCache cache(Locations::waveforms());
+    const auto known = cache.find(TimelineWaveform::key(plan));
+    if (!known)
+        return TimelineWaveform::render(plan, cache, job, folder, report, grow);
+    grow({.waveform = *known, .share = {}});
+    return {.waveform = *known, .file = FCPAudioRenderer::render(plan, job, folder, report)};
+}
+
+} // namespace
 
 /// The waveform that a worker has come to last, until it is shown.
 class Sound::Newest
@@ -106,6 +123,10 @@ void Sound::follow()
 Sound::Outcome Sound::hear(const Medium &medium, LocalAIJob &job, const ProgressReport &report,
                            const std::shared_ptr<Newest> &newest)
 {
+    const auto grow = [&](const WaveformTeller::News &news) {
+        newest->put(news.waveform);
+        report({.what = u"已读取声音 %1 秒"_s.arg(news.waveform.lengthMS() / 1'000), .share = news.share});
+    };
     Outcome outcome;
     const auto *const plan = std::get_if<FCPAudioPlan>(&medium);
     if (plan) {
@@ -113,19 +134,17 @@ Sound::Outcome Sound::hear(const Medium &medium, LocalAIJob &job, const Progress
         if (missing > 0)
             outcome.notice = u"%1 个媒体文件找不到，对应部分没有声音。"_s.arg(missing);
         outcome.rendered = std::make_shared<const Workspace>();
-        outcome.file = FCPAudioRenderer::render(missing > 0 ? MissingMedia::leaveOut(*plan) : *plan, job,
-                                                outcome.rendered->path(), report);
+        const TimelineWaveform heard = hearTimeline(missing > 0 ? MissingMedia::leaveOut(*plan) : *plan, job,
+                                                    outcome.rendered->path(), report, grow);
+        outcome.waveform = heard.waveform;
+        outcome.file = heard.file;
     } else {
         outcome.file = std::get<QString>(medium);
+        const WaveformCache cache(Locations::waveforms());
+        const MediaWaveform heard = MediaWaveform::read(outcome.file, &cache, job, grow);
+        outcome.waveform = heard.waveform;
+        outcome.notice = heard.notice;
     }
-    const auto grow = [&](const Waveform &waveform, std::optional<double> share) {
-        newest->put(waveform);
-        report({.what = u"已读取声音 %1 秒"_s.arg(waveform.lengthMS() / 1'000), .share = share});
-    };
-    const WaveformCache cache(Locations::waveforms());
-    const MediaWaveform heard = MediaWaveform::read(outcome.file, plan ? nullptr : &cache, job, grow);
-    outcome.waveform = heard.waveform;
-    outcome.notice += heard.notice;
     return outcome;
 }
 

@@ -3,6 +3,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -35,6 +36,19 @@ void Waveform::Part::set(qsizetype index, Swing swing, quint16 loudest)
     m_swings[size_t(index)] = swing;
     quint16 &loudness = m_loudness[size_t(index / stretchesOfFrame)];
     loudness = std::max(loudness, loudest);
+}
+
+void Waveform::Part::add(const Part &other)
+{
+    constexpr int steps = 127;
+    constexpr int fullScale = 32'768;
+    for (size_t i = 0; i < size_t(capacity); ++i) {
+        m_swings[i].low = qint8(std::max(-steps, m_swings[i].low + other.m_swings[i].low));
+        m_swings[i].high = qint8(std::min(steps, m_swings[i].high + other.m_swings[i].high));
+    }
+    for (size_t i = 0; i < m_loudness.size(); ++i)
+        m_loudness[i] = quint16(std::min(fullScale, m_loudness[i] + other.m_loudness[i]));
+    fold();
 }
 
 void Waveform::Part::fold()
@@ -130,6 +144,26 @@ const SpeechBorders &Waveform::speech() const
 {
     static const SpeechBorders none;
     return m_speech ? *m_speech : none;
+}
+
+Waveform Waveform::together(const Waveform &a, const Waveform &b)
+{
+    const auto &[shorter, longer] = a.m_peaks < b.m_peaks ? std::tie(a, b) : std::tie(b, a);
+    Waveform result = longer;
+    for (qsizetype i = 0; i < shorter.m_parts.size(); ++i) {
+        auto &part = result.m_parts[i];
+        if (shorter.m_parts[i]->isSilent())
+            continue;
+        if (part->isSilent()) {
+            part = shorter.m_parts[i];
+            continue;
+        }
+        const auto both = std::make_shared<Part>(*part);
+        both->add(*shorter.m_parts[i]);
+        part = both;
+    }
+    result.findSpeech();
+    return result;
 }
 
 qsizetype Waveform::stretchesIn(qsizetype part) const

@@ -44,6 +44,9 @@ public:
     /// Where speech begins and ends. None where nothing is known, or where it is never quiet.
     const SpeechBorders &speech() const;
 
+    /// How far two sounds swing at most while they sound together; where one of them is silent, as far as the other.
+    static Waveform together(const Waveform &a, const Waveform &b);
+
     /// Hands out the waveform as bytes, some KiB at a time, byteCount() in all. `take` may throw.
     void write(const std::function<void(QByteArrayView)> &take) const;
     qint64 byteCount() const;
@@ -76,9 +79,11 @@ private:
 
         /// Sets what the stretch at `index` is, which joins its loudness frame.
         void set(qsizetype index, Swing swing, quint16 loudest);
-        void fold(); ///< Works out what stretches are together, once they are all set.
+        void add(const Part &other); ///< What sounds together with it.
+        void fold();                 ///< Works out what stretches are together, once they are all set.
 
         Swing at(qsizetype index) const { return m_swings[size_t(index)]; }
+        bool isSilent() const { return m_swings.back() == Swing(); }  ///< All of it, once it is folded.
         void join(Swing &into, qsizetype begin, qsizetype end) const; ///< The stretches [begin, end).
 
         /// How loud the frames are that the first `stretches` lie in.

@@ -1,5 +1,6 @@
 #include "core/sound/WaveformCache.h"
 
+#include "core/PlatformError.h"
 #include "core/files/AtomicFile.h"
 #include "core/files/Folder.h"
 
@@ -21,7 +22,7 @@ constexpr qint64 largestEntry = 32 * 1024 * 1024; ///< Bytes: fifteen hours.
 
 QByteArray bytesOf(const WaveformCache::Key &key)
 {
-    return key.path.toUtf8() + '\0' + QByteArray::number(key.size) + '\0' + QByteArray::number(key.modifiedMS) + '\0';
+    return key.name.toUtf8() + '\0' + key.state + '\0';
 }
 
 } // namespace
@@ -31,8 +32,9 @@ std::optional<WaveformCache::Key> WaveformCache::Key::of(const QString &path)
     const QFileInfo file(path);
     if (!file.isFile())
         return std::nullopt;
-    return Key{
-        .path = file.canonicalFilePath(), .size = file.size(), .modifiedMS = file.lastModified().toMSecsSinceEpoch()};
+    return Key{.name = file.canonicalFilePath(),
+               .state =
+                   QByteArray::number(file.size()) + ' ' + QByteArray::number(file.lastModified().toMSecsSinceEpoch())};
 }
 
 WaveformCache::WaveformCache(QString folder, qint64 largestSize)
@@ -43,7 +45,7 @@ WaveformCache::WaveformCache(QString folder, qint64 largestSize)
 QString WaveformCache::file(const Key &key) const
 {
     constexpr qsizetype length = 32; // hexadecimal digits
-    const QByteArray name = QCryptographicHash::hash(bytesOf({.path = key.path}), digestMethod).toHex().first(length);
+    const QByteArray name = QCryptographicHash::hash(bytesOf({.name = key.name}), digestMethod).toHex().first(length);
     return m_folder + u'/' + QString::fromLatin1(name) + u".waveform"_s;
 }
 
@@ -88,6 +90,15 @@ void WaveformCache::keep(const Key &key, const Waveform &waveform) const
     waveform.write([&](QByteArrayView bytes) { entry.write(bytes); });
     entry.commit();
     bound();
+}
+
+void WaveformCache::keepWhereItMay(const Key &key, const Waveform &waveform) const
+{
+    try {
+        keep(key, waveform);
+    } catch (const PlatformError &) { // NOLINT(bugprone-empty-catch)
+        // The next time finds nothing, as if it had never been kept.
+    }
 }
 
 /// What writers have left unfinished is counted too.

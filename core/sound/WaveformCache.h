@@ -6,22 +6,21 @@
 
 #include <optional>
 
-/// Waveforms of recordings on the disk, so that one that was read need not be read again.
+/// Waveforms on the disk, so that a recording that was read need not be read again, nor a timeline rendered to be seen.
 ///
-/// A file for each recording, written whole and found again by the recording's path, size and date. What is damaged is
-/// as if it were not there. The cache is bounded: what was not looked at for longest goes first. Several programs may
+/// A file for each sound, written whole and found again by what the sound is of. What is damaged is as if it were not
+/// there. The cache is bounded: what was not looked at for longest goes first. Several programs may
 /// use the same folder.
 class WaveformCache
 {
 public:
-    /// What tells a recording from others and from what it was before.
+    /// What tells a sound from others and from what it was before.
     struct Key
     {
-        QString path;          ///< Absolute, without symbolic links.
-        qint64 size = 0;       ///< Bytes.
-        qint64 modifiedMS = 0; ///< Of the last change, since 1970.
+        QString name;          ///< Of one sound there is one entry: for a recording its path, which is absolute.
+        QByteArray state = {}; ///< What else it depends on: for a recording its size and date.
 
-        /// That of the file at `path` as it is now; absent when there is none.
+        /// That of the file at `path` as it is now, whichever way leads to it; absent when there is none.
         static std::optional<Key> of(const QString &path);
 
         friend bool operator==(const Key &, const Key &) = default;
@@ -33,7 +32,8 @@ public:
     explicit WaveformCache(QString folder, qint64 largestSize = largest);
 
     std::optional<Waveform> find(const Key &key) const;
-    void keep(const Key &key, const Waveform &waveform) const; ///< @throws PlatformError
+    void keep(const Key &key, const Waveform &waveform) const;           ///< @throws PlatformError
+    void keepWhereItMay(const Key &key, const Waveform &waveform) const; ///< What cannot be kept is made again.
 
 private:
     QString file(const Key &key) const;

@@ -78,24 +78,29 @@ QList<Subtitle> recognizeRanges(RenderedSound &sound, LocalAIJob &job, const Wor
 
 } // namespace
 
-QString render(const FCPAudioPlan &plan, LocalAIJob &job, const QString &directory, const ProgressReport &progress)
+QString render(const FCPAudioPlan &plan, LocalAIJob &job, const QString &directory, const ProgressReport &progress,
+               const Growing &growing)
 {
     const QString helper = LocalModels::helper(u"ffmpeg-audio"_s);
     MissingMedia::refuse(plan);
     const QDir folder(directory);
     const qsizetype count = plan.segments.size();
     QStringList stems;
+    const auto write = [&](const QString &wav, const QStringList &arguments) {
+        const Check meanwhile = growing ? Check([&] { growing(wav); }) : Check();
+        job.run(helper, arguments, directory, {}, meanwhile);
+    };
     for (qsizetype begin = 0; begin < count; begin += RenderArguments::largestBatch) {
         job.check();
         const QList<FCPAudioSegment> batch = plan.segments.mid(begin, RenderArguments::largestBatch);
         progress({.what = u"正在读取 FCP 音轨 %1 / %2"_s.arg(begin + batch.size()).arg(count)});
         stems.append(folder.filePath(u"fcp-stem%1.wav"_s.arg(stems.size())));
-        job.run(helper, RenderArguments::stem(batch, plan.duration, stems.last()), directory);
+        write(stems.last(), RenderArguments::stem(batch, plan.duration, stems.last()));
     }
     if (stems.size() > 1) {
         job.check();
         const QString mix = folder.filePath(u"fcp-mix.wav"_s);
-        job.run(helper, RenderArguments::mix(stems, plan.duration, mix), directory);
+        write(mix, RenderArguments::mix(stems, plan.duration, mix));
         // Each is as long as the plan: those of three hours take 4.5 GB.
         for (const QString &stem : std::as_const(stems))
             QFile::remove(stem);

@@ -13,11 +13,17 @@ class Workspace;
 /// The sound of a planned timeline, at the timeline's times: as a file, and as what is said in it.
 namespace FCPAudioRenderer {
 
+/// Hears of a file that a helper is writing, on the thread that renders.
+using Growing = std::function<void(const QString &wav)>;
+
 /// Renders the plan's sound into a WAV file of 16 kHz, mono, 16 bits in `directory` and returns its path. It lasts
 /// exactly as long as the plan does, to the sample. What else is written there is the caller's to remove too.
+/// `growing` is called some times a second, and once it is complete, for each such file that is being written: of the
+/// plan's pieces by their batches and, where there are several, of all at last. What is returned is the last one.
 /// @throws ConversionError when a source file is missing, before any is read (MissingMedia::refuse); when a helper is
 /// missing or fails, its reason as the detail; when nothing is heard. PlatformError, Cancelled
-QString render(const FCPAudioPlan &plan, LocalAIJob &job, const QString &directory, const ProgressReport &progress);
+QString render(const FCPAudioPlan &plan, LocalAIJob &job, const QString &directory, const ProgressReport &progress,
+               const Growing &growing = {});
 
 /// Recognises a WAV file of that form: its cues, none where nobody speaks. `workspace` is for whatever it needs, and is
 /// the same in every call.

@@ -28,9 +28,9 @@ protected:
 
     MediaWaveform read(const QString &file)
     {
-        return MediaWaveform::read(file, &cache, job, [this](const Waveform &waveform, std::optional<double> share) {
-            grown.append(waveform.lengthMS());
-            shares.append(share.value_or(-1));
+        return MediaWaveform::read(file, &cache, job, [this](const WaveformTeller::News &news) {
+            grown.append(news.waveform.lengthMS());
+            shares.append(news.share.value_or(-1));
         });
     }
 
@@ -61,14 +61,13 @@ const QString says10Seconds = u"complain [info]   Duration: 00:00:10.00, start: 
 TEST_F(MediaReading, shows_what_came_before_all_is_read)
 {
     helpers.script(u"ffmpeg-audio"_s, {says10Seconds, u"sound 2000 3000"_s, u"pause"_s, u"sound 0 5000"_s});
-    const auto waveform =
-        MediaWaveform::read(path, &cache, job, [&](const Waveform &each, std::optional<double> share) {
-            grown.append(each.lengthMS());
-            shares.append(share.value_or(-1));
-            // Nothing more comes until what is there has been shown.
-            if (grown.size() == 1)
-                QFile(helpers.file(u"go-on"_s)).open(QIODevice::WriteOnly);
-        });
+    const auto waveform = MediaWaveform::read(path, &cache, job, [&](const WaveformTeller::News &news) {
+        grown.append(news.waveform.lengthMS());
+        shares.append(news.share.value_or(-1));
+        // Nothing more comes until what is there has been shown.
+        if (grown.size() == 1)
+            QFile(helpers.file(u"go-on"_s)).open(QIODevice::WriteOnly);
+    });
     EXPECT_EQ(waveform.waveform.lengthMS(), 10'000);
     EXPECT_EQ(waveform.notice, QString());
     ASSERT_FALSE(grown.isEmpty());
@@ -121,7 +120,7 @@ TEST_F(MediaReading, ends_at_once_when_it_is_cancelled)
     for (const QString &stage : {u"wait"_s, u"flood output 100000000"_s}) {
         helpers.script(u"ffmpeg-audio"_s, {u"sound 0 100"_s, stage});
         LocalAIJob cancelled;
-        const auto cancel = [&](const Waveform & /*waveform*/, std::optional<double> /*share*/) { cancelled.cancel(); };
+        const auto cancel = [&](const WaveformTeller::News & /*news*/) { cancelled.cancel(); };
         EXPECT_THROW(MediaWaveform::read(path, &cache, cancelled, cancel), Cancelled) << stage.toStdString();
         EXPECT_EQ(helpers.running(), 0);
         EXPECT_EQ(helpers.scratchFolders(), QStringList());
@@ -143,7 +142,7 @@ TEST(RealMediaWaveform, is_that_of_the_file)
     const QString path = folder.filePath(u"a.wav"_s);
     ASSERT_TRUE((Wav{.rate = 48'000, .channels = {samples}}).write(path));
     LocalAIJob job;
-    const auto [waveform, notice] = MediaWaveform::read(path, nullptr, job, [](const auto &, auto) {});
+    const auto [waveform, notice] = MediaWaveform::read(path, nullptr, job, [](const auto &) {});
     qunsetenv("VELMORA_SUBTITLE_HELPERS");
     EXPECT_EQ(waveform.lengthMS(), 10'000);
     EXPECT_EQ(notice, QString());

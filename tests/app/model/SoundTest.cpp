@@ -122,11 +122,15 @@ TEST_F(SoundTest, of_a_recording_that_changed_is_read_again)
 
 TEST_F(SoundTest, of_a_timeline_is_rendered_and_can_be_played)
 {
-    helpers.script(u"ffmpeg-audio"_s, {u"wav 2"_s, u"sound 500 1500"_s});
+    helpers.script(u"ffmpeg-audio"_s, {u"wav 2 1"_s, u"pause"_s});
     sound().setShown(true);
-    model->recognition().setTimeline(planOf(write(u"a.mov"_s, "x")));
+    const QString media = write(u"a.mov"_s, "x");
+    model->recognition().setTimeline(planOf(media));
     EXPECT_EQ(sound().title(), u"FCP 时间线 · 粗剪"_s);
+    ASSERT_TRUE(Events::waitFor([&] { return sound().waveform().lengthMS() == 2'000; }));
+    EXPECT_TRUE(sound().isReading());
     EXPECT_EQ(sound().file(), QString());
+    QFile(helpers.file(u"go-on"_s)).open(QIODevice::WriteOnly);
     finish();
     EXPECT_TRUE(QFile::exists(sound().file())) << sound().trouble().toStdString();
     EXPECT_EQ(sound().waveform().lengthMS(), 2'000);
@@ -141,4 +145,13 @@ TEST_F(SoundTest, of_a_timeline_is_rendered_and_can_be_played)
     EXPECT_FALSE(sound().hasMedium());
     EXPECT_EQ(sound().file(), QString());
     EXPECT_FALSE(QFile::exists(file));
+    // The next time it is seen before it is rendered.
+    QFile::remove(helpers.file(u"go-on"_s));
+    helpers.script(u"ffmpeg-audio"_s, {u"pause"_s, u"wav 2 1"_s});
+    model->recognition().setTimeline(planOf(media));
+    ASSERT_TRUE(Events::waitFor([&] { return sound().waveform().lengthMS() == 2'000; }));
+    EXPECT_TRUE(sound().isReading());
+    QFile(helpers.file(u"go-on"_s)).open(QIODevice::WriteOnly);
+    finish();
+    EXPECT_TRUE(QFile::exists(sound().file()));
 }

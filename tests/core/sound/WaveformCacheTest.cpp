@@ -54,11 +54,13 @@ TEST_F(WaveformCaching, knows_a_recording_that_changed)
     const QString path = recording(u"a.wav"_s);
     const auto key = WaveformCache::Key::of(path).value();
     cache.keep(key, waveform(5'000));
-    WaveformCache::Key longer = key;
-    ++longer.size;
-    WaveformCache::Key later = key;
-    ++later.modifiedMS;
+    const auto longer = WaveformCache::Key::of(recording(u"a.wav"_s, "longer")).value();
     EXPECT_EQ(cache.find(longer), std::nullopt);
+    QFile changed(recording(u"a.wav"_s));
+    ASSERT_TRUE(changed.open(QIODevice::ReadWrite));
+    changed.setFileTime(QDateTime::currentDateTime().addSecs(-9), QFileDevice::FileModificationTime);
+    changed.close();
+    const auto later = WaveformCache::Key::of(path).value();
     EXPECT_EQ(cache.find(later), std::nullopt);
     EXPECT_EQ(cache.find(WaveformCache::Key::of(recording(u"b.wav"_s)).value()), std::nullopt);
     EXPECT_FALSE(WaveformCache::Key::of(folder.path())) << "a folder";

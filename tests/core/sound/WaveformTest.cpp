@@ -120,6 +120,23 @@ TEST(Waveform, stays_as_it_is_while_more_is_read)
     EXPECT_EQ(maker.waveform().between(0, 61'000).high, 127);
 }
 
+TEST(Waveform, of_two_sounds_together_is_as_high_as_both_may_be)
+{
+    const Waveform early = waveformOf(tone(30'003, 1'000, 8'000, 0.25));
+    const Waveform late = waveformOf(tone(61'000, 7'000, 40'000, 0.5));
+    for (const Waveform &both : {Waveform::together(early, late), Waveform::together(late, early)}) {
+        EXPECT_EQ(both.lengthMS(), 61'000);
+        EXPECT_EQ(both.between(1'100, 6'900), early.between(1'100, 6'900));
+        EXPECT_EQ(both.between(7'100, 7'900).high, 96);
+        EXPECT_EQ(both.between(0, 61'000).low, -96);
+        EXPECT_EQ(both.between(8'000, 61'000), late.between(8'000, 61'000));
+        EXPECT_EQ(both.speech().onset(1'000, 50), 1'000);
+    }
+    const Waveform loud = waveformOf(tone(1'000, 0, 1'000, 0.9));
+    EXPECT_EQ(Waveform::together(loud, loud).between(0, 500).high, 127);
+    EXPECT_EQ(Waveform::together(Waveform(), loud), loud);
+}
+
 TEST(Waveform, comes_back_from_its_bytes)
 {
     for (const qint64 lengthMS : {0, 3, 5, 10, 10'000, 20'480, 50'003}) {
