@@ -66,12 +66,17 @@ QList<Subtitle> settingText(QList<Subtitle> items, qsizetype index, const QStrin
     return items;
 }
 
-QList<Subtitle> settingTimes(QList<Subtitle> items, qsizetype index, qint64 startMS, qint64 endMS)
+void checkTimes(qint64 startMS, qint64 endMS)
 {
     if (startMS < 0 || endMS > latest)
         throw ConversionError(u"时间须在 0 到 100 小时之间。"_s);
     if (startMS >= endMS)
         throw ConversionError(u"结束时间须晚于开始时间。"_s);
+}
+
+QList<Subtitle> settingTimes(QList<Subtitle> items, qsizetype index, qint64 startMS, qint64 endMS)
+{
+    checkTimes(startMS, endMS);
     items[index].start = startMS;
     items[index].end = endMS;
     return items;

@@ -20,7 +20,10 @@ QString tidied(const QString &text, qint64 number);
 
 QList<Subtitle> settingText(QList<Subtitle> items, qsizetype index, const QString &text);
 
-/// Neither the order of the list nor other cues change. @throws ConversionError unless 0 <= start < end <= latest
+/// @throws ConversionError unless 0 <= start < end <= latest
+void checkTimes(qint64 startMS, qint64 endMS);
+
+/// Neither the order of the list nor other cues change. @throws ConversionError as checkTimes
 QList<Subtitle> settingTimes(QList<Subtitle> items, qsizetype index, qint64 startMS, qint64 endMS);
 
 /// Puts a cue with a placeholder text behind the cue at `after`, or before all with -1. It takes the time up to the

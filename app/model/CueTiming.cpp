@@ -42,50 +42,55 @@ bool CueTiming::change(const QString &title, const std::function<QList<Subtitle>
     return true;
 }
 
+QList<Subtitle> CueTiming::timed(const QList<CueTimes> &times) const
+{
+    QList<Subtitle> changed = items();
+    for (const CueTimes &each : times)
+        changed = CueEditing::settingTimes(std::move(changed), each.cue, each.start, each.end);
+    return changed;
+}
+
 bool CueTiming::setTimes(const QList<CueTimes> &times)
 {
     const auto isThere = [&](const CueTimes &each) { return each.cue >= 0 && each.cue < items().size(); };
     if (!std::ranges::all_of(times, isThere))
         return false;
-    return change(u"修改时间"_s, [&] {
-        QList<Subtitle> changed = items();
-        for (const CueTimes &each : times)
-            changed = CueEditing::settingTimes(std::move(changed), each.cue, each.start, each.end);
-        return changed;
-    });
+    return change(u"修改时间"_s, [&] { return timed(times); });
 }
 
-bool CueTiming::dragTo(const CueDrag::Grip &grip, qint64 byMS, const CueTimeline &timeline)
+QList<Subtitle> CueTiming::dragged(const CueTimeline &timeline, const CueDrag::Grip &grip, qint64 byMS) const
 {
-    return setTimes(CueDrag::dragged(timeline, grip, byMS, {.grid = grid()}));
+    return timed(CueDrag::dragged(timeline, grip, byMS, {.grid = grid()}));
 }
 
 bool CueTiming::setStart(qsizetype cue, qint64 timeMS)
 {
     if (cue < 0 || cue >= items().size())
         return false;
-    const CueTimeline timeline(items());
-    const Subtitle &held = items().at(cue);
-    const FrameGrid frames = grid();
-    if (frames.frame(timeMS) >= frames.frame(held.end))
-        return change({}, [&] { return CueEditing::settingTimes(items(), cue, held.end, held.end); });
-    const CueDrag::Grip alone{.cue = cue, .part = CueDrag::Part::start};
-    return dragTo(CueDrag::jointAtStart(timeline, cue, frames).value_or(alone), frames.snapped(timeMS) - held.start,
-                  timeline);
+    return change(u"修改时间"_s, [&] {
+        const CueTimeline timeline(items());
+        const Subtitle &held = items().at(cue);
+        const FrameGrid frames = grid();
+        const qint64 start = frames.snapped(timeMS);
+        CueEditing::checkTimes(start, frames.snapped(held.end)); // a drag would stop there, and say nothing
+        const CueDrag::Grip alone{.cue = cue, .part = CueDrag::Part::start};
+        return dragged(timeline, CueDrag::jointAtStart(timeline, cue, frames).value_or(alone), start - held.start);
+    });
 }
 
 bool CueTiming::setEnd(qsizetype cue, qint64 timeMS)
 {
     if (cue < 0 || cue >= items().size())
         return false;
-    const CueTimeline timeline(items());
-    const Subtitle &held = items().at(cue);
-    const FrameGrid frames = grid();
-    if (frames.frame(timeMS) <= frames.frame(held.start))
-        return change({}, [&] { return CueEditing::settingTimes(items(), cue, held.start, held.start); });
-    const CueDrag::Grip alone{.cue = cue, .part = CueDrag::Part::end};
-    return dragTo(CueDrag::jointAtEnd(timeline, cue, frames).value_or(alone), frames.snapped(timeMS) - held.end,
-                  timeline);
+    return change(u"修改时间"_s, [&] {
+        const CueTimeline timeline(items());
+        const Subtitle &held = items().at(cue);
+        const FrameGrid frames = grid();
+        const qint64 end = frames.snapped(timeMS);
+        CueEditing::checkTimes(frames.snapped(held.start), end);
+        const CueDrag::Grip alone{.cue = cue, .part = CueDrag::Part::end};
+        return dragged(timeline, CueDrag::jointAtEnd(timeline, cue, frames).value_or(alone), end - held.end);
+    });
 }
 
 std::optional<qsizetype> CueTiming::insert(qint64 startMS, qint64 endMS)

@@ -38,7 +38,8 @@ Q_SIGNALS:
 private:
     const QList<Subtitle> &items() const { return m_session.state().items; }
     bool change(const QString &title, const std::function<QList<Subtitle>()> &change);
-    bool dragTo(const CueDrag::Grip &grip, qint64 byMS, const CueTimeline &timeline);
+    QList<Subtitle> timed(const QList<CueTimes> &times) const; ///< The items with these.
+    QList<Subtitle> dragged(const CueTimeline &timeline, const CueDrag::Grip &grip, qint64 byMS) const;
 
     EditedSession &m_session;
     CueOwnership &m_owner;
