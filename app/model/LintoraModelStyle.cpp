@@ -67,7 +67,7 @@ void LintoraModel::matchProject()
 
 bool LintoraModel::areTracksOnTop() const
 {
-    return TrackHeights::overlap(visibleTracks());
+    return TrackHeights::overlapping(visibleTracks()).has_value();
 }
 
 void LintoraModel::stackTracks()

@@ -1,9 +1,7 @@
 #include "app/model/TitleTracks.h"
 
+#include "app/model/TrackHeights.h"
 #include "core/ConversionError.h"
-
-#include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -17,11 +15,6 @@ QList<SubtitleTrack> filled(QList<SubtitleTrack> tracks)
     return tracks;
 }
 
-double share(const Options &options)
-{
-    return options.fontSize / double(options.height);
-}
-
 Options framed(Options options, const Options &first)
 {
     if (options.height != first.height)
@@ -30,13 +23,6 @@ Options framed(Options options, const Options &first)
     options.height = first.height;
     options.name = first.name;
     return options;
-}
-
-/// Whether a line of the one reaches into a line of the other.
-bool cover(const Options &one, const Options &other)
-{
-    constexpr double percent = 100;
-    return std::abs(one.bottomPercent - other.bottomPercent) < std::max(share(one), share(other)) * percent;
 }
 
 } // namespace
@@ -60,15 +46,10 @@ std::vector<TitleTrack> of(const QList<SubtitleTrack> &tracks)
 
 QString covering(const QList<SubtitleTrack> &tracks)
 {
-    QList<SubtitleTrack> written = filled(tracks);
-    written.removeIf([](const SubtitleTrack &track) { return track.look.has_value(); });
-    for (qsizetype i = 0; i < written.size(); ++i) {
-        for (qsizetype j = 0; j < i; ++j) {
-            if (cover(written[j].options, written[i].options))
-                return u"“%1”与“%2”位置重叠，可在样式中错开"_s.arg(written[j].label, written[i].label);
-        }
-    }
-    return {};
+    const auto found = TrackHeights::overlapping(tracks);
+    if (!found)
+        return {};
+    return u"“%1”与“%2”位置重叠，可在样式中错开"_s.arg(tracks[found->first].label, tracks[found->second].label);
 }
 
 } // namespace TitleTracks

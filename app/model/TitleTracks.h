@@ -14,8 +14,7 @@ namespace TitleTracks {
 /// detail
 std::vector<TitleTrack> of(const QList<SubtitleTrack> &tracks);
 
-/// Names two tracks whose titles would lie on each other; empty when there are none. Where titles of the user's own
-/// stand is not known.
+/// Names two tracks whose titles would lie on each other (TrackHeights); empty when there are none.
 QString covering(const QList<SubtitleTrack> &tracks);
 
 } // namespace TitleTracks

@@ -25,22 +25,27 @@ double heightOf(const SubtitleTrack &track)
     return double(std::min(lines, mostLines)) * lineHeight(track.options);
 }
 
+/// Whether a line of the one reaches into a line of the other.
+bool cover(const Options &one, const Options &other)
+{
+    const bool isBelow = one.bottomPercent <= other.bottomPercent;
+    const Options &below = isBelow ? one : other;
+    const Options &above = isBelow ? other : one;
+    return above.bottomPercent < below.bottomPercent + lineHeight(below);
+}
+
 } // namespace
 
-bool overlap(const QList<SubtitleTrack> &tracks)
+std::optional<std::pair<qsizetype, qsizetype>> overlapping(const QList<SubtitleTrack> &tracks)
 {
-    QList<const SubtitleTrack *> upwards;
-    for (const SubtitleTrack &track : tracks) {
-        if (!track.items.isEmpty())
-            upwards += &track;
+    const auto isKnown = [](const SubtitleTrack &track) { return !track.items.isEmpty() && !track.look; };
+    for (qsizetype i = 0; i < tracks.size(); ++i) {
+        for (qsizetype j = 0; j < i; ++j) {
+            if (isKnown(tracks[i]) && isKnown(tracks[j]) && cover(tracks[j].options, tracks[i].options))
+                return std::pair(j, i);
+        }
     }
-    std::ranges::sort(upwards, {}, [](const SubtitleTrack *track) { return track->options.bottomPercent; });
-    for (qsizetype i = 1; i < upwards.size(); ++i) {
-        const Options &below = upwards.at(i - 1)->options;
-        if (upwards.at(i)->options.bottomPercent < below.bottomPercent + lineHeight(below))
-            return true;
-    }
-    return false;
+    return std::nullopt;
 }
 
 std::optional<QList<double>> stacked(const QList<SubtitleTrack> &tracks)

@@ -19,13 +19,22 @@ SubtitleTrack track(double bottomPercent, const QString &text = u"好"_s, double
 
 TEST(TrackHeights, tracks_overlap_unless_a_line_is_between_them)
 {
-    EXPECT_TRUE(TrackHeights::overlap({track(10), track(10)}));
-    EXPECT_TRUE(TrackHeights::overlap({track(30), track(10), track(33)}));
-    EXPECT_TRUE(TrackHeights::overlap({track(13.2), track(10)}));
-    EXPECT_FALSE(TrackHeights::overlap({track(13.3), track(10)}));
-    EXPECT_FALSE(TrackHeights::overlap({track(10), track(13.3)}));
-    EXPECT_FALSE(TrackHeights::overlap({track(10), track(10, {})})) << "nothing is shown of an empty one";
-    EXPECT_FALSE(TrackHeights::overlap({track(10)}));
+    EXPECT_TRUE(TrackHeights::overlapping({track(10), track(10)}));
+    EXPECT_EQ(TrackHeights::overlapping({track(30), track(10), track(33)}), std::pair(qsizetype(0), qsizetype(2)));
+    EXPECT_TRUE(TrackHeights::overlapping({track(13.2), track(10)}));
+    EXPECT_FALSE(TrackHeights::overlapping({track(13.3), track(10)}));
+    EXPECT_FALSE(TrackHeights::overlapping({track(10), track(13.3)}));
+    EXPECT_FALSE(TrackHeights::overlapping({track(10), track(10, {})})) << "nothing is shown of an empty one";
+    EXPECT_FALSE(TrackHeights::overlapping({track(10)}));
+}
+
+TEST(TrackHeights, the_lower_line_says_how_much_room_there_must_be)
+{
+    EXPECT_TRUE(TrackHeights::overlapping({track(15), track(10, u"好"_s, 96)}));
+    EXPECT_FALSE(TrackHeights::overlapping({track(15, u"好"_s, 96), track(10)}));
+    SubtitleTrack own = track(10);
+    own.look.emplace();
+    EXPECT_FALSE(TrackHeights::overlapping({track(10), own})) << "nobody knows where it stands";
 }
 
 TEST(TrackHeights, each_track_stands_above_the_lines_of_those_that_follow)
@@ -36,7 +45,7 @@ TEST(TrackHeights, each_track_stands_above_the_lines_of_those_that_follow)
     EXPECT_EQ(TrackHeights::stacked({track(10), track(10), track(0.5)}), Distances({8, 4, 0.5}));
     EXPECT_EQ(TrackHeights::stacked({track(10), track(10, u"好"_s, 430)}), Distances({39, 10}));
     EXPECT_EQ(TrackHeights::stacked({track(10), track(10, u"好"_s, 460)}), Distances()) << "beyond what is written";
-    EXPECT_FALSE(TrackHeights::overlap({track(14), track(10)})) << "what is stacked is apart";
+    EXPECT_FALSE(TrackHeights::overlapping({track(14), track(10)})) << "what is stacked is apart";
 }
 
 } // namespace
