@@ -51,8 +51,9 @@ namespace TimedCues {
 
 constexpr qint64 snapMS = 200; ///< How far a border moves to speech.
 
-/// The cues with their borders at the onsets and ends of speech near them, on `grid`. Order stays, nothing overlaps,
-/// and what is unsure stays where it is.
+/// The cues with their borders at the onsets and ends of speech near them, on `grid`. Order stays, and what is unsure
+/// stays where it is. Nothing comes to overlap: where speech begins or ends within a neighbour, sure or not, the border
+/// goes no further than to it.
 QList<TimedCue> snapped(QList<TimedCue> cues, const SpeechBorders &borders, const FrameGrid &grid);
 
 } // namespace TimedCues
