@@ -219,11 +219,11 @@ private:
     void drawPlayhead()
     {
         const int at = int(std::floor(x(m_scene.playheadMS)));
-        m_painter.fillRect(QRect(at, rulerHeight - 4, 1, m_size.height()), m_colors.failure);
-        QPainterPath head;
-        head.moveTo(at + 0.5 - gripHalf, rulerHeight - 3 - gripHalf * 2);
-        head.lineTo(at + 0.5 + gripHalf, rulerHeight - 3 - gripHalf * 2);
-        head.lineTo(at + 0.5, rulerHeight - 2);
+        m_painter.fillRect(QRect(at, rulerHeight, 1, m_size.height()), m_colors.failure);
+        QPainterPath head; // below the ruler, whose figures it would cover
+        head.moveTo(at + 0.5 - gripHalf, rulerHeight);
+        head.lineTo(at + 0.5 + gripHalf, rulerHeight);
+        head.lineTo(at + 0.5, rulerHeight + 2 * gripHalf);
         head.closeSubpath();
         m_painter.setRenderHint(QPainter::Antialiasing);
         m_painter.fillPath(head, m_colors.failure);
