@@ -6,42 +6,8 @@
 set -euo pipefail
 
 peer=$1
-for tool in Xvfb xdotool; do
-    command -v "$tool" >/dev/null || { echo "skipped: $tool is missing"; exit 77; }
-done
-
-folder=$(mktemp -d)
-pids=()
-finish() {
-    local status=$?
-    [ $status -eq 0 ] || tail -n 30 "$folder/peer.out" >&2 || true
-    for pid in "${pids[@]}"; do kill -KILL "$pid" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$folder"
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
-
-fail() { echo "failed: $*" >&2; exit 1; }
-
-# Tries until it succeeds, for half a minute at most. Nothing is taken to have happened because time has passed.
-until_true() {
-    local deadline=$((SECONDS + 30))
-    until "$@"; do
-        [ $SECONDS -lt $deadline ] || return 1
-        sleep .02
-    done
-}
-
-# Xvfb writes the number of a display that was free, once it takes connections.
-mkfifo "$folder/display"
-Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$folder/display" >"$folder/xvfb.out" 2>&1 &
-pids+=($!)
-read -r -t 30 number <"$folder/display" || fail "no display"
-export DISPLAY=:$number QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR=$folder/run HOME=$folder
-mkdir -m 700 "$folder/run"
-# Without a bus a first connection starts one, for which a program may wait for ever.
-export DBUS_SESSION_BUS_ADDRESS=unix:path=$folder/run/none
+. "$(dirname "$0")/../../../support/display.sh"
+export HOME=$folder
 
 # What the program has said since it was last forgotten.
 forgotten=0
@@ -106,4 +72,28 @@ says '^let go'
 echo "== a cue goes as a whole"
 drag "$(x 4500)" "$(x 5100)"
 says '^times 1000-2000 2000-3000 4600-5600'
+forget
+xdotool key ctrl+z
+says '^times 1000-2000 2000-3000 4000-5000'
+
+echo "== a border stands on a frame, and with the key that lets go where the pointer is"
+end_at() {
+    drag "$(x 5000)" $(($(x 5700) + 1))
+    says '^times 1000-2000 2000-3000 4000-57[0-9][0-9]'
+    tail -n +$((forgotten + 1)) "$folder/peer.out" | sed -n 's/^times .*-//p' | tail -n 1
+}
+# Thirty a second, to whole milliseconds.
+is_on_frame() {
+    local away=$((($1 * 30 + 500) / 1000 * 1000 / 30 - $1))
+    [ $away -ge -1 ] && [ $away -le 1 ]
+}
+snapped=$(end_at)
+is_on_frame "$snapped" || fail "$snapped is on no frame"
+forget
+xdotool key ctrl+z
+says '^times 1000-2000 2000-3000 4000-5000'
+xdotool keydown alt
+free=$(end_at)
+xdotool keyup alt
+! is_on_frame "$free" || fail "$free is on a frame"
 echo "all dragged"
