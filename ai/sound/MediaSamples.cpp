@@ -27,15 +27,6 @@ QByteArray said(const QString &path)
     return log.open(QIODevice::ReadOnly) ? log.read(largestLog) : QByteArray();
 }
 
-void refuseMissing(const QString &path)
-{
-    const QFileInfo file(path);
-    if (!file.isFile())
-        throw ConversionError(u"找不到这个音视频文件，可能已移动或删除。"_s, QDir::toNativeSeparators(path));
-    if (!file.isReadable())
-        throw ConversionError(u"没有读取这个音视频文件的权限。"_s, QDir::toNativeSeparators(path));
-}
-
 [[noreturn]] void refuse(const QString &path, const QByteArray &log)
 {
     refuseMissing(path); // it may have gone meanwhile
@@ -46,6 +37,15 @@ void refuseMissing(const QString &path)
 }
 
 } // namespace
+
+void refuseMissing(const QString &path)
+{
+    const QFileInfo file(path);
+    if (!file.isFile())
+        throw ConversionError(u"找不到这个音视频文件，可能已移动或删除。"_s, QDir::toNativeSeparators(path));
+    if (!file.isReadable())
+        throw ConversionError(u"没有读取这个音视频文件的权限。"_s, QDir::toNativeSeparators(path));
+}
 
 QStringList arguments(const QString &media)
 {

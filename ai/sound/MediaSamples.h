@@ -31,6 +31,9 @@ QStringList arguments(const QString &media);
 /// How long the medium is, by what the helper has said so far. Milliseconds.
 std::optional<qint64> duration(const QByteArray &log);
 
+/// @throws ConversionError when the file at `path` is not there, or may not be read
+void refuseMissing(const QString &path);
+
 /// The last thing that the helper said went wrong; empty for none.
 QString complaint(const QByteArray &log);
 

@@ -53,6 +53,8 @@ MediaWaveform MediaWaveform::read(const QString &path, const WaveformCache *cach
     });
     MediaWaveform result{.waveform = maker.waveform()};
     result.notice = noticeOf(result.waveform.lengthMS(), wholeMS);
+    if (!result.notice.isEmpty())
+        MediaSamples::refuseMissing(path); // its drive was unplugged: what the helper takes for the end
     // What was still being written, or broke off, is read anew the next time.
     if (key && result.notice.isEmpty() && WaveformCache::Key::of(path) == key)
         cache->keepWhereItMay(*key, result.waveform);

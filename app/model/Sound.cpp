@@ -4,13 +4,19 @@
 #include "ai/Workspace.h"
 #include "ai/sound/MediaWaveform.h"
 #include "app/model/ai/Recognition.h"
+#include "core/ConversionError.h"
 #include "core/sound/WaveformCache.h"
 #include "fcp/render/FCPAudioRenderer.h"
 #include "fcp/render/MissingMedia.h"
 #include "fcp/render/TimelineWaveform.h"
 #include "store/Locations.h"
 
+#include <QFileInfo>
+
+#include <atomic>
+#include <chrono>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -31,7 +37,7 @@ TimelineWaveform hearTimeline(const FCPAudioPlan &plan, LocalAIJob &job, const Q
 
 } // namespace
 
-/// The waveform that a worker has come to last, until it is shown.
+/// The waveform that a worker has come to last, until it is shown, and whether its recording went away.
 class Sound::Newest
 {
 public:
@@ -47,9 +53,13 @@ public:
         return std::exchange(m_waveform, std::nullopt);
     }
 
+    void setGone(bool isGone) { m_isGone = isGone; }
+    bool isGone() const { return m_isGone; }
+
 private:
     std::mutex m_mutex;
     std::optional<Waveform> m_waveform;
+    std::atomic<bool> m_isGone = false;
 };
 
 Sound::Sound(const Recognition &source)
@@ -106,6 +116,7 @@ void Sound::follow()
     if (std::exchange(m_medium, now) == now)
         return;
     m_task.cancel();
+    m_return.cancel();
     m_newest.reset();
     m_rendered.reset();
     m_waveform = {};
@@ -152,14 +163,43 @@ void Sound::read()
 {
     if (!hasMedium())
         return;
+    m_return.cancel();
     m_newest = std::make_shared<Newest>();
     m_task.run<LocalAIJob>(
         u"正在读取声音…"_s,
         [medium = m_medium, newest = m_newest](LocalAIJob &job, const ProgressReport &report) {
-            return hear(medium, job, report, newest);
+            try {
+                return hear(medium, job, report, newest);
+            } catch (const ConversionError &) {
+                const auto *const recording = std::get_if<QString>(&medium);
+                newest->setGone(recording && !QFileInfo::exists(*recording));
+                throw;
+            }
         },
-        [this](const Outcome &outcome) { take(outcome); },
-        [this](const Failure &failure) { setTrouble(failure.sentence); });
+        [this](const Outcome &outcome) { take(outcome); }, [this](const Failure &failure) { refuse(failure); });
+}
+
+/// A drive that was unplugged comes back.
+void Sound::refuse(const Failure &failure)
+{
+    setTrouble(failure.sentence);
+    if (!m_newest->isGone())
+        return;
+    m_return.run(
+        u"正在等待文件…"_s,
+        [path = std::get<QString>(m_medium)](const Job &job, const ProgressReport & /*report*/) {
+            constexpr std::chrono::milliseconds pause(50);
+            while (!QFileInfo::exists(path)) {
+                job.check();
+                std::this_thread::sleep_for(pause);
+            }
+            return path;
+        },
+        [this](const QString & /*path*/) {
+            if (m_isShown)
+                read();
+        },
+        [](const Failure & /*failure*/) {});
 }
 
 void Sound::takeNewest()

@@ -45,7 +45,7 @@ public:
     /// What is wrong with the sound: why it cannot be heard, or what of it is missing. In the person's words; empty
     /// while nothing is.
     const QString &trouble() const { return m_trouble; }
-    void readAgain(); ///< Tries again, for instance because the file is there now.
+    void readAgain(); ///< Tries again. A recording that is missing is read by itself once it is back.
 
     BackgroundTask &task() { return m_task; }
 
@@ -76,6 +76,7 @@ private:
     Medium medium() const;
     void follow();
     void read();
+    void refuse(const Failure &failure);
     void takeNewest();
     void take(const Outcome &outcome);
     void setFile(const QString &file);
@@ -89,5 +90,6 @@ private:
     Waveform m_waveform;
     std::shared_ptr<Newest> m_newest; ///< Shared with the worker; null before it was ever read.
     QString m_trouble;
-    BackgroundTask m_task{BackgroundTask::Order::newestOnly}; ///< Last, so that it ends first.
+    BackgroundTask m_return{BackgroundTask::Order::newestOnly}; ///< Waits for a missing recording.
+    BackgroundTask m_task{BackgroundTask::Order::newestOnly};   ///< Last, so that it ends first.
 };

@@ -96,11 +96,33 @@ TEST_F(SoundTest, says_what_is_wrong_and_tries_again)
     finish();
     EXPECT_EQ(sound().trouble(), u"找不到这个音视频文件，可能已移动或删除。"_s);
     EXPECT_TRUE(sound().waveform().isEmpty());
-    QFile::rename(path + u".away"_s, path);
+    helpers.script(u"ffmpeg-audio"_s, {u"complain [error] Invalid data"_s, u"exit 1"_s});
+    ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly)); // nothing that the helper can read
+    ASSERT_TRUE(Events::waitFor([&] { return sound().trouble().startsWith(u"无法读取"); }));
+    helpers.script(u"ffmpeg-audio"_s, {u"sound 1000 1000"_s});
     sound().readAgain();
     finish();
     EXPECT_EQ(sound().trouble(), QString());
     EXPECT_EQ(sound().waveform().lengthMS(), 2'000);
+}
+
+TEST_F(SoundTest, of_a_recording_that_vanished_goes_on_once_it_is_back)
+{
+    helpers.script(u"ffmpeg-audio"_s,
+                   {u"complain [info]   Duration: 00:00:10.00, start: 0.000000"_s, u"sound 1000 1000"_s, u"pause"_s});
+    const QString path = choose(u"访谈.mov"_s);
+    sound().setShown(true);
+    ASSERT_TRUE(Events::waitFor([&] { return sound().waveform().lengthMS() == 2'000; }));
+    QFile::rename(path, path + u".away"_s);
+    QFile(helpers.file(u"go-on"_s)).open(QIODevice::WriteOnly);
+    finish();
+    EXPECT_EQ(sound().trouble(), u"找不到这个音视频文件，可能已移动或删除。"_s);
+    EXPECT_EQ(sound().waveform().lengthMS(), 2'000) << "what was read is still seen";
+    helpers.script(u"ffmpeg-audio"_s, {u"sound 2000 8000"_s});
+    QFile::rename(path + u".away"_s, path);
+    ASSERT_TRUE(Events::waitFor([&] { return sound().waveform().lengthMS() == 10'000; }));
+    finish();
+    EXPECT_EQ(sound().trouble(), QString());
 }
 
 TEST_F(SoundTest, of_a_recording_that_changed_is_read_again)
