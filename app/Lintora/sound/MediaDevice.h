@@ -34,3 +34,7 @@ public:
 
 /// What a library that plays offers under the name "lintoraMediaDevice": makes a device, which the caller owns.
 using MediaDeviceMaker = MediaDevice *(MediaDevice::Listener);
+
+/// The same under the name "lintoraStartMediaFramework": what the framework does once and long. On any thread; nothing
+/// of it belongs to a thread.
+using MediaFrameworkStarter = void();

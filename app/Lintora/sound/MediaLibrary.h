@@ -8,6 +8,10 @@
 /// brings with it.
 namespace MediaLibrary {
 
+/// Loads it and starts the media framework on a worker, which takes tenths of a second: once playing is near. Whoever
+/// makes a device meanwhile waits for that.
+void prepare();
+
 /// @throws ConversionError when it is not there or cannot be loaded, with the reason as the detail
 std::unique_ptr<MediaDevice> makeDevice(MediaDevice::Listener listener);
 
