@@ -10,10 +10,12 @@
 #include "app/model/FCPPasteboard.h"
 
 #include <QApplication>
+#include <QChildEvent>
 #include <QDir>
 #include <QDrag>
 #include <QDropEvent>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QSettings>
 #include <QTextStream>
 #include <QTimer>
@@ -151,6 +153,26 @@ public:
     }
 };
 
+/// Says what a drag would do where the pointer is. A button that is let go before the target has answered ends it
+/// there.
+class DragWatch : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::ChildAdded) {
+            const auto look = [child = QPointer(static_cast<QChildEvent *>(event)->child())] {
+                if (const auto *const drag = qobject_cast<QDrag *>(child.data())) // by now it is a whole one
+                    connect(drag, &QDrag::actionChanged, [](Qt::DropAction action) { say(u"would %1"_s.arg(action)); });
+            };
+            QMetaObject::invokeMethod(this, look, Qt::QueuedConnection);
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
 void showAt(QWidget &widget, const QPoint &place)
 {
     widget.setGeometry(QRect(place, QSize(280, 120)));
@@ -205,7 +227,8 @@ int runArea(const QString &folder, const QPoint &place)
 
 int main(int argc, char **argv)
 {
-    const QApplication application(argc, argv);
+    QApplication application(argc, argv);
+    application.installEventFilter(new DragWatch(&application));
     const QStringList arguments = QApplication::arguments();
     const QString role = arguments.value(1);
     const QString folder = arguments.value(2);

@@ -35,6 +35,7 @@ nudge() { step=$((step % 5 + 1)); xdotool mousemove $(($1 + step)) $(($2 + step)
 enters() { xdotool mousemove 5 880; nudge "$1" "$2"; has_said source '^entered'; }
 has_begun() { nudge "$1" "$2"; has_said source '[bB]egin'; }
 hovers() { nudge "$1" "$2"; has_said target '^hovering'; }
+is_welcome() { nudge "$1" "$2"; has_said source '^would [1-9]'; }
 
 # begin X Y: takes up what lies there.
 begin() {
@@ -45,11 +46,17 @@ begin() {
     until_true has_begun $(($1 + 20)) "$2" || fail "no drag begins"
 }
 
+# drop X Y: lets go of it there, once the target has noticed and the source has heard what the target would do.
+drop() {
+    until_true hovers "$1" "$2" || fail "the target does not notice"
+    until_true is_welcome "$1" "$2" || fail "the source does not hear from the target"
+    xdotool mouseup 1
+}
+
 # drag X0 Y0 X1 Y1: from source to target. Each stage waits until the programs have noticed the one before.
 drag() {
     begin "$1" "$2"
-    if [ $# -eq 4 ]; then until_true hovers "$3" "$4" || fail "the target does not notice"; fi
-    xdotool mouseup 1
+    if [ $# -eq 4 ]; then drop "$3" "$4"; else xdotool mouseup 1; fi
 }
 
 cues() {
@@ -91,8 +98,7 @@ for loss in track card model; do
     start source card "$folder/card" 100 300 "$loss"; card=$pid; from=$place
     begin $from
     says source "^lost $loss"
-    until_true hovers $to || fail "the target does not notice"
-    xdotool mouseup 1
+    drop $to
     says target '^dropped'
     cmp "$folder/card/payload" "$folder/sink/7"
     says source 'End subtitle drag: operation=1'
