@@ -66,7 +66,7 @@ private:
     };
 
     double x(qint64 ms) const { return m_scene.scale.x(ms); }
-    int waveTop() const { return rulerHeight; }
+    static int waveTop() { return rulerHeight; }
     int waveBottom() const { return m_size.height() - laneHeight; }
 
     void drawWaveform()
