@@ -1,4 +1,5 @@
 #include "cli/Commands.h"
+#include "cli/Interrupt.h"
 #include "cli/Result.h"
 #include "cli/SrtFolder.h"
 #include "core/ConversionError.h"
@@ -57,7 +58,7 @@ std::vector<Track> readTracks(const ExtractArguments &arguments)
     const XmlDocument document = Arguments::readProjectTexts(arguments.input);
     const QString name = Arguments::toText(arguments.project);
     const bool holdsClipsOnly = name.isEmpty() && FCPXML::projects(document).empty();
-    return ProjectTexts::read(document, holdsClipsOnly ? nullptr : FCPXML::project(document, name));
+    return ProjectTexts::read(document, holdsClipsOnly ? nullptr : FCPXML::project(document, name), Interrupt::check);
 }
 
 std::vector<const Track *> withCues(const std::vector<Track> &tracks)

@@ -106,11 +106,13 @@ void runRetext(const RetextArguments &arguments)
     const QList<Subtitle> cues = SRT::decode(Arguments::readInput(arguments.cues));
     Interrupt::check();
     const Retext::Result result =
-        Retext::apply(project, {.project = Arguments::toText(arguments.project),
-                                .track = Arguments::toText(arguments.track),
-                                .cues = cues,
-                                .origins = {},
-                                .scope = arguments.moves ? Retext::Scope::everything : Retext::Scope::texts});
+        Retext::apply(project,
+                      {.project = Arguments::toText(arguments.project),
+                       .track = Arguments::toText(arguments.track),
+                       .cues = cues,
+                       .origins = {},
+                       .scope = arguments.moves ? Retext::Scope::everything : Retext::Scope::texts},
+                      Interrupt::check);
     Result::deliver(
         arguments.output, [&](Utf8Writer &out) { out.bytes(result.document); },
         [&](JsonWriter &json) { writeReceipt(json, result.receipt); });

@@ -54,14 +54,15 @@ std::optional<FCPAudioPlan> readablePlan(const XmlDocument &document, Job &job)
 }
 
 /// The titles that can be read. Where none can, matching and hearing the project are not touched by it.
-QList<SubtitleTrack> standingTitles(const XmlDocument &document, bool isProject)
+QList<SubtitleTrack> standingTitles(const XmlDocument &document, bool isProject, const Check &check)
 {
     QList<SubtitleTrack> titles;
     try {
-        for (const auto &track : ProjectTexts::read(document, isProject ? FCPXML::project(document) : nullptr)) {
-            if (!track.items.isEmpty())
-                titles.append(
-                    {.label = track.label, .items = track.items, .origins = ProjectTexts::origins(document, track)});
+        const auto tracks = ProjectTexts::read(document, isProject ? FCPXML::project(document) : nullptr, check);
+        const auto origins = ProjectTexts::origins(document, tracks, check);
+        for (size_t i = 0; i < tracks.size(); ++i) {
+            if (!tracks[i].items.isEmpty())
+                titles.append({.label = tracks[i].label, .items = tracks[i].items, .origins = origins[i]});
         }
     } catch (const ConversionError &) {
         titles.clear(); // as when there are none: they are an offer
@@ -95,7 +96,7 @@ ImportedTimeline readTimeline(const XmlDocument &document, FCPProject project, J
         timeline.failure = Failure::of(error);
     }
     job.check();
-    timeline.titles = standingTitles(document, isProject);
+    timeline.titles = standingTitles(document, isProject, [&] { job.check(); });
     return timeline;
 }
 

@@ -36,16 +36,17 @@ qsizetype sharedStarts(const SubtitleTrack &track, const QList<Subtitle> &standi
 
 /// The label of the project's track that `track` was read from, else of the one that is most like it in its times.
 /// @throws ConversionError when it is like none
-QString standingTrack(const XmlDocument &document, const SubtitleTrack &track)
+QString standingTrack(const XmlDocument &document, const SubtitleTrack &track, const Check &check)
 {
     QString label;
     std::pair<qsizetype, qsizetype> most;
-    for (const ProjectTexts::Track &each : ProjectTexts::read(document, FCPXML::project(document))) {
-        const std::pair likeness(originsAmong(track, ProjectTexts::origins(document, each)),
-                                 sharedStarts(track, each.items));
+    const auto standing = ProjectTexts::read(document, FCPXML::project(document), check);
+    const auto origins = ProjectTexts::origins(document, standing, check);
+    for (size_t i = 0; i < standing.size(); ++i) {
+        const std::pair likeness(originsAmong(track, origins[i]), sharedStarts(track, standing[i].items));
         if (likeness > most) {
             most = likeness;
-            label = each.label;
+            label = standing[i].label;
         }
     }
     if (label.isEmpty())
@@ -56,11 +57,11 @@ QString standingTrack(const XmlDocument &document, const SubtitleTrack &track)
 Retext::Result result(const FCPProject &project, const SubtitleTrack &track, Retext::Scope scope, Job &job)
 {
     const Check check = [&] { job.check(); };
-    const QString label = standingTrack(Imports::document(project, check), track);
+    const QString label = standingTrack(Imports::document(project, check), track, check);
     check();
-    return Retext::apply(
-        project.document,
-        {.project = {}, .track = label, .cues = track.items, .origins = track.origins, .scope = scope});
+    return Retext::apply(project.document,
+                         {.project = {}, .track = label, .cues = track.items, .origins = track.origins, .scope = scope},
+                         check);
 }
 
 } // namespace
@@ -136,9 +137,11 @@ void TitleWriting::write(const QString &path)
         return;
     m_files.run(
         u"正在写入标题…"_s,
-        [path, document = m_result->document](Job & /*job*/, const ProgressReport & /*report*/) {
+        [path, document = m_result->document](Job &job, const ProgressReport & /*report*/) {
             AtomicFile file(path);
             file.write(document);
+            file.sync();
+            job.check();
             file.commit(AtomicFile::Durability::powerCut);
             return true;
         },

@@ -10,6 +10,7 @@
 #include <limits>
 #include <map>
 #include <set>
+#include <unordered_map>
 
 using namespace Qt::StringLiterals;
 
@@ -210,16 +211,19 @@ XmlDocument document(QByteArrayView bytes, const Check &check)
     return XmlDocument::parse(bytes, u"不支持含外部实体的 XML。", texts, check);
 }
 
-std::vector<Track> read(const XmlDocument &document, const xmlNode *project)
+std::vector<Track> read(const XmlDocument &document, const xmlNode *project, const Check &check)
 {
     try {
         MediaResources resources(document, project);
-        TextWalk walk(resources);
+        TextWalk walk(resources, check);
         ProjectTexts::walk(document, project, resources, walk);
         const Grid grid(walk.frameDuration());
         Collector collector(grid);
-        for (TextWalk::Found &found : walk.takeFound())
+        SparseCheck goOn(check);
+        for (TextWalk::Found &found : walk.takeFound()) {
+            goOn();
             collector.take(std::move(found));
+        }
         std::vector<Track> tracks = collector.finish();
         for (Track &track : tracks)
             track.frameDuration = walk.frameDuration();
@@ -229,18 +233,24 @@ std::vector<Track> read(const XmlDocument &document, const xmlNode *project)
     }
 }
 
-QList<TextOrigin> origins(const XmlDocument &document, const Track &track)
+std::vector<QList<TextOrigin>> origins(const XmlDocument &document, const std::vector<Track> &tracks,
+                                       const Check &check)
 {
-    std::map<const xmlNode *, qint64> numbers;
+    SparseCheck goOn(check);
+    std::unordered_map<const xmlNode *, qint64> numbers;
     for (const xmlNode *element = document.root(); element; element = Xml::nextElement(element, document.root())) {
+        goOn();
         if (Xml::isElement(element, "title") || Xml::isElement(element, "caption"))
             numbers.emplace(element, qint64(numbers.size()));
     }
-    QList<TextOrigin> origins;
-    for (qsizetype i = 0; i < track.items.size(); ++i)
-        origins.append({.cue = track.items[i].id,
+    std::vector<QList<TextOrigin>> origins;
+    for (const Track &track : tracks) {
+        QList<TextOrigin> &own = origins.emplace_back();
+        for (qsizetype i = 0; i < track.items.size(); ++i)
+            own.append({.cue = track.items[i].id,
                         .number = numbers.at(track.places[size_t(i)].element),
                         .text = track.items[i].text});
+    }
     return origins;
 }
 

@@ -41,12 +41,14 @@ XmlDocument document(QByteArrayView bytes, const Check &check = {});
 
 /// All tracks, in the order in which the document first mentions them. Titles without any text are in none.
 /// `project` may be null for a document that holds clips instead: one, or several that say where they lie. The places
-/// refer to `document`.
+/// refer to `document`. Calls `check` every few milliseconds.
 /// @throws ConversionError when the document is none of Final Cut Pro, holds nothing, or more than can be walked.
-std::vector<Track> read(const XmlDocument &document, const xmlNode *project);
+std::vector<Track> read(const XmlDocument &document, const xmlNode *project, const Check &check = {});
 
-/// Where the cues of `track` came from, for whoever puts their texts back later.
-QList<TextOrigin> origins(const XmlDocument &document, const Track &track);
+/// Where the cues of each of `tracks` came from, for whoever puts their texts back later. `document` is the one that
+/// they were read from, whole.
+std::vector<QList<TextOrigin>> origins(const XmlDocument &document, const std::vector<Track> &tracks,
+                                       const Check &check = {});
 
 /// The tracks' labels, for a choice.
 QStringList labels(const std::vector<Track> &tracks);

@@ -4,6 +4,7 @@
 #include "core/SRT.h"
 #include "fcp/FCPXML.h"
 #include "fcp/texts/ProjectTexts.h"
+#include "fcp/texts/TextDifference.h"
 #include "fcp/texts/TextEditor.h"
 #include "fcp/texts/TextFields.h"
 #include "fcp/texts/TextMatching.h"
@@ -216,37 +217,12 @@ private:
     std::set<const xmlNode *> m_moved;
 };
 
-/// Whether two documents differ in nothing but the content of runs and the names of titles.
-bool differInTextsOnly(const XmlDocument &before, const XmlDocument &after)
-{
-    const xmlNode *a = before.root();
-    const xmlNode *b = after.root();
-    while (a && b) {
-        const QByteArrayView name = Xml::elementName(a);
-        if (name != Xml::elementName(b))
-            return false;
-        const bool isText = name == "title" || name == "caption";
-        const xmlAttr *left = a->properties;
-        const xmlAttr *right = b->properties;
-        for (; left && right; left = left->next, right = right->next) {
-            const QByteArray key(reinterpret_cast<const char *>(left->name));
-            if (key != QByteArrayView(reinterpret_cast<const char *>(right->name)) ||
-                (Xml::attribute(a, key) != Xml::attribute(b, key) && !(isText && key == "name")))
-                return false;
-        }
-        if (left || right)
-            return false;
-        a = Xml::nextElement(a, before.root());
-        b = Xml::nextElement(b, after.root());
-    }
-    return !a && !b;
-}
-
 /// Reads the result again: every changed title must say what was asked for, and nothing else may have changed.
-void verify(const Result &result, const XmlDocument &before, const Request &request, const QString &label)
+void verify(const Result &result, const XmlDocument &before, const Request &request, const QString &label,
+            const Check &check)
 {
-    const XmlDocument after = XmlDocument::parse(result.document, entityRefusal);
-    const auto tracks = ProjectTexts::read(after, FCPXML::project(after, request.project));
+    const XmlDocument after = XmlDocument::parse(result.document, entityRefusal, check);
+    const auto tracks = ProjectTexts::read(after, FCPXML::project(after, request.project), check);
     QMultiHash<QString, qint64> texts;
     for (const Track &track : tracks) {
         if (track.label != label)
@@ -256,21 +232,21 @@ void verify(const Result &result, const XmlDocument &before, const Request &requ
     }
     const auto stands = [&](const Changed &each) { return texts.contains(each.after); };
     if (!std::ranges::all_of(result.receipt.changed, stands) ||
-        (request.scope == Scope::texts && !differInTextsOnly(before, after)))
+        (request.scope == Scope::texts && !TextDifference::isAll(before, after, check)))
         throw ConversionError(u"写入后核对不一致，原文件没有改动。"_s);
 }
 
 } // namespace
 
-Result apply(const QByteArray &bytes, const Request &request)
+Result apply(const QByteArray &bytes, const Request &request, const Check &check)
 {
-    const XmlDocument tree = XmlDocument::parse(bytes, entityRefusal);
-    const auto tracks = ProjectTexts::read(tree, FCPXML::project(tree, request.project));
+    const XmlDocument tree = XmlDocument::parse(bytes, entityRefusal, check);
+    const auto tracks = ProjectTexts::read(tree, FCPXML::project(tree, request.project), check);
     const Track &track = choose(tracks, request.track);
     try {
         Result result = Work(request, bytes, tree, track).run();
         if (result.document != bytes)
-            verify(result, tree, request, track.label);
+            verify(result, tree, request, track.label, check);
         return result;
     } catch (const RationalOverflow &) {
         throw ConversionError(u"FCP 时间值无效。"_s);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "core/Subtitle.h"
 #include "fcp/texts/TextOrigin.h"
 
@@ -62,9 +63,9 @@ struct Result
 };
 
 /// Cues are matched to titles by their origins, then by the frame on which they start, then by order.
-/// The result is read again and compared before it is returned.
+/// The result is read again and compared before it is returned. Calls `check` while it reads and compares.
 /// @throws ConversionError when there is no such project or track, or more than one, or the document cannot be read;
 /// PlatformError when it is no XML.
-Result apply(const QByteArray &bytes, const Request &request);
+Result apply(const QByteArray &bytes, const Request &request, const Check &check = {});
 
 } // namespace Retext

@@ -70,8 +70,9 @@ void hide(QString &obstacle, QStringView reason)
 
 } // namespace
 
-TextWalk::TextWalk(MediaResources &resources)
+TextWalk::TextWalk(MediaResources &resources, const Check &check)
     : m_resources(resources)
+    , m_check(check)
 {}
 
 bool TextWalk::passesOver(const xmlNode *parent, QByteArrayView name)
@@ -154,6 +155,7 @@ void TextWalk::visitItems(const xmlNode *parent, const Rational &begin, const Pl
 
 void TextWalk::visit(const xmlNode *element, const Rational &offset, Place place)
 {
+    m_check();
     if (++m_visits > mostVisits || ++place.nesting > deepestNesting)
         throw ConversionError(u"项目中的复合片段展开后过多，无法读取其中的字幕。"_s);
     const Kind kind = kindOf(element);

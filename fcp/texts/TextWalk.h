@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Check.h"
 #include "fcp/timeline/MediaResources.h"
 #include "fcp/timeline/TimeMap.h"
 #include "fcp/timeline/TimeRange.h"
@@ -31,7 +32,8 @@ public:
         bool cut = false;                 ///< Whether `shown` is less than all of it.
     };
 
-    explicit TextWalk(MediaResources &resources);
+    /// Calls `check` every few milliseconds while it walks.
+    explicit TextWalk(MediaResources &resources, const Check &check = {});
 
     /// Whether no walk looks at an element of that name in `parent`, nor at what stands in it: the looks of titles, and
     /// what was done to clips. That is most of a document.
@@ -81,6 +83,7 @@ private:
     Place inside(const xmlNode *element, const TimeMap &own, const Place &place);
 
     MediaResources &m_resources;
+    SparseCheck m_check;
     std::vector<Found> m_found;
     std::optional<Rational> m_frameDuration;
     int m_visits = 0;

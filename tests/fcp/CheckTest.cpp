@@ -3,8 +3,10 @@
 #include "core/files/Utf8Writer.h"
 #include "fcp/FCPXML.h"
 #include "fcp/audio/FCPAudioPlan.h"
+#include "fcp/texts/ProjectTexts.h"
 #include "fcp/titles/SubtitleTransfer.h"
 #include "fcp/titles/WrittenTitles.h"
+#include "fcp/validation/DocumentCheck.h"
 #include "tests/support/Generator.h"
 #include "tests/support/StoryDocument.h"
 
@@ -36,6 +38,8 @@ TEST(Check, is_asked_all_the_way_through_and_ends_what_asks)
     const Options options;
     const TitleDocument titles = FCPXML::convert(cues, std::nullopt, options);
     const QByteArray written = titles.toUtf8();
+    const XmlDocument titled = XmlDocument::parse(written, {});
+    const auto tracks = ProjectTexts::read(titled, FCPXML::project(titled));
     struct Row
     {
         const char *name;
@@ -47,6 +51,9 @@ TEST(Check, is_asked_all_the_way_through_and_ends_what_asks)
         {"reading a project", 9, [&](const Check &check) { FCPXML::document(project, u"/"_s, check); }},
         {"planning its sound", 4,
          [&](const Check &check) { FCPAudioPlan::parse(document, UnreadableClips::refuse, check); }},
+        {"checking it", 8, [&](const Check &check) { DocumentCheck::problems(project, check); }},
+        {"reading titles", 8, [&](const Check &check) { ProjectTexts::read(titled, FCPXML::project(titled), check); }},
+        {"numbering them", 39, [&](const Check &check) { ProjectTexts::origins(titled, tracks, check); }},
         {"making titles", 12, [&](const Check &check) { FCPXML::convert(cues, std::nullopt, options, {}, check); }},
         {"making a clip", 14, [&](const Check &check) { SubtitleTransfer::clip(cues, options, check); }},
         {"holding titles against cues", 30,

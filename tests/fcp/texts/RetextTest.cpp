@@ -1,8 +1,10 @@
 #include "fcp/texts/Retext.h"
 
+#include "core/Cancelled.h"
 #include "core/ConversionError.h"
 #include "fcp/FCPXML.h"
 #include "fcp/texts/ProjectTexts.h"
+#include "fcp/texts/TextDifference.h"
 #include "tests/support/Generator.h"
 #include "tests/support/StoryDocument.h"
 
@@ -249,6 +251,61 @@ TEST(Retext, a_text_that_tells_no_field_is_refused)
     const auto result = Retext::apply(project, {.cues = {cue(5, u"甲\n乙\n丙"_s)}});
     EXPECT_TRUE(result.document == project);
     EXPECT_EQ(summary(result.receipt), "!标题有多个文本栏，无法判断改动属于哪一栏");
+}
+
+/// What guards the user's document: a writer that changes more than words must not get through.
+TEST(TextDifference, words_may_differ_and_nothing_else)
+{
+    const QByteArray note = "<note>n</note>";
+    const QByteArray bytes = "<fcpxml><title name='N' lane='1'><text><text-style ref='a'>甲</text-style></text>" +
+                             note + "</title></fcpxml>";
+    const struct
+    {
+        QByteArray from; ///< In the document above.
+        QByteArray to;
+        bool isAll;
+    } rows[] = {
+        {"甲", "乙", true},
+        {"name='N'", "name='M'", true},
+        {"lane='1'", "lane='2'", false},
+        {" lane='1'", "", false},
+        {"lane='1'", "lane='1' role='r'", false},
+        {"lane=", "line=", false},
+        {"ref='a'", "ref='b'", false},
+        {note, "<note>m</note>", false},
+        {note, "", false},
+        {note, note + note, false},
+        {note, "<text>n</text>", false},
+        {note, "<note name='x'>n</note>", false},
+    };
+    const XmlDocument before = XmlDocument::parse(bytes, {});
+    for (const auto &[from, to, isAll] : rows) {
+        const XmlDocument after = XmlDocument::parse(QByteArray(bytes).replace(from, to), {});
+        EXPECT_EQ(TextDifference::isAll(before, after), isAll) << to.toStdString();
+        EXPECT_EQ(TextDifference::isAll(after, before), isAll) << to.toStdString();
+    }
+}
+
+TEST(Retext, a_cancel_is_felt_in_reading_and_in_comparing)
+{
+    QByteArray titles;
+    for (int i = 0; i < 600; ++i)
+        titles += one(QByteArray::number(i), "字");
+    const QByteArray project = document(titles);
+    int calls = 0;
+    const auto run = [&](int last) {
+        int made = 0;
+        const Check check = [&] {
+            if (++made == last)
+                throw Cancelled();
+            ++calls;
+        };
+        Retext::apply(project, {.cues = {cue(1, u"新"_s)}}, check);
+    };
+    run(0);
+    EXPECT_GE(calls, 8) << "3,000 elements read twice and compared";
+    for (int last = 1, all = calls; last <= all; ++last)
+        EXPECT_THROW(run(last), Cancelled);
 }
 
 TEST(Retext, the_track_must_be_clear)
