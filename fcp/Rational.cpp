@@ -146,7 +146,7 @@ Rational Rational::reduce(Wide numerator, Wide denominator)
     }
     const bool isNegative = numerator < 0;
     Wide size = isNegative ? -numerator : numerator;
-    const Wide divisor = greatestCommonDivisor(size, denominator);
+    const Wide divisor = denominator == 1 ? Wide(1) : greatestCommonDivisor(size, denominator);
     size = quotient(size, divisor);
     denominator = quotient(denominator, divisor);
     // The smallest 64-bit number has no positive counterpart and is left out.
