@@ -179,6 +179,14 @@ TEST(DocumentCheck, what_is_no_document_is_refused)
         DocumentCheck::mostProblems + 1);
 }
 
+TEST(DocumentCheck, a_title_of_anything_but_an_effect_is_told_of)
+{
+    const QByteArray bytes = sound()
+                                 .replace("<effect", "<param id=\"p1\"/><effect")
+                                 .replace("<title ref=\"e1\" lane", "<title ref=\"p1\" lane");
+    EXPECT_NE(findings(bytes).find("14 title title.effect"), std::string::npos) << findings(bytes);
+}
+
 TEST(DocumentCheck, an_old_version_is_taken_and_an_unknown_one_is_not)
 {
     using Severity = Problem::Severity;
