@@ -101,8 +101,8 @@ QList<Subtitle> placing(QList<Subtitle> items, QList<Subtitle> cues)
 {
     qint64 id = nextID(items);
     for (qsizetype i = 0; i < cues.size(); ++i) {
-        cues = settingTimes(std::move(cues), i, cues[i].start, cues[i].end);
-        cues = settingText(std::move(cues), i, cues[i].text);
+        const Subtitle cue = cues[i];
+        cues = settingText(settingTimes(std::move(cues), i, cue.start, cue.end), i, cue.text);
     }
     std::ranges::stable_sort(cues, {}, &Subtitle::start);
     for (Subtitle &cue : cues)
