@@ -143,7 +143,7 @@ QByteArray step(HistoryMove move, const LintoraSession &before, const LintoraSes
 {
     const char letter = std::ranges::find(moveLetters, move, &std::pair<HistoryMove, char>::first)->second;
     if (move == HistoryMove::undo || move == HistoryMove::redo)
-        return QByteArray(1, letter);
+        return {1, letter};
     return letter + jsonBytes([&](JsonWriter &json) {
                json.beginObject();
                json.key("change");

@@ -96,7 +96,7 @@ std::shared_ptr<const FrozenTrack> HistoryReplay::changed(const SessionChange::T
 {
     const std::vector<std::shared_ptr<const FrozenTrack>> &tracks = m_states.current.tracks;
     require(!track.from || (*track.from >= 0 && *track.from < qint64(tracks.size())));
-    const auto former = track.from ? tracks[size_t(*track.from)] : nullptr;
+    auto former = track.from ? tracks[size_t(*track.from)] : nullptr;
     if (former && !track.items && !track.previousItems && !track.hasNoPreviousItems && !track.rest)
         return former;
     FrozenTrack result = former ? *former : FrozenTrack{.rest = {}, .items = frozenAlone({}), .previousItems = {}};

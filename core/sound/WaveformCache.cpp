@@ -59,7 +59,7 @@ std::optional<Waveform> WaveformCache::find(const Key &key) const
     const QByteArray digest = entry.read(head - form.size());
     QCryptographicHash hash(digestMethod);
     hash.addData(bytesOf(key));
-    const auto waveform = Waveform::read(entry.size() - head, [&](std::span<char> bytes) {
+    auto waveform = Waveform::read(entry.size() - head, [&](std::span<char> bytes) {
         if (entry.read(bytes.data(), qint64(bytes.size())) != qint64(bytes.size()))
             return false;
         hash.addData(QByteArrayView(bytes.data(), qsizetype(bytes.size())));

@@ -97,7 +97,9 @@ void DocumentSketch::end()
 /// Any resource can be referred to, the lines of a caption are counted, and any element may bear a date.
 bool DocumentSketch::isLookedAt(const XmlTag &tag, const Open &parent)
 {
-    if (!parent.element || parent.element->isLeaf())
+    if (!parent.element)
+        return false;
+    if (parent.element->isLeaf())
         return parent.keepsText;
     return !tag.isPlain() || !isLeafName(nameView(tag.name())) || parent.element->is("resources") ||
            (tag.isNamed("text") && parent.element->is("caption")) || tag.value("modDate");
