@@ -14,6 +14,10 @@
 /// cues 0.31 ms, with the hand-over of its save 0.25 ms (nothing waits then); undo and redo together 0.38 ms. From the
 /// edit until it is durably on the disk 11.5 ms, where encoding and a bare write, sync and rename of the same bytes
 /// take 12.0 ms.
+///
+/// With the journal of the steps, the same machine (medians of 5): the edit 0.26 ms, with the hand-over 0.22 ms, undo
+/// and redo 0.53 ms, until it is on the disk 15.7 ms against 11.0 ms of the bare write of the draft alone. The model's
+/// part of a start that takes up 0, 100, 1,000 or 2,000 steps: 30, 31, 45, 47 ms.
 namespace {
 
 using namespace Qt::StringLiterals;
