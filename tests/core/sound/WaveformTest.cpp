@@ -132,6 +132,10 @@ TEST(Waveform, of_two_sounds_together_is_as_high_as_both_may_be)
         EXPECT_EQ(both.between(8'000, 61'000), late.between(8'000, 61'000));
         EXPECT_EQ(both.speech().onset(1'000, 50), 1'000);
     }
+    // Silent for longer than is looked at in one piece.
+    const Waveform afterSilence = waveformOf(tone(45'000, 30'000, 40'000, 0.25));
+    const Waveform both = Waveform::together(afterSilence, waveformOf(tone(61'000, 0, 1'000, 0.5)));
+    EXPECT_EQ(both.between(30'100, 39'900), afterSilence.between(30'100, 39'900));
     const Waveform loud = waveformOf(tone(1'000, 0, 1'000, 0.9));
     EXPECT_EQ(Waveform::together(loud, loud).between(0, 500).high, 127);
     EXPECT_EQ(Waveform::together(Waveform(), loud), loud);
